@@ -1,0 +1,395 @@
+/* vs_pfs.h - the document filter vs_pfs: its one public interface, and its manual.
+ *
+ * vs_pfs reads documents of PFS: WRITE, Professional Write, IBM Writing Assistant and
+ * PFS: First Choice and reports what they hold as a stream of calls: characters, attribute
+ * changes, indents, breaks, tab stops, headers and footers. The host owns the file, the
+ * layout and the screen; the filter never draws, never opens and never writes a file.
+ *
+ * ORDER OF CALLS
+ *
+ *   VwGetRtns               once per loaded module: the table of entry points
+ *   for each document:
+ *     VwAllocProc           an instance record; the host owns it until VwFreeProc
+ *     VwLocalUp             wraps the host's block file into a character stream and sets
+ *                           every output routine to SODummy; check the stream for null
+ *     VwSetSoRtn, VwSetUser the host's output routines and its two words
+ *     VwStreamOpen          recognises the document and reads its header
+ *     VwStreamSection       announces the one section
+ *     VwStreamRead          again and again, until break VW_BREAK_END_OF_DOCUMENT is reported
+ *     VwLocalDown           frees the stream, hands the block file back
+ *     VwFreeProc            frees the instance
+ *
+ * VwLocalUp must come before VwSetSoRtn: it overwrites every routine.
+ *
+ * STOPPING AND RESUMING
+ *
+ * At each paragraph end VwStreamRead reports VW_BREAK_PARAGRAPH. If the routine answers 1
+ * the call returns at once, and the next VwStreamRead goes on from there. At such a place
+ * VwStreamTell and VwGetData give a position and VW_SAVED_STATE_SIZE bytes with which
+ * reading can be resumed later: VwSetData, VwStreamSeek, VwStreamRead. The pair is good for
+ * the same document only, in any instance that has opened it. A routine 13 left
+ * unregistered answers 1 to every paragraph end, for SODummy returns its first argument.
+ *
+ * UNITS
+ *
+ * Measures are twips: VW_TWIPS_PER_COLUMN (144) is one character column, 240 is single and
+ * 480 double line spacing. Characters are the document's own bytes (code page 437 in nearly
+ * all of them); the filter does not convert them. All integers are in native byte order.
+ *
+ * 16-BIT VALUES
+ *
+ * Small integers travel as whole 32-bit words and are read as 16-bit values where the
+ * comment says so: only the low 16 bits count.
+ *
+ * THREADS
+ *
+ * Everything runs on the caller's thread. The module has no mutable global state: any number
+ * of instances may be in use, each by one thread at a time. Output routines are called
+ * synchronously and may use VwStreamTell on the stream being read; they must not throw or
+ * jump out of the filter, and must not read, seek or release that stream.
+ *
+ * WHAT IS PROMISED OF BAD INPUT
+ *
+ * Any file content is read without leaving the filter's own memory and to an end: data that
+ * stop without the end byte report VW_BREAK_END_OF_DOCUMENT where they stop. A read that
+ * fails, or that claims more bytes than were asked for, counts as the end of the data. Any
+ * bytes given to VwSetData may make nonsense of the text, never more than that.
+ *
+ * NOT PROMISED
+ *
+ * That a text is what its author saw; that a null pointer is survived where this file does
+ * not say so; the layout of the instance record and of the saved state.
+ */
+#ifndef VS_PFS_H
+#define VS_PFS_H
+
+#include <stdint.h>
+
+#if defined(VS_PFS_STATIC) /* linked in rather than loaded */
+#define VS_PFS_API
+#elif defined(_WIN32) && defined(VS_PFS_BUILD)
+#define VS_PFS_API __declspec(dllexport)
+#elif defined(_WIN32)
+#define VS_PFS_API __declspec(dllimport)
+#elif defined(__GNUC__)
+#define VS_PFS_API __attribute__((visibility("default")))
+#else
+#define VS_PFS_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The per-document record. Opaque; from VwAllocProc. */
+typedef struct VwInstance VwInstance;
+typedef struct VwBlockFile VwBlockFile;
+typedef struct VwCharStream VwCharStream;
+typedef struct VwFileDescription VwFileDescription;
+
+/* Any routine, in transit. Both sides cast it to the routine's own type before a call. */
+typedef void (*VwRoutine)(void);
+
+#define VW_TWIPS_PER_COLUMN 144
+#define VW_SINGLE_SPACING 240
+#define VW_DOUBLE_SPACING 480
+
+/* ------------------------------------------------------------------ block files --- */
+
+/* The host's file: a record that begins with these seven pointers, followed by whatever the
+ * host keeps there. The host owns it; it must outlive the stream that wraps it. Each
+ * operation returns 0 for success and anything else for failure. */
+struct VwBlockFile {
+    /* Closes the file. Called by VwBlockClose only. */
+    int32_t (*close)(VwBlockFile *self);
+    /* Reads up to count bytes at the current position, advances it and stores the number
+     * read, 0 at the end of the file. Fewer than count ends the data no sooner than the
+     * next read does. */
+    int32_t (*read)(VwBlockFile *self, void *destination, uint32_t count, uint32_t *count_read);
+    VwRoutine reserved2; /* never called */
+    /* Moves to offset bytes from the start (origin 0) or from the end (origin 2). With
+     * origin 0 the offset is a position: its 32 bits are to be read as unsigned. */
+    int32_t (*seek)(VwBlockFile *self, uint32_t origin, int32_t offset);
+    /* Stores the current position. */
+    int32_t (*tell)(VwBlockFile *self, uint32_t *position);
+    VwRoutine reserved5; /* never called */
+    /* Opens a related file and stores it in *result. Code VW_OPEN_PATH: argument is a
+     * NUL-terminated path. Code VW_OPEN_BESIDE: argument is a VwOpenBeside. The last
+     * argument is always 1. Called by VwBlockOpen only. */
+    int32_t (*open)(VwBlockFile **result, uint32_t code, const void *argument, uint32_t one);
+};
+
+enum { VW_OPEN_PATH = 1, VW_OPEN_BESIDE = 9 };
+
+/* Names a file in the same place as an open one. */
+typedef struct VwOpenBeside {
+    VwBlockFile *existing;
+    char name[256]; /* without path, NUL-terminated */
+} VwOpenBeside;
+
+/* Helpers over the operations, for the host; the filter's own reading does not use them. */
+
+/* Reads up to count (16-bit) bytes, stores how many (low 16 bits). 0, or -1 on failure. */
+VS_PFS_API int32_t VwBlockRead(VwBlockFile *file, void *destination, uint32_t count,
+                               uint16_t *count_read);
+/* Seeks; origin is 16-bit, 0 or 2. 0, or -1 on failure. */
+VS_PFS_API int32_t VwBlockSeek(VwBlockFile *file, int32_t offset, uint32_t origin);
+/* The current position, or -1 on failure. */
+VS_PFS_API int32_t VwBlockTell(VwBlockFile *file);
+/* Closes the file. 0 whatever the file answers. */
+VS_PFS_API int32_t VwBlockClose(VwBlockFile *file);
+/* Opens path, or failing that the file of that name beside `file` (what follows the last
+ * '\\', '/' or ':' is the name). Returns the new file, which the host owns, or the pointer
+ * value -1: for an empty path, for a name of 256 characters or more, and when the host's
+ * open refuses both. The third argument is not used. */
+VS_PFS_API VwBlockFile *VwBlockOpen(VwBlockFile *file, const char *path, uint32_t unused);
+
+/* ------------------------------------------------------------- character streams --- */
+
+#define VW_STREAM_BUFFER_SIZE 2048
+
+/* A buffered, seekable byte reader over a block file. Public so that VwCharGet can be
+ * expanded in place; treat the members as read-only.
+ * While bytes are buffered: cursor == buffer + (bufferLength - remaining), and the next
+ * byte's position is bufferBase + bufferLength - remaining. */
+struct VwCharStream {
+    int16_t remaining;     /* bytes not yet delivered; below 0 after reads at the end */
+    uint32_t bufferLength; /* valid bytes in the buffer, 0 to 2048 */
+    uint32_t bufferBase;   /* file position of the buffer's first byte */
+    uint8_t buffer[VW_STREAM_BUFFER_SIZE];
+    uint8_t *cursor; /* next byte to deliver, inside the buffer */
+    VwBlockFile *blockFile;
+};
+
+/* Wraps a block file; reading starts at position 0 wherever the file stands. Null when
+ * memory is short. Owned by the caller until VwCharToBlock. */
+VS_PFS_API VwCharStream *VwBlockToChar(VwBlockFile *file);
+/* Frees the stream and returns the block file it wrapped, still open. */
+VS_PFS_API VwBlockFile *VwCharToBlock(VwCharStream *stream);
+/* Refills the buffer and delivers its first byte, 0 to 255; -1 at the end of the data or
+ * when the read fails. The slow half of VwCharGet; not to be called while bytes remain. */
+VS_PFS_API int32_t vxfilbuf(VwCharStream *stream);
+/* Moves to position: absolute (origin 0), relative to here (1) or to the end (2); origin is
+ * a signed 16-bit value and any other one is taken as 0. 0, or -1 when the block file
+ * refuses; the stream then stands empty at the position asked for, or, if origin 2 could
+ * not be resolved, where it was. */
+VS_PFS_API int32_t VwCharSeek(VwCharStream *stream, uint32_t position, int32_t origin);
+/* The next byte's position. Each read past the end counts one further. */
+VS_PFS_API uint32_t VwCharTell(VwCharStream *stream);
+/* VwBlockOpen on the stream's file, wrapped into a new stream. The pointer value -1 on
+ * failure; a file that opened but could not be wrapped is then not closed. */
+VS_PFS_API VwCharStream *VwCharBlockOpen(VwCharStream *stream, const char *path, uint32_t flags);
+/* Frees the stream and closes its block file. Always 0. */
+VS_PFS_API int32_t VwCharBlockClose(VwCharStream *stream);
+
+/* The next byte, 0 to 255, or -1 at the end of the data. */
+static inline int32_t VwCharGet(VwCharStream *stream)
+{
+    if (stream->remaining > 0) {
+        --stream->remaining;
+        return *stream->cursor++;
+    }
+    if (stream->remaining > INT16_MIN) { /* held there: it must never climb back to 0 */
+        --stream->remaining;
+    }
+    return vxfilbuf(stream);
+}
+
+/* Takes the byte just delivered back, so that it is delivered again. Once per byte, and not
+ * after -1; at the start of the buffer it does nothing. */
+static inline void VwCharUnget(VwCharStream *stream)
+{
+    if (stream->cursor != stream->buffer) {
+        ++stream->remaining;
+        --stream->cursor;
+    }
+}
+
+/* ---------------------------------------------------------------- output routines --- */
+
+/* Ids for VwSetSoRtn. 1 to 65 can be registered; the filter calls only these. */
+enum VwOutputId {
+    VW_SO_CHARACTER = 1,         /* (byte): a character; 0x20 where wrapped lines join; a
+                                    missing byte of a cut header text is -1 */
+    VW_SO_SPECIAL_CHARACTER = 2, /* (byte, 7): a space of a line that holds only spaces, or
+                                    one byte of an embedded command, its asterisks included */
+    VW_SO_PAGE_BREAK = 3,        /* (4, 0) */
+    VW_SO_ATTRIBUTE = 4,         /* (code 2, 3, 4, 10 or 11; 1 on, 0 off) */
+    VW_SO_FONT = 5,              /* (24), at the start of each read */
+    VW_SO_ALIGNMENT = 6,         /* (VwAlignment) for what follows */
+    VW_SO_INDENTS = 7,           /* (left, right, first line) in twips from the margins, sent
+                                    after a paragraph's text, before its break; 0, 0, 0 resets */
+    VW_SO_TAB_STOPS_BEGIN = 8,   /* () a new table of tab stops, which replaces the last */
+    VW_SO_TAB_STOPS_END = 9,     /* () */
+    VW_SO_TAB_STOP = 10,         /* (const VwTabStop *), valid during the call */
+    VW_SO_MARGINS = 11,          /* (left, right) in twips from the page's left edge */
+    VW_SO_HEADER_FOOTER = 12,    /* (1 header or 2 footer, 3), after VW_BREAK_BLOCK_OPEN */
+    VW_SO_BREAK = 13,            /* (VwBreak, 0); the only one whose result counts, after
+                                    VW_BREAK_PARAGRAPH: 1 ends the read call at once */
+    VW_SO_SECTION_START = 26,    /* (0), from VwStreamSection */
+    VW_SO_LINE_SPACING = 46      /* (1, 240 or 480, 0, 0) */
+};
+#define VW_OUTPUT_ROUTINES 65
+
+enum VwBreak {
+    VW_BREAK_PARAGRAPH = 1,       /* the end of a paragraph, or of a header or footer line */
+    VW_BREAK_END_OF_DOCUMENT = 2, /* nothing more is reported */
+    VW_BREAK_BLOCK_OPEN = 6,      /* a header or footer block begins */
+    VW_BREAK_BLOCK_CLOSE = 7      /* and ends */
+};
+
+enum VwAlignment { VW_ALIGN_LEFT = 1, VW_ALIGN_RIGHT = 2, VW_ALIGN_CENTRE = 3 };
+
+enum VwTabKind { VW_TAB_LEFT = 1, VW_TAB_DECIMAL = 4 };
+
+/* One tab stop, built for the call: copy what is to be kept. */
+typedef struct VwTabStop {
+    uint16_t kind;               /* VwTabKind */
+    uint16_t alignmentCharacter; /* '.' for a decimal stop, else 0 */
+    uint16_t leaderCharacter;    /* always 0 */
+    uint16_t gap;                /* not to be read */
+    uint32_t position;           /* twips from the page's left edge */
+} VwTabStop;
+
+/* The routines' types, by their own arguments; the two user words always come last. */
+typedef int32_t (*VwOutput0)(uint32_t user1, uint32_t user2);
+typedef int32_t (*VwOutput1)(int32_t, uint32_t user1, uint32_t user2);
+typedef int32_t (*VwOutput2)(int32_t, int32_t, uint32_t user1, uint32_t user2);
+typedef int32_t (*VwOutput3)(int32_t, int32_t, int32_t, uint32_t user1, uint32_t user2);
+typedef int32_t (*VwOutput4)(int32_t, int32_t, int32_t, int32_t, uint32_t user1, uint32_t user2);
+typedef int32_t (*VwOutputTabStop)(const VwTabStop *, uint32_t user1, uint32_t user2);
+
+/* The default routine. Returns its first argument. A slot that holds it is never called
+ * through: the filter takes the first argument for the answer. */
+VS_PFS_API int32_t SODummy(int32_t first);
+
+/* -------------------------------------------------------------------- entry points --- */
+
+/* Slots of the entry point table. 15 and 16 are null. */
+enum VwEntrySlot {
+    VW_ENTRY_STREAM_OPEN = 0,
+    VW_ENTRY_STREAM_SECTION = 1,
+    VW_ENTRY_STREAM_READ = 2,
+    VW_ENTRY_STREAM_TELL = 3,
+    VW_ENTRY_STREAM_SEEK = 4,
+    VW_ENTRY_GET_INFO = 5,
+    VW_ENTRY_GET_DATA = 6,
+    VW_ENTRY_SET_DATA = 7,
+    VW_ENTRY_LOCAL_UP = 8,
+    VW_ENTRY_LOCAL_DOWN = 9,
+    VW_ENTRY_ALLOC_PROC = 10,
+    VW_ENTRY_FREE_PROC = 11,
+    VW_ENTRY_SET_USER = 12,
+    VW_ENTRY_SET_SO_RTN = 13,
+    VW_ENTRY_STREAM_CLOSE = 14,
+    VW_ENTRY_STREAM_READ_RECORD = 17,
+    VW_ENTRY_DO_SPECIAL = 18
+};
+#define VW_ENTRY_SLOTS 19
+/* From this interface version on VwGetRtns fills VW_ENTRY_DO_SPECIAL. */
+#define VW_INTERFACE_DO_SPECIAL 19
+
+/* Fills the host's table of VW_ENTRY_SLOTS pointers. interfaceVersion is an unsigned 16-bit
+ * value; below 19 the last slot is left as it is. */
+VS_PFS_API void VwGetRtns(VwRoutine *table, uint32_t interfaceVersion);
+
+/* Queries of VwGetInfo; query is an unsigned 16-bit value. */
+enum VwInfoQuery {
+    VW_INFO_SAVED_STATE_SIZE = 1,  /* uint16_t: 328 */
+    VW_INFO_FILTER_STATE_SIZE = 2, /* uint16_t: 380 */
+    VW_INFO_INIT_SIZE = 3,         /* uint16_t: 208, the size of PfsInit */
+    VW_INFO_SIZE_4 = 4,            /* uint16_t: 400 */
+    VW_INFO_SIZE_5 = 5,            /* uint16_t: 440 */
+    VW_INFO_FILE_KINDS = 6,        /* uint16_t: 7 */
+    VW_INFO_FILE_IDS = 7,          /* uint16_t[7]: the file ids */
+    VW_INFO_BUILD_DATE = 8,        /* char[12]: "Oct 12 1995" */
+    VW_INFO_BUILD_TIME = 9,        /* char[9]: "16:59:28" */
+    VW_INFO_ZERO_10 = 10,          /* uint16_t: 0 */
+    VW_INFO_ZERO_11 = 11,          /* uint16_t: 0 */
+    VW_INFO_MARKER = 12            /* uint32_t: 0x12345678 */
+};
+/* Writes the answer into result, which needs no alignment. 1, or 0 for an unknown query,
+ * which writes nothing. The instance is not used and may be null. */
+VS_PFS_API int32_t VwGetInfo(void *result, uint32_t query, VwInstance *instance);
+
+/* A new, uninitialised instance, or null when memory is short. VwLocalUp and VwStreamOpen
+ * must be called before anything is read with it. */
+VS_PFS_API VwInstance *VwAllocProc(void);
+/* Frees an instance; null is ignored. */
+VS_PFS_API void VwFreeProc(VwInstance *instance);
+
+/* Stores the two words that end every output call. */
+VS_PFS_API void VwSetUser(uint32_t user1, uint32_t user2, VwInstance *instance);
+/* Registers the output routine of an id, a signed 16-bit value; null restores SODummy, and
+ * an id outside 1 to 65 is ignored. */
+VS_PFS_API void VwSetSoRtn(int32_t id, VwRoutine routine, VwInstance *instance);
+
+/* Wraps the block file and stores the stream, null when memory is short; sets all output
+ * routines to SODummy. The stream is the host's to give back with VwLocalDown. */
+VS_PFS_API void VwLocalUp(VwBlockFile *file, VwCharStream **stream, VwInstance *instance);
+/* Frees the stream and stores the block file it wrapped. The instance is not used. */
+VS_PFS_API void VwLocalDown(VwCharStream *stream, VwBlockFile **file, VwInstance *instance);
+
+/* What VwStreamOpen tells of the document's kind. */
+struct VwFileDescription {
+    uint16_t fileKindCode;  /* 120 */
+    uint16_t fileDescFlags; /* 1 */
+    char fileKindName[41];  /* display name, NUL-terminated */
+};
+
+/* Opens the document of the stream. fileId is a signed 16-bit value, one of the ids of
+ * VwPfsOverlayId; it only chooses the name put into description, which may be null. The
+ * stream is left at the first byte of the text.
+ * 0, or -1 when the document is of no known kind. A document that is cut short opens. */
+VS_PFS_API int32_t VwStreamOpen(VwCharStream *stream, int32_t fileId, void *unused,
+                                VwFileDescription *description, VwInstance *instance);
+/* Reports VW_SO_SECTION_START. Always 0. */
+VS_PFS_API int32_t VwStreamSection(VwCharStream *stream, VwInstance *instance);
+/* Reports tab stops, attributes, margins, header and footer lines not yet reported, and
+ * text, until a paragraph end is answered with 1 or the document ends. Always 0: the
+ * reason for stopping is told by VW_SO_BREAK alone. */
+VS_PFS_API int32_t VwStreamRead(VwCharStream *stream, VwInstance *instance);
+/* Stores the next byte's position. Always 0. */
+VS_PFS_API int32_t VwStreamTell(VwCharStream *stream, uint32_t *position);
+/* Moves to an absolute position. 0, or -1 when the block file refuses. */
+VS_PFS_API int32_t VwStreamSeek(VwCharStream *stream, const uint32_t *position);
+
+#define VW_SAVED_STATE_SIZE 328
+/* Copies the saved state out of, and into, the instance: VW_SAVED_STATE_SIZE bytes, which
+ * need no alignment. */
+VS_PFS_API void VwGetData(void *buffer, VwInstance *instance);
+VS_PFS_API void VwSetData(const void *buffer, VwInstance *instance);
+
+/* Entry points that do nothing and have no result. */
+VS_PFS_API void VwStreamClose(VwCharStream *stream, VwInstance *instance);
+VS_PFS_API void VwStreamReadRecord(VwCharStream *stream, void *record, VwInstance *instance);
+VS_PFS_API void VwDoSpecial(void *, void *, void *, void *, void *, VwInstance *instance);
+VS_PFS_API void VwGetSectionData(void *buffer, VwInstance *instance);
+VS_PFS_API void VwSetSectionData(const void *buffer, VwInstance *instance);
+
+/* A block of size bytes, all zero, from malloc's heap; null when memory is short. */
+VS_PFS_API void *SUAlloc(uint32_t size);
+
+/* --------------------------------------------------------------------------- tables --- */
+
+/* A document kind. */
+typedef struct VwFileKind {
+    uint16_t fileId;
+    uint8_t kind;         /* 120 */
+    char displayName[41]; /* NUL-terminated, padded with NUL */
+} VwFileKind;
+#define VW_FILE_KINDS 7
+
+/* The seven kinds: 1012 to 1017, and 1058. */
+VS_PFS_API extern const VwFileKind VwPfsOverlayId[VW_FILE_KINDS];
+
+/* The texts that documents are recognised by: "GERBILDOC" (10 bytes with its NUL), the 18
+ * command keywords (9 bytes each) and the five signatures (7 bytes each), and a final NUL. */
+#define VW_PFS_INIT_SIZE 208
+VS_PFS_API extern const char PfsInit[VW_PFS_INIT_SIZE];
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

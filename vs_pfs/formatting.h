@@ -1,0 +1,57 @@
+// What all line readers share: attributes, tab stops, embedded commands, header and footer
+// lines, and the announcements that open a read call.
+#pragma once
+
+#include "filter_interface.h"
+
+namespace vs_pfs
+{
+
+// The internal attribute set: one bit for each attribute code of the host.
+inline constexpr uint8_t attr_code_4 = 0x01;
+inline constexpr uint8_t attr_code_2 = 0x02;
+inline constexpr uint8_t attr_code_3 = 0x04;
+inline constexpr uint8_t attr_code_11 = 0x08;
+inline constexpr uint8_t attr_code_10 = 0x10;
+
+// How a document stores the attributes of a character.
+inline constexpr uint8_t attr_form_plain = 0; // one byte: the Write family
+inline constexpr uint8_t attr_form_pair = 1;  // one or two bytes: First Choice
+
+// Attributes (attributes.cpp). All return 0.
+//
+// Adds the attributes that the stored bytes carry to *target; clears none.
+int32_t SetAttr(uint8_t first, uint8_t second, uint8_t pairForm, uint8_t *target,
+                VwInstance *instance);
+// Tells the host all five attributes again, on or off.
+int32_t PutAttributes(VwInstance *instance);
+// Tells the host what changes from attrState to newSet, and makes newSet the state.
+int32_t check_attributes(uint8_t newSet, VwInstance *instance);
+// Tells the host of header or footer attributes turned on, and of their end.
+void put_header_footer_attributes(VwInstance *instance);
+int32_t TurnOffAttr(VwInstance *instance);
+
+// Tab stops (tab_stops.cpp): the first 30 stops of the table. Always 0.
+int32_t PutTabStops(VwInstance *instance);
+
+// Embedded commands (text_commands.cpp).
+inline constexpr int command_buffer_size = 10;
+inline constexpr uint8_t command_mark = 0x2A; // '*'
+
+// Reads what follows a '*'. 1: it was a command, now reported and passed, *column advanced
+// by each byte of it. 0: it was not; nothing was reported, the stream is after the '*'.
+int32_t PfsTextCommand(VwCharStream *stream, int16_t *column, VwInstance *instance);
+// Reads one keyword into buffer (command_buffer_size bytes) and returns its code, 1 to 18,
+// or 0; the stream is left after the last byte read.
+int32_t PfsGetCommand(VwCharStream *stream, char *buffer, VwInstance *instance);
+
+// Headers and footers (headers_footers.cpp). Reports one pending line, or a block end that
+// is still owed. 0: the host wants the read call to end; else 1. hfPending must not be 0.
+int32_t ProcHeaderFooter(VwInstance *instance);
+
+// Reports all pending lines. False: the host wants the read call to end.
+bool report_headers_and_footers(VwInstance *instance);
+// The announcements that close every call start: indents, alignment, font, line spacing.
+void announce_line_defaults(VwInstance *instance);
+
+} // namespace vs_pfs
