@@ -1,0 +1,44 @@
+// Watches the stream of output calls for what must hold of every document: only the known
+// arguments, tab stops and header blocks that balance, attributes that only change, silence
+// after the end. A fault is a test failure with the call's index.
+#pragma once
+
+#include "notation.h"
+
+#include <array>
+#include <cstddef>
+
+namespace tests
+{
+
+class CallChecker
+{
+public:
+    // A read call begins, or has ended.
+    void read_begins();
+    void read_ends();
+    void check(const Call &call);
+
+    // A saved state that no reading produced: blocks may be closed that were not opened, and
+    // margins, font and attributes may be anything.
+    void expect_foreign_state();
+
+private:
+    void fault(const Call &call, const char *what) const;
+    void check_sequence(const Call &call);
+    void check_arguments(const Call &call);
+    void check_break(const Call &call);
+    void check_attribute(const Call &call);
+    void check_character(const Call &call);
+
+    std::size_t index = 0;
+    bool foreign_state = false;
+    bool in_tab_stops = false;
+    bool in_block = false;            // between breaks 6 and 7, across read calls
+    bool kind_expected = false;       // break 6 was the last call
+    bool ended = false;               // break 2 was reported in this read call
+    bool in_text = false;             // the announcements of this read call are over
+    std::array<int, 12> attributes{}; // by code: what the host was last told
+};
+
+} // namespace tests

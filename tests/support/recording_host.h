@@ -1,0 +1,77 @@
+// A host for tests: owns a document, an instance and its stream, records every output call
+// and has each checked. See notation.h for how recorded calls are written down.
+#pragma once
+
+#include "call_checker.h"
+#include "memory_block_file.h"
+#include "notation.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tests
+{
+
+// A place in a document where reading can be resumed, by the same host or another.
+struct Place {
+    std::vector<uint8_t> state;
+    uint32_t position = 0;
+    CallChecker checker; // so that what was open there is known to be
+};
+
+class RecordingHost
+{
+public:
+    explicit RecordingHost(std::string document);
+    ~RecordingHost();
+    RecordingHost(const RecordingHost &) = delete;
+    RecordingHost &operator=(const RecordingHost &) = delete;
+
+    // VwStreamOpen and, when it succeeds, nothing more.
+    int32_t open(int32_t file_id = 1013);
+    int32_t section();
+
+    // One read call; what it reported. read_all goes on until the end of the document has
+    // been reported, and fails the test if that does not come.
+    Calls read();
+    Calls read_all();
+    // All calls since the last take.
+    Calls take();
+
+    Place place() const;
+    void go_to(const Place &place);
+
+    // Routine 13's answers to paragraph ends, which are counted from 1 over the host's life:
+    // 1 to all, to none, or to one. The other breaks are always answered with 1, and so is
+    // every other routine, for nothing may come of it.
+    void stop_at_all();
+    void stop_at_none();
+    void stop_at(unsigned number);
+
+    void unregister(int32_t id);
+
+    VwInstance *instance = nullptr;
+    VwCharStream *stream = nullptr;
+    MemoryBlockFile file;
+    CallChecker checker;
+    bool document_ended = false; // break 2 was reported
+    unsigned reads = 0;
+
+    // For the output routines.
+    int32_t record(const Call &call);
+
+private:
+    void register_routines();
+
+    enum class Stop { none, all, one } stop = Stop::none;
+    unsigned stop_number = 0;
+    unsigned paragraph_ends = 0;
+    Calls recorded;
+};
+
+// What a read reported after the announcements that open it, the last of which is the line
+// spacing.
+Calls after_announcements(const Calls &calls);
+
+} // namespace tests
