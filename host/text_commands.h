@@ -1,0 +1,16 @@
+// What a host makes of the commands embedded in text. The module recognises them and passes
+// them on; of their effects it reports page breaks alone.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace pfsdoc
+{
+
+// The VwAlignment that a command asks for, if it is a centre or right-align command. The text
+// includes both asterisks; upper and lower case are the same.
+std::optional<int32_t> alignment_command(std::string_view text);
+
+} // namespace pfsdoc

@@ -1,0 +1,106 @@
+// Plain text, UTF-8, as the page shows it: the writer behind `pfsdoc text`.
+//
+// Paragraphs have come as one string each; here they are wrapped to the document's margins
+// again, a line in the columns from the left margin up to but not including the right one,
+// with the left margin and the indents as blanks, so that the columns are the page's. Header
+// lines come first, then an empty line, the body, an empty line and the footer lines. Lines
+// never end in blanks; text that is not empty ends with a line end.
+//
+//   page breaks   a form feed, directly before the next line. Without TextOptions::page_breaks
+//                 they leave no trace: a paragraph goes on over them.
+//   commands      hidden unless TextOptions::commands asks for them; then text like any
+//                 other, one that is cut ending in "...". A paragraph of nothing but hidden
+//                 commands leaves no line. A centre or right-align command in front of a
+//                 paragraph's text aligns all of it, shown or not.
+//   empty lines   empty paragraphs are empty lines; empty header and footer lines are left
+//                 out, since they are often reported where the document has none.
+//   margins       that cannot be (right not beyond left, negative, or beyond
+//                 widest_page_columns) count as the ones that new documents start with. An
+//                 indent leaves at least one column of the line.
+//   not shown     attributes and double spacing: plain text has no way to say them that is
+//                 not in the way of reading and searching.
+//
+// How lines are filled, tab stops included, is line_layout.h's matter; which character a byte
+// is, code_page_437.h's. The writer takes time in proportion to the document and holds one
+// paragraph and one line, never the text. Tests: tests/host/text_writer_test.cpp.
+#pragma once
+
+#include "events.h"
+#include "line_layout.h"
+#include "output.h"
+#include "paragraph_collector.h"
+#include "utf8_output.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace pfsdoc
+{
+
+// Rulers count columns in eight bits, so nothing that means it has wider margins.
+inline constexpr int32_t widest_page_columns = 255;
+// A new document's margins are columns 10 and 70, counted from 1.
+inline constexpr int32_t default_left_column = 9;
+inline constexpr int32_t default_right_column = 69;
+
+struct TextOptions {
+    bool page_breaks = true; // as form feeds
+    bool commands = false;   // shown as stored
+};
+
+// Writes blocks as text.
+class TextBlockWriter final : public BlockSink
+{
+public:
+    // Footers have to wait for the end of the document. Two lines of at most 255 bytes are
+    // all that a document has; this much is kept whatever is sent.
+    static constexpr std::size_t max_footer_bytes = 4096;
+
+    TextBlockWriter(Output &output, const TextOptions &options);
+    TextBlockWriter(const TextBlockWriter &) = delete;
+    TextBlockWriter &operator=(const TextBlockWriter &) = delete;
+
+    void paragraph(const Paragraph &paragraph) override;
+    void page_break(uint32_t source) override;
+    void block_begin(BlockKind kind) override;
+    void block_end() override;
+    void end_of_document() override;
+
+private:
+    enum class Place { body, header, footer };
+
+    void lay_out(const Paragraph &paragraph, LineLayout &layout);
+    void lay_out_piece(const Paragraph &paragraph, std::size_t index, LineLayout &layout);
+    void lay_out_text(std::string_view bytes, LineLayout &layout);
+    void break_page(LineLayout &layout);
+    void write_footers();
+
+    TextOptions options_;
+    Place place_ = Place::body;
+    Utf8Output text_;
+    LineLayout layout_;
+    StringOutput footers_;
+    Utf8Output footer_text_;
+    LineLayout footer_layout_;
+    std::size_t footer_bytes_ = 0;
+};
+
+// The same from events.
+class TextWriter final : public EventSink
+{
+public:
+    explicit TextWriter(Output &output, const TextOptions &options = {});
+
+    // Always 0: no reason to stop.
+    int32_t on_event(const Event &event, uint32_t offset) override;
+
+    // Writes out what is held back. The end of the document does so too; once is enough.
+    void finish();
+
+private:
+    TextBlockWriter blocks_;
+    ParagraphCollector collector_;
+};
+
+} // namespace pfsdoc

@@ -1,0 +1,47 @@
+// Lines of code page 437 bytes in, UTF-8 in large chunks out.
+#pragma once
+
+#include "output.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace pfsdoc
+{
+
+class Utf8Output
+{
+public:
+    // Large enough that a write is worth its cost.
+    static constexpr std::size_t chunk_size = 65536;
+
+    explicit Utf8Output(Output &output);
+
+    void blanks(std::size_t count);
+    // Bytes of code page 437.
+    void text(std::string_view bytes);
+    // Text that is UTF-8 already.
+    void utf8(std::string_view encoded);
+    void line_end();
+    void form_feed();
+    // An empty line before whatever comes next, if anything comes.
+    void separate();
+    // Ends a last line that is still open, and hands everything on.
+    void finish();
+
+    // Nothing was written yet.
+    bool empty() const;
+
+private:
+    void before_writing();
+    void hand_on();
+
+    Output &output_;
+    std::string buffer_;
+    bool empty_ = true;
+    bool line_open_ = false; // the last byte written was no line end
+    bool separator_due_ = false;
+};
+
+} // namespace pfsdoc
