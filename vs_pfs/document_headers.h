@@ -17,14 +17,9 @@ enum FormatType : uint8_t {
     format_first_choice = 6
 };
 
-// Places within PfsInit.
-inline constexpr int init_keywords_offset = 10;
-inline constexpr int init_keyword_size = 9;
-inline constexpr int init_keywords = 18;
-inline constexpr int init_signatures_offset =
-    init_keywords_offset + init_keywords * init_keyword_size;
-inline constexpr int init_signature_size = 7;
-inline constexpr int init_signatures = 5;
+// Values of fcVersion. 2 stands for every generation but the third.
+inline constexpr uint16_t choice_generation_2 = 2;
+inline constexpr uint16_t choice_generation_3 = 3;
 
 // Format detection (format_detection.cpp). Sets formatType and fcVersion. 0 when the
 // document is known, the stream then at offset 0; else 1, the stream wherever it stopped.
