@@ -27,8 +27,9 @@ int32_t SetAttr(uint8_t first, uint8_t second, uint8_t pairForm, uint8_t *target
 int32_t PutAttributes(VwInstance *instance);
 // Tells the host what changes from attrState to newSet, and makes newSet the state.
 int32_t check_attributes(uint8_t newSet, VwInstance *instance);
-// Tells the host of header or footer attributes turned on, and of their end.
-void put_header_footer_attributes(VwInstance *instance);
+// Tells the host that the attributes of hfAttrState begin, or end.
+void put_header_footer_attributes(VwInstance *instance, bool on);
+// put_header_footer_attributes with false.
 int32_t TurnOffAttr(VwInstance *instance);
 
 // Tab stops (tab_stops.cpp): the first 30 stops of the table. Always 0.
@@ -46,12 +47,16 @@ int32_t PfsTextCommand(VwCharStream *stream, int16_t *column, VwInstance *instan
 int32_t PfsGetCommand(VwCharStream *stream, char *buffer, VwInstance *instance);
 
 // Headers and footers (headers_footers.cpp). Reports one pending line, or a block end that
-// is still owed. 0: the host wants the read call to end; else 1. hfPending must not be 0.
+// is still owed. hfPending must not be 0.
+inline constexpr int32_t header_footer_stop = 0; // the host wants the read call to end
+inline constexpr int32_t header_footer_go_on = 1;
 int32_t ProcHeaderFooter(VwInstance *instance);
 
-// Reports all pending lines. False: the host wants the read call to end.
-bool report_headers_and_footers(VwInstance *instance);
-// The announcements that close every call start: indents, alignment, font, line spacing.
-void announce_line_defaults(VwInstance *instance);
+// The start of a read call (call_start.cpp): takes over the stream, tells the host the
+// attributes and margins in force, reports header and footer lines that are pending, and
+// resets indents, alignment, font and line spacing. False: the host wants the call to end.
+bool start_call(VwCharStream *stream, VwInstance *instance);
+// The same with margins before attributes, as Professional Write has it.
+bool start_call_margins_first(VwCharStream *stream, VwInstance *instance);
 
 } // namespace vs_pfs
