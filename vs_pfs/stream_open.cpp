@@ -1,0 +1,174 @@
+// Opening a document and handing each read call to the reader of its kind.
+//
+// After open the stream stands at the first byte of the text: at 512 in a First Choice
+// document, after the first form feed at or behind 1024 (and the records that follow it)
+// in a Write-family one. Test: tests/module/stream_open_test.cpp.
+#include "document_headers.h"
+#include "formatting.h"
+#include "line_readers.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+using namespace vs_pfs;
+
+namespace
+{
+
+constexpr uint16_t description_flags = 1;
+
+constexpr uint8_t font_value = 24;
+
+constexpr uint32_t choice_body_position = 512;
+constexpr uint32_t choice_text_positions[header_footer_lines] = {29, 111, 193, 275};
+
+constexpr uint32_t write_body_area_position = 1024;
+constexpr uint32_t write_text_positions[header_footer_lines] = {329, 403, 485, 559};
+constexpr uint32_t open_end_flag_position = 836;
+constexpr uint8_t form_feed = 0x0C;
+constexpr uint8_t record_mark = 0x07;
+
+// The kind that the host's id names; every unknown id stands for the last one.
+const VwFileKind &file_kind(int32_t file_id)
+{
+    const VwFileKind *last = std::end(VwPfsOverlayId) - 1;
+    return *std::find_if(std::begin(VwPfsOverlayId), last, [file_id](const VwFileKind &kind) {
+        return kind.fileId == static_cast<int16_t>(file_id);
+    });
+}
+
+void describe(int32_t file_id, VwFileDescription *description)
+{
+    const VwFileKind &kind = file_kind(file_id);
+    description->fileKindCode = kind.kind;
+    description->fileDescFlags = description_flags;
+    std::memcpy(description->fileKindName, kind.displayName, std::strlen(kind.displayName) + 1);
+}
+
+void reset(VwCharStream *stream, VwInstance *instance)
+{
+    std::memset(&instance->state, 0, sizeof instance->state);
+    instance->lookahead = {};
+    instance->state.stream = stream;
+    instance->state.saved.skipFirstReturn = 1;
+    instance->state.saved.fontValue = font_value;
+}
+
+void open_choice_document(VwInstance *instance)
+{
+    FilterState &state = instance->state;
+    PfsChoiceHeaderInfo(instance);
+    VwCharSeek(state.stream, choice_body_position, seek_absolute);
+    state.saved.seekPos = choice_body_position;
+    state.saved.skipFirstReturn = 0;
+    std::copy(std::begin(choice_text_positions), std::end(choice_text_positions), state.hfTextPos);
+}
+
+void read_open_end_flag(VwInstance *instance)
+{
+    VwCharSeek(instance->state.stream, open_end_flag_position, seek_absolute);
+    if (VwCharGet(instance->state.stream) != 0) {
+        instance->state.saved.openEndFlag = 1;
+    }
+}
+
+void skip_to_form_feed(VwCharStream *stream)
+{
+    int32_t byte = VwCharGet(stream);
+    while (byte != form_feed && byte != end_of_data) {
+        byte = VwCharGet(stream);
+    }
+}
+
+// Leaves the stream at the first byte that begins no record.
+void read_leading_records(VwInstance *instance)
+{
+    VwCharStream *stream = instance->state.stream;
+    int32_t byte = VwCharGet(stream);
+    while (byte == record_mark) {
+        MarginsFontRecord(instance);
+        byte = VwCharGet(stream);
+    }
+    if (byte == end_of_data) {
+        instance->state.saved.openEndFlag = 1;
+    } else {
+        VwCharUnget(stream);
+    }
+}
+
+void open_write_document(VwInstance *instance)
+{
+    FilterState &state = instance->state;
+    PfsWriteHeaderInfo(instance);
+    if (state.formatType >= format_professional_write_1) {
+        read_open_end_flag(instance);
+    }
+    std::copy(std::begin(write_text_positions), std::end(write_text_positions), state.hfTextPos);
+    VwCharSeek(state.stream, write_body_area_position, seek_absolute);
+    skip_to_form_feed(state.stream);
+    read_leading_records(instance);
+}
+
+} // namespace
+
+extern "C" {
+
+int32_t VwStreamOpen(VwCharStream *stream, int32_t fileId, void *, VwFileDescription *description,
+                     VwInstance *instance)
+{
+    reset(stream, instance);
+    if (description != nullptr) {
+        describe(fileId, description);
+    }
+    if (PfsGetVersion(instance) != 0) {
+        return -1;
+    }
+    if (instance->state.formatType == format_first_choice) {
+        open_choice_document(instance);
+    } else {
+        open_write_document(instance);
+    }
+    return 0;
+}
+
+int32_t VwStreamSection(VwCharStream *, VwInstance *instance)
+{
+    put_section_start(instance);
+    return 0;
+}
+
+int32_t VwStreamRead(VwCharStream *stream, VwInstance *instance)
+{
+    instance->state.stream = stream;
+    PutTabStops(instance);
+    switch (instance->state.formatType) {
+    case format_write_a:
+    case format_write_b:
+    case format_writing_assistant: read_pfs_line(stream, instance); break;
+    case format_professional_write_1:
+    case format_professional_write_2: read_pfs_12_line(stream, instance); break;
+    case format_first_choice:
+        if (instance->state.fcVersion == choice_generation_3) {
+            read_choice3_line(stream, instance);
+        } else {
+            read_choice_line(stream, instance);
+        }
+        break;
+    default: break; // nothing was recognised: there is nothing to read
+    }
+    return 0;
+}
+
+int32_t VwStreamTell(VwCharStream *stream, uint32_t *position)
+{
+    *position = VwCharTell(stream);
+    return 0;
+}
+
+int32_t VwStreamSeek(VwCharStream *stream, const uint32_t *position)
+{
+    return VwCharSeek(stream, *position, seek_absolute);
+}
+
+} // extern "C"

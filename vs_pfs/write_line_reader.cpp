@@ -1,0 +1,287 @@
+// The text of PFS: WRITE and IBM Writing Assistant documents (format types 1 to 3).
+//
+//   0x0C       passed over
+//   0x0D       line end, of wrapped and of finished lines alike
+//   0x0E       end of the document
+//   0x80-0xFF  a character with attributes: an attribute byte follows (types 1 and 2)
+//   0xC0-0xFF  the same in type 3, where the attribute byte also selects the range
+//   others     a character
+//
+// The file stores the page's lines. At each line end the reader asks whether the next
+// line's first word would still have fitted. If so the author ended the line, and with it
+// the paragraph; if not the word processor wrapped it, and one space joins the two. Leading
+// spaces are not reported: they become the paragraph's indents.
+// Test: tests/module/write_line_reader_test.cpp.
+#include "document_headers.h"
+#include "line_readers.h"
+#include "line_text.h"
+#include "word_lookahead.h"
+
+namespace vs_pfs
+{
+namespace
+{
+
+constexpr uint8_t form_feed = 0x0C;
+constexpr uint8_t line_end = 0x0D;
+
+// What one read call needs.
+struct Reading {
+    VwCharStream *stream;
+    VwInstance *instance;
+    int16_t firstLineIndent; // leading spaces of the paragraph's first line
+    bool afterHardEnd;       // the current line begins a paragraph
+};
+
+// What one line needs.
+struct Line {
+    int16_t column;        // of the next character
+    int16_t leadingSpaces; // not reported
+    bool atLineStart;      // nothing but spaces so far
+    bool lineBlank;        // the same, and still so when those spaces have been reported
+    bool lastWasSpace;
+};
+
+Line start_line(const Reading &reading)
+{
+    const auto left_margin = static_cast<int16_t>(reading.instance->state.saved.leftMargin);
+    return {left_margin, 0, true, true, false};
+}
+
+// Type 3: what a range selected by an attribute byte makes of a prefixed byte.
+constexpr uint8_t select_bits = 0x30;
+constexpr uint8_t select_low_half = 0x10;
+constexpr uint8_t select_high_half = 0x20;
+constexpr uint8_t low_half_mask = 0x7F;
+constexpr uint8_t high_half_mask = 0xBF;
+constexpr uint8_t control_mask = 0x3F;
+constexpr uint8_t kept_as_it_is = 0xE0;
+constexpr uint8_t prefix_bits = 0xC0;
+constexpr uint8_t attribute_bits = 0x0F;
+
+constexpr uint8_t select_range(uint8_t byte, uint8_t attribute)
+{
+    switch (attribute & select_bits) {
+    case select_low_half: return byte & low_half_mask;
+    case select_high_half: return byte & high_half_mask;
+    default: return byte == kept_as_it_is ? byte : byte & control_mask;
+    }
+}
+
+// Type 3: where the document's codes for graphic and Greek characters stand in the
+// character set of the others.
+struct Shift {
+    uint8_t first;
+    uint8_t last;
+    uint8_t added;
+};
+constexpr Shift shifts[] = {
+    {0x0F, 0x11, 0xD5}, {0x12, 0x15, 0xD9}, {0x16, 0x19, 0xDA},
+    {0x1A, 0x1E, 0xDC}, {0x1F, 0x1F, 0xDF}, {0xB0, 0xB1, 0x03},
+    {0xB2, 0xB8, 0x0D}, {0xB9, 0xBB, 0x20}, {0xBC, 0xBF, 0x24},
+};
+
+constexpr uint8_t translate(uint8_t byte)
+{
+    for (const Shift &shift : shifts) {
+        if (byte >= shift.first && byte <= shift.last) {
+            return static_cast<uint8_t>(byte + shift.added);
+        }
+    }
+    return byte;
+}
+
+struct Decoded {
+    uint8_t character;
+    uint8_t charAttrSet;
+};
+
+// Types 1 and 2. False: the data ended inside the character.
+bool decode_write(const Reading &reading, uint8_t byte, Decoded &decoded)
+{
+    decoded = {byte, 0};
+    if ((byte & high_bit) != 0) {
+        const int32_t attribute = VwCharGet(reading.stream);
+        if (attribute == end_of_data) {
+            return false;
+        }
+        decoded.character = byte & low_seven_bits;
+        SetAttr(static_cast<uint8_t>(attribute), 0, attr_form_plain, &decoded.charAttrSet,
+                reading.instance);
+    }
+    return true;
+}
+
+// Type 3. False: the data ended inside the character.
+bool decode_writing_assistant(const Reading &reading, uint8_t byte, Decoded &decoded)
+{
+    decoded = {translate(byte), 0};
+    if ((byte & prefix_bits) == prefix_bits) {
+        const int32_t attribute = VwCharGet(reading.stream);
+        if (attribute == end_of_data) {
+            return false;
+        }
+        decoded.character = translate(select_range(byte, static_cast<uint8_t>(attribute)));
+        SetAttr(attribute & attribute_bits, 0, attr_form_plain, &decoded.charAttrSet,
+                reading.instance);
+    }
+    return true;
+}
+
+bool decode(const Reading &reading, uint8_t byte, Decoded &decoded)
+{
+    return reading.instance->state.formatType == format_writing_assistant
+               ? decode_writing_assistant(reading, byte, decoded)
+               : decode_write(reading, byte, decoded);
+}
+
+void read_space(Reading &reading, Line &line)
+{
+    line.lastWasSpace = true;
+    if (line.atLineStart) {
+        advance_column(line.leadingSpaces);
+        if (reading.afterHardEnd) {
+            advance_column(reading.firstLineIndent);
+        }
+    } else {
+        put_character(reading.instance, space);
+    }
+    advance_column(line.column);
+}
+
+Progress read_character(Reading &reading, Line &line, uint8_t byte)
+{
+    Decoded decoded;
+    if (!decode(reading, byte, decoded)) {
+        return Progress::document_done;
+    }
+    check_attributes(decoded.charAttrSet, reading.instance);
+    if (decoded.character == space) {
+        read_space(reading, line);
+        return Progress::go_on;
+    }
+    line.lastWasSpace = false;
+    line.atLineStart = false;
+    line.lineBlank = false;
+    put_text(reading.stream, decoded.character, line.column, reading.instance);
+    return Progress::go_on;
+}
+
+// The spaces of a line that holds nothing else are reported after all, as special ones.
+// The column becomes their number, without the margin.
+void put_blank_line(const Reading &reading, Line &line)
+{
+    for (int i = 0; i < line.leadingSpaces; ++i) {
+        put_special_character(reading.instance, space);
+    }
+    line.column = line.leadingSpaces;
+    line.leadingSpaces = 0;
+    line.atLineStart = false;
+}
+
+Progress end_paragraph(Reading &reading, Line &line)
+{
+    if (line.lineBlank) {
+        reading.firstLineIndent = 0;
+        line.leadingSpaces = 0;
+    }
+    const bool indented = reading.firstLineIndent > 0 || line.leadingSpaces > 0;
+    if (indented) {
+        put_indents(reading.instance, line.leadingSpaces, reading.firstLineIndent);
+    }
+    if (put_paragraph_end(reading.instance)) {
+        return Progress::host_stopped;
+    }
+    if (indented) {
+        put_indents(reading.instance, 0, 0);
+        reading.firstLineIndent = 0;
+    }
+    reading.afterHardEnd = true;
+    return Progress::go_on;
+}
+
+void join_lines(Reading &reading, const Line &line)
+{
+    if (!line.lastWasSpace) {
+        put_character(reading.instance, space);
+    }
+    reading.afterHardEnd = false;
+}
+
+Progress end_line(Reading &reading, Line &line)
+{
+    uint8_t &skip_first_return = reading.instance->state.saved.skipFirstReturn;
+    if (skip_first_return != 0) {
+        skip_first_return = 0;
+        return Progress::go_on;
+    }
+    if (line.atLineStart) {
+        put_blank_line(reading, line);
+    }
+    uint16_t hardEnd = 1;
+    if (line.column != line.leadingSpaces) {
+        PfsDetermineEnder(reading.stream, line.column, &hardEnd, reading.instance);
+    }
+    Progress progress = Progress::go_on;
+    if (hardEnd != 0) {
+        progress = end_paragraph(reading, line);
+    } else {
+        join_lines(reading, line);
+    }
+    line = start_line(reading);
+    return progress;
+}
+
+Progress read_byte(Reading &reading, Line &line)
+{
+    const int32_t byte = VwCharGet(reading.stream);
+    switch (byte) {
+    case form_feed: return Progress::go_on;
+    case line_end: return end_line(reading, line);
+    case document_end:
+    case end_of_data: return Progress::document_done;
+    default: return read_character(reading, line, static_cast<uint8_t>(byte));
+    }
+}
+
+// Any byte from 0x80 up takes an attribute byte with it, also in type 3, whose reader does
+// so from 0xC0 only: see "lookahead pairs" in docs/quirks.md.
+Token read_write_token(VwCharStream *stream)
+{
+    const int32_t byte = VwCharGet(stream);
+    if (byte == line_end || byte == document_end || byte == end_of_data) {
+        return Token::stop;
+    }
+    if ((byte & high_bit) != 0) {
+        VwCharGet(stream);
+    }
+    return byte == space ? Token::blank : Token::word;
+}
+
+} // namespace
+
+int32_t PfsDetermineEnder(VwCharStream *stream, int16_t column, uint16_t *hardEnd,
+                          VwInstance *instance)
+{
+    const int16_t wordLength = next_word_length(stream, instance, read_write_token);
+    if (word_would_wrap(column, wordLength, instance)) {
+        *hardEnd = 0;
+    }
+    return 0;
+}
+
+int32_t read_pfs_line(VwCharStream *stream, VwInstance *instance)
+{
+    if (!start_call(stream, instance)) {
+        return 0;
+    }
+    Reading reading = {stream, instance, 0, true};
+    Line line = start_line(reading);
+    Progress progress = Progress::go_on;
+    while (progress == Progress::go_on) {
+        progress = read_byte(reading, line);
+    }
+    return end_call(progress, instance);
+}
+
+} // namespace vs_pfs
