@@ -18,16 +18,8 @@
 namespace pfsdoc
 {
 
-// What the codes of AttributeChange mean to people: the one place that says so.
-enum AttributeCode : int32_t {
-    attribute_bold = 2,
-    attribute_italic = 3,
-    attribute_underline = 4,
-    attribute_subscript = 10,
-    attribute_superscript = 11
-};
-
-// Attributes that are on together: bit n stands for code n.
+// Attributes that are on together: bit n stands for code n of AttributeChange, whose meaning
+// attribute_names.h tells.
 using AttributeSet = uint16_t;
 
 inline constexpr int32_t attribute_codes_end = 16;

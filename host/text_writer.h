@@ -70,11 +70,8 @@ public:
 private:
     enum class Place { body, header, footer };
 
-    void lay_out(const Paragraph &paragraph, LineLayout &layout);
     void lay_out_piece(const Paragraph &paragraph, std::size_t index, LineLayout &layout);
     void lay_out_text(std::string_view bytes, LineLayout &layout);
-    void break_page(LineLayout &layout);
-    void write_footers();
 
     TextOptions options_;
     Place place_ = Place::body;

@@ -25,7 +25,8 @@ public:
     void utf8(std::string_view encoded);
     void line_end();
     void form_feed();
-    // An empty line before whatever comes next, if anything comes.
+    // An empty line before whatever comes next, if anything comes. To be called between
+    // lines; after a form feed it is the new page's first line.
     void separate();
     // Ends a last line that is still open, and hands everything on.
     void finish();

@@ -1,0 +1,280 @@
+#include "paragraph_collector.h"
+
+#include "vs_pfs.h"
+
+#include <variant>
+
+namespace pfsdoc
+{
+
+namespace
+{
+
+constexpr uint16_t first_choice_2_file_id = 1017;
+
+constexpr char command_delimiter = '*';
+
+constexpr int32_t header_block = 1;
+constexpr int32_t footer_block = 2;
+
+// -1 stands for a byte that a header text should have and has not: no character.
+constexpr bool is_byte(int32_t value)
+{
+    return value >= 0 && value <= 0xFF;
+}
+
+} // namespace
+
+LineSpacingRule line_spacing_rule(uint16_t file_id)
+{
+    return file_id == first_choice_2_file_id ? LineSpacingRule::at_break
+                                             : LineSpacingRule::at_last_character;
+}
+
+ParagraphCollector::ParagraphCollector(BlockSink &sink, LineSpacingRule rule)
+    : sink_(sink), rule_(rule), alignment_(VW_ALIGN_LEFT), line_spacing_(VW_SINGLE_SPACING)
+{
+}
+
+int32_t ParagraphCollector::on_event(const Event &event, uint32_t offset)
+{
+    if (!finished_) {
+        note_offset(offset);
+        std::visit([this](const auto &typed) { on(typed); }, event);
+    }
+    return 0;
+}
+
+void ParagraphCollector::finish()
+{
+    if (finished_) {
+        return;
+    }
+    end_paragraph_in_progress();
+    end_block();
+    finished_ = true;
+    sink_.end_of_document();
+}
+
+// ------------------------------------------------------------------------ text --------
+
+void ParagraphCollector::on(const Character &event)
+{
+    in_command_ = false;
+    if (!is_byte(event.byte)) {
+        return;
+    }
+    const bool same_piece = !paragraph_.pieces.empty() &&
+                            paragraph_.pieces.back().kind == PieceKind::text &&
+                            paragraph_.pieces.back().attributes == attributes_;
+    if (!same_piece) {
+        add_piece(PieceKind::text);
+    }
+    paragraph_.bytes.push_back(static_cast<char>(event.byte));
+    paragraph_.line_spacing = line_spacing_;
+    paragraph_has_text_ = true;
+    text_end_ = offset_;
+}
+
+void ParagraphCollector::on(const SpecialCharacter &event)
+{
+    if (!is_byte(event.byte)) {
+        return;
+    }
+    const char byte = static_cast<char>(event.byte);
+    if (!in_command_) {
+        if (byte != command_delimiter) {
+            return; // a space of a blank line
+        }
+        add_piece(PieceKind::command);
+        in_command_ = true;
+        command_bytes_ = 0;
+    } else if (byte == command_delimiter) {
+        in_command_ = false;
+    }
+    if (command_bytes_ < max_command_bytes) {
+        ++command_bytes_;
+        paragraph_.bytes.push_back(byte);
+    } else {
+        ++paragraph_.omitted_command_bytes;
+        paragraph_.pieces.back().cut = true;
+    }
+}
+
+void ParagraphCollector::on(const PageBreak &)
+{
+    in_command_ = false;
+    if (paragraph_in_progress_) {
+        add_piece(PieceKind::page_break);
+    } else {
+        sink_.page_break(piece_source());
+    }
+}
+
+void ParagraphCollector::add_piece(PieceKind kind)
+{
+    begin_paragraph();
+    paragraph_.pieces.push_back(
+        {paragraph_.bytes.size(), piece_source(), attributes_, kind, false});
+}
+
+// ------------------------------------------------------- what is reported of text -----
+
+void ParagraphCollector::on(const AttributeChange &event)
+{
+    const AttributeSet bit = attribute_bit(event.code);
+    attributes_ = static_cast<AttributeSet>(event.on != 0 ? attributes_ | bit : attributes_ & ~bit);
+}
+
+void ParagraphCollector::on(const Font &) {}
+
+void ParagraphCollector::on(const Alignment &event)
+{
+    alignment_ = event.value;
+}
+
+void ParagraphCollector::on(const Indents &event)
+{
+    indents_ = event;
+}
+
+void ParagraphCollector::on(const TabStopsBegin &)
+{
+    coming_tab_stops_.clear();
+}
+
+void ParagraphCollector::on(const TabStop &event)
+{
+    if (coming_tab_stops_.size() < max_tab_stops) {
+        coming_tab_stops_.push_back(event);
+    }
+}
+
+void ParagraphCollector::on(const TabStopsEnd &)
+{
+    tab_stops_ = coming_tab_stops_;
+}
+
+void ParagraphCollector::on(const Margins &event)
+{
+    margins_ = event;
+}
+
+void ParagraphCollector::on(const SectionStart &) {}
+
+void ParagraphCollector::on(const LineSpacing &event)
+{
+    line_spacing_ = event.twips;
+}
+
+// ---------------------------------------------------------------- ends and blocks -----
+
+void ParagraphCollector::on(const Break &event)
+{
+    in_command_ = false;
+    switch (event.code) {
+    case VW_BREAK_PARAGRAPH: end_paragraph(); break;
+    case VW_BREAK_END_OF_DOCUMENT: finish(); break;
+    case VW_BREAK_BLOCK_OPEN:
+    case VW_BREAK_BLOCK_CLOSE:
+        end_paragraph_in_progress();
+        end_block();
+        next_source_begin_ = offset_;
+        break;
+    default: break;
+    }
+}
+
+void ParagraphCollector::on(const HeaderFooter &event)
+{
+    end_paragraph_in_progress();
+    end_block();
+    if (event.kind == header_block || event.kind == footer_block) {
+        in_block_ = true;
+        sink_.block_begin(event.kind == header_block ? BlockKind::header : BlockKind::footer);
+    }
+}
+
+void ParagraphCollector::end_block()
+{
+    if (in_block_) {
+        in_block_ = false;
+        sink_.block_end();
+    }
+}
+
+void ParagraphCollector::begin_paragraph()
+{
+    if (!paragraph_in_progress_) {
+        paragraph_in_progress_ = true;
+        paragraph_.margins = margins_;
+        paragraph_.tab_stops = tab_stops_;
+    }
+}
+
+void ParagraphCollector::end_paragraph_in_progress()
+{
+    if (paragraph_in_progress_) {
+        end_paragraph();
+    }
+}
+
+void ParagraphCollector::end_paragraph()
+{
+    begin_paragraph(); // an empty one has not begun yet
+    paragraph_.left_indent = indents_.left;
+    paragraph_.first_line_indent = indents_.first_line;
+    paragraph_.alignment = alignment_;
+    if (!paragraph_has_text_ || rule_ == LineSpacingRule::at_break) {
+        paragraph_.line_spacing = line_spacing_;
+    }
+    set_source_range();
+    sink_.paragraph(paragraph_);
+    clear_paragraph();
+}
+
+// Keeps the memory for the next one.
+void ParagraphCollector::clear_paragraph()
+{
+    paragraph_.bytes.clear();
+    paragraph_.pieces.clear();
+    paragraph_.omitted_command_bytes = 0;
+    paragraph_in_progress_ = false;
+    paragraph_has_text_ = false;
+    indents_ = Indents{};
+    next_source_begin_ = offset_;
+}
+
+// ----------------------------------------------------------------- source offsets -----
+
+void ParagraphCollector::note_offset(uint32_t offset)
+{
+    if (!offset_known_) {
+        offset_known_ = true;
+        offset_ = offset_before_ = next_source_begin_ = offset;
+    } else if (offset != offset_) {
+        offset_before_ = offset_;
+        offset_ = offset;
+    }
+}
+
+// Where the bytes behind this event begin: where those of the last one ended. After a jump
+// back, to a header's text or to the first byte of a command that was looked at ahead, one
+// byte is what there was.
+uint32_t ParagraphCollector::piece_source() const
+{
+    if (offset_before_ < offset_) {
+        return offset_before_;
+    }
+    return offset_ == 0 ? 0 : offset_ - 1;
+}
+
+void ParagraphCollector::set_source_range()
+{
+    const bool text_elsewhere = in_block_ && paragraph_has_text_;
+    paragraph_.source_begin =
+        text_elsewhere ? paragraph_.pieces.front().source : next_source_begin_;
+    paragraph_.source_end = text_elsewhere ? text_end_ : offset_;
+}
+
+} // namespace pfsdoc
