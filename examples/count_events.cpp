@@ -15,46 +15,43 @@ struct File : VwBlockFile {
     std::FILE *file;
 };
 
-std::FILE *stdio(VwBlockFile *self)
+static std::FILE *stdio(VwBlockFile *self)
 {
     return static_cast<File *>(self)->file;
 }
 
-extern "C" int32_t file_read(VwBlockFile *self, void *bytes, uint32_t count, uint32_t *got)
+static int32_t file_read(VwBlockFile *self, void *bytes, uint32_t count, uint32_t *got)
 {
     *got = static_cast<uint32_t>(std::fread(bytes, 1, count, stdio(self)));
     return std::ferror(stdio(self));
 }
 
-extern "C" int32_t file_seek(VwBlockFile *self, uint32_t origin, int32_t offset)
+static int32_t file_seek(VwBlockFile *self, uint32_t origin, int32_t offset)
 {
     return origin == 0 ? std::fseek(stdio(self), static_cast<uint32_t>(offset), SEEK_SET)
                        : std::fseek(stdio(self), offset, SEEK_END);
 }
 
-extern "C" int32_t file_tell(VwBlockFile *self, uint32_t *position)
+static int32_t file_tell(VwBlockFile *self, uint32_t *position)
 {
     *position = static_cast<uint32_t>(std::ftell(stdio(self)));
     return 0;
 }
 
-int characters = 0;
-int paragraphs = 0;
-bool at_end = false;
+static int characters = 0, paragraphs = 0;
+static bool at_end = false;
 
-extern "C" int32_t on_character(int32_t, uint32_t, uint32_t)
+static int32_t on_character(int32_t, uint32_t, uint32_t)
 {
     return ++characters;
 }
 
-extern "C" int32_t on_break(int32_t code, int32_t, uint32_t, uint32_t)
+static int32_t on_break(int32_t code, int32_t, uint32_t, uint32_t)
 {
     paragraphs += code == VW_BREAK_PARAGRAPH ? 1 : 0;
     at_end = code == VW_BREAK_END_OF_DOCUMENT;
     return 0;
 }
-
-} // namespace
 
 // The entry in a slot of the table, called as the function of that name.
 #define CALL(slot, name) reinterpret_cast<decltype(&name)>(table[slot])
@@ -69,7 +66,7 @@ int main(int argc, char **argv)
         std::fputs("usage: count_events ./libvs_pfs.so DOCUMENT, both readable\n", stderr);
         return 2;
     }
-    VwRoutine table[VW_ENTRY_SLOTS] = {};
+    VwRoutine table[VW_ENTRY_SLOTS];
     reinterpret_cast<decltype(&VwGetRtns)>(symbol)(table, VW_INTERFACE_DO_SPECIAL);
     VwInstance *doc = CALL(VW_ENTRY_ALLOC_PROC, VwAllocProc)();
     VwCharStream *stream = nullptr;
