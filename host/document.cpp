@@ -1,0 +1,82 @@
+#include "document.h"
+
+#include <array>
+#include <string>
+
+namespace pfsdoc
+{
+
+namespace
+{
+
+using SessionResult = Result<std::unique_ptr<Session>>;
+
+SessionResult open_session(const Module &module, BlockFile &file, DocumentKind kind,
+                           Offsets offsets)
+{
+    SessionResult session = Session::create(module, file.get(), offsets);
+    if (session.ok() && !session.value()->open(file_id(kind))) {
+        return Error{ErrorKind::internal, "the module does not recognise the document",
+                     "try another module with --module"};
+    }
+    return session;
+}
+
+Status read_stopping(const Module &module, ByteSource &source, DocumentKind kind, Session &session,
+                     EventSink &sink, Offsets offsets)
+{
+    BlockFile file(source);
+    SessionResult other = open_session(module, file, kind, offsets);
+    if (!other.ok()) {
+        return other.error();
+    }
+    Stitcher stitcher(sink, indents_reset(kind));
+    const std::array<Session *, 2> sessions = {&session, other.value().get()};
+    if (!read_with_stops(sessions, stitcher)) {
+        return Error{ErrorKind::internal, "the module refuses to go back to a saved place", ""};
+    }
+    return {};
+}
+
+Status read_at_once(Session &session, EventSink &sink)
+{
+    session.read(sink);
+    if (!session.ended()) {
+        return Error{ErrorKind::internal, "the module stopped before the document's end", ""};
+    }
+    return {};
+}
+
+Status read_all(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
+                const ReadOptions &options)
+{
+    BlockFile file(source);
+    SessionResult session = open_session(module, file, kind, options.offsets);
+    if (!session.ok()) {
+        return session.error();
+    }
+    session.value()->section(sink);
+    return options.stop_at_breaks
+               ? read_stopping(module, source, kind, *session.value(), sink, options.offsets)
+               : read_at_once(*session.value(), sink);
+}
+
+} // namespace
+
+IndentsReset indents_reset(DocumentKind kind)
+{
+    const bool is_professional_write =
+        kind == DocumentKind::professional_write_1 || kind == DocumentKind::professional_write_2;
+    return is_professional_write ? IndentsReset::never : IndentsReset::after_break;
+}
+
+Status read_document(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
+                     const ReadOptions &options)
+{
+    const Status status = read_all(module, source, kind, sink, options);
+    // A failed read is an end of data to the module, and can be behind anything it says.
+    const Status failure = source.failure();
+    return failure ? failure : status;
+}
+
+} // namespace pfsdoc

@@ -1,0 +1,31 @@
+// A whole document in one call: what a program does that wants events and has no wish to
+// know about sessions. Test: tests/host/session_test.cpp.
+#pragma once
+
+#include "block_files.h"
+#include "error.h"
+#include "events.h"
+#include "identify.h"
+#include "module.h"
+#include "resume.h"
+#include "session.h"
+
+namespace pfsdoc
+{
+
+struct ReadOptions {
+    Offsets offsets = Offsets::none;
+    // Stops at every paragraph break and goes on from the saved place in another session:
+    // slower, and the same events.
+    bool stop_at_breaks = false;
+};
+
+// Delivers a document's events, from its section's start to its end. An error may come after
+// events have been delivered: a file can fail in its middle.
+Status read_document(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
+                     const ReadOptions &options = {});
+
+// Professional Write never undoes a paragraph's indents; all others do, after its break.
+IndentsReset indents_reset(DocumentKind kind);
+
+} // namespace pfsdoc

@@ -1,0 +1,71 @@
+// Errors are values: what went wrong, what can be done about it, and a kind that decides the
+// command's exit code. Tests: those of every file that answers with one.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+
+namespace pfsdoc
+{
+
+enum class ErrorKind {
+    usage,          // the command line asks for something impossible
+    input,          // the input cannot be read
+    not_a_document, // it can, but is none of the kinds we know
+    output,         // the output cannot be written
+    internal        // our own fault, a missing or unfit module included
+};
+
+struct Error {
+    ErrorKind kind;
+    std::string what;
+    std::string remedy; // empty where nothing can be done
+};
+
+// Stable: scripts rely on them, and the manual page lists them.
+constexpr int exit_code(ErrorKind kind)
+{
+    switch (kind) {
+    case ErrorKind::usage: return 2;
+    case ErrorKind::input: return 3;
+    case ErrorKind::not_a_document: return 4;
+    case ErrorKind::output: return 7;
+    case ErrorKind::internal: break;
+    }
+    return 70;
+}
+
+// A value or the error that stood in its way. value() and error() must match ok().
+template <typename T> class [[nodiscard]] Result
+{
+public:
+    Result(T value) : content_(std::in_place_index<0>, std::move(value)) {}
+    Result(Error error) : content_(std::in_place_index<1>, std::move(error)) {}
+
+    bool ok() const
+    {
+        return content_.index() == 0;
+    }
+    T &value()
+    {
+        return std::get<0>(content_);
+    }
+    const T &value() const
+    {
+        return std::get<0>(content_);
+    }
+    const Error &error() const
+    {
+        return std::get<1>(content_);
+    }
+
+private:
+    std::variant<T, Error> content_;
+};
+
+// For what has no value: empty means success.
+using Status = std::optional<Error>;
+
+} // namespace pfsdoc

@@ -1,0 +1,50 @@
+// Document output to a file or to standard output, buffered, and whole or not at all where
+// that can be had: a named file is written under a temporary name beside it, and takes its
+// own name only when everything is on the disk. Test: tests/host/file_output_test.cpp.
+#pragma once
+
+#include "error.h"
+#include "output.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace pfsdoc
+{
+
+class FileOutput final : public Output
+{
+public:
+    // Empty or "-" is standard output. An existing file that is no regular one, such as a
+    // device or a pipe, is written to directly.
+    static Result<std::unique_ptr<FileOutput>> create(const std::string &path);
+    // Without commit, what was written under a temporary name is gone.
+    ~FileOutput() override;
+    FileOutput(const FileOutput &) = delete;
+    FileOutput &operator=(const FileOutput &) = delete;
+
+    // After a failure nothing more is written; commit tells of it.
+    void write(std::string_view bytes) override;
+    bool failed() const
+    {
+        return error_number_ != 0;
+    }
+    // Hands on what is buffered.
+    void flush();
+    // Brings all that was written to where it belongs. Once, at the end.
+    Status commit();
+
+private:
+    FileOutput(int descriptor, std::string temporary, std::string target);
+    void note_failure(int error_number);
+    Status failure() const;
+
+    int descriptor_;
+    std::string temporary_; // empty when written to directly
+    std::string target_;
+    std::string buffer_;
+    int error_number_ = 0;
+};
+
+} // namespace pfsdoc

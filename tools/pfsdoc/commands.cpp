@@ -1,0 +1,166 @@
+#include "commands.h"
+
+#include "document.h"
+#include "file_output.h"
+#include "printable.h"
+
+#include <cstdio>
+#include <sys/stat.h>
+#include <utility>
+
+namespace pfsdoc
+{
+
+namespace
+{
+
+// A document that was recognised, and where its output goes.
+struct Job {
+    std::unique_ptr<ByteSource> source;
+    Identity identity;
+    Module module;
+    std::unique_ptr<FileOutput> output;
+};
+
+// Whether both names lead to the same file, by whatever way.
+bool is_same_file(const std::string &one, const std::string &other)
+{
+    struct stat first {
+    };
+    struct stat second {
+    };
+    return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 &&
+           S_ISREG(first.st_mode) && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+// The output is made last: nothing that is wrong with the document may touch it.
+Result<Job> begin(const DocumentRequest &request)
+{
+    if (is_same_file(request.file, request.output)) {
+        return Error{ErrorKind::usage, "would be replaced by its own output",
+                     "name another file with -o"};
+    }
+    Result<std::unique_ptr<ByteSource>> source = open_source(request.file);
+    if (!source.ok()) {
+        return source.error();
+    }
+    const Result<Identity> identity = identify(*source.value());
+    if (!identity.ok()) {
+        return identity.error();
+    }
+    const Result<Module> module = find_module(request.module, PFSDOC_LIBRARY_DIRECTORY);
+    if (!module.ok()) {
+        return module.error();
+    }
+    Result<std::unique_ptr<FileOutput>> output = FileOutput::create(request.output);
+    if (!output.ok()) {
+        return output.error();
+    }
+    return Job{std::move(source.value()), identity.value(), module.value(),
+               std::move(output.value())};
+}
+
+// Reads the job's document into a writer, and puts the output in its place if all went well.
+// What has gone to standard output before an error is out; a named file is not made.
+template <typename Writer>
+Status convert(const Job &job, Writer &writer, const ReadOptions &options)
+{
+    if (Status fault = read_document(job.module, *job.source, job.identity.kind, writer, options)) {
+        job.output->flush();
+        return fault;
+    }
+    writer.finish();
+    return job.output->commit();
+}
+
+template <typename Writer, typename Options>
+int run(const DocumentRequest &request, const Options &writer_options,
+        const ReadOptions &read_options)
+{
+    const Result<Job> job = begin(request);
+    if (!job.ok()) {
+        return report(request.file, job.error());
+    }
+    Writer writer(*job.value().output, writer_options);
+    const Status fault = convert(job.value(), writer, read_options);
+    return fault ? report(request.file, *fault) : 0;
+}
+
+Result<Identity> identify_file(const std::string &file)
+{
+    const Result<std::unique_ptr<ByteSource>> source = open_source(file);
+    return source.ok() ? identify(*source.value()) : source.error();
+}
+
+std::string identity_line(const std::string &file, const Identity &identity)
+{
+    return printable(file)
+        .append(": ")
+        .append(display_name(identity.kind))
+        .append(", file id ")
+        .append(std::to_string(file_id(identity.kind)))
+        .append(", ")
+        .append(printable(identity.basis))
+        .append("\n");
+}
+
+int identify_into(FileOutput &output, const std::string &file)
+{
+    const Result<Identity> identity = identify_file(file);
+    if (!identity.ok()) {
+        return report(file, identity.error());
+    }
+    output.write(identity_line(file, identity.value()));
+    output.flush(); // so that it stands in order among the lines on standard error
+    return 0;
+}
+
+} // namespace
+
+int report(const std::string &subject, const Error &error)
+{
+    std::string line = "pfsdoc: ";
+    line.append(subject).append(subject.empty() ? "" : ": ").append(error.what);
+    line.append(error.remedy.empty() ? "" : "; ").append(error.remedy);
+    std::fprintf(stderr, "%s\n", printable(line).c_str());
+    return exit_code(error.kind);
+}
+
+int run_trace(const TraceRequest &request)
+{
+    const Offsets offsets = request.options.offsets ? Offsets::wanted : Offsets::none;
+    return run<TraceWriter>(request.document, request.options, {offsets, request.stop});
+}
+
+int run_text(const TextRequest &request)
+{
+    return run<TextWriter>(request.document, request.options, {});
+}
+
+int run_identify(const std::vector<std::string> &files)
+{
+    const Result<std::unique_ptr<FileOutput>> output = FileOutput::create("");
+    if (!output.ok()) {
+        return report("", output.error());
+    }
+    int first_failure = 0;
+    for (const std::string &file : files) {
+        const int code = identify_into(*output.value(), file);
+        first_failure = first_failure != 0 ? first_failure : code;
+    }
+    const Status fault = output.value()->commit();
+    return fault ? report("", *fault) : first_failure;
+}
+
+int run_print(std::string_view text)
+{
+    const Result<std::unique_ptr<FileOutput>> output = FileOutput::create("");
+    if (!output.ok()) {
+        return report("", output.error());
+    }
+    output.value()->write(text);
+    const Status fault = output.value()->commit();
+    return fault ? report("", *fault) : 0;
+}
+
+} // namespace pfsdoc

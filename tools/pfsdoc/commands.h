@@ -1,0 +1,47 @@
+// What each subcommand does, once the command line has been understood. Test:
+// tests/host/command_test.cpp.
+#pragma once
+
+#include "error.h"
+#include "text_writer.h"
+#include "trace.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pfsdoc
+{
+
+// What `trace` and `text` have in common. "-" is standard input and standard output.
+struct DocumentRequest {
+    std::string file;
+    std::string output;
+    std::string module;
+};
+
+struct TraceRequest {
+    DocumentRequest document;
+    TraceOptions options;
+    bool stop = false;
+};
+
+struct TextRequest {
+    DocumentRequest document;
+    TextOptions options;
+};
+
+// Each gives the program's exit code, and has told standard error why if it is not 0.
+int run_trace(const TraceRequest &request);
+int run_text(const TextRequest &request);
+// Goes on after a file that fails; the exit code is that of the first one.
+int run_identify(const std::vector<std::string> &files);
+
+// Writes a line, such as a help text, to standard output.
+int run_print(std::string_view text);
+
+// One line on standard error, `pfsdoc: SUBJECT: what is wrong; what can be done`; the
+// subject may be empty. The error's exit code.
+int report(const std::string &subject, const Error &error);
+
+} // namespace pfsdoc
