@@ -7,9 +7,6 @@
 #include <cstdio>
 #include <dlfcn.h>
 
-namespace
-{
-
 // A block file over stdio: the operations first, then what they need.
 struct File : VwBlockFile {
     std::FILE *file;
