@@ -6,10 +6,8 @@
 // "attribute orders" in docs/quirks.md. Test: tests/module/attributes_test.cpp.
 #include "formatting.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 struct Attribute {
     uint8_t bit;

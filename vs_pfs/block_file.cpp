@@ -4,8 +4,7 @@
 
 #include <cstring>
 
-namespace
-{
+namespace {
 
 // The failure value of the calls that return a pointer.
 template <typename T> T *failed_pointer()

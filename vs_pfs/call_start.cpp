@@ -6,10 +6,8 @@
 // Tests: tests/module/*_line_reader_test.cpp, headers_footers_test.cpp.
 #include "formatting.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 // False: the host wants the call to end.
 bool report_headers_and_footers(VwInstance *instance)

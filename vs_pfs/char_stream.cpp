@@ -13,8 +13,7 @@
 
 using namespace vs_pfs;
 
-namespace
-{
+namespace {
 
 void empty_buffer(VwCharStream *stream)
 {

@@ -4,8 +4,7 @@
 
 #include "vs_pfs.h"
 
-namespace vs_pfs
-{
+namespace vs_pfs {
 
 // What VwCharGet delivers when there is no byte left.
 inline constexpr int32_t end_of_data = -1;

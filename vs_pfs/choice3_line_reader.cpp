@@ -15,10 +15,8 @@
 #include "document_headers.h"
 #include "line_readers.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr uint8_t line_end = 0x0D;
 constexpr uint8_t header_text_line = 0x10;

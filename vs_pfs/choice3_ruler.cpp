@@ -12,10 +12,8 @@
 #include <algorithm>
 #include <iterator>
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr int16_t unused_bytes = 3;
 constexpr uint8_t mark_tab_stop = 0x54;     // 'T'

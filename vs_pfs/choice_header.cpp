@@ -12,10 +12,8 @@
 // Test: tests/module/choice_header_test.cpp.
 #include "document_headers.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr int16_t bytes_before_magic = 5;
 constexpr int bytes_from_magic = 12;

@@ -11,10 +11,8 @@
 #include "line_readers.h"
 #include "word_lookahead.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr uint8_t line_end_single = 0x0C;
 constexpr uint8_t line_end_double = 0x0D;

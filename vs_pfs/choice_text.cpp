@@ -2,10 +2,8 @@
 // Tests: tests/module/choice_line_reader_test.cpp, choice3_line_reader_test.cpp.
 #include "choice_text.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 struct Decoded {
     uint8_t character;

@@ -7,8 +7,7 @@
 
 #include "line_text.h"
 
-namespace vs_pfs
-{
+namespace vs_pfs {
 
 inline constexpr uint8_t choice_keep_high_bit = 0x08;
 inline constexpr uint8_t choice_more_attributes = 0x40;

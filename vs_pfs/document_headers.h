@@ -3,8 +3,7 @@
 
 #include "filter_interface.h"
 
-namespace vs_pfs
-{
+namespace vs_pfs {
 
 // Values of formatType.
 enum FormatType : uint8_t {

@@ -10,8 +10,7 @@
 
 using namespace vs_pfs;
 
-namespace
-{
+namespace {
 
 template <typename Function> VwRoutine routine(Function *function)
 {

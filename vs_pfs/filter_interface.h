@@ -13,8 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace vs_pfs
-{
+namespace vs_pfs {
 
 inline constexpr int tab_table_slots = 100;
 
@@ -97,8 +96,7 @@ struct VwInstance {
     vs_pfs::LookaheadMemo lookahead;
 };
 
-namespace vs_pfs
-{
+namespace vs_pfs {
 
 // Index into VwInstance::routines of an id from 1 to 65. Ids 14, 15 and 16 stand in a
 // circle: see "swapped slots" in docs/quirks.md.

@@ -11,10 +11,8 @@
 
 #include <cstring>
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr uint32_t magic_position = 9;
 constexpr uint32_t signature_position = 641;

@@ -4,8 +4,7 @@
 
 #include "filter_interface.h"
 
-namespace vs_pfs
-{
+namespace vs_pfs {
 
 // The internal attribute set: one bit for each attribute code of the host.
 inline constexpr uint8_t attr_code_4 = 0x01;

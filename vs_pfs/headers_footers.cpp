@@ -13,10 +13,8 @@
 // Test: tests/module/headers_footers_test.cpp.
 #include "formatting.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr int32_t go_on = header_footer_go_on;
 constexpr int32_t stop_reading = header_footer_stop;

@@ -5,8 +5,7 @@
 
 #include "filter_interface.h"
 
-namespace vs_pfs
-{
+namespace vs_pfs {
 
 int32_t read_pfs_line(VwCharStream *stream, VwInstance *instance);
 int32_t read_pfs_12_line(VwCharStream *stream, VwInstance *instance);

@@ -3,8 +3,7 @@
 
 #include "formatting.h"
 
-namespace vs_pfs
-{
+namespace vs_pfs {
 
 inline constexpr uint8_t space = 0x20;
 inline constexpr uint8_t document_end = 0x0E;

@@ -4,10 +4,8 @@
 // Test: tests/module/margin_record_test.cpp.
 #include "document_headers.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr int32_t type_margins = 1;
 constexpr int32_t size_with_type = 3;

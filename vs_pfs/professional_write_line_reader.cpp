@@ -16,10 +16,8 @@
 #include "line_readers.h"
 #include "line_text.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr uint8_t type_continued = 0x00;
 constexpr uint8_t type_single = 0x01;

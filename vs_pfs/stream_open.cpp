@@ -13,8 +13,7 @@
 
 using namespace vs_pfs;
 
-namespace
-{
+namespace {
 
 constexpr uint16_t description_flags = 1;
 

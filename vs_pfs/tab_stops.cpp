@@ -2,10 +2,8 @@
 // begin, at most 30 stops, end. Test: tests/module/tab_stops_test.cpp.
 #include "formatting.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 // The table holds up to 100 stops; those beyond the thirtieth are not reported.
 constexpr int most_reported_stops = 30;

@@ -13,10 +13,8 @@
 
 #include <cstring>
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr int longest_keyword_read = 9;
 

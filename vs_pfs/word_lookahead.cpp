@@ -15,10 +15,8 @@
 // Test: tests/module/word_lookahead_test.cpp, which compares it with the plain scan.
 #include "word_lookahead.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 // Scans the word from the stream's position; the stream is left behind what stopped it.
 LookaheadMemo scan_word(VwCharStream *stream, ReadToken read_token)

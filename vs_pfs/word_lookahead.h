@@ -4,8 +4,7 @@
 
 #include "filter_interface.h"
 
-namespace vs_pfs
-{
+namespace vs_pfs {
 
 // What the lookahead makes of one stored character, its attribute bytes included.
 enum class Token { word, blank, stop };

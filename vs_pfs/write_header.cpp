@@ -16,10 +16,8 @@
 
 #include <algorithm>
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr uint32_t margins_position = 10;
 constexpr int ruler_entries = 78;

@@ -17,10 +17,8 @@
 #include "line_text.h"
 #include "word_lookahead.h"
 
-namespace vs_pfs
-{
-namespace
-{
+namespace vs_pfs {
+namespace {
 
 constexpr uint8_t form_feed = 0x0C;
 constexpr uint8_t line_end = 0x0D;

@@ -2,8 +2,7 @@
 // and embedded commands are recognised by. Test: tests/module/tables_test.cpp.
 #include "tables.h"
 
-namespace
-{
+namespace {
 
 constexpr uint8_t kind_byte = 120;
 

@@ -3,8 +3,7 @@
 
 #include "vs_pfs.h"
 
-namespace vs_pfs
-{
+namespace vs_pfs {
 
 inline constexpr int init_magic_size = 9; // "GERBILDOC" without its NUL
 inline constexpr int init_keywords_offset = 10;
