@@ -1,0 +1,130 @@
+// Bodies of First Choice 3. A line begins with header bytes that say whether it is text, a
+// ruler or a page break, and whether a text line ends its paragraph: it does when there are
+// two of them and the second says so.
+// Test: tests/builder/choice3_encoder_test.cpp.
+#include "builder/body_bytes.h"
+#include "builder/choice_characters.h"
+#include "builder/encoders.h"
+#include "builder/word_wrap.h"
+
+#include <algorithm>
+
+namespace pfs_builder {
+namespace {
+
+// A first header byte with this bit begins a text line whatever its other bits.
+constexpr uint8_t header_text = 0x10;
+constexpr uint8_t header_more_follows = 0x40;
+constexpr uint8_t header_paragraph_end = 0x01; // of the second byte
+constexpr uint8_t header_page_break = 0x08;
+constexpr uint8_t header_ruler = 0x0C;
+
+constexpr std::size_t ruler_unused_bytes = 3;
+
+// In a ruler these two are the first of two bytes in one column.
+constexpr uint8_t ruler_tee = 0xC2;
+constexpr uint8_t ruler_cross = 0xC5;
+
+class Choice3Body {
+public:
+    explicit Choice3Body(const Document &document) : document_(document), margins_(document.margins)
+    {
+        for (const Element &element : document.body) {
+            std::visit([this](const auto &one) { put(one); }, element);
+        }
+        append(bytes_, body_end);
+    }
+
+    const std::string &bytes() const
+    {
+        return bytes_;
+    }
+
+private:
+    void put(const Paragraph &paragraph)
+    {
+        const WrapRules rules = {margins_.left - 1, margins_.right - 1, false};
+        for (const StoredLine &line : wrap_words(paragraph, rules)) {
+            put_line(paragraph, line);
+        }
+    }
+
+    void put_line(const Paragraph &paragraph, const StoredLine &line)
+    {
+        if (line.wrapped) {
+            append(bytes_, header_text);
+        } else {
+            append(bytes_, header_text | header_more_follows);
+            append(bytes_, header_paragraph_end);
+        }
+        bytes_.append(static_cast<std::size_t>(line.indent), space);
+        for (std::size_t i = line.begin; i < line.end; ++i) {
+            put_cell(paragraph.cells[i]);
+        }
+        append(bytes_, body_return);
+    }
+
+    void put_cell(const Cell &cell)
+    {
+        if (document_.plain_spaces && is_space(cell)) {
+            append(bytes_, space);
+        } else {
+            bytes_ += encode_choice_cell(cell);
+        }
+    }
+
+    // The margins that it marks hold for the lines that follow.
+    void put(const RulerLine &ruler)
+    {
+        append(bytes_, header_ruler);
+        bytes_.append(ruler_unused_bytes, '\0');
+        for (const char column : ruler.columns) {
+            bytes_.push_back(column);
+            const auto byte = static_cast<uint8_t>(column);
+            if (byte == ruler_tee || byte == ruler_cross) {
+                append(bytes_, choice_keep_high_bit);
+            }
+        }
+        append(bytes_, body_return);
+        take_margins(ruler.columns);
+    }
+
+    void take_margins(const std::string &columns)
+    {
+        if (const std::size_t left = columns.rfind('['); left != std::string::npos) {
+            margins_.left = static_cast<int>(left) + 1;
+        }
+        if (const std::size_t right = columns.rfind(']'); right != std::string::npos) {
+            margins_.right = static_cast<int>(right) + 1;
+        }
+    }
+
+    void put(const PageBreakLine &line)
+    {
+        append(bytes_, header_page_break);
+        bytes_ += line.text;
+        append(bytes_, body_return);
+    }
+
+    void put(const RawBytes &raw)
+    {
+        bytes_ += raw.bytes;
+    }
+    void put(const MarginRecord &) {}
+    void put(const OtherRecord &) {}
+    void put(const Spacing &) {}
+
+    const Document &document_;
+    Margins margins_;
+    std::string bytes_;
+};
+
+} // namespace
+
+std::optional<Fault> encode_choice3(const Document &document, std::string &file)
+{
+    file = choice_header(document) + Choice3Body(document).bytes();
+    return std::nullopt;
+}
+
+} // namespace pfs_builder

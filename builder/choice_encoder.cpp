@@ -1,0 +1,93 @@
+// Bodies of First Choice before its third generation: the lines of the page, each ended by a
+// byte that tells the spacing but not whether the line was wrapped.
+// Test: tests/builder/choice_encoder_test.cpp.
+#include "builder/body_bytes.h"
+#include "builder/choice_characters.h"
+#include "builder/encoders.h"
+#include "builder/line_ends.h"
+#include "builder/word_wrap.h"
+
+namespace pfs_builder {
+namespace {
+
+constexpr uint8_t single_spaced_end = 0x0C;
+constexpr uint8_t double_spaced_end = 0x0D;
+
+class ChoiceBody {
+public:
+    explicit ChoiceBody(const Document &document) : document_(document)
+    {
+        for (const Element &element : document.body) {
+            put(element);
+        }
+        append(bytes_, body_end);
+    }
+
+    const std::string &bytes() const
+    {
+        return bytes_;
+    }
+
+    std::optional<Fault> check() const
+    {
+        return check_line_ends(document_, document_.margins, bytes_, ends_, choice_line_reading);
+    }
+
+private:
+    void put(const Element &element)
+    {
+        if (const auto *paragraph = std::get_if<Paragraph>(&element)) {
+            put_paragraph(*paragraph);
+        } else if (const auto *spacing = std::get_if<Spacing>(&element)) {
+            double_spacing_ = spacing->is_double;
+        } else if (const auto *raw = std::get_if<RawBytes>(&element)) {
+            bytes_ += raw->bytes;
+        }
+    }
+
+    void put_paragraph(const Paragraph &paragraph)
+    {
+        const WrapRules rules = {document_.margins.left - 1, document_.margins.right - 1, false};
+        for (const StoredLine &line : wrap_words(paragraph, rules)) {
+            put_line(paragraph, line);
+        }
+    }
+
+    void put_line(const Paragraph &paragraph, const StoredLine &line)
+    {
+        const std::size_t begin = bytes_.size();
+        bytes_.append(static_cast<std::size_t>(line.indent), space);
+        for (std::size_t i = line.begin; i < line.end; ++i) {
+            put_cell(paragraph.cells[i]);
+        }
+        const Place &place =
+            line.end > line.begin ? paragraph.cells[line.end - 1].place : paragraph.place;
+        ends_.push_back({begin, bytes_.size(), line.wrapped, place});
+        append(bytes_, double_spacing_ ? double_spaced_end : single_spaced_end);
+    }
+
+    void put_cell(const Cell &cell)
+    {
+        if (document_.plain_spaces && is_space(cell)) {
+            append(bytes_, space);
+        } else {
+            bytes_ += encode_choice_cell(cell);
+        }
+    }
+
+    const Document &document_;
+    bool double_spacing_ = false;
+    std::string bytes_;
+    std::vector<LineEnd> ends_;
+};
+
+} // namespace
+
+std::optional<Fault> encode_choice(const Document &document, std::string &file)
+{
+    const ChoiceBody body(document);
+    file = choice_header(document) + body.bytes();
+    return body.check();
+}
+
+} // namespace pfs_builder

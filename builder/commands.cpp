@@ -1,0 +1,85 @@
+// A command is known by its first word. A word that ends in an asterisk is a command whole; a
+// word that ends in a space wants a second: for NEW it is PAGE, for JUSTIFY an answer, for
+// the others an argument, which is everything up to the next asterisk.
+// Test: tests/builder/commands_test.cpp.
+#include "builder/commands.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <string>
+
+namespace pfs_builder {
+namespace {
+
+constexpr std::array<std::string_view, 9> whole_words = {"N*",      "PAGE*", "YES*",   "Y*", "NO*",
+                                                         "CENTER*", "C*",    "RIGHT*", "R*"};
+constexpr std::array<std::string_view, 6> words_with_argument = {"PRINTER ", "P ",    "GRAPH ",
+                                                                 "G ",       "JOIN ", "J "};
+constexpr std::string_view new_word = "NEW ";
+constexpr std::array<std::string_view, 1> new_answers = {"PAGE*"};
+constexpr std::array<std::string_view, 2> justify_words = {"JUSTIFY ", "JY "};
+constexpr std::array<std::string_view, 4> justify_answers = {"N*", "YES*", "Y*", "NO*"};
+
+template <std::size_t Size>
+bool contains(const std::array<std::string_view, Size> &words, std::string_view word)
+{
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+// The front of `text` up to and including its first space or asterisk, in capitals.
+std::string first_word(std::string_view text)
+{
+    const std::size_t end = text.find_first_of(" *");
+    if (end == std::string_view::npos) {
+        return "";
+    }
+    std::string word(text.substr(0, end + 1));
+    for (char &letter : word) {
+        letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+    }
+    return word;
+}
+
+template <std::size_t Size>
+Command with_answer(std::string_view after, std::size_t word_length,
+                    const std::array<std::string_view, Size> &answers)
+{
+    const std::string answer = first_word(after.substr(word_length));
+    if (!contains(answers, answer)) {
+        return {};
+    }
+    return {CommandState::whole, 1 + word_length + answer.size()};
+}
+
+Command with_argument(std::string_view after, std::size_t word_length)
+{
+    const std::size_t end = after.find(command_mark, word_length);
+    if (end == std::string_view::npos) {
+        return {CommandState::unclosed, 0};
+    }
+    return {CommandState::whole, 1 + end + 1};
+}
+
+} // namespace
+
+Command find_command(std::string_view text)
+{
+    const std::string_view after = text.substr(1);
+    const std::string word = first_word(after);
+    if (contains(whole_words, word)) {
+        return {CommandState::whole, 1 + word.size()};
+    }
+    if (word == new_word) {
+        return with_answer(after, word.size(), new_answers);
+    }
+    if (contains(justify_words, word)) {
+        return with_answer(after, word.size(), justify_answers);
+    }
+    if (contains(words_with_argument, word)) {
+        return with_argument(after, word.size());
+    }
+    return {};
+}
+
+} // namespace pfs_builder

@@ -1,0 +1,175 @@
+// What a document says, before it is put into the form of one of the seven kinds.
+//
+// A document is a kind, what its header holds, and a list of body elements. A paragraph is a
+// list of cells, one for each character as a reader counts them; the encoders break it into
+// stored lines. Everything remembers its place in the description, so that whatever a kind
+// cannot say is told with its line.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace pfs_builder {
+
+enum class Kind : uint8_t {
+    write_a,
+    write_b,
+    professional_write_1,
+    professional_write_2,
+    writing_assistant,
+    first_choice_2,
+    first_choice_3
+};
+
+// A set of character styles.
+using Style = uint8_t;
+inline constexpr Style style_none = 0x00;
+inline constexpr Style style_underline = 0x01;
+inline constexpr Style style_bold = 0x02;
+inline constexpr Style style_italic = 0x04;
+inline constexpr Style style_superscript = 0x08;
+inline constexpr Style style_subscript = 0x10;
+
+// Where something stands: an index into Document::sources and a line, counted from 1.
+struct Place {
+    std::size_t source = 0;
+    int line = 0;
+};
+
+// What is wrong with a description, and what can be done about it.
+struct Fault {
+    std::string file;
+    int line = 0;
+    std::string what;
+    std::string remedy;
+};
+
+// "FILE:LINE: what is wrong; what can be done"
+std::string to_string(const Fault &fault);
+
+enum class CellKind : uint8_t {
+    text,    // one character of code page 437
+    command, // one byte of an embedded command, asterisks included; stored as it is
+    raw      // bytes stored as they are, taken for one character
+};
+
+struct Cell {
+    CellKind kind = CellKind::text;
+    Style style = style_none;
+    bool hidden = false; // within a suppressed stretch
+    Place place;
+    std::string bytes;
+};
+
+inline constexpr char space = ' ';
+
+// Whether a line may be broken here: a space that is text and not suppressed.
+inline bool is_space(const Cell &cell)
+{
+    return cell.kind == CellKind::text && !cell.hidden && cell.bytes.front() == space;
+}
+
+// One paragraph, ended by a hard line end. Indents are in columns from the left margin.
+struct Paragraph {
+    std::vector<Cell> cells;
+    int first_indent = 0; // of the first stored line
+    int left_indent = 0;  // of the lines wrapped from it
+    Place place;
+};
+
+// Columns as a user sees them, the first being 1.
+struct Margins {
+    int left = 10;
+    int right = 70;
+};
+
+struct MarginRecord {
+    Margins margins;
+    Place place;
+};
+
+// A record of the Write family that is not about margins: its type byte, then its data.
+struct OtherRecord {
+    std::string bytes;
+    Place place;
+};
+
+struct Spacing {
+    bool is_double = false; // for the paragraphs that follow
+    Place place;
+};
+
+// A ruler drawn in characters, the first column first: '[' and ']' margins, 'T' tab stops.
+struct RulerLine {
+    std::string columns;
+    Place place;
+};
+
+struct PageBreakLine {
+    std::string text; // what the stored line holds besides; readers skip it
+    Place place;
+};
+
+// Bytes stored between two lines as they are.
+struct RawBytes {
+    std::string bytes;
+    Place place;
+};
+
+using Record = std::variant<MarginRecord, OtherRecord>;
+using Element =
+    std::variant<Paragraph, Spacing, MarginRecord, OtherRecord, RulerLine, PageBreakLine, RawBytes>;
+
+struct TabStop {
+    int column = 1; // as a user sees it
+    bool decimal = false;
+};
+
+enum class Alignment : uint8_t { left, centre, right };
+
+// The header or the footer: two lines, absent when empty, alike in look.
+struct HeaderFooter {
+    std::array<std::string, 2> lines; // in code page 437
+    std::array<Place, 2> line_places;
+    std::optional<Alignment> alignment; // none: what the kind does of itself
+    Place alignment_place;
+    Style style = style_none;
+    Place style_place;
+};
+
+enum class Signature : uint8_t { type_2, wrd_pc }; // PFS: WRITE carries either
+
+struct Document {
+    std::vector<std::string> sources;   // the description and the files that it includes
+    std::vector<std::string> keys_seen; // keys of its header part
+
+    Kind kind = Kind::write_b;
+    Place kind_place;
+    std::optional<Signature> signature; // none: the later one
+    Place signature_place;
+    std::optional<char> generation; // First Choice's generation byte; none: the kind's own
+    Place generation_place;
+
+    Margins margins;
+    Place margins_place;
+    std::vector<TabStop> tab_stops;
+    Place tab_stops_place;
+    HeaderFooter header;
+    HeaderFooter footer;
+    std::vector<Record> records; // before the body
+
+    bool plain_spaces = false;  // store the spaces of styled text without their style
+    bool joins_allowed = false; // a hard end that will be read as a wrap is no fault
+
+    std::vector<Element> body;
+};
+
+// The fault `what` at `place` of the document.
+Fault fault_at(const Document &document, const Place &place, std::string what, std::string remedy);
+
+} // namespace pfs_builder

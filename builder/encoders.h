@@ -1,0 +1,33 @@
+// One encoder for each generation of bodies, and the two headers that stand before them.
+#pragma once
+
+#include "builder/document.h"
+
+namespace pfs_builder {
+
+// Each makes the whole file of a document that its kind can say (capabilities.h), or tells
+// which line end would be read otherwise than meant.
+using Encoder = std::optional<Fault> (*)(const Document &document, std::string &file);
+
+std::optional<Fault> encode_write(const Document &document, std::string &file);
+std::optional<Fault> encode_professional_write(const Document &document, std::string &file);
+std::optional<Fault> encode_choice(const Document &document, std::string &file);
+std::optional<Fault> encode_choice3(const Document &document, std::string &file);
+
+// Everything before the body: the header area, the form feed and the records behind it.
+std::string write_header(const Document &document);
+std::string choice_header(const Document &document);
+
+// A record of a Write-family text.
+std::string encode_record(const MarginRecord &record);
+std::string encode_record(const OtherRecord &record);
+
+// The margins that the body begins with: the header's or those of the last margin record.
+Margins margins_before_body(const Document &document);
+
+// How long each of the four header and footer texts may be: header 1 and 2, footer 1 and 2.
+using TextLimits = std::array<std::size_t, 4>;
+extern const TextLimits write_header_text_limits;
+extern const TextLimits choice_header_text_limits;
+
+} // namespace pfs_builder

@@ -1,0 +1,113 @@
+// Bodies of Professional Write. A line begins with a byte that says what it is and that, as
+// the next line's first byte, ends the line before. So the last line needs such a byte
+// behind it, or the end of the document would swallow its end.
+//
+// A suppressed stretch lies in a line of the suppressing type, which is soft; the same byte
+// once more in the middle of the line begins the stretch, and the next line's byte ends it.
+// Test: tests/builder/professional_write_encoder_test.cpp.
+#include "builder/body_bytes.h"
+#include "builder/encoders.h"
+#include "builder/word_wrap.h"
+#include "builder/write_characters.h"
+
+namespace pfs_builder {
+namespace {
+
+constexpr uint8_t soft_line = 0x00;
+constexpr uint8_t hard_line_single = 0x01;
+constexpr uint8_t suppressing_line = 0x02;
+constexpr uint8_t suppression_begins = 0x02;
+constexpr uint8_t hard_line_double = 0x03;
+
+class ProfessionalWriteBody {
+public:
+    explicit ProfessionalWriteBody(const Document &document)
+        : margins_(margins_before_body(document))
+    {
+        for (const Element &element : document.body) {
+            std::visit([this](const auto &one) { put(one); }, element);
+        }
+        append(bytes_, soft_line);
+        bytes_ += records_;
+        append(bytes_, body_end);
+    }
+
+    const std::string &bytes() const
+    {
+        return bytes_;
+    }
+
+private:
+    void put(const Paragraph &paragraph)
+    {
+        const WrapRules rules = {margins_.left - 1, margins_.right - 1, true};
+        for (const StoredLine &line : wrap_words(paragraph, rules)) {
+            put_line(paragraph, line);
+        }
+    }
+
+    void put_line(const Paragraph &paragraph, const StoredLine &line)
+    {
+        append(bytes_, line_type(paragraph, line));
+        bytes_ += records_;
+        records_.clear();
+        bytes_.append(static_cast<std::size_t>(line.indent), space);
+        bool hidden = false;
+        for (std::size_t i = line.begin; i < line.end; ++i) {
+            const Cell &cell = paragraph.cells[i];
+            if (cell.hidden && !hidden) {
+                append(bytes_, suppression_begins);
+            }
+            hidden = cell.hidden;
+            bytes_ += encode_professional_write_cell(cell);
+        }
+    }
+
+    uint8_t line_type(const Paragraph &paragraph, const StoredLine &line) const
+    {
+        if (line.end > line.begin && paragraph.cells[line.end - 1].hidden) {
+            return suppressing_line;
+        }
+        if (line.wrapped) {
+            return soft_line;
+        }
+        return double_spacing_ ? hard_line_double : hard_line_single;
+    }
+
+    // A record is kept for the beginning of the next line.
+    void put(const MarginRecord &record)
+    {
+        margins_ = record.margins;
+        records_ += encode_record(record);
+    }
+
+    void put(const OtherRecord &record)
+    {
+        records_ += encode_record(record);
+    }
+    void put(const Spacing &spacing)
+    {
+        double_spacing_ = spacing.is_double;
+    }
+    void put(const RawBytes &raw)
+    {
+        bytes_ += raw.bytes;
+    }
+    void put(const RulerLine &) {}
+    void put(const PageBreakLine &) {}
+
+    Margins margins_;
+    bool double_spacing_ = false;
+    std::string records_;
+    std::string bytes_;
+};
+
+} // namespace
+
+std::optional<Fault> encode_professional_write(const Document &document, std::string &file)
+{
+    file = write_header(document) + ProfessionalWriteBody(document).bytes();
+    return std::nullopt;
+}
+
+} // namespace pfs_builder
