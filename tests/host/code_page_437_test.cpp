@@ -1,0 +1,85 @@
+// The code page's characters.
+#include "code_page_437.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace {
+
+using pfsdoc::code_page_437;
+
+std::string utf8(std::string_view bytes)
+{
+    std::string encoded;
+    pfsdoc::append_utf8(encoded, bytes);
+    return encoded;
+}
+
+TEST(CodePage437, LeavesPrintableAsciiAlone)
+{
+    for (unsigned byte = 0x20; byte < 0x7F; ++byte) {
+        EXPECT_EQ(code_page_437[byte], byte);
+    }
+}
+
+TEST(CodePage437, HasGraphicsWhereOthersHaveControlCodes)
+{
+    EXPECT_EQ(utf8("\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F"),
+              "☺☻♥♦♣♠•◘○◙♂♀♪♫☼");
+    EXPECT_EQ(utf8("\x10\x11\x12\x13\x14\x15\x16\x17\x18\x19\x1A\x1B\x1C\x1D\x1E\x1F\x7F"),
+              "►◄↕‼¶§▬↨↑↓→←∟↔▲▼⌂");
+}
+
+TEST(CodePage437, HasLettersSignsFramesAndFormulasInItsUpperHalf)
+{
+    EXPECT_EQ(utf8("\x80\x81\x82\x83\x84\x85\x86\x87\x88\x89\x8A\x8B\x8C\x8D\x8E\x8F"),
+              "ÇüéâäàåçêëèïîìÄÅ");
+    EXPECT_EQ(utf8("\x90\x91\x92\x93\x94\x95\x96\x97\x98\x99\x9A\x9B\x9C\x9D\x9E\x9F"),
+              "ÉæÆôöòûùÿÖÜ¢£¥₧ƒ");
+    EXPECT_EQ(utf8("\xA0\xA1\xA2\xA3\xA4\xA5\xA6\xA7\xA8\xA9\xAA\xAB\xAC\xAD\xAE\xAF"),
+              "áíóúñÑªº¿⌐¬½¼¡«»");
+    EXPECT_EQ(utf8("\xB0\xB1\xB2\xB3\xB4\xB5\xB6\xB7\xB8\xB9\xBA\xBB\xBC\xBD\xBE\xBF"),
+              "░▒▓│┤╡╢╖╕╣║╗╝╜╛┐");
+    EXPECT_EQ(utf8("\xC0\xC1\xC2\xC3\xC4\xC5\xC6\xC7\xC8\xC9\xCA\xCB\xCC\xCD\xCE\xCF"),
+              "└┴┬├─┼╞╟╚╔╩╦╠═╬╧");
+    EXPECT_EQ(utf8("\xD0\xD1\xD2\xD3\xD4\xD5\xD6\xD7\xD8\xD9\xDA\xDB\xDC\xDD\xDE\xDF"),
+              "╨╤╥╙╘╒╓╫╪┘┌█▄▌▐▀");
+    EXPECT_EQ(utf8("\xE0\xE1\xE2\xE3\xE4\xE5\xE6\xE7\xE8\xE9\xEA\xEB\xEC\xED\xEE\xEF"),
+              "αßΓπΣσµτΦΘΩδ∞φε∩");
+    EXPECT_EQ(utf8("\xF0\xF1\xF2\xF3\xF4\xF5\xF6\xF7\xF8\xF9\xFA\xFB\xFC\xFD\xFE"),
+              "≡±≥≤⌠⌡÷≈°∙·√ⁿ²■");
+}
+
+// These have look-alikes in Unicode; the ones meant are told by number.
+TEST(CodePage437, IsExactAboutLookAlikes)
+{
+    EXPECT_EQ(code_page_437[0xE1], 0x00DF); // sharp s, not beta
+    EXPECT_EQ(code_page_437[0xE4], 0x03A3); // sigma, not the sum sign
+    EXPECT_EQ(code_page_437[0xE6], 0x00B5); // micro sign, not mu
+    EXPECT_EQ(code_page_437[0xEA], 0x03A9); // omega, not the ohm sign
+    EXPECT_EQ(code_page_437[0xEE], 0x03B5); // epsilon, not "element of"
+    EXPECT_EQ(code_page_437[0xFF], 0x00A0); // no-break space
+}
+
+TEST(CodePage437, TakesTheZeroByteForItsBlankCell)
+{
+    EXPECT_EQ(utf8(std::string_view("\0", 1)), " ");
+}
+
+TEST(CodePage437, HasNoCharacterTwiceButTheBlank)
+{
+    const std::set<char16_t> distinct(code_page_437.begin(), code_page_437.end());
+    EXPECT_EQ(distinct.size(), 255U);
+}
+
+TEST(CodePage437, HasNoControlCharacter)
+{
+    for (const char16_t character : code_page_437) {
+        EXPECT_GE(character, 0x20);
+        EXPECT_TRUE(character < 0x7F || character > 0x9F) << std::hex << unsigned{character};
+    }
+}
+
+} // namespace
