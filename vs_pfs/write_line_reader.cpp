@@ -3,19 +3,17 @@
 //   0x0C       passed over
 //   0x0D       line end, of wrapped and of finished lines alike
 //   0x0E       end of the document
-//   0x80-0xFF  a character with attributes: an attribute byte follows (types 1 and 2)
-//   0xC0-0xFF  the same in type 3, where the attribute byte also selects the range
-//   others     a character
+//   others     a character, which may take an attribute byte with it: write_characters.h
 //
 // The file stores the page's lines. At each line end the reader asks whether the next
 // line's first word would still have fitted. If so the author ended the line, and with it
 // the paragraph; if not the word processor wrapped it, and one space joins the two. Leading
 // spaces are not reported: they become the paragraph's indents.
 // Test: tests/module/write_line_reader_test.cpp.
-#include "document_headers.h"
 #include "line_readers.h"
 #include "line_text.h"
 #include "word_lookahead.h"
+#include "write_characters.h"
 
 namespace vs_pfs {
 namespace {
@@ -46,93 +44,6 @@ Line start_line(const Reading &reading)
     return {left_margin, 0, true, true, false};
 }
 
-// Type 3: what a range selected by an attribute byte makes of a prefixed byte.
-constexpr uint8_t select_bits = 0x30;
-constexpr uint8_t select_low_half = 0x10;
-constexpr uint8_t select_high_half = 0x20;
-constexpr uint8_t low_half_mask = 0x7F;
-constexpr uint8_t high_half_mask = 0xBF;
-constexpr uint8_t control_mask = 0x3F;
-constexpr uint8_t kept_as_it_is = 0xE0;
-constexpr uint8_t prefix_bits = 0xC0;
-constexpr uint8_t attribute_bits = 0x0F;
-
-constexpr uint8_t select_range(uint8_t byte, uint8_t attribute)
-{
-    switch (attribute & select_bits) {
-    case select_low_half: return byte & low_half_mask;
-    case select_high_half: return byte & high_half_mask;
-    default: return byte == kept_as_it_is ? byte : byte & control_mask;
-    }
-}
-
-// Type 3: where the document's codes for graphic and Greek characters stand in the
-// character set of the others.
-struct Shift {
-    uint8_t first;
-    uint8_t last;
-    uint8_t added;
-};
-constexpr Shift shifts[] = {
-    {0x0F, 0x11, 0xD5}, {0x12, 0x15, 0xD9}, {0x16, 0x19, 0xDA},
-    {0x1A, 0x1E, 0xDC}, {0x1F, 0x1F, 0xDF}, {0xB0, 0xB1, 0x03},
-    {0xB2, 0xB8, 0x0D}, {0xB9, 0xBB, 0x20}, {0xBC, 0xBF, 0x24},
-};
-
-constexpr uint8_t translate(uint8_t byte)
-{
-    for (const Shift &shift : shifts) {
-        if (byte >= shift.first && byte <= shift.last) {
-            return static_cast<uint8_t>(byte + shift.added);
-        }
-    }
-    return byte;
-}
-
-struct Decoded {
-    uint8_t character;
-    uint8_t charAttrSet;
-};
-
-// Types 1 and 2. False: the data ended inside the character.
-bool decode_write(const Reading &reading, uint8_t byte, Decoded &decoded)
-{
-    decoded = {byte, 0};
-    if ((byte & high_bit) != 0) {
-        const int32_t attribute = VwCharGet(reading.stream);
-        if (attribute == end_of_data) {
-            return false;
-        }
-        decoded.character = byte & low_seven_bits;
-        SetAttr(static_cast<uint8_t>(attribute), 0, attr_form_plain, &decoded.charAttrSet,
-                reading.instance);
-    }
-    return true;
-}
-
-// Type 3. False: the data ended inside the character.
-bool decode_writing_assistant(const Reading &reading, uint8_t byte, Decoded &decoded)
-{
-    decoded = {translate(byte), 0};
-    if ((byte & prefix_bits) == prefix_bits) {
-        const int32_t attribute = VwCharGet(reading.stream);
-        if (attribute == end_of_data) {
-            return false;
-        }
-        decoded.character = translate(select_range(byte, static_cast<uint8_t>(attribute)));
-        SetAttr(attribute & attribute_bits, 0, attr_form_plain, &decoded.charAttrSet,
-                reading.instance);
-    }
-    return true;
-}
-
-bool decode(const Reading &reading, uint8_t byte, Decoded &decoded)
-{
-    return reading.instance->state.formatType == format_writing_assistant
-               ? decode_writing_assistant(reading, byte, decoded)
-               : decode_write(reading, byte, decoded);
-}
-
 void read_space(Reading &reading, Line &line)
 {
     line.lastWasSpace = true;
@@ -149,8 +60,8 @@ void read_space(Reading &reading, Line &line)
 
 Progress read_character(Reading &reading, Line &line, uint8_t byte)
 {
-    Decoded decoded;
-    if (!decode(reading, byte, decoded)) {
+    WriteCharacter decoded;
+    if (!decode_write_character(reading.stream, byte, decoded, reading.instance)) {
         return Progress::document_done;
     }
     check_attributes(decoded.charAttrSet, reading.instance);
