@@ -8,11 +8,9 @@
 #include <sys/stat.h>
 #include <utility>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 // A document that was recognised, and where its output goes.
 struct Job {
@@ -22,13 +20,17 @@ struct Job {
     std::unique_ptr<FileOutput> output;
 };
 
+// A file as a message names it.
+std::string subject_of(const std::string &file)
+{
+    return file.empty() ? "\"\"" : file;
+}
+
 // Whether both names lead to the same file, by whatever way.
 bool is_same_file(const std::string &one, const std::string &other)
 {
-    struct stat first {
-    };
-    struct stat second {
-    };
+    struct stat first {};
+    struct stat second {};
     return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 &&
            S_ISREG(first.st_mode) && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
@@ -79,11 +81,11 @@ int run(const DocumentRequest &request, const Options &writer_options,
 {
     const Result<Job> job = begin(request);
     if (!job.ok()) {
-        return report(request.file, job.error());
+        return report(subject_of(request.file), job.error());
     }
     Writer writer(*job.value().output, writer_options);
     const Status fault = convert(job.value(), writer, read_options);
-    return fault ? report(request.file, *fault) : 0;
+    return fault ? report(subject_of(request.file), *fault) : 0;
 }
 
 Result<Identity> identify_file(const std::string &file)
@@ -108,7 +110,7 @@ int identify_into(FileOutput &output, const std::string &file)
 {
     const Result<Identity> identity = identify_file(file);
     if (!identity.ok()) {
-        return report(file, identity.error());
+        return report(subject_of(file), identity.error());
     }
     output.write(identity_line(file, identity.value()));
     output.flush(); // so that it stands in order among the lines on standard error
