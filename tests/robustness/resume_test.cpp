@@ -1,0 +1,40 @@
+// The reference host's promise: a document read with a stop at every break, each time going
+// on from the saved place in another instance, gives the very events of one single read.
+#include "document.h"
+#include "document_files.h"
+#include "trace.h"
+
+#include <gtest/gtest.h>
+
+namespace tests {
+namespace {
+
+class Resuming : public ::testing::TestWithParam<DocumentFile> {};
+
+std::string trace(const std::string &bytes, bool stop_at_breaks)
+{
+    pfsdoc::MemorySource source({bytes.begin(), bytes.end()});
+    const auto module = pfsdoc::Module::linked();
+    const auto identity = pfsdoc::identify(source);
+    pfsdoc::StringOutput output;
+    pfsdoc::TraceWriter writer(output, {.offsets = true});
+    const pfsdoc::ReadOptions options = {pfsdoc::Offsets::wanted, stop_at_breaks};
+    EXPECT_FALSE(
+        pfsdoc::read_document(module.value(), source, identity.value().kind, writer, options));
+    writer.finish();
+    return output.text;
+}
+
+TEST_P(Resuming, AtEveryBreakGivesTheSameEventsAtTheSameOffsets)
+{
+    const std::string bytes = GetParam().bytes();
+    const std::string whole = trace(bytes, false);
+    EXPECT_NE(whole.find("break end"), std::string::npos);
+    EXPECT_TRUE(trace(bytes, true) == whole);
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, Resuming, ::testing::ValuesIn(sample_files()),
+                         [](const auto &file) { return file.param.name; });
+
+} // namespace
+} // namespace tests
