@@ -1,7 +1,6 @@
 #include "code_page_437.h"
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 // Eight to a row, so that the rows can be counted.
 // clang-format off
@@ -41,8 +40,7 @@ const std::array<char16_t, 256> code_page_437 = {
 };
 // clang-format on
 
-namespace
-{
+namespace {
 
 struct Encoded {
     std::array<char, 3> bytes;

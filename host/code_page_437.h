@@ -12,8 +12,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 extern const std::array<char16_t, 256> code_page_437;
 

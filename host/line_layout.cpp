@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 constexpr char tab_byte = '\t';
 constexpr char zero_blank = '\0';

@@ -31,8 +31,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 enum class LineAlignment { left, centre, right };
 
@@ -51,8 +50,7 @@ struct LineGeometry {
     std::vector<TabColumn> tab_stops; // in any order; those beyond the width are not used
 };
 
-class LineLayout
-{
+class LineLayout {
 public:
     static constexpr std::size_t fallback_tab_columns = 8;
 

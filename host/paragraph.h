@@ -15,8 +15,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 // Attributes that are on together: bit n stands for code n of AttributeChange, whose meaning
 // attribute_names.h tells.

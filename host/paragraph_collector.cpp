@@ -4,11 +4,9 @@
 
 #include <variant>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 constexpr uint16_t first_choice_2_file_id = 1017;
 

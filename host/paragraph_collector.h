@@ -24,14 +24,12 @@
 #include <cstdint>
 #include <vector>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 enum class BlockKind { header, footer };
 
 // Receives a document's blocks in order. What it is given is valid during the call.
-class BlockSink
-{
+class BlockSink {
 public:
     virtual ~BlockSink() = default;
     // A paragraph, or between block_begin and block_end a header or footer line.
@@ -56,8 +54,7 @@ enum class LineSpacingRule { at_last_character, at_break };
 
 LineSpacingRule line_spacing_rule(uint16_t file_id);
 
-class ParagraphCollector final : public EventSink
-{
+class ParagraphCollector final : public EventSink {
 public:
     // No command that does something comes near this length; a longer one is a command
     // whose closing asterisk is missing, and its echo may run through the whole document.

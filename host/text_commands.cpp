@@ -5,11 +5,9 @@
 #include <algorithm>
 #include <array>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 struct AlignmentCommand {
     std::string_view text;

@@ -6,8 +6,7 @@
 #include <optional>
 #include <string_view>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 // The VwAlignment that a command asks for, if it is a centre or right-align command. The text
 // includes both asterisks; upper and lower case are the same.

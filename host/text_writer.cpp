@@ -6,11 +6,9 @@
 #include <algorithm>
 #include <optional>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 constexpr std::string_view blank_bytes{" \0", 2};
 constexpr std::string_view cut_mark = "...";

@@ -35,8 +35,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 // Rulers count columns in eight bits, so nothing that means it has wider margins.
 inline constexpr int32_t widest_page_columns = 255;
@@ -50,8 +49,7 @@ struct TextOptions {
 };
 
 // Writes blocks as text.
-class TextBlockWriter final : public BlockSink
-{
+class TextBlockWriter final : public BlockSink {
 public:
     // Footers have to wait for the end of the document. Two lines of at most 255 bytes are
     // all that a document has; this much is kept whatever is sent.
@@ -84,8 +82,7 @@ private:
 };
 
 // The same from events.
-class TextWriter final : public EventSink
-{
+class TextWriter final : public EventSink {
 public:
     explicit TextWriter(Output &output, const TextOptions &options = {});
 

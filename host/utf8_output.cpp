@@ -4,11 +4,9 @@
 
 #include <algorithm>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 // Bytes converted between two looks at the buffer's size.
 constexpr std::size_t stretch_size = 4096;

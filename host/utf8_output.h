@@ -7,11 +7,9 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-class Utf8Output
-{
+class Utf8Output {
 public:
     // Large enough that a write is worth its cost.
     static constexpr std::size_t chunk_size = 65536;
