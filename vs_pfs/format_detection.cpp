@@ -54,10 +54,9 @@ bool has_choice_magic(VwInstance *instance)
 
 Signature find_signature(const char *text)
 {
-    int index = signature_wrd_pc;
-    while (index != signature_none &&
-           std::memcmp(text, PfsInit + init_signatures_offset + index * init_signature_size,
-                       signature_length) != 0) {
+    int index = 0;
+    while (index < init_signatures &&
+           std::memcmp(text, init_signature(index), signature_length) != 0) {
         ++index;
     }
     return static_cast<Signature>(index);

@@ -58,8 +58,7 @@ constexpr char to_upper(int32_t byte)
 int32_t find_keyword(const char *text)
 {
     for (int32_t code = 1; code <= init_keywords; ++code) {
-        const char *keyword = PfsInit + init_keywords_offset + (code - 1) * init_keyword_size;
-        if (std::strcmp(text, keyword) == 0) {
+        if (std::strcmp(text, init_keyword(code - 1)) == 0) {
             return code;
         }
     }
