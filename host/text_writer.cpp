@@ -13,6 +13,7 @@ namespace {
 constexpr std::string_view blank_bytes{" \0", 2};
 constexpr std::string_view cut_mark = "...";
 
+// The first and the last that text may occupy.
 struct PageColumns {
     int32_t left;
     int32_t right;
@@ -64,7 +65,7 @@ std::vector<TabColumn> tab_columns(const std::vector<TabStop> &stops, const Page
     const auto right = static_cast<uint32_t>(page.right);
     for (const TabStop &stop : stops) {
         const uint32_t column = stop.position / VW_TWIPS_PER_COLUMN;
-        if (column > left && column < right) {
+        if (column > left && column <= right) {
             columns.push_back({column - left, stop.kind == VW_TAB_DECIMAL});
         }
     }
@@ -74,7 +75,7 @@ std::vector<TabColumn> tab_columns(const std::vector<TabStop> &stops, const Page
 LineGeometry line_geometry(const Paragraph &paragraph)
 {
     const PageColumns page = page_columns(paragraph.margins);
-    const int32_t width = page.right - page.left;
+    const int32_t width = page.right - page.left + 1;
     LineGeometry geometry;
     geometry.left_margin = static_cast<std::size_t>(page.left);
     geometry.width = static_cast<std::size_t>(width);

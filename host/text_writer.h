@@ -1,10 +1,11 @@
 // Plain text, UTF-8, as the page shows it: the writer behind `pfsdoc text`.
 //
 // Paragraphs have come as one string each; here they are wrapped to the document's margins
-// again, a line in the columns from the left margin up to but not including the right one,
-// with the left margin and the indents as blanks, so that the columns are the page's. Header
-// lines come first, then an empty line, the body, an empty line and the footer lines. Lines
-// never end in blanks; text that is not empty ends with a line end.
+// again, with the left margin and the indents as blanks, so that the columns are the page's.
+// The right margin is the last column of the text: it is what the stored lines are judged by
+// when they are joined, so a paragraph that was stored in full lines falls into the same
+// lines again. Header lines come first, then an empty line, the body, an empty line and the
+// footer lines. Lines never end in blanks; text that is not empty ends with a line end.
 //
 //   page breaks   a form feed, directly before the next line. Without TextOptions::page_breaks
 //                 they leave no trace: a paragraph goes on over them.

@@ -47,11 +47,11 @@ std::string page(std::string_view written)
     return std::string(written.substr(1));
 }
 
-// A page of 20 columns without a left margin: what the layout does is seen best there.
+// A page of the columns 0 to 19, without a left margin: what the layout does is seen best there.
 TypedEvents narrow_page()
 {
     TypedEvents events;
-    events.margins(0, 20);
+    events.margins(0, 19);
     return events;
 }
 
@@ -60,7 +60,7 @@ TypedEvents narrow_page()
 TEST(Text, OfADocumentWithoutTextIsEmpty)
 {
     EXPECT_EQ(text(TypedEvents()), "");
-    EXPECT_EQ(text(TypedEvents().margins(10, 70).tabs({20}).end()), "");
+    EXPECT_EQ(text(TypedEvents().margins(10, 69).tabs({20}).end()), "");
 }
 
 TEST(Text, WrapsParagraphsToTheMargins)
@@ -73,7 +73,7 @@ dog.
 )");
 }
 
-TEST(Text, FillsALineUpToTheColumnBeforeTheRightMargin)
+TEST(Text, FillsALineUpToTheRightMarginsColumn)
 {
     EXPECT_EQ(text(narrow_page().line("twelve chars 1234567")), "twelve chars 1234567\n");
     EXPECT_EQ(text(narrow_page().line("twelve chars 12345678")), "twelve chars\n12345678\n");
@@ -81,7 +81,7 @@ TEST(Text, FillsALineUpToTheColumnBeforeTheRightMargin)
 
 TEST(Text, ShowsTheLeftMarginAsBlanks)
 {
-    EXPECT_EQ(text(TypedEvents().margins(10, 30).line("The quick brown fox jumps")), page(R"(
+    EXPECT_EQ(text(TypedEvents().margins(10, 29).line("The quick brown fox jumps")), page(R"(
           The quick brown fox
           jumps
 )"));
@@ -89,12 +89,12 @@ TEST(Text, ShowsTheLeftMarginAsBlanks)
 
 TEST(Text, ShowsEmptyParagraphsAsEmptyLines)
 {
-    EXPECT_EQ(text(TypedEvents().margins(5, 30).line("One").line("").line("Two")), page(R"(
+    EXPECT_EQ(text(TypedEvents().margins(5, 29).line("One").line("").line("Two")), page(R"(
      One
 
      Two
 )"));
-    EXPECT_EQ(text(TypedEvents().margins(5, 30).special("   ").paragraph()), "\n");
+    EXPECT_EQ(text(TypedEvents().margins(5, 29).special("   ").paragraph()), "\n");
 }
 
 TEST(Text, KeepsRunsOfBlanksButNotAtAWrap)
@@ -126,7 +126,7 @@ TEST(Text, LetsAWordLongerThanTheLineStandAlone)
 honorificabilitudinitatibus
 b
 )");
-    EXPECT_EQ(text(TypedEvents().margins(5, 15).line("honorificabilitudinitatibus b")), page(R"(
+    EXPECT_EQ(text(TypedEvents().margins(5, 14).line("honorificabilitudinitatibus b")), page(R"(
      honorificabilitudinitatibus
      b
 )"));
@@ -173,7 +173,7 @@ TEST(Margins, MayBeAsFarOutAsARulerCounts)
 TEST(Indents, OfASingleLineCountFromTheLeftMargin)
 {
     TypedEvents events;
-    events.margins(5, 30).text("Hello").indents(2, 2).paragraph();
+    events.margins(5, 29).text("Hello").indents(2, 2).paragraph();
     EXPECT_EQ(text(events), "       Hello\n");
 }
 
@@ -209,7 +209,7 @@ TEST(Indents, LeaveAtLeastOneColumn)
 TEST(AlignedLines, LieBetweenTheMargins)
 {
     TypedEvents events;
-    events.margins(5, 25).alignment(VW_ALIGN_CENTRE).line("Title");
+    events.margins(5, 24).alignment(VW_ALIGN_CENTRE).line("Title");
     events.alignment(VW_ALIGN_RIGHT).line("Date").alignment(VW_ALIGN_LEFT).line("Text");
     EXPECT_EQ(text(events), page(R"(
             Title
@@ -279,7 +279,7 @@ TEST(AlignedLines, CommandIsKnownInFullOnly)
 TEST(TabStops, AreColumnsOfThePage)
 {
     TypedEvents events;
-    events.margins(5, 40).tabs({10, 20}).line("a\tb\tc").line("\td");
+    events.margins(5, 39).tabs({10, 20}).line("a\tb\tc").line("\td");
     EXPECT_EQ(text(events), page(R"(
      a    b         c
           d
@@ -288,15 +288,15 @@ TEST(TabStops, AreColumnsOfThePage)
 
 TEST(TabStops, LieBeyondTheColumnReached)
 {
-    EXPECT_EQ(text(TypedEvents().margins(0, 40).tabs({5, 10}).line("abcde\tf").line("abcd  \tf")),
+    EXPECT_EQ(text(TypedEvents().margins(0, 39).tabs({5, 10}).line("abcde\tf").line("abcd  \tf")),
               "abcde     f\nabcd      f\n");
 }
 
 TEST(TabStops, AreEveryEightColumnsWhereThereAreNone)
 {
-    EXPECT_EQ(text(TypedEvents().margins(3, 40).tabs({}).line("a\tb\tc")),
+    EXPECT_EQ(text(TypedEvents().margins(3, 39).tabs({}).line("a\tb\tc")),
               "   a       b       c\n");
-    EXPECT_EQ(text(TypedEvents().margins(0, 40).tabs({5}).line("a\tb\tc\td")),
+    EXPECT_EQ(text(TypedEvents().margins(0, 39).tabs({5}).line("a\tb\tc\td")),
               "a    b  c       d\n");
 }
 
@@ -328,21 +328,21 @@ TEST(TabStops, AreDroppedRatherThanLeaveAnEmptyLine)
 TEST(TabStops, OfANewTableReplaceTheOld)
 {
     TypedEvents events;
-    events.margins(0, 40).tabs({5}).line("a\tb").tabs({10}).line("a\tb");
+    events.margins(0, 39).tabs({5}).line("a\tb").tabs({10}).line("a\tb");
     EXPECT_EQ(text(events), "a    b\na         b\n");
 }
 
 TEST(TabStops, OfATableThatIsNeverCompleteAreNotUsed)
 {
     TypedEvents events;
-    events.margins(0, 40).tabs({5}).add(TabStopsBegin{}).add(TabStop{VW_TAB_LEFT, 0, 0, 1440});
+    events.margins(0, 39).tabs({5}).add(TabStopsBegin{}).add(TabStop{VW_TAB_LEFT, 0, 0, 1440});
     EXPECT_EQ(text(events.line("a\tb")), "a    b\n");
 }
 
 TEST(TabStops, OutsideAllPagesAreNotUsed)
 {
     TypedEvents events;
-    events.margins(0, 40).add(TabStopsBegin{});
+    events.margins(0, 39).add(TabStopsBegin{});
     events.add(TabStop{VW_TAB_LEFT, 0, 0, 0xFFFFFF70}).add(TabStop{7, 0, 0, 720});
     EXPECT_EQ(text(events.add(TabStopsEnd{}).line("a\tb")), "a    b\n");
 }
@@ -350,7 +350,7 @@ TEST(TabStops, OutsideAllPagesAreNotUsed)
 TEST(DecimalStops, AlignPoints)
 {
     TypedEvents events;
-    events.margins(0, 40).tabs({}, {10, 20});
+    events.margins(0, 39).tabs({}, {10, 20});
     events.line("a\t1.5\t12.25").line("bb\t100.25\t3.5").line("c\t7\t1000");
     EXPECT_EQ(text(events), R"(a        1.5      12.25
 bb     100.25      3.5
@@ -361,7 +361,7 @@ c        7      1000
 TEST(DecimalStops, AlignTheFirstPointOfTheNextWordAlone)
 {
     TypedEvents events;
-    events.margins(0, 40).tabs({}, {10});
+    events.margins(0, 39).tabs({}, {10});
     events.line("\t1.234.567").line("\t12 1.5").line("\t  12.5");
     EXPECT_EQ(text(events), R"(         1.234.567
         12 1.5
@@ -372,7 +372,7 @@ TEST(DecimalStops, AlignTheFirstPointOfTheNextWordAlone)
 TEST(DecimalStops, WithoutRoomLetTheWordFollowTheText)
 {
     TypedEvents events;
-    events.margins(0, 40).tabs({}, {10});
+    events.margins(0, 39).tabs({}, {10});
     events.line("Oranges\t12345.5").line("\t123456789012.5");
     EXPECT_EQ(text(events), "Oranges 12345.5\n123456789012.5\n");
 }
@@ -387,7 +387,7 @@ TEST(DecimalStops, WrapAWordThatReachesBeyondTheLine)
 TEST(DecimalStops, AreAPlaceForTheNextTabToStartFrom)
 {
     TypedEvents events;
-    events.margins(0, 40).tabs({15}, {10}).line("a\t\tb");
+    events.margins(0, 39).tabs({15}, {10}).line("a\t\tb");
     EXPECT_EQ(text(events), "a              b\n");
 }
 
@@ -398,7 +398,7 @@ TEST(PageBreaks, AreFormFeedsBeforeTheNextLine)
     TypedEvents events = narrow_page();
     events.line("One").new_page().paragraph().line("Two");
     EXPECT_EQ(text(events), "One\n\fTwo\n");
-    EXPECT_EQ(text(TypedEvents().margins(3, 9).line("One").page_break().line("Two")),
+    EXPECT_EQ(text(TypedEvents().margins(3, 8).line("One").page_break().line("Two")),
               "   One\n\f   Two\n");
 }
 
@@ -463,7 +463,7 @@ TEST(Commands, ThatAreCutSaySo)
 TEST(HeadersAndFooters, StandAtTheTextsStartAndEnd)
 {
     TypedEvents events;
-    events.margins(2, 22).indents(0, 0);
+    events.margins(2, 21).indents(0, 0);
     events.alignment(VW_ALIGN_LEFT).header().alignment(VW_ALIGN_CENTRE).line("Memo");
     events.alignment(VW_ALIGN_LEFT).alignment(VW_ALIGN_CENTRE).line("of July").close_block();
     events.alignment(VW_ALIGN_LEFT).footer().alignment(VW_ALIGN_RIGHT).line("Page 1");
@@ -594,7 +594,7 @@ TEST(Writer, WritesInChunks)
     WriteSizes output;
     TextWriter writer(output);
     for (std::size_t i = 0; i < 100000; ++i) {
-        TypedEvents().margins(0, 60).line("A line of some length.").tell(writer);
+        TypedEvents().margins(0, 59).line("A line of some length.").tell(writer);
     }
     writer.finish();
     EXPECT_EQ(output.total, 100000U * 23U);
@@ -624,7 +624,7 @@ struct Hostile {
 
 TEST(HostileDocument, WithAWordThatNeverEnds)
 {
-    Hostile hostile(TypedEvents().margins(10, 70));
+    Hostile hostile(TypedEvents().margins(10, 69));
     tell_character(hostile.writer, '\xC4', 10 * megabyte);
     hostile.finish();
     EXPECT_EQ(hostile.output.total, 10 + 30 * megabyte + 1);
@@ -633,7 +633,7 @@ TEST(HostileDocument, WithAWordThatNeverEnds)
 
 TEST(HostileDocument, WithNothingButBlanks)
 {
-    Hostile hostile(TypedEvents().margins(10, 70));
+    Hostile hostile(TypedEvents().margins(10, 69));
     tell_character(hostile.writer, 'a', 1);
     tell_character(hostile.writer, ' ', 10 * megabyte);
     tell_character(hostile.writer, 'b', 1);
@@ -644,7 +644,7 @@ TEST(HostileDocument, WithNothingButBlanks)
 TEST(HostileDocument, WithNothingButTabs)
 {
     // Seven multiples of eight lie on a line of 60 columns; the eighth tab ends it.
-    Hostile hostile(TypedEvents().margins(10, 70));
+    Hostile hostile(TypedEvents().margins(10, 69));
     tell_character(hostile.writer, '\t', megabyte);
     hostile.finish();
     EXPECT_EQ(hostile.output.total, megabyte / 8);
@@ -653,7 +653,7 @@ TEST(HostileDocument, WithNothingButTabs)
 TEST(HostileDocument, WithNothingButDecimalTabs)
 {
     TypedEvents start;
-    start.margins(0, 60).tabs({}, {10, 20, 30, 40, 50, 55});
+    start.margins(0, 59).tabs({}, {10, 20, 30, 40, 50, 55});
     Hostile hostile(start); // six stops and then column 56
     tell_character(hostile.writer, '\t', 8 * 125000);
     hostile.finish();
@@ -663,7 +663,7 @@ TEST(HostileDocument, WithNothingButDecimalTabs)
 TEST(HostileDocument, WithADecimalTabBeforeAWordWithoutPointOrEnd)
 {
     TypedEvents start;
-    start.margins(0, 60).tabs({}, {10}).text("\t");
+    start.margins(0, 59).tabs({}, {10}).text("\t");
     Hostile hostile(start);
     tell_character(hostile.writer, '9', 5 * megabyte);
     hostile.finish();
@@ -672,7 +672,7 @@ TEST(HostileDocument, WithADecimalTabBeforeAWordWithoutPointOrEnd)
 
 TEST(HostileDocument, WithMostBlanksForItsSize)
 {
-    // One column at the right end of the widest page: a line for each letter.
+    // Two columns at the right end of the widest page: a line for each letter.
     Hostile hostile(TypedEvents().margins(254, 255));
     for (std::size_t i = 0; i < 10000; ++i) {
         tell_character(hostile.writer, 'x', 1);
@@ -684,7 +684,7 @@ TEST(HostileDocument, WithMostBlanksForItsSize)
 
 TEST(HostileDocument, WithACommandThatNeverEnds)
 {
-    Hostile hostile(TypedEvents().margins(0, 60), with_commands());
+    Hostile hostile(TypedEvents().margins(0, 59), with_commands());
     const Event opening = SpecialCharacter{'*', 7};
     const Event byte = SpecialCharacter{'x', 7};
     hostile.writer.on_event(opening, 0);
@@ -697,7 +697,7 @@ TEST(HostileDocument, WithACommandThatNeverEnds)
 
 TEST(HostileDocument, WithAnAttributeForEachCharacter)
 {
-    Hostile hostile(TypedEvents().margins(0, 60));
+    Hostile hostile(TypedEvents().margins(0, 59));
     for (std::size_t i = 0; i < megabyte; ++i) {
         hostile.writer.on_event(AttributeChange{2, static_cast<int32_t>(i % 2)}, 0);
         tell_character(hostile.writer, 'x', 1);
@@ -708,7 +708,7 @@ TEST(HostileDocument, WithAnAttributeForEachCharacter)
 
 TEST(HostileDocument, WithNothingButPageBreaks)
 {
-    Hostile hostile(TypedEvents().margins(0, 60).text("x"));
+    Hostile hostile(TypedEvents().margins(0, 59).text("x"));
     for (std::size_t i = 0; i < megabyte; ++i) {
         hostile.writer.on_event(PageBreak{4, 0}, 0);
     }
@@ -718,7 +718,7 @@ TEST(HostileDocument, WithNothingButPageBreaks)
 
 TEST(HostileDocument, WithAnEndlessFooter)
 {
-    Hostile hostile(TypedEvents().margins(0, 60).footer());
+    Hostile hostile(TypedEvents().margins(0, 59).footer());
     for (std::size_t i = 0; i < 100000; ++i) {
         TypedEvents().line("footer line").tell(hostile.writer);
     }
