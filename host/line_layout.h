@@ -20,7 +20,7 @@
 //   Alignment     Centred and right-aligned lines lie between the margins; their own
 //                 outer blanks and the indents do not count.
 //
-// Time is in proportion to the text, whatever it holds. Tests: tests/host/text_writer_test.cpp.
+// Time is in proportion to the text, whatever it holds. Tests: tests/host/line_layout_test.cpp.
 #pragma once
 
 #include "utf8_output.h"

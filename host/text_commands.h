@@ -1,5 +1,6 @@
 // What a host makes of the commands embedded in text. The module recognises them and passes
-// them on; of their effects it reports page breaks alone.
+// them on; of their effects it reports page breaks alone. Tests:
+// tests/host/text_writer_test.cpp.
 #pragma once
 
 #include <cstdint>

@@ -23,7 +23,8 @@
 //
 // How lines are filled, tab stops included, is line_layout.h's matter; which character a byte
 // is, code_page_437.h's. The writer takes time in proportion to the document and holds one
-// paragraph and one line, never the text. Tests: tests/host/text_writer_test.cpp.
+// paragraph and one line, never the text. Tests: tests/host/text_writer_test.cpp and, for
+// hostile documents, tests/host/text_limits_test.cpp.
 #pragma once
 
 #include "events.h"

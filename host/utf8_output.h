@@ -1,4 +1,5 @@
 // Lines of code page 437 bytes in, UTF-8 in large chunks out.
+// Tests: tests/host/text_limits_test.cpp.
 #pragma once
 
 #include "output.h"
