@@ -74,17 +74,34 @@ bool write_to(std::ostream &stream, const std::vector<uint8_t> &bytes)
     return stream.good();
 }
 
+// Whether the path leads to something that takes bytes but is no file to be replaced.
+bool is_device_or_pipe(const std::filesystem::path &path)
+{
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+           !std::filesystem::is_directory(status);
+}
+
+bool write_in_place(const std::filesystem::path &path, const std::vector<uint8_t> &bytes)
+{
+    std::ofstream stream(path, std::ios::binary | std::ios::trunc);
+    return stream && write_to(stream, bytes);
+}
+
 bool write_file(const std::string &path, const std::vector<uint8_t> &bytes)
 {
-    const std::string temporary = path + ".part";
-    std::error_code error;
-    bool written = false;
-    {
-        std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
-        written = stream && write_to(stream, bytes);
+    if (is_device_or_pipe(path)) {
+        return write_in_place(path, bytes);
     }
+    std::error_code error;
+    // Through symbolic links, so that the file they lead to is replaced and not the link.
+    std::filesystem::path target = std::filesystem::weakly_canonical(path, error);
+    target = error ? std::filesystem::path(path) : target;
+    const std::filesystem::path temporary = target.string() + ".part";
+    bool written = write_in_place(temporary, bytes);
     if (written) {
-        std::filesystem::rename(temporary, path, error);
+        std::filesystem::rename(temporary, target, error);
         written = !error;
     }
     if (!written) {
