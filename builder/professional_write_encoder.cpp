@@ -49,9 +49,9 @@ private:
     void put_line(const Paragraph &paragraph, const StoredLine &line)
     {
         append(bytes_, line_type(paragraph, line));
+        bytes_.append(static_cast<std::size_t>(line.indent), space);
         bytes_ += records_;
         records_.clear();
-        bytes_.append(static_cast<std::size_t>(line.indent), space);
         bool hidden = false;
         for (std::size_t i = line.begin; i < line.end; ++i) {
             const Cell &cell = paragraph.cells[i];
@@ -74,7 +74,8 @@ private:
         return double_spacing_ ? hard_line_double : hard_line_single;
     }
 
-    // A record is kept for the beginning of the next line.
+    // A record is kept for the beginning of the next line, where it stands behind the indent:
+    // readers report the spaces behind a record as characters.
     void put(const MarginRecord &record)
     {
         margins_ = record.margins;
