@@ -1,10 +1,8 @@
 #include "call_checker.h"
 
-namespace tests
-{
+namespace tests {
 
-namespace
-{
+namespace {
 
 constexpr int32_t saved_font = 24;
 

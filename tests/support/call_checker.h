@@ -8,11 +8,9 @@
 #include <array>
 #include <cstddef>
 
-namespace tests
-{
+namespace tests {
 
-class CallChecker
-{
+class CallChecker {
 public:
     // A read call begins, or has ended.
     void read_begins();

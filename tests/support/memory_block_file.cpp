@@ -4,11 +4,9 @@
 #include <cstring>
 #include <utility>
 
-namespace tests
-{
+namespace tests {
 
-namespace
-{
+namespace {
 
 constexpr int32_t success = 0;
 constexpr int32_t failure = 5; // any value but 0 has to be taken for a failure

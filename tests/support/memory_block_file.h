@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace tests
-{
+namespace tests {
 
 // One call of the open operation.
 struct OpenRequest {

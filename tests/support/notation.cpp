@@ -4,11 +4,9 @@
 #include <sstream>
 #include <stdexcept>
 
-namespace tests
-{
+namespace tests {
 
-namespace
-{
+namespace {
 
 [[noreturn]] void reject(std::string_view notation, const std::string &why)
 {

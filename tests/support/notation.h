@@ -18,8 +18,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tests
-{
+namespace tests {
 
 // One output call with its own arguments, without the user words.
 struct Call {

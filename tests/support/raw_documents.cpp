@@ -4,11 +4,9 @@
 #include <array>
 #include <stdexcept>
 
-namespace tests
-{
+namespace tests {
 
-namespace
-{
+namespace {
 
 constexpr std::size_t write_header_size = 1024;
 constexpr std::size_t choice_header_size = 512;

@@ -7,8 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tests
-{
+namespace tests {
 
 // Bytes to put over what a maker has put at an offset.
 struct Patch {

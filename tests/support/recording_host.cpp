@@ -4,11 +4,9 @@
 #include <mutex>
 #include <utility>
 
-namespace tests
-{
+namespace tests {
 
-namespace
-{
+namespace {
 
 constexpr int32_t most_reads = 100000; // far above what any test document needs
 

@@ -10,8 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace tests
-{
+namespace tests {
 
 // A place in a document where reading can be resumed, by the same host or another.
 struct Place {
@@ -20,8 +19,7 @@ struct Place {
     CallChecker checker; // so that what was open there is known to be
 };
 
-class RecordingHost
-{
+class RecordingHost {
 public:
     explicit RecordingHost(std::string document);
     ~RecordingHost();

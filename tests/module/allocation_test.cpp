@@ -1,0 +1,186 @@
+// Allocation: none while reading, and what happens when there is no memory. The linker is
+// told to send the allocating calls of everything in this program through here.
+#include "bench.h"
+#include "rich_documents.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+// Only what happens between two marks is counted or refused.
+bool counting = false;
+bool refusing = false;
+unsigned allocations = 0;
+
+bool refuse_one()
+{
+    allocations += counting ? 1 : 0;
+    return refusing;
+}
+
+} // namespace
+
+extern "C" {
+
+void *__real_malloc(std::size_t size);
+void *__real_calloc(std::size_t count, std::size_t size);
+void *__real_realloc(void *block, std::size_t size);
+void *__real__Znwm(std::size_t size);
+void *__real__Znam(std::size_t size);
+void *__real__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t &);
+void *__real__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t &);
+
+void *__wrap_malloc(std::size_t size);
+void *__wrap_calloc(std::size_t count, std::size_t size);
+void *__wrap_realloc(void *block, std::size_t size);
+void *__wrap__Znwm(std::size_t size);
+void *__wrap__Znam(std::size_t size);
+void *__wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t &tag);
+void *__wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t &tag);
+
+void *__wrap_malloc(std::size_t size)
+{
+    return refuse_one() ? nullptr : __real_malloc(size);
+}
+void *__wrap_calloc(std::size_t count, std::size_t size)
+{
+    return refuse_one() ? nullptr : __real_calloc(count, size);
+}
+void *__wrap_realloc(void *block, std::size_t size)
+{
+    return refuse_one() ? nullptr : __real_realloc(block, size);
+}
+void *__wrap__Znwm(std::size_t size)
+{
+    refuse_one();
+    return __real__Znwm(size);
+}
+void *__wrap__Znam(std::size_t size)
+{
+    refuse_one();
+    return __real__Znam(size);
+}
+void *__wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t &tag)
+{
+    return refuse_one() ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
+}
+void *__wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t &tag)
+{
+    return refuse_one() ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+}
+
+} // extern "C"
+
+namespace {
+
+using namespace tests;
+
+// Refuses memory, and takes the refusal back when the test leaves, however it does.
+struct NoMemory {
+    NoMemory()
+    {
+        refusing = true;
+    }
+    ~NoMemory()
+    {
+        refusing = false;
+    }
+    NoMemory(const NoMemory &) = delete;
+    NoMemory &operator=(const NoMemory &) = delete;
+};
+
+bool ended = false;
+
+extern "C" int32_t go_on_at_breaks(int32_t code, int32_t, uint32_t, uint32_t)
+{
+    ended = ended || code == VW_BREAK_END_OF_DOCUMENT;
+    return 0;
+}
+
+TEST(Allocation, IsSeenByThisTest)
+{
+    counting = true;
+    allocations = 0;
+    VwFreeProc(VwAllocProc());
+    counting = false;
+    EXPECT_EQ(allocations, 1U);
+}
+
+TEST(Allocation, DoesNotHappenWhileADocumentIsOpenedAndRead)
+{
+    for (const NamedDocument &document : rich_documents()) {
+        MemoryBlockFile file(document.bytes);
+        file.keep_log = false;
+        VwInstance *instance = VwAllocProc();
+        VwCharStream *stream = nullptr;
+        VwLocalUp(&file, &stream, instance);
+        VwSetSoRtn(VW_SO_BREAK, reinterpret_cast<VwRoutine>(go_on_at_breaks), instance);
+        ended = false;
+        allocations = 0;
+        counting = true;
+        const int32_t opened = VwStreamOpen(stream, 1013, nullptr, nullptr, instance);
+        VwStreamSection(stream, instance);
+        VwStreamRead(stream, instance);
+        counting = false;
+        EXPECT_EQ(opened, 0) << document.name;
+        EXPECT_TRUE(ended) << document.name;
+        EXPECT_EQ(allocations, 0U) << document.name;
+        VwBlockFile *wrapped = nullptr;
+        VwLocalDown(stream, &wrapped, instance);
+        VwFreeProc(instance);
+    }
+}
+
+TEST(NoMemory, GivesNoInstance)
+{
+    const NoMemory no_memory;
+    EXPECT_EQ(VwAllocProc(), nullptr);
+}
+
+TEST(NoMemory, GivesNoBlock)
+{
+    const NoMemory no_memory;
+    EXPECT_EQ(SUAlloc(16), nullptr);
+}
+
+TEST(NoMemory, GivesNoStreamButDummiesInEverySlot)
+{
+    MemoryBlockFile file("abc");
+    VwInstance *instance = VwAllocProc();
+    VwCharStream *stream = reinterpret_cast<VwCharStream *>(&file);
+    for (VwRoutine &slot : instance->routines) {
+        slot = nullptr;
+    }
+    {
+        const NoMemory no_memory;
+        VwLocalUp(&file, &stream, instance);
+    }
+    EXPECT_EQ(stream, nullptr);
+    for (const VwRoutine slot : instance->routines) {
+        EXPECT_EQ(slot, reinterpret_cast<VwRoutine>(SODummy));
+    }
+    VwFreeProc(instance);
+}
+
+TEST(NoMemory, AFileThatOpenedButWasNotWrappedStaysOpen)
+{
+    MemoryBlockFile file("abc");
+    MemoryBlockFile other("other");
+    VwCharStream *stream = VwBlockToChar(&file);
+    open_record() = {};
+    open_record().answer = [&](const OpenRequest &) {
+        refusing = true; // from here on, so that the test's own records are kept
+        return &other;
+    };
+    VwCharStream *opened = VwCharBlockOpen(stream, "LETTER", 0);
+    refusing = false;
+    EXPECT_EQ(reinterpret_cast<intptr_t>(opened), -1);
+    EXPECT_EQ(other.closes, 0U);
+    open_record() = {};
+    VwCharToBlock(stream);
+}
+
+} // namespace

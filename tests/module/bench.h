@@ -1,0 +1,48 @@
+// A recording host for tests that reach inside the module: an instance with a cleared state
+// over bytes that need not be a document, and shorthands for what opens each read call.
+#pragma once
+
+#include "filter_interface.h"
+#include "raw_documents.h"
+#include "recording_host.h"
+
+#include <string>
+#include <utility>
+
+namespace tests {
+
+class Bench : public RecordingHost {
+public:
+    explicit Bench(std::string document) : RecordingHost(std::move(document))
+    {
+        instance->state = {};
+        instance->state.stream = stream;
+        instance->state.saved.fontValue = 24;
+    }
+
+    vs_pfs::FilterState &state()
+    {
+        return instance->state;
+    }
+    vs_pfs::SavedState &saved()
+    {
+        return instance->state.saved;
+    }
+    uint32_t tell()
+    {
+        return VwCharTell(stream);
+    }
+    // Opens and says whether that succeeded.
+    bool opens()
+    {
+        return open() == 0;
+    }
+};
+
+// Every attribute told again, none of them on.
+inline const std::string attributes_off = "4 2 0 | 4 4 0 | 4 3 0 | 4 11 0 | 4 10 0 |";
+inline const std::string no_tab_stops = "8 | 9 |";
+// What closes the announcements of each read call.
+inline const std::string line_defaults = "7 0 0 0 | 6 1 | 5 24 | 46 1 240 0 0 |";
+
+} // namespace tests

@@ -1,0 +1,33 @@
+/* The public header compiles alone as C99, first in its file and twice, and what it expands
+ * in place works from C. */
+#include "vs_pfs.h"
+
+#include "header_languages.h"
+
+int32_t c99_third_byte(VwBlockFile *file)
+{
+    VwCharStream *stream = VwBlockToChar(file);
+    int32_t byte;
+    VwCharGet(stream);
+    VwCharGet(stream);
+    VwCharUnget(stream);
+    VwCharGet(stream);
+    byte = VwCharGet(stream);
+    VwCharToBlock(stream);
+    return byte;
+}
+
+size_t c99_size_of_kind(void)
+{
+    return sizeof(VwFileKind);
+}
+
+size_t c99_size_of_description(void)
+{
+    return sizeof(VwFileDescription);
+}
+
+size_t c99_size_of_tab_stop(void)
+{
+    return sizeof(VwTabStop);
+}

@@ -1,0 +1,37 @@
+/* Loads the built module the way a host does, resolves everything in it at once, and asks it
+ * one question through its table of entry points.
+ *   load_test MODULE */
+#include "vs_pfs.h"
+
+#include <dlfcn.h>
+#include <stdio.h>
+#include <string.h>
+
+typedef void (*GetRtns)(VwRoutine *table, uint32_t interfaceVersion);
+typedef int32_t (*GetInfo)(void *result, uint32_t query, VwInstance *instance);
+
+int main(int argc, char **argv)
+{
+    VwRoutine table[VW_ENTRY_SLOTS];
+    uint32_t marker = 0;
+    GetRtns get_rtns;
+    void *symbol;
+    void *module = argc == 2 ? dlopen(argv[1], RTLD_NOW | RTLD_LOCAL) : NULL;
+    if (module == NULL) {
+        fprintf(stderr, "load_test: %s\n", argc == 2 ? dlerror() : "one argument, the module");
+        return 1;
+    }
+    symbol = dlsym(module, "VwGetRtns");
+    if (symbol == NULL) {
+        fprintf(stderr, "load_test: %s\n", dlerror());
+        return 1;
+    }
+    memcpy(&get_rtns, &symbol, sizeof get_rtns);
+    get_rtns(table, VW_INTERFACE_DO_SPECIAL);
+    if (((GetInfo)table[VW_ENTRY_GET_INFO])(&marker, VW_INFO_MARKER, NULL) != 1 ||
+        marker != 0x12345678u) {
+        fprintf(stderr, "load_test: the module does not answer with its marker\n");
+        return 1;
+    }
+    return dlclose(module);
+}

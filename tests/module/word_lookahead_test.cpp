@@ -1,0 +1,264 @@
+// The lookahead remembers its last scan. Here its answers are compared with those of a scan
+// that remembers nothing and works on the bytes themselves, and its cost is counted in block
+// file reads, over bodies in which each line end's scan runs on for long.
+#include "bench.h"
+#include "line_readers.h"
+#include "word_lookahead.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <random>
+
+namespace tests {
+namespace {
+
+constexpr int nothing = -1;
+
+// The bytes of a body, delivered one after the other; then nothing.
+struct Bytes {
+    const std::string &text;
+    std::size_t at;
+
+    int next()
+    {
+        return at < text.size() ? static_cast<unsigned char>(text[at++]) : nothing;
+    }
+};
+
+using Ender = int32_t (*)(VwCharStream *, int16_t, uint16_t *, VwInstance *);
+
+// One family: its line ends, the module's lookahead, and the plain one.
+struct Family {
+    const char *name;
+    std::string line_ends;
+    Ender determine_ender;
+    int16_t (*word_length)(const std::string &body, std::size_t position);
+    std::string alphabet; // of hostile bodies
+};
+
+int16_t write_word_length(const std::string &body, std::size_t position)
+{
+    Bytes bytes = {body, position};
+    bool in_leading_blanks = true;
+    uint16_t length = 0;
+    for (;;) {
+        const int c = bytes.next();
+        if (c == 0x0D || c == 0x0E || c == nothing) {
+            break;
+        }
+        if ((c & 0x80) != 0) {
+            bytes.next();
+        }
+        if (c == 0x20) {
+            if (!in_leading_blanks) {
+                break;
+            }
+            continue;
+        }
+        in_leading_blanks = false;
+        ++length;
+    }
+    return static_cast<int16_t>(length);
+}
+
+int16_t choice_word_length(const std::string &body, std::size_t position)
+{
+    Bytes bytes = {body, position};
+    bool leading = true;
+    uint16_t length = 0;
+    for (;;) {
+        int d = bytes.next();
+        if (d == nothing || d == 0x0C || d == 0x0D || d == 0x0E) {
+            break;
+        }
+        if ((d & 0x80) != 0) {
+            int attribute = bytes.next();
+            d = (attribute & 0x08) == 0 ? d & 0x7F : d;
+            while (attribute != nothing && (attribute & 0x40) != 0) {
+                attribute = bytes.next();
+            }
+            if (attribute == nothing) {
+                break; // a character that the data cut short is dropped
+            }
+        }
+        if (d == 0x20 && !leading) {
+            break;
+        }
+        if (d != 0x20) {
+            leading = false;
+            ++length;
+        }
+    }
+    return static_cast<int16_t>(length);
+}
+
+const Family write_family = {"write", "\x0D", vs_pfs::PfsDetermineEnder, write_word_length,
+                             std::string("\x80\x80\x0D\x0D\xBF\xA0 a\x0C\x0E", 10)};
+const Family choice_family = {"choice", "\x0C\x0D", vs_pfs::FcDetermineEnder, choice_word_length,
+                              std::string("\x80\x80\x40\x40\x48\x0C\x0D\xA0 a\x08\x0E\x00", 13)};
+
+std::vector<std::size_t> places_after_line_ends(const std::string &body, const Family &family)
+{
+    std::vector<std::size_t> places;
+    for (std::size_t i = 0; i < body.size(); ++i) {
+        if (family.line_ends.find(body[i]) != std::string::npos) {
+            places.push_back(i + 1);
+        }
+    }
+    return places;
+}
+
+// Asks the module at a place as its reader would.
+bool module_says_hard(Bench &bench, const Family &family, std::size_t place, int16_t column)
+{
+    VwCharSeek(bench.stream, static_cast<uint32_t>(place), 0);
+    uint16_t hard = 1;
+    family.determine_ender(bench.stream, column, &hard, bench.instance);
+    EXPECT_EQ(bench.tell(), place);
+    return hard != 0;
+}
+
+bool plain_scan_says_hard(const std::string &body, const Family &family, std::size_t place,
+                          int16_t column, int16_t right_margin)
+{
+    const int16_t length = family.word_length(body, place);
+    return length == 0 || column + length <= right_margin;
+}
+
+void expect_same_answers(const std::string &body, const Family &family,
+                         const std::vector<std::size_t> &places, int16_t column,
+                         int16_t right_margin)
+{
+    Bench bench(body);
+    bench.file.keep_log = false;
+    bench.saved().rightMargin = static_cast<uint16_t>(right_margin);
+    for (const std::size_t place : places) {
+        ASSERT_EQ(module_says_hard(bench, family, place, column),
+                  plain_scan_says_hard(body, family, place, column, right_margin))
+            << family.name << " at " << place << " column " << column << " margin " << right_margin;
+    }
+}
+
+std::string random_body(std::mt19937 &random, const std::string &alphabet, std::size_t size)
+{
+    std::string body;
+    std::uniform_int_distribution<std::size_t> pick(0, alphabet.size() - 1);
+    std::generate_n(std::back_inserter(body), size, [&] { return alphabet[pick(random)]; });
+    return body;
+}
+
+class WordLookahead : public ::testing::TestWithParam<const Family *> {};
+
+TEST_P(WordLookahead, AnswersRandomHostileBodiesAsThePlainScanDoes)
+{
+    const Family &family = *GetParam();
+    std::mt19937 random(20240607);
+    for (int i = 0; i < 3000; ++i) {
+        // Leaving out one byte value at a time lets scans run on for longer.
+        std::string alphabet = family.alphabet;
+        alphabet.erase(random() % alphabet.size(), 1);
+        const std::string body = random_body(random, alphabet, random() % 400);
+        const auto column = static_cast<int16_t>(random() % 40);
+        const auto margin = static_cast<int16_t>(random() % 60);
+        expect_same_answers(body, family, places_after_line_ends(body, family), column, margin);
+    }
+}
+
+TEST_P(WordLookahead, AnswersRightWhateverTheOrderOfPlaces)
+{
+    const Family &family = *GetParam();
+    std::mt19937 random(7);
+    for (int i = 0; i < 500; ++i) {
+        const std::string body = random_body(random, family.alphabet.substr(0, 6), 200);
+        auto places = places_after_line_ends(body, family);
+        std::shuffle(places.begin(), places.end(), random);
+        expect_same_answers(body, family, places, 3, 40);
+    }
+}
+
+// A body whose every line end is taken for an attribute byte by the lookahead, so that one
+// word runs from the first line to the end.
+std::string endless_word(const Family &family, std::size_t lines)
+{
+    std::string body;
+    for (std::size_t i = 0; i < lines; ++i) {
+        body += 'a';
+        body += '\x80';
+        body += family.line_ends[i % family.line_ends.size()];
+    }
+    return body;
+}
+
+TEST_P(WordLookahead, CountsWordsInSixteenBitsThatWrap)
+{
+    const Family &family = *GetParam();
+    // Two characters a line: the word's length passes 32767 and 65535 on the way.
+    const std::string body = endless_word(family, 40000);
+    const auto all = places_after_line_ends(body, family);
+    std::vector<std::size_t> some; // the plain scan is slow here
+    for (std::size_t i = 0; i < all.size(); i += 400) {
+        some.push_back(all[i]);
+    }
+    some.push_back(all[all.size() - 16384]); // exactly 32766, 32768 and 65536 characters left
+    some.push_back(all[all.size() - 16385]);
+    some.push_back(all[all.size() - 32769]);
+    std::sort(some.begin(), some.end());
+    for (const int16_t margin : {int16_t{10}, int16_t{70}, int16_t{32767}, int16_t{-32768}}) {
+        expect_same_answers(body, family, some, 1, margin);
+    }
+}
+
+TEST_P(WordLookahead, CostsThreeReadsOfEachBlockHoweverLongTheWord)
+{
+    const Family &family = *GetParam();
+    const std::string body = endless_word(family, 200000);
+    Bench bench(body);
+    bench.file.keep_log = false;
+    bench.saved().rightMargin = 60;
+    for (const std::size_t place : places_after_line_ends(body, family)) {
+        // What the reader does between two line ends: read the line.
+        while (bench.tell() < place) {
+            VwCharGet(bench.stream);
+        }
+        uint16_t hard = 1;
+        family.determine_ender(bench.stream, 1, &hard, bench.instance);
+    }
+    const unsigned once = static_cast<unsigned>(body.size() / VW_STREAM_BUFFER_SIZE);
+    // One for the scan; and one for the reader and one for counting off what it has read.
+    EXPECT_GT(bench.file.reads, once);
+    EXPECT_LE(bench.file.reads, 3 * once + 10);
+}
+
+TEST_P(WordLookahead, ForgetsItsScanWhenADocumentIsOpened)
+{
+    const Family &family = *GetParam();
+    Bench bench(endless_word(family, 10));
+    bench.saved().rightMargin = 60;
+    EXPECT_TRUE(module_says_hard(bench, family, 3, 1));
+    EXPECT_NE(bench.instance->lookahead.stream, nullptr);
+    bench.open();
+    EXPECT_EQ(bench.instance->lookahead.stream, nullptr);
+}
+
+INSTANTIATE_TEST_SUITE_P(Families, WordLookahead, ::testing::Values(&write_family, &choice_family),
+                         [](const auto &family) { return std::string(family.param->name); });
+
+// A file that delivers other bytes than it did before has no right answer, but the call must
+// come back, with the stream where it was.
+TEST(WordLookaheadFaults, ComesBackWhenTheFileChangesUnderIt)
+{
+    Bench bench(endless_word(write_family, 2000));
+    bench.saved().rightMargin = 60;
+    module_says_hard(bench, write_family, 3, 1);
+    bench.file.bytes.assign(6000, ' ');
+    VwCharSeek(bench.stream, 5000, 0); // so that the changed bytes are read
+    VwCharGet(bench.stream);
+    module_says_hard(bench, write_family, 3000, 1);
+    bench.file.bytes.clear();
+    VwCharSeek(bench.stream, 100, 0);
+    VwCharGet(bench.stream);
+    module_says_hard(bench, write_family, 3003, 1);
+}
+
+} // namespace
+} // namespace tests

@@ -1,0 +1,43 @@
+// Stands between a character stream and its block file and spoils the operations that a test
+// asks for: they fail, deliver nothing, claim too much or tell a wrong position.
+#pragma once
+
+#include "vs_pfs.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace tests {
+
+struct Fault {
+    enum class Kind {
+        none,
+        fails,           // nothing happens but the failure
+        fails_afterward, // the file is read or moved all the same
+        no_bytes,        // a read that succeeds and delivers nothing
+        claims,          // a read reports `value` bytes, whatever it delivered
+        tells            // tell stores `value`, whatever the position
+    };
+    Kind kind = Kind::none;
+    uint32_t value = 0;
+};
+
+enum class BlockOperation { read, seek, tell };
+
+// Decides on operation `number`, counted from 1 over reads, seeks and tells together.
+using FaultPlan = std::function<Fault(unsigned number, BlockOperation operation)>;
+
+// Takes the place of the stream's block file until it is destroyed.
+struct FaultyBlockFile : VwBlockFile {
+    FaultyBlockFile(VwCharStream *stream, FaultPlan plan);
+    ~FaultyBlockFile();
+    FaultyBlockFile(const FaultyBlockFile &) = delete;
+    FaultyBlockFile &operator=(const FaultyBlockFile &) = delete;
+
+    VwCharStream *stream;
+    VwBlockFile *inner;
+    FaultPlan plan;
+    unsigned operations = 0; // so far
+};
+
+} // namespace tests
