@@ -1,0 +1,449 @@
+// The command pfsdoc as its users meet it: run as a program, judged by its exit code and by
+// what it writes where.
+#include "host_bench.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <tuple>
+#include <unistd.h>
+
+namespace {
+
+using namespace tests;
+using pfsdoc::DocumentKind;
+namespace fs = std::filesystem;
+
+std::string content_of(const fs::path &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+struct Outcome {
+    int exit_code;
+    std::string output;
+    std::string errors;
+};
+
+// Nothing that a signature could hide in by chance: the sequence is fixed.
+std::string random_bytes(std::size_t size)
+{
+    std::mt19937 random(7);
+    std::string bytes;
+    while (bytes.size() < size) {
+        bytes.push_back(static_cast<char>(random()));
+    }
+    return bytes;
+}
+
+// Where a run's standard streams lead; an empty name is a closed one.
+struct Streams {
+    std::string input = "/dev/null";
+    std::string output = "out.captured";
+    std::string errors = "err.captured";
+};
+
+// A path below /dev/fd is a descriptor that is open already: opening a pipe by such a path
+// would wait for its other end.
+void redirect(int descriptor, const std::string &path, int flags)
+{
+    constexpr std::string_view open_already = "/dev/fd/";
+    if (path.starts_with(open_already)) {
+        ::dup2(std::stoi(path.substr(open_already.size())), descriptor);
+        return;
+    }
+    const int opened = ::open(path.c_str(), flags | O_CLOEXEC, 0600);
+    if (::dup2(opened, descriptor) != descriptor) {
+        ::_exit(126);
+    }
+}
+
+// The closed ones last, so that no other takes their numbers.
+void redirect_all(const Streams &streams)
+{
+    const std::array<std::tuple<int, const std::string &, int>, 3> all = {
+        {{STDIN_FILENO, streams.input, O_RDONLY},
+         {STDOUT_FILENO, streams.output, O_WRONLY | O_CREAT | O_TRUNC},
+         {STDERR_FILENO, streams.errors, O_WRONLY | O_CREAT | O_TRUNC}}};
+    for (const auto &[descriptor, path, flags] : all) {
+        if (!path.empty()) {
+            redirect(descriptor, path, flags);
+        }
+    }
+    for (const auto &[descriptor, path, flags] : all) {
+        if (path.empty()) {
+            ::close(descriptor);
+        }
+    }
+}
+
+[[noreturn]] void become(const fs::path &directory, const std::vector<std::string> &arguments,
+                         const Streams &streams)
+{
+    if (::chdir(directory.c_str()) != 0) {
+        ::_exit(126);
+    }
+    redirect_all(streams);
+    std::vector<char *> pointers = {const_cast<char *>(PFSDOC_PROGRAM)};
+    for (const std::string &argument : arguments) {
+        pointers.push_back(const_cast<char *>(argument.c_str()));
+    }
+    pointers.push_back(nullptr);
+    ::execv(PFSDOC_PROGRAM, pointers.data());
+    ::_exit(127);
+}
+
+// Runs in a directory of its own, which holds `a.pfs`, a PFS: WRITE B document.
+class Command : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::string name = (fs::temp_directory_path() / "pfsdoc-XXXXXX").string();
+        ASSERT_NE(::mkdtemp(name.data()), nullptr);
+        directory = name;
+        ::unsetenv("VS_PFS_MODULE");
+        write("a.pfs", write_document("TYPE 2", '2',
+                                      bytes("0D '  Hello' 0D 'more *NEW PAGE*'"
+                                            "0D 'last' 0D 0E")));
+    }
+    void TearDown() override
+    {
+        ::unsetenv("VS_PFS_MODULE");
+        fs::remove_all(directory);
+    }
+
+    void write(const std::string &name, const std::string &document) const
+    {
+        std::ofstream(directory / name, std::ios::binary) << document;
+    }
+
+    Outcome run(const std::vector<std::string> &arguments, const Streams &streams = {}) const
+    {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            become(directory, arguments, streams);
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
+        return {WEXITSTATUS(status), content_of(directory / "out.captured"),
+                content_of(directory / "err.captured")};
+    }
+
+    // A run that must work and has nothing to say of it.
+    std::string output_of(const std::vector<std::string> &arguments,
+                          const Streams &streams = {}) const
+    {
+        const Outcome outcome = run(arguments, streams);
+        EXPECT_EQ(outcome.exit_code, 0);
+        EXPECT_EQ(outcome.errors, "");
+        return outcome.output;
+    }
+
+    fs::path directory;
+};
+
+// One line on standard error, which begins as all of them do.
+void expect_failure(const Outcome &outcome, int exit_code, const std::string &beginning)
+{
+    EXPECT_EQ(outcome.exit_code, exit_code);
+    EXPECT_EQ(outcome.errors.substr(0, beginning.size()), beginning);
+    EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
+    EXPECT_NE(outcome.errors.find("; "), std::string::npos) << "what can be done is missing";
+}
+
+TEST_F(Command, HelpAndVersionSucceed)
+{
+    EXPECT_EQ(output_of({"--version"}), "pfsdoc " PFSDOC_VERSION "\n");
+    for (const std::vector<std::string> &arguments : std::vector<std::vector<std::string>>{
+             {"--help"}, {"identify", "--help"}, {"text", "--help"}, {"trace", "-h"}}) {
+        const std::string help = output_of(arguments);
+        EXPECT_NE(help.find("Usage: pfsdoc"), std::string::npos);
+        EXPECT_NE(help.find("Example"), std::string::npos);
+    }
+}
+
+TEST_F(Command, UsageErrorsAreTwo)
+{
+    expect_failure(run({}), 2, "pfsdoc: ");
+    expect_failure(run({"frobnicate"}), 2, "pfsdoc: ");
+    expect_failure(run({"text"}), 2, "pfsdoc: FILE is required");
+    expect_failure(run({"identify"}), 2, "pfsdoc: FILE is required");
+    expect_failure(run({"text", "a.pfs", "b.pfs"}), 2, "pfsdoc: ");
+    expect_failure(run({"text", "--fold", "a.pfs"}), 2, "pfsdoc: ");
+    expect_failure(run({"trace", "a.pfs", "-o"}), 2, "pfsdoc: ");
+}
+
+TEST_F(Command, IdentifyTellsKindNumberAndBasis)
+{
+    EXPECT_EQ(output_of({"identify", "a.pfs"}),
+              "a.pfs: PFS: WRITE B, file id 1013, \"TYPE 2\" at 641, variant \"2\" at 649\n");
+    for (const KindExample &example : kind_examples()) {
+        write("any", document_of(example.kind, bytes(example.body)));
+        const std::string line = output_of({"identify", "any"});
+        EXPECT_NE(line.find(display_name(example.kind)), std::string::npos) << line;
+    }
+}
+
+TEST_F(Command, IdentifyGoesOnAfterAFailure)
+{
+    write("graph", blank_document(512, {{9, "RABBITGRAPH"}}));
+    write("b.pfs", write_document(4, bytes("0E")));
+    const Outcome outcome = run({"identify", "a.pfs", "graph", "none", ".", "b.pfs"});
+    EXPECT_EQ(outcome.exit_code, 4);
+    EXPECT_NE(outcome.output.find("a.pfs: PFS: WRITE B"), std::string::npos);
+    EXPECT_NE(outcome.output.find("b.pfs: Professional Write 1"), std::string::npos);
+    EXPECT_NE(outcome.errors.find("pfsdoc: graph: is a First Choice graph"), std::string::npos);
+    EXPECT_NE(outcome.errors.find("pfsdoc: none: cannot be read"), std::string::npos);
+    EXPECT_NE(outcome.errors.find("pfsdoc: .: is a directory"), std::string::npos);
+}
+
+TEST_F(Command, IdentifyEndsWithTheFirstFailuresCode)
+{
+    write("empty", "");
+    EXPECT_EQ(run({"identify", "none", "empty"}).exit_code, 3);
+    EXPECT_EQ(run({"identify", "empty", "none"}).exit_code, 4);
+}
+
+TEST_F(Command, TraceIsTheEventStream)
+{
+    const std::string trace = output_of({"trace", "--fold", "a.pfs"});
+    EXPECT_EQ(trace, "section 0\n"
+                     "tabs\n"
+                     "tabs end\n"
+                     "attribute 2 bold off\n"
+                     "attribute 4 underline off\n"
+                     "attribute 3 italic off\n"
+                     "attribute 11 superscript off\n"
+                     "attribute 10 subscript off\n"
+                     "margins 0 9216\n"
+                     "indents 0 0 0\n"
+                     "alignment left\n"
+                     "font 24\n"
+                     "spacing 240\n"
+                     "text \"Hello\"\n"
+                     "indents 288 0 288\n"
+                     "break paragraph\n"
+                     "indents 0 0 0\n"
+                     "text \"more \"\n"
+                     "page-break\n"
+                     "special \"*NEW PAGE*\"\n"
+                     "break paragraph\n"
+                     "text \"last\"\n"
+                     "break paragraph\n"
+                     "break end\n");
+}
+
+TEST_F(Command, TraceIsTheSameWithStops)
+{
+    for (const KindExample &example : kind_examples()) {
+        write("any", document_of(example.kind, bytes(example.body),
+                                 {header_line(example.kind, 0, "head"),
+                                  header_line(example.kind, 3, "foot")}));
+        const std::string trace = output_of({"trace", "--offsets", "any"});
+        EXPECT_NE(trace.find("break end"), std::string::npos);
+        EXPECT_EQ(output_of({"trace", "--offsets", "--stop", "any"}), trace);
+    }
+}
+
+TEST_F(Command, TraceShowsOffsetsWhenAsked)
+{
+    const std::string trace = output_of({"trace", "--offsets", "a.pfs"});
+    EXPECT_EQ(trace.substr(0, trace.find('\n')), "    1025 section 0");
+    EXPECT_NE(trace.find("\n    1029 char 48 H\n"), std::string::npos);
+}
+
+TEST_F(Command, TextIsTheDocument)
+{
+    const std::string text = output_of({"text", "a.pfs"});
+    EXPECT_NE(text.find("  Hello\n"), std::string::npos);
+    EXPECT_NE(text.find('\f'), std::string::npos);
+    EXPECT_EQ(text.find("NEW PAGE"), std::string::npos);
+}
+
+TEST_F(Command, TextLeavesPageBreaksOutWhenAsked)
+{
+    const std::string text = output_of({"text", "--no-page-breaks", "a.pfs"});
+    EXPECT_EQ(text.find('\f'), std::string::npos);
+    EXPECT_NE(text.find("last"), std::string::npos);
+}
+
+TEST_F(Command, TextShowsCommandsWhenAsked)
+{
+    EXPECT_NE(output_of({"text", "--commands", "a.pfs"}).find("*NEW PAGE*"), std::string::npos);
+}
+
+TEST_F(Command, DashIsStandardInput)
+{
+    const Streams from_file = {.input = "a.pfs"};
+    EXPECT_EQ(output_of({"text", "-"}, from_file), output_of({"text", "a.pfs"}));
+    EXPECT_EQ(output_of({"trace", "-"}, from_file), output_of({"trace", "a.pfs"}));
+    EXPECT_EQ(output_of({"identify", "-"}, from_file).substr(0, 16), "-: PFS: WRITE B,");
+}
+
+TEST_F(Command, UnreadableInputsAreThree)
+{
+    expect_failure(run({"text", "none"}), 3, "pfsdoc: none: cannot be read: No such file");
+    expect_failure(run({"text", "."}), 3, "pfsdoc: .: is a directory; ");
+    expect_failure(run({"text", ""}), 3, "pfsdoc: \"\": cannot be read");
+    expect_failure(run({"text", "-"}, {.input = ""}), 3, "pfsdoc: -: cannot be read");
+    expect_failure(run({"text", "-"}, {.input = "."}), 3, "pfsdoc: -: is a directory");
+}
+
+TEST_F(Command, UnknownDocumentsAreFour)
+{
+    write("empty", "");
+    write("random", random_bytes(5000));
+    for (const char *subcommand : {"text", "trace", "identify"}) {
+        expect_failure(run({subcommand, "empty"}), 4, "pfsdoc: empty: is empty; ");
+        expect_failure(run({subcommand, "random"}), 4, "pfsdoc: random: is not a document");
+    }
+}
+
+TEST_F(Command, OutputThatCannotBeWrittenIsSeven)
+{
+    const Streams full = {.output = "/dev/full"};
+    expect_failure(run({"text", "a.pfs"}, full), 7, "pfsdoc: a.pfs: the output cannot be written");
+    expect_failure(run({"trace", "a.pfs"}, full), 7, "pfsdoc: a.pfs: the output cannot");
+    expect_failure(run({"identify", "a.pfs"}, full), 7, "pfsdoc: the output cannot be written");
+    expect_failure(run({"--help"}, full), 7, "pfsdoc: the output cannot be written");
+    expect_failure(run({"--version"}, full), 7, "pfsdoc: the output cannot be written");
+    expect_failure(run({"text", "a.pfs", "-o", "/dev/full"}), 7,
+                   "pfsdoc: a.pfs: the output /dev/full cannot be written: No space left");
+    expect_failure(run({"text", "a.pfs"}, {.output = ""}), 7, "pfsdoc: a.pfs: the output cannot");
+    expect_failure(run({"text", "a.pfs", "-o", "none/out"}), 7, "pfsdoc: a.pfs: the output");
+}
+
+// The signal that a closed pipe brings would end the program without a word.
+TEST_F(Command, ClosedPipeIsSeven)
+{
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe(ends.data()), 0);
+    ::close(ends[0]);
+    const Outcome outcome =
+        run({"trace", "a.pfs"}, {.output = "/dev/fd/" + std::to_string(ends[1])});
+    ::close(ends[1]);
+    expect_failure(outcome, 7, "pfsdoc: a.pfs: the output cannot be written: Broken pipe");
+}
+
+TEST_F(Command, OutputFileHoldsWhatStandardOutputWould)
+{
+    EXPECT_EQ(output_of({"text", "a.pfs", "-o", "text.out"}), "");
+    EXPECT_EQ(content_of(directory / "text.out"), output_of({"text", "a.pfs"}));
+    EXPECT_EQ(output_of({"trace", "a.pfs", "--output", "trace.out"}), "");
+    EXPECT_EQ(content_of(directory / "trace.out"), output_of({"trace", "a.pfs"}));
+    EXPECT_EQ(output_of({"text", "a.pfs", "-o", "-"}), output_of({"text", "a.pfs"}));
+}
+
+TEST_F(Command, FailureTouchesNoOutputFile)
+{
+    write("kept", "kept");
+    write("empty", "");
+    for (const char *input : {"none", "empty"}) {
+        EXPECT_NE(run({"text", input, "-o", "kept"}).exit_code, 0);
+        EXPECT_EQ(content_of(directory / "kept"), "kept");
+        EXPECT_NE(run({"text", input, "-o", "new"}).exit_code, 0);
+        EXPECT_FALSE(fs::exists(directory / "new"));
+    }
+}
+
+TEST_F(Command, DoesNotReplaceTheDocumentByItsText)
+{
+    const std::string before = content_of(directory / "a.pfs");
+    fs::create_hard_link(directory / "a.pfs", directory / "same");
+    expect_failure(run({"text", "a.pfs", "-o", "a.pfs"}), 2, "pfsdoc: a.pfs: would be replaced");
+    expect_failure(run({"text", "a.pfs", "-o", "same"}), 2, "pfsdoc: a.pfs: would be replaced");
+    EXPECT_EQ(content_of(directory / "a.pfs"), before);
+}
+
+TEST_F(Command, UnfitModulesAreSeventy)
+{
+    write("no.so", "no library");
+    for (const char *subcommand : {"text", "trace"}) {
+        expect_failure(run({subcommand, "a.pfs", "--module", "none.so"}), 70,
+                       "pfsdoc: a.pfs: the module cannot be loaded");
+        expect_failure(run({subcommand, "a.pfs", "--module", "no.so"}), 70,
+                       "pfsdoc: a.pfs: the module cannot be loaded");
+    }
+    ::setenv("VS_PFS_MODULE", "/none.so", 1);
+    expect_failure(run({"text", "a.pfs"}), 70, "pfsdoc: a.pfs: the module cannot be loaded");
+}
+
+TEST_F(Command, ReadsTheSameThroughEveryModule)
+{
+    const std::string text = output_of({"text", "a.pfs"});
+    EXPECT_EQ(output_of({"text", "a.pfs", "--module", "linked"}), text);
+    EXPECT_EQ(output_of({"text", "a.pfs", "--module", VS_PFS_MODULE_FILE}), text);
+    ::setenv("VS_PFS_MODULE", VS_PFS_MODULE_FILE, 1);
+    EXPECT_EQ(output_of({"text", "a.pfs"}), text);
+}
+
+TEST_F(Command, FindsTheModuleBesideItself)
+{
+    EXPECT_TRUE(fs::exists(fs::path(PFSDOC_PROGRAM).parent_path() / "libvs_pfs.so"));
+}
+
+// Names that mean something to a command line parser are names all the same.
+TEST_F(Command, TakesNamesAsTheyAre)
+{
+    const std::string document = content_of(directory / "a.pfs");
+    for (const char *name : {"[x]", "[a,b]", "text", "--", "-x", "a b", "%%", "{}", "x=y"}) {
+        write(name, document);
+        EXPECT_NE(output_of({"identify", "--", name}).find("PFS: WRITE B"), std::string::npos)
+            << name;
+        EXPECT_EQ(output_of({"text", "--", name}), output_of({"text", "a.pfs"})) << name;
+    }
+    EXPECT_NE(output_of({"identify", "[x]", "text", "[a,b]"}).find("[a,b]: PFS: WRITE B"),
+              std::string::npos);
+}
+
+TEST_F(Command, ShowsNoControlCharactersOfNames)
+{
+    const std::string name = "evil\x1B[31m\nname\xC2\x9B";
+    write(name, content_of(directory / "a.pfs"));
+    EXPECT_EQ(output_of({"identify", name}).substr(0, 45),
+              "evil\\x1B[31m\\x0Aname\\xC2\\x9B: PFS: WRITE B, f");
+    const Outcome outcome = run({"text", "none\x1B[31m"});
+    expect_failure(outcome, 3, "pfsdoc: none\\x1B[31m: cannot be read");
+}
+
+// A closed standard error must not let messages end up in the output file.
+TEST_F(Command, KeepsMessagesOutOfTheOutput)
+{
+    const Outcome outcome = run({"text", "none", "-o", "new"}, {.errors = ""});
+    EXPECT_EQ(outcome.exit_code, 3);
+    EXPECT_FALSE(fs::exists(directory / "new"));
+    EXPECT_EQ(run({"text", "a.pfs", "-o", "new"}, {.errors = ""}).exit_code, 0);
+    EXPECT_EQ(content_of(directory / "new"), output_of({"text", "a.pfs"}));
+}
+
+TEST_F(Command, ManualPageNamesEveryOption)
+{
+    const std::string page = content_of(PFSDOC_MANUAL_PAGE);
+    for (const char *option : {"no-page-breaks", "commands", "offsets", "fold", "stop", "output",
+                               "module", "version", "help"}) {
+        std::string in_groff = option; // where a hyphen is written \-
+        for (std::size_t at = in_groff.find('-'); at != std::string::npos;
+             at = in_groff.find('-', at + 2)) {
+            in_groff.insert(at, "\\");
+        }
+        EXPECT_NE(page.find("\\-\\-" + in_groff), std::string::npos) << option;
+        const std::string helps =
+            output_of({"--help"}) + output_of({"text", "--help"}) + output_of({"trace", "--help"});
+        EXPECT_NE(helps.find(std::string("--") + option), std::string::npos) << option;
+    }
+}
+
+} // namespace
