@@ -18,7 +18,6 @@ constexpr std::size_t generation_offset = 18;
 constexpr char generation_3 = '3';
 
 constexpr std::size_t signature_offset = 641;
-constexpr std::size_t signature_size = 6;
 constexpr std::size_t variant_offset = 649;
 constexpr std::size_t examined_size = variant_offset + 1;
 
