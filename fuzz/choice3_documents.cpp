@@ -1,0 +1,12 @@
+// The text of First Choice 3, rulers included: a frame, then the text.
+#include "fuzz_host.h"
+#include "fuzz_input.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
+{
+    fuzz::Input input(data, size);
+    const fuzz::Frame frame = fuzz::take_frame(input);
+    const std::string document = fuzz::choice_family_document(frame, '3', input.rest());
+    fuzz::read_both_ways(document, frame.most_per_read(), frame.stop());
+    return 0;
+}

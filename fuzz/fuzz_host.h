@@ -1,0 +1,65 @@
+// A host for the fuzz targets: a document in memory, an instance and its stream, and the
+// guard over every output call. Without gtest, so that it builds for any fuzzing engine.
+#pragma once
+
+#include "call_guard.h"
+#include "memory_block_file.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace fuzz {
+
+// A place where reading can be resumed, with what is open there.
+struct Place {
+    std::array<uint8_t, VW_SAVED_STATE_SIZE> state;
+    uint32_t position;
+    CallGuard guard;
+};
+
+class Host {
+public:
+    // `claimed_bytes` more than the document holds may come from host operations that lie.
+    explicit Host(std::string document, std::size_t claimed_bytes = 0);
+    ~Host();
+    Host(const Host &) = delete;
+    Host &operator=(const Host &) = delete;
+
+    // VwStreamOpen and VwStreamSection. False: not a document.
+    bool open();
+    // One read call, whose calls are added to `recorded`.
+    void read();
+    // Until the end of the document is reported, which must come.
+    void read_all();
+
+    Place place() const;
+    void go_to(const Place &place);
+    void unregister(int32_t id);
+    void register_routines();
+
+    // Routine 13's answer to a paragraph end, and every other answer.
+    std::function<int32_t(const Call &)> answer;
+
+    tests::MemoryBlockFile file;
+    VwInstance *instance = nullptr;
+    VwCharStream *stream = nullptr;
+    CallGuard guard;
+    bool document_ended = false;
+    std::vector<Call> recorded;
+
+    // For the output routines.
+    int32_t record(const Call &call);
+
+private:
+    std::size_t most_reads;
+};
+
+// Reads the document in whole pieces; and again in small ones, each read call in the other
+// of two instances, going on from the saved place: the same calls must come. `stop` is
+// routine 13's answer to paragraph ends.
+void read_both_ways(const std::string &document, uint32_t most_per_read, bool stop);
+
+} // namespace fuzz

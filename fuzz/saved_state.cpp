@@ -1,0 +1,25 @@
+// Any 328 bytes as the saved state, and any position: nonsense may come, but an end to it.
+// A frame, the position, the state, then the text.
+#include "fuzz_host.h"
+#include "fuzz_input.h"
+
+#include <algorithm>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
+{
+    fuzz::Input input(data, size);
+    const fuzz::Frame frame = fuzz::take_frame(input);
+    const uint32_t position = input.word();
+    const std::string state = input.take(VW_SAVED_STATE_SIZE);
+    fuzz::Host host(fuzz::document_of_any_kind(frame, input.rest()));
+    host.file.most_per_read = frame.most_per_read();
+    host.answer = [&](const fuzz::Call &) { return frame.stop() ? 1 : 0; };
+    fuzz::require(host.open(), "a document that is not known");
+    fuzz::Place place = host.place();
+    std::copy(state.begin(), state.end(), place.state.begin());
+    place.position = position;
+    place.guard.expect_foreign_state();
+    host.go_to(place);
+    host.read_all();
+    return 0;
+}

@@ -1,0 +1,118 @@
+// What follows a '*': compared with a plain reading of the same bytes in memory. Input bytes
+// below 18 stand for the keywords, so that commands come up often.
+#include "formatting.h"
+#include "fuzz_host.h"
+#include "fuzz_input.h"
+#include "tables.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr int16_t start_column = 32760; // so that the column wraps
+constexpr std::size_t longest_keyword = 9;
+constexpr const char *search_enders = "\x01\x02\x03\x07\x0E";
+
+const char *keyword(int index)
+{
+    return PfsInit + vs_pfs::init_keywords_offset + index * vs_pfs::init_keyword_size;
+}
+
+std::string text_of(fuzz::Input &input)
+{
+    std::string text;
+    while (!input.empty()) {
+        const uint8_t byte = input.byte();
+        if (byte < vs_pfs::init_keywords) {
+            text += keyword(byte);
+        } else {
+            text += static_cast<char>(byte == vs_pfs::init_keywords ? 0 : byte);
+        }
+    }
+    return text;
+}
+
+// The keyword at `position`, from 1, or 0; the position moves behind it.
+int plain_keyword(const std::string &text, std::size_t &position)
+{
+    std::string word;
+    while (word.size() < longest_keyword) {
+        if (position >= text.size() || text[position] == '\0' ||
+            std::strchr(search_enders, text[position]) != nullptr) {
+            return 0;
+        }
+        const char byte = text[position++];
+        word += byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte;
+        if (byte == ' ' || byte == '*') {
+            break;
+        }
+    }
+    for (int index = 0; index < vs_pfs::init_keywords; ++index) {
+        if (word == keyword(index)) {
+            return index + 1;
+        }
+    }
+    return 0;
+}
+
+enum class Plain { none, echo, page };
+
+Plain plain_command(const std::string &text)
+{
+    std::size_t position = 0;
+    const int first = plain_keyword(text, position);
+    switch (first) {
+    case 0: return Plain::none;
+    case 1: return Plain::page;
+    case 2: return plain_keyword(text, position) == 3 ? Plain::page : Plain::none;
+    case 4:
+    case 5: {
+        const int second = plain_keyword(text, position);
+        const bool answer = second == 1 || (second >= 6 && second <= 8);
+        return answer ? Plain::echo : Plain::none;
+    }
+    default: return Plain::echo;
+    }
+}
+
+std::vector<fuzz::Call> plain_calls(const std::string &text, Plain command)
+{
+    std::vector<fuzz::Call> calls;
+    if (command == Plain::none) {
+        return calls;
+    }
+    if (command == Plain::page) {
+        calls.push_back({VW_SO_PAGE_BREAK, 2, {4, 0}});
+    }
+    const std::string echo =
+        '*' + text.substr(0, text.find('*')) + (text.find('*') == std::string::npos ? "" : "*");
+    for (const char byte : echo) {
+        calls.push_back({VW_SO_SPECIAL_CHARACTER, 2, {static_cast<uint8_t>(byte), 7}});
+    }
+    return calls;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
+{
+    fuzz::Input input(data, size);
+    const uint32_t most_per_read = 1 + input.byte() % 16;
+    const std::string text = text_of(input);
+    fuzz::Host host(text);
+    host.file.most_per_read = most_per_read;
+    host.guard.read_begins();
+    const Plain command = plain_command(text);
+    const auto calls = plain_calls(text, command);
+    int16_t column = start_column;
+    const int32_t result = vs_pfs::PfsTextCommand(host.stream, &column, host.instance);
+    const std::size_t echoed = calls.size() - (command == Plain::page ? 1 : 0);
+    fuzz::require(result == (command == Plain::none ? 0 : 1), "not the result");
+    fuzz::require(host.recorded == calls, "not the calls");
+    fuzz::require(column == static_cast<int16_t>(start_column + static_cast<int>(echoed)),
+                  "not the column");
+    const bool open = command != Plain::none && text.find('*') == std::string::npos;
+    const std::size_t position = command == Plain::none ? 0 : open ? echoed : echoed - 1;
+    fuzz::require(VwCharTell(host.stream) == position, "not the position");
+    return 0;
+}
