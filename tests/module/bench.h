@@ -16,6 +16,7 @@ public:
     explicit Bench(std::string document) : RecordingHost(std::move(document))
     {
         instance->state = {};
+        instance->lookahead = {};
         instance->state.stream = stream;
         instance->state.saved.fontValue = 24;
     }

@@ -247,6 +247,13 @@ TEST(ChoiceLineReader, TheColumnHasSixteenBits)
                         letters(65592) + " | " + single_end + "' bbbbb' | 13 2 0"));
 }
 
+TEST(ChoiceLineReader, LeadingSpacesHaveSixteenBits)
+{
+    EXPECT_TRUE(matches(text("' 'x65538 'a' 0C 0E"),
+                        "'a' | " + single_end + "7 288 0 288 | 13 1 0 | 7 0 0 0 | 13 2 0"));
+    EXPECT_TRUE(matches(text("' 'x40000 'a' 0C 0E"), "'a' | " + single_end + "13 1 0 | 13 2 0"));
+}
+
 // ---------------------------------------------------------------- the lookahead
 
 bool ends_hard(int16_t column, std::string_view next, uint16_t right = 60)

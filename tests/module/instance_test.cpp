@@ -136,4 +136,22 @@ TEST(Instances, AreReadSideBySide)
     EXPECT_TRUE(matches(after_announcements(other.read()), "'B' | 46 1 240 0 0 | 13 1 0"));
 }
 
+// What one document has left behind must not show in the next one that the instance opens,
+// even where its stream comes to lie in the same place.
+TEST(Instances, AreOpenedAgainWithoutATrace)
+{
+    const std::string hostile =
+        write_document(3, bytes("0D 'a'x62 0D 80 0D 80 0D 80 0D 'bbbb' 0E"));
+    const std::string plain = write_document(3, bytes("0D 'a'x62 0D 'b' 0D 'a'x62 0D 'b' 0D 0E"));
+    RecordingHost fresh(plain);
+    ASSERT_EQ(fresh.open(), 0);
+    RecordingHost used(hostile);
+    ASSERT_EQ(used.open(), 0);
+    used.read();
+    used.file.bytes = plain;
+    VwCharSeek(used.stream, 1 << 20, 0); // so that nothing stays buffered
+    ASSERT_EQ(used.open(), 0);
+    EXPECT_EQ(text_of(used.read()), text_of(fresh.read()));
+}
+
 } // namespace

@@ -215,6 +215,14 @@ TEST(ProfessionalWriteLineReader, AttributesStayOverALineEnd)
         matches(text("00 C1 02 00 C2 02 'c' 00 0E"), "4 2 1 | 'A B' | 4 2 0 | 'c ' | 13 2 0"));
 }
 
+TEST(ProfessionalWriteLineReader, LeadingSpacesHaveSixteenBits)
+{
+    // A negative count is no indent, but it is another than the last: -25536 columns.
+    EXPECT_TRUE(matches(text("01 ' 'x40000 'a' 00 0E"),
+                        single_spacing + "'a' | 7 -3677184 0 -3677184 | 13 1 0 | 13 2 0"));
+    EXPECT_TRUE(matches(text("01 ' 'x40000 00 0E"), single_spacing + "13 1 0 | 13 2 0"));
+}
+
 // ------------------------------------------------------------ suppressed stretches
 
 TEST(ProfessionalWriteLineReader, ASecondTwoSuppressesTheRestOfTheLine)

@@ -541,6 +541,16 @@ TEST(WriteLineReader, TheColumnHasSixteenBits)
     EXPECT_TRUE(matches(text(line + "0D 'bbbbb' 0E"), letters(65596) + "|' bbbbb'|13 2 0"));
 }
 
+TEST(WriteLineReader, LeadingSpacesHaveSixteenBits)
+{
+    EXPECT_TRUE(
+        matches(text("' 'x65538 'a' 0D 0E"), "'a' | 7 288 0 288 | 13 1 0 | 7 0 0 0 | 13 2 0"));
+    EXPECT_TRUE(matches(text("' 'x40000 'a' 0D 0E"), "'a' | 13 1 0 | 13 2 0"))
+        << "a negative count is no indent";
+    EXPECT_TRUE(matches(text("' 'x40000 0D 0E"), "13 1 0 | 13 2 0"))
+        << "nor are so many spaces reported";
+}
+
 // Many line ends before one long word: each looks ahead at the same word, and each answer is
 // the one that a fresh look gives.
 TEST(WriteLineReader, LineEndsInARowAgreeWithFreshLooks)
