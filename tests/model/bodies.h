@@ -1,0 +1,16 @@
+// The text of generated documents: what writers write, and what only an enemy would.
+#pragma once
+
+#include "kinds.h"
+#include "random.h"
+
+#include <string>
+
+namespace tests::model {
+
+std::string random_body(Kind kind, Random &random);
+
+// A margin record, right or wrong, with the mark that introduces it.
+std::string random_margin_record(Random &random);
+
+} // namespace tests::model

@@ -1,0 +1,244 @@
+#include "comparison.h"
+
+#include "module_host.h"
+#include "saved_state.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace tests::model {
+
+namespace {
+
+// A place where reading can go on, in the terms of either side: past the end of the data the
+// two may count positions differently.
+struct Place {
+    SavedBytes module_state;
+    SavedState model_state;
+    uint32_t module_position = 0;
+    uint32_t model_position = 0;
+};
+
+class Comparison {
+public:
+    Comparison(const std::string &module_document, const std::string &model_document,
+               const Plan &reading_plan)
+        : plan(reading_plan), random(plan.seed), document(module_document),
+          model(model_document, Answers(plan.stop_at, plan.seed)), host(new_host(model.answers))
+    {
+    }
+
+    // Whether model and module agree. What they differ in is in `difference`.
+    bool run();
+
+    Difference difference;
+
+private:
+    std::unique_ptr<ModuleHost> new_host(const Answers &answers) const
+    {
+        return std::make_unique<ModuleHost>(document, plan.most_per_read, answers);
+    }
+
+    bool open();
+    bool read();
+    bool same_events();
+    bool same_state();
+    bool differ(std::string what);
+    void go_on();
+    void keep_place();
+    void resume(const Place &place);
+    Place foreign_place();
+
+    const Plan &plan;
+    Random random;
+    const std::string &document;
+    Model model;
+    std::unique_ptr<ModuleHost> host;
+    std::vector<Place> places;
+    int32_t jumps_left = 6; // a read that always jumps back would never be done
+};
+
+bool Comparison::differ(std::string what)
+{
+    difference = {std::move(what), model.events, host->events};
+    return false;
+}
+
+bool Comparison::same_events()
+{
+    return model.events == host->events || differ("the output calls differ");
+}
+
+bool Comparison::same_state()
+{
+    if (model.text.place() != host->place()) {
+        return differ("the stream stands at " + std::to_string(host->place()) + " instead of " +
+                      std::to_string(model.text.place()));
+    }
+    const std::string differences = difference_of(model.saved, fields_of(host->saved()),
+                                                  static_cast<uint32_t>(document.size()));
+    return differences.empty() || differ(differences);
+}
+
+bool Comparison::open()
+{
+    const bool opened = VwStreamOpen(model);
+    if (host->open() != opened) {
+        return differ(opened ? "the module refuses the document"
+                             : "the module takes what is no document");
+    }
+    VwStreamSection(model);
+    host->section();
+    return same_events() && (!opened || same_state());
+}
+
+bool Comparison::read()
+{
+    model.events.clear();
+    host->events.clear();
+    VwStreamRead(model);
+    host->read();
+    return same_events() && same_state();
+}
+
+void Comparison::keep_place()
+{
+    places.push_back({host->saved(), model.saved, host->position(), model.text.tell()});
+}
+
+// In another instance, so that nothing but the saved state and the position is carried over.
+void Comparison::resume(const Place &place)
+{
+    host = new_host(host->answers);
+    host->open();
+    host->go_to(place.module_state, place.module_position);
+    VwStreamOpen(model);
+    model.saved = place.model_state;
+    model.text.seek(place.model_position);
+}
+
+Place Comparison::foreign_place()
+{
+    Place place{host->saved(), {}, 0, 0};
+    const uint32_t changes = random.percent(50) ? random.between(1, 20) : VW_SAVED_STATE_SIZE * 3;
+    for (uint32_t i = 0; i < changes; ++i) {
+        // most of the meaning is in the first bytes
+        const uint32_t range = random.percent(50) ? 22 : VW_SAVED_STATE_SIZE;
+        place.module_state[random.below(range)] = static_cast<uint8_t>(random.below(256));
+    }
+    place.model_state = fields_of(place.module_state);
+    place.module_position = random.below(document.size() + 10);
+    place.model_position = place.module_position;
+    return place;
+}
+
+void Comparison::go_on()
+{
+    if (jumps_left > 0 && random.percent(plan.foreign_percent)) {
+        --jumps_left;
+        resume(foreign_place());
+    } else if (random.percent(plan.resume_percent)) {
+        keep_place();
+        const bool jump = jumps_left > 0 && random.percent(30);
+        jumps_left -= jump ? 1 : 0;
+        resume(jump ? places[random.below(places.size())] : places.back());
+    }
+}
+
+bool Comparison::run()
+{
+    if (!open()) {
+        return false;
+    }
+    if (model.opened.formatType == 0) {
+        return read();
+    }
+    const std::size_t most_reads = 10 * document.size() + 1000;
+    uint32_t reads_after_end = plan.reads_after_end;
+    go_on();
+    for (std::size_t reads = 0; reads < most_reads; ++reads) {
+        if (!read()) {
+            return false;
+        }
+        if (model.ended && reads_after_end-- == 0) {
+            return true;
+        }
+        go_on();
+    }
+    return differ("the end of the document was never reported");
+}
+
+std::string text_around(const Events &events, std::size_t at)
+{
+    constexpr std::size_t lines_before = 12;
+    constexpr std::size_t lines_after = 6;
+    std::string text;
+    const std::size_t end = std::min(events.size(), at + lines_after);
+    for (std::size_t i = at > lines_before ? at - lines_before : 0; i < end; ++i) {
+        text += (i == at ? "  > " : "    ") + std::to_string(events[i].place) + ": " +
+                tests::text_of(Calls{events[i].call});
+    }
+    return text + (at >= events.size() ? "  > nothing more\n" : "");
+}
+
+} // namespace
+
+std::string text_of(const Plan &plan)
+{
+    const char *stops = plan.stop_at == Answers::To::none  ? "nowhere"
+                        : plan.stop_at == Answers::To::all ? "at every paragraph end"
+                                                           : "at some paragraph ends";
+    return std::string("stops ") + stops + ", at most " + std::to_string(plan.most_per_read) +
+           " bytes a read, resumes at " + std::to_string(plan.resume_percent) +
+           " % of stops, takes a foreign state at " + std::to_string(plan.foreign_percent) +
+           " %, reads on " + std::to_string(plan.reads_after_end) + " times, seed " +
+           std::to_string(plan.seed);
+}
+
+std::string text_of(const Difference &difference)
+{
+    const Events &expected = difference.expected;
+    const Events &recorded = difference.recorded;
+    const auto [one, other] =
+        std::mismatch(expected.begin(), expected.end(), recorded.begin(), recorded.end());
+    const auto at = static_cast<std::size_t>(one - expected.begin());
+    return difference.what + "\nmodel, from call " + std::to_string(at) + " of its last read:\n" +
+           text_around(expected, at) + "module:\n" + text_around(recorded, at);
+}
+
+std::optional<Difference> compare(const std::string &module_document,
+                                  const std::string &model_document, const Plan &plan)
+{
+    Comparison comparison(module_document, model_document, plan);
+    if (comparison.run()) {
+        return std::nullopt;
+    }
+    return std::move(comparison.difference);
+}
+
+std::optional<Difference> compare(const std::string &document, const Plan &plan)
+{
+    return compare(document, document, plan);
+}
+
+std::string reduced(const std::string &document, const Plan &plan)
+{
+    std::string smallest = document;
+    int32_t steps = 5000;
+    for (std::size_t length = document.size() / 2; length > 0; length /= 2) {
+        for (std::size_t at = 0; at < smallest.size() && steps > 0; --steps) {
+            std::string candidate = smallest;
+            candidate.erase(at, length);
+            if (compare(candidate, plan)) {
+                smallest = std::move(candidate);
+            } else {
+                at += length;
+            }
+        }
+    }
+    return smallest;
+}
+
+} // namespace tests::model

@@ -1,0 +1,41 @@
+// Reads one document with the module and with the model, in step, and tells where they differ:
+// in an output call, in the place where it was made, or in what is saved after a read.
+#pragma once
+
+#include "answers.h"
+#include "model.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tests::model {
+
+// How a document is read. All that is left to chance follows from the seed.
+struct Plan {
+    Answers::To stop_at = Answers::To::none;
+    uint32_t most_per_read = UINT32_MAX; // bytes that one read of the file gives
+    uint32_t resume_percent = 0;         // of stops: another instance goes on from a saved place
+    uint32_t foreign_percent = 0;        // of stops: reading goes on with a state nobody saved
+    uint32_t reads_after_end = 0;
+    uint64_t seed = 0;
+};
+std::string text_of(const Plan &plan);
+
+struct Difference {
+    std::string what;
+    Events expected; // what the read in question reported: the model's
+    Events recorded; // and the module's
+};
+// What differs, and the calls before and after the first that does.
+std::string text_of(const Difference &difference);
+
+// With two documents the module is given one and the model the other.
+std::optional<Difference> compare(const std::string &document, const Plan &plan);
+std::optional<Difference> compare(const std::string &module_document,
+                                  const std::string &model_document, const Plan &plan);
+
+// A smaller document that still makes a difference, when one is found in a few thousand steps.
+std::string reduced(const std::string &document, const Plan &plan);
+
+} // namespace tests::model

@@ -1,0 +1,13 @@
+// Whole generated documents: a header of the kind, a body, and for some of them damage.
+#pragma once
+
+#include "kinds.h"
+#include "random.h"
+
+#include <string>
+
+namespace tests::model {
+
+std::string random_document(Kind kind, Random &random);
+
+} // namespace tests::model

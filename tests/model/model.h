@@ -1,0 +1,94 @@
+// A second reading of the documents, to compare the module with.
+//
+// The model has the whole document in memory and no stream and no buffer. It does each thing
+// in the plainest way, looks ahead by reading ahead, and is slow where the module is quick.
+// It shares no code with the module. What it yields is what a host would be told: the output
+// calls, each with the position in the document where it is made.
+#pragma once
+
+#include "answers.h"
+#include "notation.h"
+#include "text.h"
+
+#include <array>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+namespace tests::model {
+
+// An output call and the place in the text where it was made. A page break that a command asks
+// for may be told before or after the command is read a second time, to be echoed: its place
+// is left open.
+struct Event {
+    Call call;
+    uint32_t place = 0;
+
+    bool operator==(const Event &other) const
+    {
+        return call == other.call && (place == other.place || call.id == VW_SO_PAGE_BREAK);
+    }
+};
+using Events = std::vector<Event>;
+
+constexpr std::size_t tab_slots = 100;
+
+// What a host can save and restore. Columns are 0-based.
+struct SavedState {
+    uint32_t seekPos = 0;
+    int16_t leftMargin = 0;
+    int16_t rightMargin = 0;
+    int16_t pwReaderWord = 0;
+    uint16_t hfPending = 0;
+    int16_t tabCount = 0;
+    uint8_t attrState = 0;
+    uint8_t hfAttrState = 0;
+    uint8_t skipFirstReturn = 0;
+    uint8_t pwReaderFlag = 0;
+    uint8_t openEndFlag = 0;
+    uint8_t hfReaderFlag = 0;
+    uint8_t fontValue = 0;
+    std::array<int16_t, tab_slots> tabPos{};
+    std::array<uint8_t, tab_slots> tabKind{};
+};
+
+// What opening settles for the document's life. Lines are header 1 and 2, footer 1 and 2.
+struct OpenedState {
+    uint8_t formatType = 0; // 1 to 5: Write family, 6: First Choice, 0: not recognised
+    uint8_t generation = 0; // First Choice only: the byte after the magic
+    uint16_t fcVersion = 0;
+    std::array<uint32_t, 4> hfTextPos{};
+    std::array<int16_t, 4> hfLength{};
+    uint8_t footerAttrs = 0;
+    uint8_t headerAttrs = 0;
+    uint8_t headerAlign = 0;
+    uint8_t footerAlign = 0;
+};
+
+struct Model {
+    // The document must outlive the model.
+    Model(const std::string &document, const Answers &host_answers)
+        : text(document), answers(host_answers)
+    {
+    }
+
+    // Makes an output call; the host's answer.
+    int32_t report(int32_t id, std::initializer_list<int32_t> arguments);
+    // Reports a paragraph end; whether the host wants to stop there.
+    bool paragraph_end_stops();
+
+    Text text;
+    SavedState saved;
+    OpenedState opened;
+    Answers answers;
+    Events events;      // since the host last emptied it
+    bool ended = false; // the last read reported the document's end
+};
+
+// Whether the document is of a known kind.
+bool VwStreamOpen(Model &model);
+void VwStreamSection(Model &model);
+void VwStreamRead(Model &model);
+
+} // namespace tests::model

@@ -1,0 +1,56 @@
+// model_compare DOCUMENTS SEED: compares module and model over that many generated documents,
+// as many as patience allows. Documents are numbered from SEED on, so ranges that do not
+// overlap can be run side by side, and one document by its number alone.
+#include "trials.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using namespace tests::model;
+
+constexpr uint64_t most_failures = 5;
+
+void tell_progress(uint64_t done, uint64_t failures, std::chrono::steady_clock::time_point start)
+{
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    std::printf("%llu documents, %llu differences, %.0f s\n", static_cast<unsigned long long>(done),
+                static_cast<unsigned long long>(failures), taken.count());
+    std::fflush(stdout);
+}
+
+// The number of documents that make a difference.
+uint64_t compare_all(uint64_t documents, uint64_t seed)
+{
+    constexpr uint64_t progress_every = 100'000;
+    const auto start = std::chrono::steady_clock::now();
+    uint64_t failures = 0;
+    for (uint64_t i = 0; i < documents && failures < most_failures; ++i) {
+        const Kind kind = all_kinds[i % all_kinds.size()];
+        if (const auto failure = failure_of(kind, seed + i / all_kinds.size())) {
+            ++failures;
+            std::printf("%s\n", failure->c_str());
+        }
+        if ((i + 1) % progress_every == 0 || i + 1 == documents) {
+            tell_progress(i + 1, failures, start);
+        }
+    }
+    return failures;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: model_compare DOCUMENTS SEED\n");
+        return 2;
+    }
+    const uint64_t documents = std::strtoull(argv[1], nullptr, 0);
+    const uint64_t seed = std::strtoull(argv[2], nullptr, 0);
+    std::printf("%llu documents of all kinds, numbered from %llu\n",
+                static_cast<unsigned long long>(documents), static_cast<unsigned long long>(seed));
+    return compare_all(documents, seed) == 0 ? 0 : 1;
+}

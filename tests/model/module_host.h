@@ -1,0 +1,47 @@
+// A host that does nothing but record what the module reports, with the place in the document
+// at each call. RecordingHost checks more and is slower; this one is for millions of documents.
+#pragma once
+
+#include "answers.h"
+#include "memory_block_file.h"
+#include "model.h"
+#include "saved_state.h"
+
+#include <cstdint>
+#include <string>
+
+namespace tests::model {
+
+class ModuleHost {
+public:
+    // Each read of the file gives most_per_read bytes at most.
+    ModuleHost(const std::string &document, uint32_t most_per_read, const Answers &host_answers);
+    ~ModuleHost();
+    ModuleHost(const ModuleHost &) = delete;
+    ModuleHost &operator=(const ModuleHost &) = delete;
+
+    bool open();
+    void section();
+    void read();
+
+    uint32_t position() const;
+    // Past the end all positions are the same place.
+    uint32_t place() const;
+    SavedBytes saved() const;
+    void go_to(const SavedBytes &state, uint32_t to);
+
+    // For the output routines.
+    int32_t record(const Call &call);
+
+    Answers answers;
+    Events events; // since the owner last emptied it
+
+private:
+    void register_routines();
+
+    MemoryBlockFile file;
+    VwInstance *instance = nullptr;
+    VwCharStream *stream = nullptr;
+};
+
+} // namespace tests::model
