@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# quirks.sh SOURCE_DIRECTORY: every test that docs/quirks.md names exists, and so does every
+# oddity that the code points to by name.
+set -euo pipefail
+cd "$1"
+status=0
+
+named=$(grep -oE '`([A-Za-z]+/)?[A-Z][A-Za-z0-9]+\.[A-Z][A-Za-z0-9]+`' docs/quirks.md \
+    | tr -d '\`' | sort -u)
+[ -n "$named" ] || { echo "docs/quirks.md names no tests"; exit 1; }
+for test in $named; do
+    suite=${test%.*}
+    grep -rqE "TEST(_P|_F)?\(${suite##*/}, *${test##*.}\)" tests \
+        || { echo "docs/quirks.md names $test, which is not there"; status=1; }
+done
+
+oddities=$(tr '\n' ' ' <<<"$(sed 's|^ *// *||' vs_pfs/*)" \
+    | grep -oE '"[^"]+" in docs/quirks\.md' | cut -d'"' -f2 | sort -u)
+[ -n "$oddities" ] || { echo "the code names no oddity"; exit 1; }
+while read -r oddity; do
+    grep -q "^| $oddity |" docs/quirks.md \
+        || { echo "the code points to \"$oddity\", which docs/quirks.md has not"; status=1; }
+done <<<"$oddities"
+exit $status
