@@ -20,6 +20,8 @@ public:
     // A saved state that no reading produced: blocks may be closed that were not opened, and
     // margins, font and attributes may be anything.
     void expect_foreign_state();
+    // Routine 13 is not registered, so that blocks have no ends to be seen.
+    void expect_no_breaks();
 
 private:
     void fault(const Call &call, const char *what) const;
@@ -31,6 +33,7 @@ private:
 
     std::size_t index = 0;
     bool foreign_state = false;
+    bool no_breaks = false;
     bool in_tab_stops = false;
     bool in_block = false;            // between breaks 6 and 7, across read calls
     bool kind_expected = false;       // break 6 was the last call
