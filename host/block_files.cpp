@@ -10,11 +10,9 @@
 #include <type_traits>
 #include <unistd.h>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 constexpr int32_t done = 0;
 constexpr int32_t refused = -1;
@@ -22,8 +20,7 @@ constexpr uint32_t origin_end = 2;
 constexpr std::size_t copy_size = 65536;
 
 // A descriptor that is closed unless it is handed on.
-class Descriptor
-{
+class Descriptor {
 public:
     explicit Descriptor(int value) : value_(value) {}
     ~Descriptor()
@@ -143,8 +140,9 @@ SourceResult positioned_source(Descriptor &descriptor, uint64_t size, uint64_t l
     if (size >= limit) {
         return too_large();
     }
-    return SourceResult(
-        std::make_unique<DescriptorSource>(descriptor.release(), static_cast<uint32_t>(size)));
+    std::unique_ptr<ByteSource> source =
+        std::make_unique<DescriptorSource>(descriptor.release(), static_cast<uint32_t>(size));
+    return source;
 }
 
 SourceResult spooled_source(Descriptor &descriptor, uint64_t limit)
@@ -154,7 +152,10 @@ SourceResult spooled_source(Descriptor &descriptor, uint64_t limit)
         return not_spooled(errno);
     }
     const Result<uint64_t> size = copy_to(spool.get(), descriptor.get(), limit);
-    return size.ok() ? positioned_source(spool, size.value(), limit) : size.error();
+    if (!size.ok()) {
+        return size.error();
+    }
+    return positioned_source(spool, size.value(), limit);
 }
 
 } // namespace
@@ -204,8 +205,7 @@ Status DescriptorSource::failure() const
 SourceResult source_of(int descriptor, uint64_t limit)
 {
     Descriptor owned(descriptor);
-    struct stat status {
-    };
+    struct stat status {};
     if (::fstat(descriptor, &status) != 0) {
         return unreadable(errno);
     }
@@ -224,7 +224,10 @@ SourceResult open_source(const std::string &path)
     const bool is_standard_input = path == "-";
     const int descriptor = is_standard_input ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
                                              : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    return descriptor < 0 ? SourceResult(unreadable(errno)) : source_of(descriptor);
+    if (descriptor < 0) {
+        return unreadable(errno);
+    }
+    return source_of(descriptor);
 }
 
 BlockFile::BlockFile(ByteSource &source)
