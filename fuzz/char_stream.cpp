@@ -4,6 +4,8 @@
 #include "fuzz_input.h"
 
 #include <algorithm>
+#include <random>
+#include <utility>
 
 namespace {
 
@@ -51,13 +53,13 @@ private:
     uint32_t misses = 0;
 };
 
+// Bytes that do not repeat within a buffer's length.
 std::string bytes_of_file(std::size_t size)
 {
+    std::minstd_rand random(1);
     std::string bytes(size, '\0');
-    uint32_t value = 1;
     for (char &byte : bytes) {
-        value = value * 1664525 + 1013904223;
-        byte = static_cast<char>(value >> 24);
+        byte = static_cast<char>(random());
     }
     return bytes;
 }

@@ -57,9 +57,9 @@ private:
     std::size_t most_reads;
 };
 
-// Reads the document in whole pieces; and again in small ones, each read call in the other
-// of two instances, going on from the saved place: the same calls must come. `stop` is
-// routine 13's answer to paragraph ends.
+// Reads the document in whole pieces, with a lookahead that remembers nothing; and again in
+// small pieces, each read call in the other of two instances, going on from the saved place:
+// the same calls must come. `stop` is routine 13's answer to paragraph ends.
 void read_both_ways(const std::string &document, uint32_t most_per_read, bool stop);
 
 } // namespace fuzz

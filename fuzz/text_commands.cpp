@@ -55,22 +55,35 @@ int plain_keyword(const std::string &text, std::size_t &position)
     return 0;
 }
 
+// The keywords by their place in the table, from 1, as far as the grammar tells them apart.
+enum Keyword : int {
+    no_keyword = 0,
+    keyword_n = 1,
+    keyword_new = 2,
+    keyword_page = 3,
+    keyword_justify = 4,
+    keyword_jy = 5,
+    keyword_yes = 6,
+    keyword_no = 8
+};
+
+bool is_answer(int code)
+{
+    return code == keyword_n || (code >= keyword_yes && code <= keyword_no);
+}
+
 enum class Plain { none, echo, page };
 
 Plain plain_command(const std::string &text)
 {
     std::size_t position = 0;
-    const int first = plain_keyword(text, position);
-    switch (first) {
-    case 0: return Plain::none;
-    case 1: return Plain::page;
-    case 2: return plain_keyword(text, position) == 3 ? Plain::page : Plain::none;
-    case 4:
-    case 5: {
-        const int second = plain_keyword(text, position);
-        const bool answer = second == 1 || (second >= 6 && second <= 8);
-        return answer ? Plain::echo : Plain::none;
-    }
+    switch (plain_keyword(text, position)) {
+    case no_keyword: return Plain::none;
+    case keyword_n: return Plain::page;
+    case keyword_new:
+        return plain_keyword(text, position) == keyword_page ? Plain::page : Plain::none;
+    case keyword_justify:
+    case keyword_jy: return is_answer(plain_keyword(text, position)) ? Plain::echo : Plain::none;
     default: return Plain::echo;
     }
 }
