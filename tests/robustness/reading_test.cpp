@@ -75,6 +75,7 @@ TEST_P(Reading, EndsAtEveryBreakWithoutARoutineForBreaks)
     host.file.keep_log = false;
     ASSERT_EQ(host.open(), 0);
     host.unregister(VW_SO_BREAK);
+    host.checker.expect_no_breaks();
     for (std::size_t i = 0; i < stopped.reads.size(); ++i) {
         Calls expected = stopped.reads[i];
         std::erase_if(expected, [](const Call &call) { return call.id == VW_SO_BREAK; });
