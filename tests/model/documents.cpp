@@ -67,9 +67,10 @@ void put_write_ruler(std::string &header, Random &random)
     }
     const uint32_t density = random.percent(90) ? random.between(2, 15) : 100;
     const bool ordered = random.percent(80);
+    const std::string_view marks = random.percent(80) ? "\x0F\x0F\x10\x11"sv : "\x0F\x10"sv;
     for (std::size_t i = 0; i < columns; ++i) {
         if (random.percent(density)) {
-            header[kinds_offset + 2 * i] = random.one_of("\x0F\x0F\x10\x11"sv);
+            header[kinds_offset + 2 * i] = random.one_of(marks);
         }
         const auto column = static_cast<uint16_t>(
             ordered ? i : random.one_of({random.below(80), random.below(65536)}));
