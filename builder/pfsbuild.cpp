@@ -21,6 +21,7 @@ constexpr int exit_usage = 2;
 constexpr int exit_unreadable = 3;
 constexpr int exit_faulty = 4;
 constexpr int exit_not_written = 7;
+constexpr int exit_internal = 70;
 
 constexpr const char *standard_stream = "-";
 constexpr const char *standard_input_name = "standard input";
@@ -144,9 +145,7 @@ int run(const Arguments &arguments)
     return write_document(arguments.document, built.bytes);
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+int run_program(int argc, char **argv)
 {
     CLI::App app("Writes a PFS document from its description.", "pfsbuild");
     Arguments arguments;
@@ -163,4 +162,17 @@ int main(int argc, char **argv)
         return fail(exit_usage, std::string(error.what()) + "; see pfsbuild --help");
     }
     return run(arguments);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    try {
+        return run_program(argc, argv);
+    } catch (...) {
+        static_cast<void>(std::fputs(
+            "pfsbuild: it failed, most likely for want of memory; give it more\n", stderr));
+        return exit_internal;
+    }
 }

@@ -141,3 +141,17 @@ TEST_F(BuilderProgram, TellsWhatItCannotWrite)
     EXPECT_EQ(run("letter /dev/full"), 7);
     EXPECT_EQ(run("letter - >/dev/full"), 7);
 }
+
+TEST_F(BuilderProgram, TellsWantOfMemory)
+{
+    if (SANITIZED) {
+        GTEST_SKIP() << "a sanitized program needs more address space than the test allows";
+    }
+    write("long", "kind: 1017\n---\n" + std::string(3'000'000, 'x') + "\n");
+    const std::string command = "cd '" + directory.string() + "' && ulimit -v 100000 && '" +
+                                PFSBUILD_PROGRAM + "' long letter.doc 2>errors";
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 70);
+    EXPECT_EQ(read("errors"),
+              "pfsbuild: it failed, most likely for want of memory; give it more\n");
+}
