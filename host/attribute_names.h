@@ -7,8 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 enum class AttributeCode : int32_t {
     bold = 2,

@@ -21,14 +21,12 @@
 #include <string>
 #include <vector>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 // The first size that does not fit into a position.
 inline constexpr uint64_t input_size_limit = uint64_t{1} << 32;
 
-class ByteSource
-{
+class ByteSource {
 public:
     virtual ~ByteSource() = default;
     // Reads up to destination.size() bytes at a position; the number read, 0 at the end, or
@@ -42,8 +40,7 @@ public:
     }
 };
 
-class MemorySource final : public ByteSource
-{
+class MemorySource final : public ByteSource {
 public:
     explicit MemorySource(std::vector<uint8_t> bytes) : bytes_(std::move(bytes)) {}
     std::optional<uint32_t> read_at(uint32_t position, std::span<uint8_t> destination) override;
@@ -57,8 +54,7 @@ private:
 };
 
 // Owns its descriptor, which must be one that can be positioned.
-class DescriptorSource final : public ByteSource
-{
+class DescriptorSource final : public ByteSource {
 public:
     DescriptorSource(int descriptor, uint32_t size) : descriptor_(descriptor), size_(size) {}
     ~DescriptorSource() override;
@@ -89,8 +85,7 @@ Result<std::unique_ptr<ByteSource>> source_of(int descriptor, uint64_t limit = i
 // A reading position over a source, which must outlive it. The module opens no further
 // files, and a host asked to read one document has no business opening others for it: the
 // open operation refuses.
-class BlockFile
-{
+class BlockFile {
 public:
     explicit BlockFile(ByteSource &source);
     BlockFile(const BlockFile &) = delete;

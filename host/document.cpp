@@ -3,11 +3,9 @@
 #include <array>
 #include <string>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 using SessionResult = Result<std::unique_ptr<Session>>;
 

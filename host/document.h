@@ -10,8 +10,7 @@
 #include "resume.h"
 #include "session.h"
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 struct ReadOptions {
     Offsets offsets = Offsets::none;

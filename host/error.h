@@ -7,8 +7,7 @@
 #include <utility>
 #include <variant>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 enum class ErrorKind {
     usage,          // the command line asks for something impossible
@@ -38,8 +37,7 @@ constexpr int exit_code(ErrorKind kind)
 }
 
 // A value or the error that stood in its way. value() and error() must match ok().
-template <typename T> class [[nodiscard]] Result
-{
+template <typename T> class [[nodiscard]] Result {
 public:
     Result(T value) : content_(std::in_place_index<0>, std::move(value)) {}
     Result(Error error) : content_(std::in_place_index<1>, std::move(error)) {}

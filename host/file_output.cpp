@@ -7,11 +7,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 constexpr std::size_t buffer_size = 65536;
 constexpr mode_t new_file_mode = 0666; // less what the user's mask takes away
@@ -86,8 +84,7 @@ Opened open_to_replace(const std::string &target, mode_t permissions)
 
 Opened open_target(const std::string &target)
 {
-    struct stat status {
-    };
+    struct stat status {};
     if (::stat(target.c_str(), &status) != 0) {
         return open_beside(target);
     }

@@ -10,11 +10,9 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-class FileOutput final : public Output
-{
+class FileOutput final : public Output {
 public:
     // Empty or "-" is standard output. An existing file that is no regular one, such as a
     // device or a pipe, is written to directly.

@@ -6,11 +6,9 @@
 #include <array>
 #include <optional>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 constexpr std::size_t magic_offset = 9;
 constexpr std::string_view choice_magic = "GERBILDOC";
@@ -67,8 +65,7 @@ const KindEntry &entry_of(DocumentKind kind)
 }
 
 // The examined start of a file; empty where the file ends.
-class Start
-{
+class Start {
 public:
     explicit Start(std::string bytes) : bytes_(std::move(bytes)) {}
 

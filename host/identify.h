@@ -11,8 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 enum class DocumentKind {
     write_a,

@@ -6,11 +6,9 @@
 #include <filesystem>
 #include <system_error>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 constexpr const char *module_file_name = "libvs_pfs.so";
 constexpr const char *entry_symbol = "VwGetRtns";

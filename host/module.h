@@ -13,8 +13,7 @@
 #include <memory>
 #include <string>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 // The entry points by their own types, none of them null.
 struct ModuleEntries {
@@ -37,8 +36,7 @@ struct ModuleEntries {
 // VwGetRtns' own type.
 using GetEntries = void (*)(VwRoutine *table, uint32_t interface_version);
 
-class Module
-{
+class Module {
 public:
     // The module that is linked into this program.
     static Result<Module> linked();

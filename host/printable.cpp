@@ -1,10 +1,8 @@
 #include "printable.h"
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 unsigned byte_at(std::string_view text, std::size_t index)
 {

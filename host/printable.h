@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 // The text with every control character (C0, DEL, and C1 in UTF-8) and every byte that is
 // not part of valid UTF-8 written as \xNN. Other text is left as it is.

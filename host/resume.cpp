@@ -2,11 +2,9 @@
 
 #include "attribute_names.h"
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 constexpr int32_t stop = 1;
 

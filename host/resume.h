@@ -27,16 +27,14 @@
 #include <span>
 #include <string_view>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 // Whether a kind of document undoes a paragraph's indents after its break.
 enum class IndentsReset { never, after_break };
 
 // Stands between a session and a sink: asks for a stop at every paragraph break, and passes
 // on what a read without stops would have delivered. What the sink answers is not used.
-class Stitcher final : public EventSink
-{
+class Stitcher final : public EventSink {
 public:
     Stitcher(EventSink &sink, IndentsReset reset) : sink_(sink), reset_(reset) {}
 

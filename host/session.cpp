@@ -3,11 +3,9 @@
 #include <cstring>
 #include <utility>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 constexpr int32_t stop = 1;
 constexpr unsigned word_bits = 32;
@@ -59,8 +57,7 @@ int32_t tab_stop_routine(const VwTabStop *stop_record, uint32_t low, uint32_t hi
                            stop_record->leaderCharacter, stop_record->position});
 }
 
-class Registrar
-{
+class Registrar {
 public:
     Registrar(const ModuleEntries &entries, VwInstance *instance)
         : entries_(entries), instance_(instance)

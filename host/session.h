@@ -16,8 +16,7 @@
 #include <memory>
 #include <string>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 // Whether events carry the source offset: a question to the stream for each of them.
 enum class Offsets { none, wanted };
@@ -28,8 +27,7 @@ struct Place {
     std::array<uint8_t, VW_SAVED_STATE_SIZE> state{};
 };
 
-class Session
-{
+class Session {
 public:
     // The file must outlive the session. Fails only for want of memory.
     static Result<std::unique_ptr<Session>> create(const Module &module, VwBlockFile *file,

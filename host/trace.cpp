@@ -8,11 +8,9 @@
 #include <initializer_list>
 #include <optional>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
-namespace
-{
+namespace {
 
 // What an argument is whenever the module calls; anything else is spelled out.
 constexpr int32_t special_type = 7;

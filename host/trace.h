@@ -13,8 +13,7 @@
 #include <cstdint>
 #include <string>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 struct TraceOptions {
     bool offsets = false; // the source offset as first column
@@ -23,8 +22,7 @@ struct TraceOptions {
     bool fold = false;
 };
 
-class TraceWriter final : public EventSink
-{
+class TraceWriter final : public EventSink {
 public:
     TraceWriter(Output &output, const TraceOptions &options) : output_(output), options_(options) {}
 

@@ -10,8 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc
-{
+namespace pfsdoc {
 
 // What `trace` and `text` have in common. "-" is standard input and standard output.
 struct DocumentRequest {
