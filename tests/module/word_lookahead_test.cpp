@@ -260,5 +260,22 @@ TEST(WordLookaheadFaults, ComesBackWhenTheFileChangesUnderIt)
     module_says_hard(bench, write_family, 3003, 1);
 }
 
+// What is remembered of the word ends now before the place that is asked about: the answer is
+// that of a fresh scan.
+TEST(WordLookaheadFaults, ScansAgainWhereTheRememberedWordIsGone)
+{
+    Bench bench(endless_word(write_family, 2000));
+    bench.saved().rightMargin = 60;
+    EXPECT_FALSE(module_says_hard(bench, write_family, 3, 1));
+    bench.file.bytes = std::string(5000, '\x0E') + std::string(1000, 'a');
+    VwCharSeek(bench.stream, 5500, 0); // so that the changed bytes are read
+    VwCharGet(bench.stream);
+    EXPECT_TRUE(module_says_hard(bench, write_family, 3000, 1));
+    bench.file.bytes.assign(6000, 'a');
+    VwCharSeek(bench.stream, 5900, 0);
+    VwCharGet(bench.stream);
+    EXPECT_FALSE(module_says_hard(bench, write_family, 3003, 1));
+}
+
 } // namespace
 } // namespace tests
