@@ -4,8 +4,8 @@
 #include "trials.h"
 
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 
 namespace {
 
@@ -16,9 +16,8 @@ constexpr uint64_t most_failures = 5;
 void tell_progress(uint64_t done, uint64_t failures, std::chrono::steady_clock::time_point start)
 {
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    std::printf("%llu documents, %llu differences, %.0f s\n", static_cast<unsigned long long>(done),
-                static_cast<unsigned long long>(failures), taken.count());
-    std::fflush(stdout);
+    std::cout << done << " documents, " << failures << " differences, "
+              << static_cast<uint64_t>(taken.count()) << " s" << std::endl;
 }
 
 // The number of documents that make a difference.
@@ -31,7 +30,7 @@ uint64_t compare_all(uint64_t documents, uint64_t seed)
         const Kind kind = all_kinds[i % all_kinds.size()];
         if (const auto failure = failure_of(kind, seed + i / all_kinds.size())) {
             ++failures;
-            std::printf("%s\n", failure->c_str());
+            std::cout << *failure << std::endl;
         }
         if ((i + 1) % progress_every == 0 || i + 1 == documents) {
             tell_progress(i + 1, failures, start);
@@ -45,12 +44,11 @@ uint64_t compare_all(uint64_t documents, uint64_t seed)
 int main(int argc, char **argv)
 {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: model_compare DOCUMENTS SEED\n");
+        std::cerr << "usage: model_compare DOCUMENTS SEED\n";
         return 2;
     }
     const uint64_t documents = std::strtoull(argv[1], nullptr, 0);
     const uint64_t seed = std::strtoull(argv[2], nullptr, 0);
-    std::printf("%llu documents of all kinds, numbered from %llu\n",
-                static_cast<unsigned long long>(documents), static_cast<unsigned long long>(seed));
+    std::cout << documents << " documents of all kinds, numbered from " << seed << std::endl;
     return compare_all(documents, seed) == 0 ? 0 : 1;
 }
