@@ -3,9 +3,11 @@
 #include "bench.h"
 
 #include "document_headers.h"
+#include "line_readers.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 
 namespace {
@@ -357,6 +359,28 @@ TEST(StreamRead, TakesTheGenerationThreeOnly)
         ASSERT_TRUE(bench.opens());
         bench.state().fcVersion = version;
         EXPECT_TRUE(matches(after_announcements(bench.read()), "'a' | 13 2 0")) << version;
+    }
+}
+
+TEST(LineReaders, ReturnNothingButZero)
+{
+    using Reader = int32_t (*)(VwCharStream *, VwInstance *);
+    const std::array<std::pair<Reader, std::string>, 4> readers{{
+        {read_pfs_line, write_document(2, bytes("0D 0D 0E"), {write_header_line(0, "H")})},
+        {read_pfs_12_line, write_document(4, bytes("00 00 0E"), {write_header_line(0, "H")})},
+        {read_choice_line, choice_document('2', bytes("0C 0E"), {choice_header_line(0, "H")})},
+        {read_choice3_line,
+         choice_document('3', bytes("40 01 0D 0E"), {choice_header_line(0, "H")})},
+    }};
+    for (const auto &[reader, document] : readers) {
+        Bench bench(document);
+        ASSERT_TRUE(bench.opens());
+        bench.stop_at_all();
+        for (const char *exit : {"stopped in the header", "stopped in the text", "ended"}) {
+            bench.checker.read_begins();
+            EXPECT_EQ(reader(bench.stream, bench.instance), 0) << exit;
+        }
+        EXPECT_TRUE(bench.document_ended);
     }
 }
 

@@ -54,6 +54,14 @@ TEST(GetCommand, ReadsLowerCaseAsUpperCase)
     }
 }
 
+TEST(GetCommand, LeavesWhatItReadInTheBuffer)
+{
+    Bench bench("azAZ@[`{*");
+    char buffer[command_buffer_size];
+    EXPECT_EQ(PfsGetCommand(bench.stream, buffer, bench.instance), 0);
+    EXPECT_STREQ(buffer, "AZAZ@[`{*");
+}
+
 TEST(GetCommand, ChangesNoByteBesideTheLetters)
 {
     EXPECT_EQ(keyword("n\x60*").code, 0);
