@@ -1,5 +1,7 @@
 #include "bodies.h"
 
+#include "endless.h"
+
 #include <array>
 #include <initializer_list>
 #include <string_view>
@@ -326,31 +328,6 @@ uint32_t random_length(Random &random)
     return choice < 960 ? random.below(200) : random.below(2000);
 }
 
-// A run so long that 16-bit counters wrap around: of leading spaces, or of one word that a
-// lookahead measures.
-std::string endless_run(Random &random)
-{
-    const uint32_t length = random.percent(50)
-                                ? random.one_of({32767U, 32768U, 65535U, 65536U, 65537U})
-                                : random.between(32750, 32790);
-    return std::string(length, random.one_of(" a\x40\x50\xC1\x00"sv));
-}
-
-// A chain of header bytes whose 16-bit count comes around to that of a short one.
-std::string endless_chain(Random &random)
-{
-    return std::string(random.between(65536, 65538), '\x40') + "\x01";
-}
-
-void add_endless_run(Kind kind, std::string &body, Random &random)
-{
-    const std::string run =
-        kind == Kind::choice_3 && random.percent(40) ? endless_chain(random) : endless_run(random);
-    const std::size_t line_end = body.find_first_of("\x0C\x0D", random.below(body.size() + 1));
-    const bool at_line_start = line_end != std::string::npos && random.percent(70);
-    body.insert(at_line_start ? line_end + 1 : random.below(body.size() + 1), run);
-}
-
 } // namespace
 
 std::string random_margin_record(Random &random)
@@ -375,14 +352,14 @@ std::string random_margin_record(Random &random)
 
 std::string random_body(Kind kind, Random &random)
 {
-    constexpr uint32_t endless_run_in = 800;
+    constexpr uint32_t endless_piece_in = 800;
     const uint32_t length = random_length(random);
     const uint32_t style = random.below(100);
     std::string body = style < 75   ? structured_body(kind, length, random)
                        : style < 94 ? narrow_body(2 * length, random)
                                     : uniform_body(2 * length, random);
-    if (random.below(endless_run_in) == 0) {
-        add_endless_run(kind, body, random);
+    if (random.below(endless_piece_in) == 0) {
+        add_endless_piece(kind, body, random);
     }
     if (random.percent(80)) {
         body += '\x0E';

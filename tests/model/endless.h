@@ -1,0 +1,14 @@
+// Pieces so long that 16-bit counters wrap around.
+#pragma once
+
+#include "kinds.h"
+#include "random.h"
+
+#include <string>
+
+namespace tests::model {
+
+// Puts one somewhere into a body, mostly where a line begins.
+void add_endless_piece(Kind kind, std::string &body, Random &random);
+
+} // namespace tests::model
