@@ -1,11 +1,17 @@
 #include "document.h"
 
 #include <array>
+#include <span>
 #include <string>
 
 namespace pfsdoc {
 
 namespace {
+
+bool is_professional_write(DocumentKind kind)
+{
+    return kind == DocumentKind::professional_write_1 || kind == DocumentKind::professional_write_2;
+}
 
 using SessionResult = Result<std::unique_ptr<Session>>;
 
@@ -20,8 +26,16 @@ SessionResult open_session(const Module &module, BlockFile &file, DocumentKind k
     return session;
 }
 
-Status read_stopping(const Module &module, ByteSource &source, DocumentKind kind, Session &session,
-                     EventSink &sink, Offsets offsets)
+Status read_stopping(std::span<Session *const> sessions, Stitcher &stitcher)
+{
+    if (!read_with_stops(sessions, stitcher)) {
+        return Error{ErrorKind::internal, "the module refuses to go back to a saved place", ""};
+    }
+    return {};
+}
+
+Status read_in_two_sessions(const Module &module, ByteSource &source, DocumentKind kind,
+                            Session &session, EventSink &sink, Offsets offsets)
 {
     BlockFile file(source);
     SessionResult other = open_session(module, file, kind, offsets);
@@ -30,10 +44,15 @@ Status read_stopping(const Module &module, ByteSource &source, DocumentKind kind
     }
     Stitcher stitcher(sink, indents_reset(kind));
     const std::array<Session *, 2> sessions = {&session, other.value().get()};
-    if (!read_with_stops(sessions, stitcher)) {
-        return Error{ErrorKind::internal, "the module refuses to go back to a saved place", ""};
-    }
-    return {};
+    return read_stopping(sessions, stitcher);
+}
+
+Status read_following_margins(DocumentKind kind, Session &session, EventSink &sink)
+{
+    MarginFollower follower(sink);
+    Stitcher stitcher(follower, indents_reset(kind), AnnouncedMargins::passed_on_if_changed);
+    const std::array<Session *, 1> sessions = {&session};
+    return read_stopping(sessions, stitcher);
 }
 
 Status read_at_once(Session &session, EventSink &sink)
@@ -54,18 +73,20 @@ Status read_all(const Module &module, ByteSource &source, DocumentKind kind, Eve
         return session.error();
     }
     session.value()->section(sink);
-    return options.stop_at_breaks
-               ? read_stopping(module, source, kind, *session.value(), sink, options.offsets)
-               : read_at_once(*session.value(), sink);
+    if (options.stops == Stops::at_breaks) {
+        return read_in_two_sessions(module, source, kind, *session.value(), sink, options.offsets);
+    }
+    if (options.stops == Stops::for_margins && is_professional_write(kind)) {
+        return read_following_margins(kind, *session.value(), sink);
+    }
+    return read_at_once(*session.value(), sink);
 }
 
 } // namespace
 
 IndentsReset indents_reset(DocumentKind kind)
 {
-    const bool is_professional_write =
-        kind == DocumentKind::professional_write_1 || kind == DocumentKind::professional_write_2;
-    return is_professional_write ? IndentsReset::never : IndentsReset::after_break;
+    return is_professional_write(kind) ? IndentsReset::never : IndentsReset::after_break;
 }
 
 Status read_document(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,

@@ -12,11 +12,20 @@
 
 namespace pfsdoc {
 
-struct ReadOptions {
-    Offsets offsets = Offsets::none;
+enum class Stops {
+    none,
     // Stops at every paragraph break and goes on from the saved place in another session:
     // slower, and the same events.
-    bool stop_at_breaks = false;
+    at_breaks,
+    // Where the text can change its margins (Professional Write), stops at every paragraph
+    // break to be told of them; the change comes before the break of the paragraph that holds
+    // it. All else is the same.
+    for_margins
+};
+
+struct ReadOptions {
+    Offsets offsets = Offsets::none;
+    Stops stops = Stops::none;
 };
 
 // Delivers a document's events, from its section's start to its end. An error may come after

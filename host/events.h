@@ -84,9 +84,9 @@ struct LineSpacing {
     bool operator==(const LineSpacing &) const = default;
 };
 
-using Event = std::variant<Character, SpecialCharacter, PageBreak, AttributeChange, Font,
-                           Alignment, Indents, TabStopsBegin, TabStopsEnd, TabStop, Margins,
-                           HeaderFooter, Break, SectionStart, LineSpacing>;
+using Event = std::variant<Character, SpecialCharacter, PageBreak, AttributeChange, Font, Alignment,
+                           Indents, TabStopsBegin, TabStopsEnd, TabStop, Margins, HeaderFooter,
+                           Break, SectionStart, LineSpacing>;
 
 // Receives a document's events in order.
 class EventSink {

@@ -14,7 +14,10 @@ public:
 
 class StringOutput final : public Output {
 public:
-    void write(std::string_view bytes) override { text.append(bytes); }
+    void write(std::string_view bytes) override
+    {
+        text.append(bytes);
+    }
 
     std::string text;
 };

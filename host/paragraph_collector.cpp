@@ -205,7 +205,6 @@ void ParagraphCollector::begin_paragraph()
 {
     if (!paragraph_in_progress_) {
         paragraph_in_progress_ = true;
-        paragraph_.margins = margins_;
         paragraph_.tab_stops = tab_stops_;
     }
 }
@@ -223,6 +222,7 @@ void ParagraphCollector::end_paragraph()
     paragraph_.left_indent = indents_.left;
     paragraph_.first_line_indent = indents_.first_line;
     paragraph_.alignment = alignment_;
+    paragraph_.margins = margins_;
     if (!paragraph_has_text_ || rule_ == LineSpacingRule::at_break) {
         paragraph_.line_spacing = line_spacing_;
     }

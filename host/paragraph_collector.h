@@ -9,7 +9,8 @@
 //   indents        the last report before the break. A paragraph without one has none,
 //                  whatever the paragraph before had: not every kind resets them.
 //   alignment      as in force at the break
-//   margins, tabs  as in force where the paragraph's text begins
+//   margins        as in force at the break: a record within the paragraph may have set them
+//   tabs           as in force where the paragraph's text begins
 //   line spacing   depends on the kind of document: see LineSpacingRule
 //
 // Reports that a read repeats at its start change nothing. Events that do not balance are

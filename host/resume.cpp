@@ -58,7 +58,7 @@ int32_t Stitcher::on_event(const Event &event, uint32_t offset)
 bool Stitcher::is_dropped(const Event &event, uint32_t offset)
 {
     switch (expect_) {
-    case Expect::announcements: return drop_announcement(event);
+    case Expect::announcements: return drop_announcement(event, offset);
     case Expect::block_pair: return hold_pair(event, offset);
     case Expect::block_verdict: return judge_pair(event);
     case Expect::body_start: return drop_body_start(event);
@@ -67,8 +67,14 @@ bool Stitcher::is_dropped(const Event &event, uint32_t offset)
     return false;
 }
 
+bool Stitcher::is_wanted_margins(const Event &event) const
+{
+    return announced_margins_ == AnnouncedMargins::passed_on_if_changed &&
+           std::holds_alternative<Margins>(event) && event != margins_;
+}
+
 // Tab stops, then margins and attributes in the order of the kind's reader.
-bool Stitcher::drop_announcement(const Event &event)
+bool Stitcher::drop_announcement(const Event &event, uint32_t offset)
 {
     margins_seen_ = margins_seen_ || std::holds_alternative<Margins>(event);
     if (std::holds_alternative<AttributeChange>(event)) {
@@ -76,6 +82,9 @@ bool Stitcher::drop_announcement(const Event &event)
     }
     if (margins_seen_ && attributes_seen_ == attribute_names.size()) {
         expect_ = in_block_ ? Expect::block_pair : Expect::body_start;
+    }
+    if (is_wanted_margins(event)) {
+        pass_on(event, offset);
     }
     return true;
 }
@@ -121,8 +130,30 @@ void Stitcher::pass_on(const Event &event, uint32_t offset)
     }
     in_block_ = (in_block_ || as_break(event, VW_BREAK_BLOCK_OPEN) != nullptr) &&
                 as_break(event, VW_BREAK_BLOCK_CLOSE) == nullptr;
+    if (std::holds_alternative<Margins>(event)) {
+        margins_ = event;
+    }
     last_ = event;
     sink_.on_event(event, offset);
+}
+
+int32_t MarginFollower::on_event(const Event &event, uint32_t offset)
+{
+    if (held_ && !std::holds_alternative<Margins>(event)) {
+        release();
+    }
+    if (as_break(event, VW_BREAK_PARAGRAPH) != nullptr) {
+        held_ = {event, offset};
+    } else {
+        sink_.on_event(event, offset);
+    }
+    return 0;
+}
+
+void MarginFollower::release()
+{
+    sink_.on_event(held_->first, held_->second);
+    held_.reset();
 }
 
 bool read_with_stops(std::span<Session *const> sessions, Stitcher &stitcher)

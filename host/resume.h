@@ -25,18 +25,27 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string_view>
+#include <utility>
 
 namespace pfsdoc {
 
 // Whether a kind of document undoes a paragraph's indents after its break.
 enum class IndentsReset { never, after_break };
 
+// What becomes of margins that a resumed read announces. A margin record in a Professional
+// Write text changes them, and the module says so at the start of the next read only: a read
+// without stops would not have told.
+enum class AnnouncedMargins { dropped, passed_on_if_changed };
+
 // Stands between a session and a sink: asks for a stop at every paragraph break, and passes
 // on what a read without stops would have delivered. What the sink answers is not used.
 class Stitcher final : public EventSink {
 public:
-    Stitcher(EventSink &sink, IndentsReset reset) : sink_(sink), reset_(reset) {}
+    Stitcher(EventSink &sink, IndentsReset reset,
+             AnnouncedMargins announced_margins = AnnouncedMargins::dropped)
+        : sink_(sink), reset_(reset), announced_margins_(announced_margins)
+    {
+    }
 
     // The next events are those of a read call that goes on after the last paragraph break.
     void resume();
@@ -51,7 +60,8 @@ private:
     enum class Expect { anything, announcements, block_pair, block_verdict, body_start };
 
     bool is_dropped(const Event &event, uint32_t offset);
-    bool drop_announcement(const Event &event);
+    bool drop_announcement(const Event &event, uint32_t offset);
+    bool is_wanted_margins(const Event &event) const;
     bool hold_pair(const Event &event, uint32_t offset);
     bool judge_pair(const Event &event);
     bool drop_body_start(const Event &event);
@@ -59,6 +69,7 @@ private:
 
     EventSink &sink_;
     IndentsReset reset_;
+    AnnouncedMargins announced_margins_;
     Expect expect_ = Expect::anything;
     bool margins_seen_ = false;               // of the announcements being dropped,
     std::size_t attributes_seen_ = 0;         // and how many attributes
@@ -66,6 +77,23 @@ private:
     bool in_block_ = false;
     bool indents_reported_ = false; // by the paragraph whose break came last
     std::optional<Event> last_;     // passed on
+    std::optional<Event> margins_;  // passed on last
+};
+
+// Puts margins that are announced after a paragraph's break before it: a record within the
+// paragraph has set them, so they are the paragraph's own. To be put behind a Stitcher that
+// passes them on. What the sink answers is not used.
+class MarginFollower final : public EventSink {
+public:
+    explicit MarginFollower(EventSink &sink) : sink_(sink) {}
+
+    int32_t on_event(const Event &event, uint32_t offset) override;
+
+private:
+    void release();
+
+    EventSink &sink_;
+    std::optional<std::pair<Event, uint32_t>> held_; // a paragraph's break
 };
 
 // Reads a whole document with a stop at every paragraph break, each time going on in the

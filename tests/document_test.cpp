@@ -78,7 +78,7 @@ std::string trace_of(const std::string &bytes, bool stop_at_breaks)
     trace_options.fold = true;
     pfsdoc::TraceWriter writer(output, trace_options);
     pfsdoc::ReadOptions read_options;
-    read_options.stop_at_breaks = stop_at_breaks;
+    read_options.stops = stop_at_breaks ? pfsdoc::Stops::at_breaks : pfsdoc::Stops::none;
     EXPECT_FALSE(
         pfsdoc::read_document(module.value(), source, identity.value().kind, writer, read_options));
     writer.finish();

@@ -182,13 +182,13 @@ TEST(Collector, DoesNotHandIndentsDownThatNobodyReset)
     EXPECT_EQ(next.first_line_indent, 0);
 }
 
-TEST(Collector, TakesMarginsAndTabsWhereTextBegins)
+TEST(Collector, TakesTabsWhereTextBeginsAndMarginsAtTheBreak)
 {
     TypedEvents events;
     events.margins(10, 70).tabs({15, 20}, {30}).text("first line ");
     events.margins(5, 40).tabs({8}).line("after a ruler in mid-paragraph");
     const Paragraph paragraph = last_paragraph(events);
-    EXPECT_EQ(paragraph.margins, (Margins{1440, 10080}));
+    EXPECT_EQ(paragraph.margins, (Margins{720, 5760}));
     ASSERT_EQ(paragraph.tab_stops.size(), 3U);
     EXPECT_EQ(paragraph.tab_stops[1], (TabStop{VW_TAB_LEFT, 0, 0, 2880}));
     EXPECT_EQ(paragraph.tab_stops[2], (TabStop{VW_TAB_DECIMAL, '.', 0, 4320}));

@@ -4,6 +4,7 @@
 
 #include "host_bench.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace {
@@ -249,9 +250,9 @@ TEST(ReadDocument, TellsWhenTheModuleDoesNotRecogniseIt)
 {
     const auto source = source_from("no document");
     KeepingSink sink;
-    for (const bool stop : {false, true}) {
+    for (const Stops stops : {Stops::none, Stops::at_breaks, Stops::for_margins}) {
         const Status fault = read_document(linked_module(), *source, DocumentKind::write_b, sink,
-                                           {Offsets::none, stop});
+                                           {Offsets::none, stops});
         ASSERT_TRUE(fault);
         EXPECT_EQ(exit_code(fault->kind), 70);
     }
@@ -263,9 +264,31 @@ TEST(ReadDocument, StoppingAtBreaksChangesNothing)
     for (const KindExample &example : kind_examples()) {
         const std::string document =
             document_of(example.kind, bytes(example.body), {header_line(example.kind, 1, "head")});
-        const auto at_once = read_at_once(document, example.kind, {Offsets::wanted, false});
-        const auto stopped = read_at_once(document, example.kind, {Offsets::wanted, true});
+        const auto at_once = read_at_once(document, example.kind, {Offsets::wanted, Stops::none});
+        const auto stopped =
+            read_at_once(document, example.kind, {Offsets::wanted, Stops::at_breaks});
         EXPECT_EQ(at_once.told, stopped.told) << display_name(example.kind);
+    }
+}
+
+// The example's record sets columns 10 and 47 in the paragraph that ends in "moved".
+TEST(ReadDocument, TellsOfNewMarginsBeforeTheBreakOfTheirParagraph)
+{
+    const Event new_margins = Margins{10 * VW_TWIPS_PER_COLUMN, 47 * VW_TWIPS_PER_COLUMN};
+    const Event paragraph_end = Break{VW_BREAK_PARAGRAPH, 0};
+    for (const KindExample &example : kind_examples()) {
+        const std::string document =
+            document_of(example.kind, bytes(example.body), {header_line(example.kind, 1, "head")});
+        auto told =
+            read_at_once(document, example.kind, {Offsets::wanted, Stops::for_margins}).told;
+        const auto found = std::find_if(told.begin(), told.end(),
+                                        [&](const Told &one) { return one.event == new_margins; });
+        ASSERT_EQ(found != told.end(), indents_reset(example.kind) == IndentsReset::never);
+        if (found != told.end()) {
+            EXPECT_EQ((found + 1)->event, paragraph_end);
+            told.erase(found);
+        }
+        EXPECT_EQ(told, read_at_once(document, example.kind, {Offsets::wanted}).told);
     }
 }
 

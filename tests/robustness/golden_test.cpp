@@ -13,7 +13,7 @@ namespace {
 class Golden : public ::testing::TestWithParam<DocumentFile> {};
 
 template <typename Writer, typename Options>
-std::string written(const DocumentFile &file, const Options &options)
+std::string written(const DocumentFile &file, const Options &options, pfsdoc::Stops stops)
 {
     const std::string bytes = file.bytes();
     pfsdoc::MemorySource source({bytes.begin(), bytes.end()});
@@ -21,7 +21,8 @@ std::string written(const DocumentFile &file, const Options &options)
     const auto identity = pfsdoc::identify(source);
     pfsdoc::StringOutput output;
     Writer writer(output, options);
-    EXPECT_FALSE(pfsdoc::read_document(module.value(), source, identity.value().kind, writer));
+    EXPECT_FALSE(pfsdoc::read_document(module.value(), source, identity.value().kind, writer,
+                                       {pfsdoc::Offsets::none, stops}));
     writer.finish();
     return output.text;
 }
@@ -43,14 +44,16 @@ void expect_same_text(const std::string &actual, const std::string &expected)
 
 TEST_P(Golden, TraceIsAsCommitted)
 {
-    expect_same_text(written<pfsdoc::TraceWriter>(GetParam(), pfsdoc::TraceOptions{}),
-                     golden(GetParam(), ".trace"));
+    expect_same_text(
+        written<pfsdoc::TraceWriter>(GetParam(), pfsdoc::TraceOptions{}, pfsdoc::Stops::none),
+        golden(GetParam(), ".trace"));
 }
 
 TEST_P(Golden, TextIsAsCommitted)
 {
-    expect_same_text(written<pfsdoc::TextWriter>(GetParam(), pfsdoc::TextOptions{}),
-                     golden(GetParam(), ".text"));
+    expect_same_text(
+        written<pfsdoc::TextWriter>(GetParam(), pfsdoc::TextOptions{}, pfsdoc::Stops::for_margins),
+        golden(GetParam(), ".text"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, Golden, ::testing::ValuesIn(sample_files()),

@@ -131,12 +131,13 @@ int report(const std::string &subject, const Error &error)
 int run_trace(const TraceRequest &request)
 {
     const Offsets offsets = request.options.offsets ? Offsets::wanted : Offsets::none;
-    return run<TraceWriter>(request.document, request.options, {offsets, request.stop});
+    return run<TraceWriter>(request.document, request.options,
+                            {offsets, request.stop ? Stops::at_breaks : Stops::none});
 }
 
 int run_text(const TextRequest &request)
 {
-    return run<TextWriter>(request.document, request.options, {});
+    return run<TextWriter>(request.document, request.options, {Offsets::none, Stops::for_margins});
 }
 
 int run_identify(const std::vector<std::string> &files)
