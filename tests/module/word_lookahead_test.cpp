@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <ostream>
 #include <random>
 
 namespace tests {
@@ -35,6 +36,12 @@ struct Family {
     int16_t (*word_length)(const std::string &body, std::size_t position);
     std::string alphabet; // of hostile bodies
 };
+
+// For the list of tests, which would show an address.
+void PrintTo(const Family *family, std::ostream *stream)
+{
+    *stream << family->name;
+}
 
 int16_t write_word_length(const std::string &body, std::size_t position)
 {
