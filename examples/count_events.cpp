@@ -12,26 +12,22 @@ struct File : VwBlockFile {
     std::FILE *file;
 };
 
-static std::FILE *stdio(VwBlockFile *self)
-{
-    return static_cast<File *>(self)->file;
-}
-
 static int32_t file_read(VwBlockFile *self, void *bytes, uint32_t count, uint32_t *got)
 {
-    *got = static_cast<uint32_t>(std::fread(bytes, 1, count, stdio(self)));
-    return std::ferror(stdio(self));
+    std::FILE *file = static_cast<File *>(self)->file;
+    *got = static_cast<uint32_t>(std::fread(bytes, 1, count, file));
+    return std::ferror(file);
 }
 
 static int32_t file_seek(VwBlockFile *self, uint32_t origin, int32_t offset)
 {
-    return origin == 0 ? std::fseek(stdio(self), static_cast<uint32_t>(offset), SEEK_SET)
-                       : std::fseek(stdio(self), offset, SEEK_END);
+    const long distance = origin == 0 ? long{static_cast<uint32_t>(offset)} : long{offset};
+    return std::fseek(static_cast<File *>(self)->file, distance, origin == 0 ? SEEK_SET : SEEK_END);
 }
 
 static int32_t file_tell(VwBlockFile *self, uint32_t *position)
 {
-    *position = static_cast<uint32_t>(std::ftell(stdio(self)));
+    *position = static_cast<uint32_t>(std::ftell(static_cast<File *>(self)->file));
     return 0;
 }
 
@@ -75,5 +71,9 @@ int main(int argc, char **argv)
     while (!at_end) {
         CALL(VW_ENTRY_STREAM_READ, VwStreamRead)(stream, doc);
     }
+    VwBlockFile *same_file = nullptr;
+    CALL(VW_ENTRY_LOCAL_DOWN, VwLocalDown)(stream, &same_file, doc);
+    CALL(VW_ENTRY_FREE_PROC, VwFreeProc)(doc);
+    std::fclose(file.file);
     return std::printf("%d characters in %d paragraphs\n", characters, paragraphs) > 0 ? 0 : 7;
 }
