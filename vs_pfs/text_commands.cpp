@@ -138,12 +138,12 @@ int32_t PfsTextCommand(VwCharStream *stream, int16_t *column, VwInstance *instan
 {
     const uint32_t start = VwCharTell(stream);
     const Meaning meaning = read_command(stream, instance);
+    if (meaning == Meaning::page_break) {
+        put_page_break(instance); // with the stream behind the words that ask for it
+    }
     VwCharSeek(stream, start, seek_absolute);
     if (meaning == Meaning::no_command) {
         return 0;
-    }
-    if (meaning == Meaning::page_break) {
-        put_page_break(instance);
     }
     echo_command(stream, column, instance);
     return 1;

@@ -102,6 +102,19 @@ TEST(Session, OffsetsAreThoseOfTheByteAfter)
     EXPECT_EQ(sink.told.back().offset, write_body_offset + 7);
 }
 
+// The words after a '*' are read to know the command, and read again to be echoed.
+TEST(Session, APageBreakStandsBehindTheCommandThatAsksForIt)
+{
+    const std::string document = choice_document('2', bytes("'*N*' 0E"));
+    const auto told = read_at_once(document, DocumentKind::first_choice_2, {Offsets::wanted}).told;
+    const auto found = std::find_if(told.begin(), told.end(), [](const Told &one) {
+        return std::holds_alternative<PageBreak>(one.event);
+    });
+    ASSERT_NE(found, told.end());
+    EXPECT_EQ(found->offset, choice_body_offset + 3);
+    EXPECT_EQ(*(found + 1), (Told{SpecialCharacter{'*', 7}, choice_body_offset + 1}));
+}
+
 TEST(Session, OffsetsAreZeroUnlessAskedFor)
 {
     const KeepingSink sink =
