@@ -118,9 +118,8 @@ Progress read_line(ChoiceReading &reading)
     case LineKind::page_break: return read_page_break(reading);
     case LineKind::wrapped_text:
     case LineKind::hard_text: return read_text_line(reading, kind);
-    case LineKind::document_end: break;
+    default: return Progress::document_done;
     }
-    return Progress::document_done;
 }
 
 } // namespace

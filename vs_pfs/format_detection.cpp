@@ -72,9 +72,8 @@ FormatType write_family_type(Signature signature, char variant)
     case signature_ibm: return format_writing_assistant;
     case signature_type_3: return format_professional_write_1;
     case signature_type_4: return format_professional_write_2;
-    case signature_none: break;
+    default: return format_none;
     }
-    return format_none;
 }
 
 FormatType detect_write_family(VwInstance *instance)
