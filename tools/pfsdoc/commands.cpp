@@ -124,7 +124,8 @@ int report(const std::string &subject, const Error &error)
     std::string line = "pfsdoc: ";
     line.append(subject).append(subject.empty() ? "" : ": ").append(error.what);
     line.append(error.remedy.empty() ? "" : "; ").append(error.remedy);
-    std::fprintf(stderr, "%s\n", printable(line).c_str());
+    // Where standard error is gone there is nobody to tell that it is.
+    static_cast<void>(std::fprintf(stderr, "%s\n", printable(line).c_str()));
     return exit_code(error.kind);
 }
 

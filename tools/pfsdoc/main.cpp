@@ -175,7 +175,7 @@ void occupy_standard_streams()
 int main(int argument_count, char **arguments)
 {
     // A reader that goes away is an output that cannot be written, with a message of its own.
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     occupy_standard_streams();
     try {
         return run(argument_count, arguments);
