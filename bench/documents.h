@@ -1,0 +1,41 @@
+// The documents that are measured: ordinary ones of any size, by the document builder.
+//
+// The builder keeps a record for each character, so it makes one piece of about a megabyte
+// and the rest of the text is that piece over and over. Every piece ends with its paragraph,
+// so that nothing is read otherwise for what comes behind it.
+#pragma once
+
+#include "builder/build.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace bench {
+
+enum class Text {
+    prose,
+    attributed,  // a fifth of the characters are bold, underlined or both
+    short_lines, // 30 columns
+    commands     // one after every few words
+};
+const char *text_name(Text text);
+
+// What stands around the text of a document.
+struct Frame {
+    std::string head; // everything before the first line
+    std::string tail; // the end byte, and what has to stand before it
+};
+Frame frame_of(pfs_builder::Kind kind, pfs_builder::Margins margins = {});
+
+// A document of at least `size` bytes, and at most a piece more.
+std::string make_document(pfs_builder::Kind kind, Text text, std::size_t size);
+
+// A letter of a few paragraphs with a header line, about 2 KB of text.
+std::string make_letter(pfs_builder::Kind kind);
+
+// The same words as the prose of a document of that size, as lines without line breaks:
+// one for each paragraph, until there are at least `size` bytes.
+std::string make_plain_prose(std::size_t size);
+
+} // namespace bench
