@@ -1,14 +1,20 @@
 // The lookahead remembers its last scan. Here its answers are compared with those of a scan
 // that remembers nothing and works on the bytes themselves, and its cost is counted in block
 // file reads, over bodies in which each line end's scan runs on for long.
+//
+// VS_PFS_LOOKAHEAD_BODIES chooses how many random and hostile bodies are compared, over both
+// families together, and VS_PFS_LOOKAHEAD_SEED the number of the first.
 #include "bench.h"
 #include "line_readers.h"
 #include "word_lookahead.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
+#include <iostream>
 #include <ostream>
 #include <random>
+#include <vector>
 
 namespace tests {
 namespace {
@@ -34,7 +40,8 @@ struct Family {
     std::string line_ends;
     Ender determine_ender;
     int16_t (*word_length)(const std::string &body, std::size_t position);
-    std::string alphabet; // of hostile bodies
+    std::string alphabet;            // of random bodies
+    std::vector<std::string> tokens; // of hostile ones: whole characters, as the lookahead counts
 };
 
 // For the list of tests, which would show an address.
@@ -99,10 +106,19 @@ int16_t choice_word_length(const std::string &body, std::size_t position)
     return static_cast<int16_t>(length);
 }
 
-const Family write_family = {"write", "\x0D", vs_pfs::PfsDetermineEnder, write_word_length,
-                             std::string("\x80\x80\x0D\x0D\xBF\xA0 a\x0C\x0E", 10)};
-const Family choice_family = {"choice", "\x0C\x0D", vs_pfs::FcDetermineEnder, choice_word_length,
-                              std::string("\x80\x80\x40\x40\x48\x0C\x0D\xA0 a\x08\x0E\x00", 13)};
+const Family write_family = {"write",
+                             "\x0D",
+                             vs_pfs::PfsDetermineEnder,
+                             write_word_length,
+                             std::string("\x80\x80\x0D\x0D\xBF\xA0 a\x0C\x0E", 10),
+                             {"\x80\x0D", "\xBF\x0D", "a", " ", "\x80\x80", "\xFF ", "\x0D"}};
+const Family choice_family = {
+    "choice",
+    "\x0C\x0D",
+    vs_pfs::FcDetermineEnder,
+    choice_word_length,
+    std::string("\x80\x80\x40\x40\x48\x0C\x0D\xA0 a\x08\x0E\x00", 13),
+    {"\x80\x0D", "\x80@@\x0D", "\xA0@@@\x0C", "\xA0H@\x0C", "a", " ", "\xA0\x01", "\x0C"}};
 
 std::vector<std::size_t> places_after_line_ends(const std::string &body, const Family &family)
 {
@@ -154,21 +170,62 @@ std::string random_body(std::mt19937 &random, const std::string &alphabet, std::
     return body;
 }
 
+// Of a few tokens only, so that the one that would end a scan is often not among them.
+std::string hostile_body(std::mt19937 &random, std::vector<std::string> tokens, std::size_t size)
+{
+    std::shuffle(tokens.begin(), tokens.end(), random);
+    tokens.resize(1 + random() % 4);
+    std::string body;
+    while (body.size() < size) {
+        body += tokens[random() % tokens.size()];
+    }
+    return body;
+}
+
+std::string any_body(std::mt19937 &random, const Family &family)
+{
+    const std::size_t size = random() % 400;
+    if (random() % 2 == 0) {
+        return hostile_body(random, family.tokens, size);
+    }
+    // Leaving out one byte value at a time lets scans run on for longer.
+    std::string alphabet = family.alphabet;
+    alphabet.erase(random() % alphabet.size(), 1);
+    return random_body(random, alphabet, size);
+}
+
+// Mostly where the words' lengths are; else any, negative ones included.
+int16_t any_margin(std::mt19937 &random)
+{
+    return static_cast<int16_t>(random() % 8 == 0 ? random() : random() % 260);
+}
+
+unsigned long setting(const char *name, unsigned long otherwise)
+{
+    const char *value = std::getenv(name);
+    return value == nullptr ? otherwise : std::strtoul(value, nullptr, 0);
+}
+
 class WordLookahead : public ::testing::TestWithParam<const Family *> {};
 
 TEST_P(WordLookahead, AnswersRandomHostileBodiesAsThePlainScanDoes)
 {
     const Family &family = *GetParam();
-    std::mt19937 random(20240607);
-    for (int i = 0; i < 3000; ++i) {
-        // Leaving out one byte value at a time lets scans run on for longer.
-        std::string alphabet = family.alphabet;
-        alphabet.erase(random() % alphabet.size(), 1);
-        const std::string body = random_body(random, alphabet, random() % 400);
+    const unsigned long bodies = setting("VS_PFS_LOOKAHEAD_BODIES", 6000) / 2;
+    const unsigned long first = setting("VS_PFS_LOOKAHEAD_SEED", 1);
+    std::size_t line_ends = 0;
+    for (unsigned long number = first; number < first + bodies && !HasFatalFailure(); ++number) {
+        SCOPED_TRACE("body " + std::to_string(number));
+        std::mt19937 random(static_cast<unsigned>(number));
+        const std::string body = any_body(random, family);
+        const auto places = places_after_line_ends(body, family);
         const auto column = static_cast<int16_t>(random() % 40);
-        const auto margin = static_cast<int16_t>(random() % 60);
-        expect_same_answers(body, family, places_after_line_ends(body, family), column, margin);
+        expect_same_answers(body, family, places, column, any_margin(random));
+        line_ends += places.size();
     }
+    std::cout << bodies << " bodies, numbered from " << first << ", " << line_ends
+              << " line ends\n";
+    EXPECT_GT(line_ends, bodies);
 }
 
 TEST_P(WordLookahead, AnswersRightWhateverTheOrderOfPlaces)
