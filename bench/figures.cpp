@@ -1,0 +1,80 @@
+#include "figures.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace bench {
+
+namespace {
+
+enum class Bound { at_least, at_most };
+
+// Holds for every figure whose name begins with `figure`; what follows the colon says of what
+// it was measured.
+struct Goal {
+    const char *what;
+    const char *figure;
+    Bound bound;
+    double value;
+};
+
+constexpr Goal goals[] = {
+    {"module / floor, plain prose", "speed of floor, prose: ", Bound::at_least, 0.90},
+    {"module / floor, 20 % attributed, per character",
+     "speed of floor, attributed: ", Bound::at_least, 0.75},
+    {"nothing registered / registered", "silent speed-up, prose: ", Bound::at_least, 1.5},
+    {"host reads per 2048 bytes of plain prose", "reads per 2048, prose: ", Bound::at_most, 1.10},
+};
+
+bool is_reached(const Goal &goal, double value)
+{
+    return goal.bound == Bound::at_least ? value >= goal.value : value <= goal.value;
+}
+
+void print_line(const Goal &goal, const char *subject, const Spread &spread)
+{
+    std::printf("%-48s %-22s %8.3f [%.3f..%.3f] %s %-5g %s\n", goal.what, subject, spread.median,
+                spread.lower, spread.upper, goal.bound == Bound::at_least ? ">=" : "<=", goal.value,
+                is_reached(goal, spread.median) ? "reached" : "MISSED");
+}
+
+// True: it was not missed.
+bool print_goal(const Goal &goal, const Figures &figures)
+{
+    bool measured = false;
+    bool reached = true;
+    for (const auto &[name, values] : figures.values()) {
+        if (name.rfind(goal.figure, 0) == 0) {
+            const Spread spread = spread_of(values);
+            print_line(goal, name.c_str() + std::strlen(goal.figure), spread);
+            measured = true;
+            reached = reached && is_reached(goal, spread.median);
+        }
+    }
+    if (!measured) {
+        std::printf("%-48s not measured\n", goal.what);
+    }
+    return reached;
+}
+
+} // namespace
+
+void Figures::print() const
+{
+    for (const auto &[name, values] : values_) {
+        const Spread spread = spread_of(values);
+        std::printf("%-60s %12.3f [%.3f..%.3f]\n", name.c_str(), spread.median, spread.lower,
+                    spread.upper);
+    }
+}
+
+bool print_goals(const Figures &figures)
+{
+    bool reached = true;
+    for (const Goal &goal : goals) {
+        reached = print_goal(goal, figures) && reached;
+    }
+    return reached;
+}
+
+} // namespace bench

@@ -1,0 +1,64 @@
+// The benchmark: measures everything in one interleaved run, then prints every figure and
+// the goals. VS_PFS_BENCH_MB chooses the size of the large documents, VS_PFS_BENCH_ROUNDS how
+// often everything is measured; the benchmark library's own options hold as well.
+// The exit code is 1 when a goal was missed.
+#include "benchmarks.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace bench {
+
+namespace {
+
+int setting(const char *name, int otherwise)
+{
+    const char *value = std::getenv(name);
+    const int number = value == nullptr ? otherwise : std::atoi(value);
+    return number > 0 ? number : otherwise;
+}
+
+int run(int count, char **arguments)
+{
+    char interleaving[] = "--benchmark_enable_random_interleaving=true";
+    std::vector<char *> all = {arguments[0], interleaving};
+    all.insert(all.end(), arguments + 1, arguments + count);
+    int all_count = static_cast<int>(all.size());
+    all.push_back(nullptr);
+    benchmark::Initialize(&all_count, all.data());
+    if (benchmark::ReportUnrecognizedArguments(all_count, all.data())) {
+        return 2;
+    }
+    const Settings chosen = settings();
+    const Subject subject;
+    Figures figures;
+    register_reader_benchmarks(chosen, subject, figures);
+    benchmark::RunSpecifiedBenchmarks();
+    std::printf("\nMedians and quarters of %d rounds, documents of %zu MB\n\n", chosen.rounds,
+                chosen.megabytes);
+    figures.print();
+    std::printf("\n");
+    const bool reached = print_goals(figures);
+    benchmark::Shutdown();
+    return reached ? 0 : 1;
+}
+
+} // namespace
+
+Settings settings()
+{
+    Settings chosen;
+    chosen.megabytes =
+        static_cast<std::size_t>(setting("VS_PFS_BENCH_MB", static_cast<int>(chosen.megabytes)));
+    chosen.rounds = setting("VS_PFS_BENCH_ROUNDS", chosen.rounds);
+    return chosen;
+}
+
+} // namespace bench
+
+int main(int count, char **arguments)
+{
+    return bench::run(count, arguments);
+}

@@ -1,0 +1,122 @@
+// The module against the floor, for each line reader and each sort of text: to the same
+// routine, and to a host that registers nothing.
+#include "benchmarks.h"
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+namespace bench {
+
+namespace {
+
+constexpr Text texts[] = {Text::prose, Text::attributed, Text::short_lines, Text::commands};
+
+class ReaderBenchmark {
+public:
+    ReaderBenchmark(const Subject &subject, Figures &figures, const ReaderCase &reader, Text text,
+                    std::size_t size)
+        : subject_(subject), figures_(figures), reader_(reader), text_(text),
+          document_(make_document(reader.kind, text, size))
+    {
+    }
+
+    std::string name() const
+    {
+        return std::string(reader_.name) + "/" + text_name(text_);
+    }
+
+    void run(benchmark::State &state)
+    {
+        for (auto unused : state) {
+            static_cast<void>(unused);
+            state.SetIterationTime(measure());
+        }
+        state.SetBytesProcessed(static_cast<int64_t>(document_.size()));
+        state.counters["of floor"] = last_ratio_;
+    }
+
+private:
+    // The module's seconds. Each round begins with another of the three.
+    double measure()
+    {
+        AppendingHost host(document_.size());
+        Measured floor;
+        Measured module;
+        Measured silent;
+        for (int i = 0; i < 3; ++i) {
+            switch ((i + round_) % 3) {
+            case 0: floor = measure_floor(subject_, document_, host); break;
+            case 1: module = measure_module(subject_, document_, host); break;
+            default: silent = measure_silent(subject_, document_); break;
+            }
+        }
+        ++round_;
+        note(floor, module, silent);
+        return module.seconds;
+    }
+
+    void note(const Measured &floor, const Measured &module, const Measured &silent)
+    {
+        const auto size = static_cast<double>(document_.size());
+        const double per_call =
+            static_cast<double>(module.characters) / static_cast<double>(floor.characters);
+        // Where characters have attribute bytes, by the characters that are reported.
+        const bool by_characters = text_ == Text::attributed;
+        last_ratio_ = floor.seconds / module.seconds * (by_characters ? per_call : 1.0);
+        add("speed of floor", last_ratio_);
+        add("silent speed-up", module.seconds / silent.seconds);
+        add("reads per 2048",
+            static_cast<double>(module.host_reads) * VW_STREAM_BUFFER_SIZE / size);
+        add("ns per byte, floor", floor.seconds * 1e9 / size);
+        add("ns per byte, module", module.seconds * 1e9 / size);
+        add("ns per byte, silent", silent.seconds * 1e9 / size);
+    }
+
+    void add(const char *what, double value)
+    {
+        figures_.add(std::string(what) + ", " + text_name(text_) + ": " + reader_.name, value);
+    }
+
+    const Subject &subject_;
+    Figures &figures_;
+    const ReaderCase &reader_;
+    Text text_;
+    std::string document_;
+    double last_ratio_ = 0;
+    int round_ = 0;
+};
+
+} // namespace
+
+const std::vector<ReaderCase> &reader_cases()
+{
+    using pfs_builder::Kind;
+    static const std::vector<ReaderCase> cases = {
+        {"Write", Kind::write_b},
+        {"Writing Assistant", Kind::writing_assistant},
+        {"Professional Write", Kind::professional_write_2},
+        {"First Choice 2", Kind::first_choice_2},
+        {"First Choice 3", Kind::first_choice_3},
+    };
+    return cases;
+}
+
+void register_reader_benchmarks(const Settings &settings, const Subject &subject, Figures &figures)
+{
+    for (const ReaderCase &reader : reader_cases()) {
+        for (const Text text : texts) {
+            const auto one = std::make_shared<ReaderBenchmark>(subject, figures, reader, text,
+                                                               settings.megabytes * megabyte);
+            benchmark::RegisterBenchmark(one->name().c_str(),
+                                         [one](benchmark::State &state) { one->run(state); })
+                ->Iterations(1)
+                ->Repetitions(settings.rounds)
+                ->UseManualTime()
+                ->Unit(benchmark::kMillisecond)
+                ->DisplayAggregatesOnly();
+        }
+    }
+}
+
+} // namespace bench
