@@ -23,23 +23,49 @@ bool refuse_one()
 
 } // namespace
 
+// The operators new as the linker knows them: SIZE_LETTER stands for size_t in their names.
+void *real_new(std::size_t size) __asm__("__real__Znw" SIZE_LETTER);
+void *real_new_array(std::size_t size) __asm__("__real__Zna" SIZE_LETTER);
+void *real_new(std::size_t size,
+               const std::nothrow_t &tag) __asm__("__real__Znw" SIZE_LETTER "RKSt9nothrow_t");
+void *real_new_array(std::size_t size,
+                     const std::nothrow_t &tag) __asm__("__real__Zna" SIZE_LETTER "RKSt9nothrow_t");
+
+void *wrap_new(std::size_t size) __asm__("__wrap__Znw" SIZE_LETTER);
+void *wrap_new_array(std::size_t size) __asm__("__wrap__Zna" SIZE_LETTER);
+void *wrap_new(std::size_t size,
+               const std::nothrow_t &tag) __asm__("__wrap__Znw" SIZE_LETTER "RKSt9nothrow_t");
+void *wrap_new_array(std::size_t size,
+                     const std::nothrow_t &tag) __asm__("__wrap__Zna" SIZE_LETTER "RKSt9nothrow_t");
+
+void *wrap_new(std::size_t size)
+{
+    refuse_one();
+    return real_new(size);
+}
+void *wrap_new_array(std::size_t size)
+{
+    refuse_one();
+    return real_new_array(size);
+}
+void *wrap_new(std::size_t size, const std::nothrow_t &tag)
+{
+    return refuse_one() ? nullptr : real_new(size, tag);
+}
+void *wrap_new_array(std::size_t size, const std::nothrow_t &tag)
+{
+    return refuse_one() ? nullptr : real_new_array(size, tag);
+}
+
 extern "C" {
 
 void *__real_malloc(std::size_t size);
 void *__real_calloc(std::size_t count, std::size_t size);
 void *__real_realloc(void *block, std::size_t size);
-void *__real__Znwm(std::size_t size);
-void *__real__Znam(std::size_t size);
-void *__real__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t &);
-void *__real__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t &);
 
 void *__wrap_malloc(std::size_t size);
 void *__wrap_calloc(std::size_t count, std::size_t size);
 void *__wrap_realloc(void *block, std::size_t size);
-void *__wrap__Znwm(std::size_t size);
-void *__wrap__Znam(std::size_t size);
-void *__wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t &tag);
-void *__wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t &tag);
 
 void *__wrap_malloc(std::size_t size)
 {
@@ -52,24 +78,6 @@ void *__wrap_calloc(std::size_t count, std::size_t size)
 void *__wrap_realloc(void *block, std::size_t size)
 {
     return refuse_one() ? nullptr : __real_realloc(block, size);
-}
-void *__wrap__Znwm(std::size_t size)
-{
-    refuse_one();
-    return __real__Znwm(size);
-}
-void *__wrap__Znam(std::size_t size)
-{
-    refuse_one();
-    return __real__Znam(size);
-}
-void *__wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t &tag)
-{
-    return refuse_one() ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
-}
-void *__wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t &tag)
-{
-    return refuse_one() ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
 }
 
 } // extern "C"
@@ -144,6 +152,14 @@ TEST(NoMemory, GivesNoBlock)
 {
     const NoMemory no_memory;
     EXPECT_EQ(SUAlloc(16), nullptr);
+}
+
+TEST(NoMemory, GivesNoStreamAndLeavesTheFileOpen)
+{
+    MemoryBlockFile file("abc");
+    const NoMemory no_memory;
+    EXPECT_EQ(VwBlockToChar(&file), nullptr);
+    EXPECT_EQ(file.closes, 0U);
 }
 
 TEST(NoMemory, GivesNoStreamButDummiesInEverySlot)

@@ -3,9 +3,18 @@
  *   load_test MODULE */
 #include "vs_pfs.h"
 
-#include <dlfcn.h>
 #include <stdio.h>
 #include <string.h>
+
+#ifdef _WIN32
+#include <windows.h>
+#define dlopen(path, flags) ((void *)LoadLibraryA(path))
+#define dlsym(module, name) ((void *)GetProcAddress((HMODULE)(module), name))
+#define dlclose(module) (!FreeLibrary((HMODULE)(module)))
+#define dlerror() "the system refuses it"
+#else
+#include <dlfcn.h>
+#endif
 
 typedef void (*GetRtns)(VwRoutine *table, uint32_t interfaceVersion);
 typedef int32_t (*GetInfo)(void *result, uint32_t query, VwInstance *instance);

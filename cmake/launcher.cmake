@@ -1,0 +1,15 @@
+# vs_pfs_launcher(TARGET VARIABLE): sets VARIABLE to the path of what starts the program
+# TARGET: the program itself, or for another machine's program a script that gives it to the
+# emulator. For tests that start it by its path.
+function(vs_pfs_launcher target variable)
+    if(NOT CMAKE_CROSSCOMPILING_EMULATOR)
+        set(${variable} "$<TARGET_FILE:${target}>" PARENT_SCOPE)
+        return()
+    endif()
+    set(script ${PROJECT_BINARY_DIR}/bin/${target}.sh)
+    list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
+    file(GENERATE OUTPUT ${script}
+        CONTENT "#!/bin/sh\nexec ${emulator} '$<TARGET_FILE:${target}>' \"$@\"\n"
+        FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+    set(${variable} ${script} PARENT_SCOPE)
+endfunction()
