@@ -1,7 +1,8 @@
 # A thin face over CMakePresets.json and scripts/.
 # demo:  installs what is missing, builds, shows one sample of each kind as text
 # check: installs what is missing, builds, passes all tests, again under sanitizers
-.PHONY: demo check lint coverage clean
+# bench: installs what is missing, builds, measures, prints what was reached of each goal
+.PHONY: demo check bench lint coverage clean
 
 demo:
 	@scripts/install-dependencies
@@ -10,6 +11,10 @@ demo:
 check:
 	@scripts/install-dependencies
 	@scripts/check
+
+bench:
+	@scripts/install-dependencies libbenchmark-dev valgrind catdoc antiword cmark libwpd-tools
+	@scripts/bench
 
 lint:
 	@scripts/lint

@@ -1,9 +1,9 @@
 // The groups of measurements. Each registers its benchmarks; what they measure goes into the
-// figures, beside what the benchmark library prints.
+// figures.
 //
-// A benchmark is one iteration that measures things to be compared right after one another;
-// the library repeats all of them in random order. So a ratio is of two figures of the same
-// moment, and what else the machine does falls on all alike.
+// A benchmark's round measures things to be compared right after one another, and the
+// benchmark library runs the rounds of all of them in random order. So a ratio is of figures
+// of the same moment, and what else the machine does falls on all alike.
 #pragma once
 
 #include "documents.h"
@@ -11,6 +11,11 @@
 #include "subject.h"
 
 #include <cstddef>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace bench {
 
@@ -29,6 +34,47 @@ struct ReaderCase {
 };
 const std::vector<ReaderCase> &reader_cases();
 
-void register_reader_benchmarks(const Settings &settings, const Subject &subject, Figures &figures);
+// The large documents, each made once.
+class Documents {
+public:
+    explicit Documents(std::size_t size) : size_(size) {}
+
+    const std::string &get(pfs_builder::Kind kind, Text text)
+    {
+        std::string &document = documents_[{kind, text}];
+        if (document.empty()) {
+            document = make_document(kind, text, size_);
+        }
+        return document;
+    }
+
+private:
+    std::size_t size_;
+    std::map<std::pair<pfs_builder::Kind, Text>, std::string> documents_;
+};
+
+// What a benchmark needs, and must outlive it.
+struct Scene {
+    Settings settings;
+    const Subject &subject;
+    Documents &documents;
+    Figures &figures;
+};
+
+// A round returns the seconds that are shown for it.
+void register_rounds(const std::string &name, int rounds, std::function<double()> round);
+
+// The readers against the floor (reader_benchmarks.cpp), and at sizes from 1/64 of the
+// setting's to four times as much (size_benchmarks.cpp).
+void register_reader_benchmarks(const Scene &scene);
+void register_size_benchmarks(const Scene &scene);
+// Opening, and whole letters (letter_benchmarks.cpp).
+void register_letter_benchmarks(const Scene &scene);
+// Going on at saved places (resume_benchmarks.cpp).
+void register_resume_benchmarks(const Scene &scene);
+// Text by the reference host, in process (host_benchmarks.cpp).
+void register_host_benchmarks(const Scene &scene);
+// And by its command, beside other commands (command_benchmarks.cpp).
+void register_command_benchmarks(const Scene &scene);
 
 } // namespace bench

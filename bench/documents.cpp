@@ -18,7 +18,7 @@ using pfs_builder::Margins;
 using pfs_builder::Paragraph;
 using pfs_builder::Style;
 
-constexpr std::size_t largest_piece = std::size_t{1} << 20;
+constexpr std::size_t largest_plain_piece = std::size_t{1} << 20;
 constexpr Margins page_margins = {10, 70};
 constexpr Margins narrow_margins = {10, 39};
 // Of the words. Spaces and full stops are never styled, so it makes 20 % of the characters.
@@ -159,27 +159,35 @@ Frame frame_of(Kind kind, Margins margins)
     return {file.substr(0, file.size() - tail.size()), tail};
 }
 
-std::string make_document(Kind kind, Text text, std::size_t size)
+DocumentMaker::DocumentMaker(Kind kind, Text text, std::size_t piece_size)
+    : frame_(frame_of(kind, margins_of(text)))
 {
-    const Margins margins = margins_of(text);
-    const Frame frame = frame_of(kind, margins);
-    Document document = empty_document(kind, margins);
+    Document document = empty_document(kind, margins_of(text));
     Writer writer(text);
-    const std::size_t wanted = std::min(size, largest_piece);
+    const std::size_t wanted = std::min(piece_size, largest_piece);
     for (std::size_t characters = 0; characters < wanted;) {
         document.body.emplace_back(writer.paragraph());
         characters += std::get<Paragraph>(document.body.back()).cells.size();
     }
-    const std::string file = file_of(document);
-    const std::string piece =
-        file.substr(frame.head.size(), file.size() - frame.head.size() - frame.tail.size());
-    std::string repeated;
-    repeated.reserve(size + piece.size() + frame.head.size() + frame.tail.size());
-    repeated = frame.head;
-    while (repeated.size() + frame.tail.size() < size) {
-        repeated += piece;
+    piece_ = file_of(document);
+    piece_.erase(0, frame_.head.size());
+    piece_.resize(piece_.size() - frame_.tail.size());
+}
+
+std::string DocumentMaker::make(std::size_t size) const
+{
+    std::string document;
+    document.reserve(size + piece_.size() + frame_.head.size() + frame_.tail.size());
+    document = frame_.head;
+    while (document.size() + frame_.tail.size() < size) {
+        document += piece_;
     }
-    return repeated + frame.tail;
+    return document + frame_.tail;
+}
+
+std::string make_document(Kind kind, Text text, std::size_t size)
+{
+    return DocumentMaker(kind, text, size).make(size);
 }
 
 std::string make_letter(Kind kind)
@@ -199,7 +207,7 @@ std::string make_plain_prose(std::size_t size)
 {
     Writer writer(Text::prose);
     std::string piece;
-    const std::size_t wanted = std::min(size, largest_piece);
+    const std::size_t wanted = std::min(size, largest_plain_piece);
     while (piece.size() < wanted) {
         for (const Cell &cell : writer.paragraph().cells) {
             piece += cell.bytes;

@@ -28,7 +28,22 @@ struct Frame {
 };
 Frame frame_of(pfs_builder::Kind kind, pfs_builder::Margins margins = {});
 
-// A document of at least `size` bytes, and at most a piece more.
+// Makes documents of one kind and text, the shorter ones being beginnings of the longer.
+class DocumentMaker {
+public:
+    // `piece_size` is for documents that are smaller than a piece.
+    DocumentMaker(pfs_builder::Kind kind, Text text, std::size_t piece_size = largest_piece);
+
+    // A document of at least `size` bytes, and at most a piece more.
+    std::string make(std::size_t size) const;
+
+private:
+    static constexpr std::size_t largest_piece = std::size_t{1} << 20;
+
+    Frame frame_;
+    std::string piece_;
+};
+
 std::string make_document(pfs_builder::Kind kind, Text text, std::size_t size);
 
 // A letter of a few paragraphs with a header line, about 2 KB of text.

@@ -24,6 +24,12 @@ constexpr Goal goals[] = {
      "speed of floor, attributed: ", Bound::at_least, 0.75},
     {"nothing registered / registered", "silent speed-up, prose: ", Bound::at_least, 1.5},
     {"host reads per 2048 bytes of plain prose", "reads per 2048, prose: ", Bound::at_most, 1.10},
+    {"host reads of one resume, the most", "resume, host reads, most: ", Bound::at_most, 2},
+    {"resume in the last quarter / in the first",
+     "resume, last quarter / first quarter: ", Bound::at_most, 1.15},
+    {"text in process / module", "text in process / module: ", Bound::at_least, 0.50},
+    {"allocations while reading", "allocations while reading: ", Bound::at_most, 0},
+    {"time per byte, largest / smallest over sizes", "growth over sizes: ", Bound::at_most, 1.10},
 };
 
 bool is_reached(const Goal &goal, double value)

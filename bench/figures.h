@@ -15,6 +15,11 @@ public:
     {
         values_[name].push_back(value);
     }
+    // For a figure that is worked out of others anew each time.
+    void set(const std::string &name, double value)
+    {
+        values_[name] = {value};
+    }
     // Every figure, with its median and the quarters around it.
     void print() const;
     const std::map<std::string, std::vector<double>> &values() const

@@ -6,12 +6,28 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 
 namespace bench {
 
 namespace {
+
+// Of what was repeated, only the median.
+class MedianReporter : public benchmark::ConsoleReporter {
+public:
+    MedianReporter() : ConsoleReporter(OO_None) {}
+
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        std::vector<Run> medians;
+        std::copy_if(runs.begin(), runs.end(), std::back_inserter(medians),
+                     [](const Run &run) { return run.aggregate_name == "median"; });
+        ConsoleReporter::ReportRuns(medians);
+    }
+};
 
 int setting(const char *name, int otherwise)
 {
@@ -34,18 +50,41 @@ int run(int count, char **arguments)
     const Settings chosen = settings();
     const Subject subject;
     Figures figures;
-    register_reader_benchmarks(chosen, subject, figures);
-    benchmark::RunSpecifiedBenchmarks();
+    Documents documents(chosen.megabytes * megabyte);
+    const Scene scene = {chosen, subject, documents, figures};
+    register_reader_benchmarks(scene);
+    register_size_benchmarks(scene);
+    register_letter_benchmarks(scene);
+    register_resume_benchmarks(scene);
+    register_host_benchmarks(scene);
+    MedianReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
     std::printf("\nMedians and quarters of %d rounds, documents of %zu MB\n\n", chosen.rounds,
                 chosen.megabytes);
     figures.print();
     std::printf("\n");
     const bool reached = print_goals(figures);
+    benchmark::ClearRegisteredBenchmarks(); // before what they refer to is gone
     benchmark::Shutdown();
     return reached ? 0 : 1;
 }
 
 } // namespace
+
+void register_rounds(const std::string &name, int rounds, std::function<double()> round)
+{
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [round](benchmark::State &state) {
+                                     for (auto unused : state) {
+                                         static_cast<void>(unused);
+                                         state.SetIterationTime(round());
+                                     }
+                                 })
+        ->Iterations(1)
+        ->Repetitions(rounds)
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond);
+}
 
 Settings settings()
 {

@@ -2,8 +2,6 @@
 // routine, and to a host that registers nothing.
 #include "benchmarks.h"
 
-#include <benchmark/benchmark.h>
-
 #include <memory>
 
 namespace bench {
@@ -14,29 +12,12 @@ constexpr Text texts[] = {Text::prose, Text::attributed, Text::short_lines, Text
 
 class ReaderBenchmark {
 public:
-    ReaderBenchmark(const Subject &subject, Figures &figures, const ReaderCase &reader, Text text,
-                    std::size_t size)
-        : subject_(subject), figures_(figures), reader_(reader), text_(text),
-          document_(make_document(reader.kind, text, size))
+    ReaderBenchmark(const Scene &scene, const ReaderCase &reader, Text text)
+        : scene_(scene), reader_(reader), text_(text),
+          document_(scene.documents.get(reader.kind, text))
     {
     }
 
-    std::string name() const
-    {
-        return std::string(reader_.name) + "/" + text_name(text_);
-    }
-
-    void run(benchmark::State &state)
-    {
-        for (auto unused : state) {
-            static_cast<void>(unused);
-            state.SetIterationTime(measure());
-        }
-        state.SetBytesProcessed(static_cast<int64_t>(document_.size()));
-        state.counters["of floor"] = last_ratio_;
-    }
-
-private:
     // The module's seconds. Each round begins with another of the three.
     double measure()
     {
@@ -46,9 +27,9 @@ private:
         Measured silent;
         for (int i = 0; i < 3; ++i) {
             switch ((i + round_) % 3) {
-            case 0: floor = measure_floor(subject_, document_, host); break;
-            case 1: module = measure_module(subject_, document_, host); break;
-            default: silent = measure_silent(subject_, document_); break;
+            case 0: floor = measure_floor(scene_.subject, document_, host); break;
+            case 1: module = measure_module(scene_.subject, document_, host); break;
+            default: silent = measure_silent(scene_.subject, document_); break;
             }
         }
         ++round_;
@@ -56,6 +37,7 @@ private:
         return module.seconds;
     }
 
+private:
     void note(const Measured &floor, const Measured &module, const Measured &silent)
     {
         const auto size = static_cast<double>(document_.size());
@@ -63,11 +45,12 @@ private:
             static_cast<double>(module.characters) / static_cast<double>(floor.characters);
         // Where characters have attribute bytes, by the characters that are reported.
         const bool by_characters = text_ == Text::attributed;
-        last_ratio_ = floor.seconds / module.seconds * (by_characters ? per_call : 1.0);
-        add("speed of floor", last_ratio_);
+        add("speed of floor", floor.seconds / module.seconds * (by_characters ? per_call : 1.0));
         add("silent speed-up", module.seconds / silent.seconds);
         add("reads per 2048",
             static_cast<double>(module.host_reads) * VW_STREAM_BUFFER_SIZE / size);
+        scene_.figures.add(std::string("allocations while reading: ") + reader_.name,
+                           static_cast<double>(module.allocations + silent.allocations));
         add("ns per byte, floor", floor.seconds * 1e9 / size);
         add("ns per byte, module", module.seconds * 1e9 / size);
         add("ns per byte, silent", silent.seconds * 1e9 / size);
@@ -75,15 +58,14 @@ private:
 
     void add(const char *what, double value)
     {
-        figures_.add(std::string(what) + ", " + text_name(text_) + ": " + reader_.name, value);
+        scene_.figures.add(std::string(what) + ", " + text_name(text_) + ": " + reader_.name,
+                           value);
     }
 
-    const Subject &subject_;
-    Figures &figures_;
+    const Scene &scene_;
     const ReaderCase &reader_;
     Text text_;
-    std::string document_;
-    double last_ratio_ = 0;
+    const std::string &document_;
     int round_ = 0;
 };
 
@@ -102,19 +84,13 @@ const std::vector<ReaderCase> &reader_cases()
     return cases;
 }
 
-void register_reader_benchmarks(const Settings &settings, const Subject &subject, Figures &figures)
+void register_reader_benchmarks(const Scene &scene)
 {
     for (const ReaderCase &reader : reader_cases()) {
         for (const Text text : texts) {
-            const auto one = std::make_shared<ReaderBenchmark>(subject, figures, reader, text,
-                                                               settings.megabytes * megabyte);
-            benchmark::RegisterBenchmark(one->name().c_str(),
-                                         [one](benchmark::State &state) { one->run(state); })
-                ->Iterations(1)
-                ->Repetitions(settings.rounds)
-                ->UseManualTime()
-                ->Unit(benchmark::kMillisecond)
-                ->DisplayAggregatesOnly();
+            const auto one = std::make_shared<ReaderBenchmark>(scene, reader, text);
+            register_rounds(std::string(reader.name) + "/" + text_name(text), scene.settings.rounds,
+                            [one] { return one->measure(); });
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "subject.h"
 
+#include "allocation_count.h"
 #include "statistics.h"
 
 #include <climits>
@@ -71,6 +72,28 @@ int32_t on_break(int32_t code, int32_t, uint32_t low, uint32_t high)
     return host.stops_at_paragraphs ? 1 : 0;
 }
 
+// From its making to its end.
+class Measurement {
+public:
+    explicit Measurement(const MemoryFile &file)
+        : file_(file), reads_(file.reads), allocations_(allocation_count()),
+          begin_(thread_seconds())
+    {
+    }
+
+    Measured end(std::size_t characters) const
+    {
+        const double seconds = thread_seconds() - begin_;
+        return {seconds, characters, file_.reads - reads_, allocation_count() - allocations_};
+    }
+
+private:
+    const MemoryFile &file_;
+    uint64_t reads_;
+    uint64_t allocations_;
+    double begin_;
+};
+
 uint32_t position_of(const Reading &reading)
 {
     uint32_t position = 0;
@@ -131,9 +154,9 @@ Measured measure_floor(const Subject &subject, std::string_view document, Append
     table.user1 = static_cast<uint32_t>(address);
     table.user2 = static_cast<uint32_t>(address >> 32);
     host.rewind();
-    const double begin = thread_seconds();
+    const Measurement measurement(file);
     subject.read_floor(reading.stream, table);
-    return {thread_seconds() - begin, host.characters(), file.reads};
+    return measurement.end(host.characters());
 }
 
 Measured measure_module(const Subject &subject, std::string_view document, AppendingHost &host)
@@ -143,10 +166,9 @@ Measured measure_module(const Subject &subject, std::string_view document, Appen
     host.register_with(reading);
     reading.open();
     host.rewind();
-    const uint64_t reads_before = file.reads;
-    const double begin = thread_seconds();
+    const Measurement measurement(file);
     reading.entries.stream_read(reading.stream, reading.instance);
-    return {thread_seconds() - begin, host.characters(), file.reads - reads_before};
+    return measurement.end(host.characters());
 }
 
 Measured measure_silent(const Subject &subject, std::string_view document)
@@ -154,14 +176,13 @@ Measured measure_silent(const Subject &subject, std::string_view document)
     MemoryFile file(document);
     Reading reading(subject.entries(), file, nullptr);
     reading.open();
-    const uint64_t reads_before = file.reads;
-    const double begin = thread_seconds();
+    const Measurement measurement(file);
     // Unregistered, routine 13 answers each paragraph end with 1, and nothing tells of the
     // document's end but the position.
     while (position_of(reading) < document.size()) {
         reading.entries.stream_read(reading.stream, reading.instance);
     }
-    return {thread_seconds() - begin, 0, file.reads - reads_before};
+    return measurement.end(0);
 }
 
 } // namespace bench

@@ -73,6 +73,7 @@ struct Measured {
     double seconds = 0;
     std::size_t characters = 0;
     uint64_t host_reads = 0;
+    uint64_t allocations = 0;
 };
 
 Measured measure_floor(const Subject &subject, std::string_view document, AppendingHost &host);
