@@ -203,23 +203,23 @@ std::string make_letter(Kind kind)
     return file_of(document);
 }
 
-std::string make_plain_prose(std::size_t size)
+std::vector<std::string> make_plain_prose(std::size_t size)
 {
     Writer writer(Text::prose);
-    std::string piece;
-    const std::size_t wanted = std::min(size, largest_plain_piece);
-    while (piece.size() < wanted) {
+    std::vector<std::string> piece;
+    std::size_t characters = 0;
+    while (characters < std::min(size, largest_plain_piece)) {
+        std::string &paragraph = piece.emplace_back();
         for (const Cell &cell : writer.paragraph().cells) {
-            piece += cell.bytes;
+            paragraph += cell.bytes;
         }
-        piece += '\n';
+        characters += paragraph.size();
     }
-    std::string text;
-    text.reserve(size + piece.size());
-    while (text.size() < size) {
-        text += piece;
+    std::vector<std::string> prose;
+    for (std::size_t made = 0; made < size; made += characters) {
+        prose.insert(prose.end(), piece.begin(), piece.end());
     }
-    return text;
+    return prose;
 }
 
 } // namespace bench

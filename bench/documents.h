@@ -7,9 +7,11 @@
 
 #include "builder/build.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace bench {
 
@@ -19,6 +21,8 @@ enum class Text {
     short_lines, // 30 columns
     commands     // one after every few words
 };
+inline constexpr std::array<Text, 4> texts = {Text::prose, Text::attributed, Text::short_lines,
+                                              Text::commands};
 const char *text_name(Text text);
 
 // What stands around the text of a document.
@@ -49,8 +53,7 @@ std::string make_document(pfs_builder::Kind kind, Text text, std::size_t size);
 // A letter of a few paragraphs with a header line, about 2 KB of text.
 std::string make_letter(pfs_builder::Kind kind);
 
-// The same words as the prose of a document of that size, as lines without line breaks:
-// one for each paragraph, until there are at least `size` bytes.
-std::string make_plain_prose(std::size_t size);
+// The paragraphs of a prose document of about that size, each as one line.
+std::vector<std::string> make_plain_prose(std::size_t size);
 
 } // namespace bench

@@ -6,26 +6,31 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <iterator>
 
 namespace bench {
 
 namespace {
 
-// Of what was repeated, only the median.
+// One line for each benchmark: its median round.
 class MedianReporter : public benchmark::ConsoleReporter {
 public:
     MedianReporter() : ConsoleReporter(OO_None) {}
 
     void ReportRuns(const std::vector<Run> &runs) override
     {
-        std::vector<Run> medians;
-        std::copy_if(runs.begin(), runs.end(), std::back_inserter(medians),
-                     [](const Run &run) { return run.aggregate_name == "median"; });
-        ConsoleReporter::ReportRuns(medians);
+        std::vector<double> seconds;
+        for (const Run &run : runs) {
+            if (run.run_type == Run::RT_Iteration) {
+                seconds.push_back(run.real_accumulated_time);
+            }
+        }
+        if (!seconds.empty()) {
+            std::printf("%-50s %10.1f ms\n", runs.front().run_name.function_name.c_str(),
+                        median(seconds) * 1e3);
+            std::fflush(stdout);
+        }
     }
 };
 
@@ -57,7 +62,9 @@ int run(int count, char **arguments)
     register_letter_benchmarks(scene);
     register_resume_benchmarks(scene);
     register_host_benchmarks(scene);
+    register_command_benchmarks(scene);
     MedianReporter reporter;
+    std::printf("Rounds of what is measured:\n\n");
     benchmark::RunSpecifiedBenchmarks(&reporter);
     std::printf("\nMedians and quarters of %d rounds, documents of %zu MB\n\n", chosen.rounds,
                 chosen.megabytes);

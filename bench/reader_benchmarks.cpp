@@ -8,8 +8,6 @@ namespace bench {
 
 namespace {
 
-constexpr Text texts[] = {Text::prose, Text::attributed, Text::short_lines, Text::commands};
-
 class ReaderBenchmark {
 public:
     ReaderBenchmark(const Scene &scene, const ReaderCase &reader, Text text)
@@ -70,19 +68,6 @@ private:
 };
 
 } // namespace
-
-const std::vector<ReaderCase> &reader_cases()
-{
-    using pfs_builder::Kind;
-    static const std::vector<ReaderCase> cases = {
-        {"Write", Kind::write_b},
-        {"Writing Assistant", Kind::writing_assistant},
-        {"Professional Write", Kind::professional_write_2},
-        {"First Choice 2", Kind::first_choice_2},
-        {"First Choice 3", Kind::first_choice_3},
-    };
-    return cases;
-}
 
 void register_reader_benchmarks(const Scene &scene)
 {

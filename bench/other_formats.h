@@ -1,0 +1,18 @@
+// The prose of a document in the formats that other commands read.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace bench {
+
+// Each paragraph is one string without line breaks.
+using Paragraphs = std::vector<std::string>;
+
+std::string rich_text(const Paragraphs &paragraphs);
+// WordPerfect 5.1: lines wrapped as its own, which end in soft returns.
+std::string word_perfect(const Paragraphs &paragraphs);
+// An empty line after each paragraph.
+std::string markdown(const Paragraphs &paragraphs);
+
+} // namespace bench
