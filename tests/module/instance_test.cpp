@@ -25,6 +25,9 @@ TEST(SavedStateLayout, HoldsTheFieldsInTheirOrder)
     EXPECT_LT(offsetof(SavedState, fontValue), offsetof(SavedState, tabPos));
     EXPECT_LT(offsetof(SavedState, tabPos), offsetof(SavedState, tabKind));
     EXPECT_EQ(sizeof(SavedState), 328U);
+    EXPECT_EQ(sizeof(FilterState::hfTextPos), 4U * 4U);
+    EXPECT_EQ(sizeof(FilterState::hfLength), 4U * 2U);
+    EXPECT_EQ(sizeof(FilterState::hfMargins), 4U * 2U);
     EXPECT_EQ(sizeof(FilterState), 380U);
 }
 

@@ -341,5 +341,17 @@ TEST(WordLookaheadFaults, ScansAgainWhereTheRememberedWordIsGone)
     EXPECT_FALSE(module_says_hard(bench, write_family, 3003, 1));
 }
 
+// The remembered scan is followed from its own beginning, the fresh one starts at the place.
+TEST(WordLookaheadFaults, ScansAgainFromThePlaceThatIsAskedAbout)
+{
+    Bench bench(endless_word(write_family, 2000));
+    bench.saved().rightMargin = 60;
+    EXPECT_FALSE(module_says_hard(bench, write_family, 3, 1));
+    bench.file.bytes = std::string(2900, '\x0E') + std::string(3100, 'a');
+    VwCharSeek(bench.stream, 5500, 0); // so that the changed bytes are read
+    VwCharGet(bench.stream);
+    EXPECT_FALSE(module_says_hard(bench, write_family, 3000, 1));
+}
+
 } // namespace
 } // namespace tests

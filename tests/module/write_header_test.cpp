@@ -109,9 +109,9 @@ TEST_F(WriteHeader, TheExtraMarginsStartAsTheMargins)
 
 TEST_F(WriteHeader, FormatFiveReadsTheExtraMargins)
 {
-    header(5, {{963, std::string("\x05\x46\x00\x48", 4)}});
+    header(5, {{963, std::string("\x05\x41\x00\x48", 4)}});
     EXPECT_EQ(bench->state().hfMargins[0], 4) << "first left";
-    EXPECT_EQ(bench->state().hfMargins[2], 69) << "first right";
+    EXPECT_EQ(bench->state().hfMargins[2], 64) << "first right";
     EXPECT_EQ(bench->state().hfMargins[1], 0xFFFF) << "second left";
     EXPECT_EQ(bench->state().hfMargins[3], 71) << "second right";
 }
@@ -122,6 +122,18 @@ TEST_F(WriteHeader, RulerKindsAreOrdinaryDecimalOrNone)
     EXPECT_EQ(stops_of(bench->saved()), "5 12. 77");
     EXPECT_EQ(kinds_of(bench->saved()), (std::vector<uint8_t>{0, 0x2E, 0}));
     EXPECT_EQ(bench->saved().tabPos[3], 0xFFFF);
+}
+
+// The columns are put into the table before the merge, which writes over its beginning only; a
+// host that saves the state sees the rest.
+TEST_F(WriteHeader, BehindTheTerminatorTheRulersColumnsStay)
+{
+    header(2,
+           {{16, "\x0F"}, {172, word(5)}, {172 + 2 * 2, word(0x1234)}, {172 + 2 * 77, word(-2)}});
+    EXPECT_EQ(stops_of(bench->saved()), "5");
+    EXPECT_EQ(bench->saved().tabPos[2], 0x1234);
+    EXPECT_EQ(bench->saved().tabPos[77], 0xFFFE);
+    EXPECT_EQ(bench->saved().tabPos[78], tab_table_end);
 }
 
 TEST_F(WriteHeader, ARulerOfOtherBytesIsEmpty)
