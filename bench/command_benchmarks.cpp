@@ -46,10 +46,12 @@ struct Other {
     const char *extension;
     std::string (*convert)(const Paragraphs &paragraphs);
     bool is_compared; // reads a word processor's documents, as pfsdoc does
+    std::size_t most_bytes = std::string::npos;
 };
 constexpr Other others[] = {
     {"catdoc", ".rtf", rich_text, true},
     {"wpd2text", ".wpd", word_perfect, true},
+    {"antiword", ".doc", word_for_dos, true, word_for_dos_limit},
     {"cmark", ".md", markdown, false},
     {"cat", ".md", markdown, false},
 };
@@ -68,7 +70,7 @@ public:
         }
         const Paragraphs paragraphs = make_plain_prose(bytes);
         for (const Other &other : others) {
-            if (is_installed(other.name)) {
+            if (is_installed(other.name) && bytes < other.most_bytes) {
                 const std::string file = directory.write(std::string(size.name) + other.extension,
                                                          other.convert(paragraphs));
                 others_.push_back({&other, {other.name, file}});
@@ -161,10 +163,13 @@ public:
         const std::string letter = make_letter(pfs_builder::Kind::first_choice_3);
         commands_.push_back({"pfsdoc", pfsdoc_text(directory_.write("letter", letter))});
         commands_.push_back({"true", {"/bin/true"}});
-        if (is_installed("catdoc")) {
-            const Paragraphs paragraphs = make_plain_prose(letter.size());
-            commands_.push_back(
-                {"catdoc", {"catdoc", directory_.write("letter.rtf", rich_text(paragraphs))}});
+        const Paragraphs paragraphs = make_plain_prose(letter.size());
+        for (const Other &other : others) {
+            if (other.is_compared && is_installed(other.name)) {
+                const std::string file = directory_.write(std::string("letter") + other.extension,
+                                                          other.convert(paragraphs));
+                commands_.push_back({other.name, {other.name, file}});
+            }
         }
     }
 
