@@ -188,4 +188,13 @@ TEST_F(ChoiceHeader, MissingLengthsMarkNoLine)
     EXPECT_EQ(bench->state().headerAttrs, 0);
 }
 
+TEST_F(ChoiceHeader, ReadAgainItHoldsTheSameStops)
+{
+    header('3', {{ruler_offset, "\x05"}});
+    EXPECT_EQ(stops(), "0 2");
+    VwCharSeek(bench->stream, 0, 0);
+    PfsChoiceHeaderInfo(bench->instance);
+    EXPECT_EQ(stops(), "0 2");
+}
+
 } // namespace

@@ -254,6 +254,14 @@ TEST(ChoiceLineReader, LeadingSpacesHaveSixteenBits)
     EXPECT_TRUE(matches(text("' 'x40000 'a' 0C 0E"), "'a' | " + single_end + "13 1 0 | 13 2 0"));
 }
 
+// A number of spaces that has become negative is no indent, nor part of the next paragraph's.
+TEST(ChoiceLineReader, SpacesThatWrappedAreNotCarriedOver)
+{
+    EXPECT_TRUE(matches(text("' 'x40000 'a' 0C '  b' 0C 0E"),
+                        "'a' | " + single_end + "13 1 0 | 'b' | " + single_end +
+                            "7 288 0 288 | 13 1 0 | 7 0 0 0 | 13 2 0"));
+}
+
 // ---------------------------------------------------------------- the lookahead
 
 bool ends_hard(int16_t column, std::string_view next, uint16_t right = 60)

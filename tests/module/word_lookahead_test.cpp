@@ -293,6 +293,18 @@ TEST_P(WordLookahead, CostsThreeReadsOfEachBlockHoweverLongTheWord)
     EXPECT_LE(bench.file.reads, 3 * once + 10);
 }
 
+TEST_P(WordLookahead, AskedAgainAtTheSamePlaceItReadsNoFurther)
+{
+    const Family &family = *GetParam();
+    Bench bench(endless_word(family, 10000));
+    bench.saved().rightMargin = 60;
+    EXPECT_FALSE(module_says_hard(bench, family, 3, 1));
+    const unsigned reads = bench.file.reads;
+    EXPECT_GT(reads, 10U);
+    EXPECT_FALSE(module_says_hard(bench, family, 3, 1));
+    EXPECT_EQ(bench.file.reads, reads);
+}
+
 TEST_P(WordLookahead, ForgetsItsScanWhenADocumentIsOpened)
 {
     const Family &family = *GetParam();

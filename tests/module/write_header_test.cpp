@@ -107,6 +107,18 @@ TEST_F(WriteHeader, TheExtraMarginsStartAsTheMargins)
     }
 }
 
+TEST_F(WriteHeader, WhatAFormatDoesNotStoreIsReset)
+{
+    using namespace std::string_literals;
+    header(5, {{828, "\x01\x00\x02"s}});
+    EXPECT_EQ(bench->state().headerAttrs, 1);
+    EXPECT_EQ(bench->state().footerAttrs, 2);
+    bench->state().formatType = 2;
+    PfsWriteHeaderInfo(bench->instance);
+    EXPECT_EQ(bench->state().headerAttrs, 0);
+    EXPECT_EQ(bench->state().footerAttrs, 0);
+}
+
 TEST_F(WriteHeader, FormatFiveReadsTheExtraMargins)
 {
     header(5, {{963, std::string("\x05\x41\x00\x48", 4)}});
