@@ -197,11 +197,14 @@ class Worker:
                 if OBJECTS in str(path) and path.read_bytes() != content]
 
     def restore_objects(self):
-        """Puts back what was compiled, no newer than ninja knows it, so that nothing is built
-        again for the source that has been put back."""
+        """Puts back what was compiled, no newer than ninja knows it, so that nothing is compiled
+        again for the source that has been put back. What was linked from the change is newer
+        than that, and would stay if it were not removed."""
         for path, (content, built) in self.objects.items():
             now = path.stat().st_mtime_ns if path.exists() else built
             if now != built or not path.exists():
                 path.write_bytes(content)
                 os.utime(path, ns=(now, now))
                 self.objects[path] = (content, now)
+        for path in (self.build / "vs_pfs").glob("libvs_pfs*"):
+            path.unlink()
