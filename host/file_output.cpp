@@ -55,7 +55,8 @@ struct Opened {
 // A new file in the target's directory. Its short name fits wherever the target's does.
 Opened open_beside(const std::string &target)
 {
-    const std::string directory = target.substr(0, target.rfind('/') + 1);
+    const std::size_t slash = target.rfind('/');
+    const std::string directory = slash == std::string::npos ? "" : target.substr(0, slash + 1);
     const std::string stem = directory + ".pfsdoc-" + std::to_string(::getpid()) + "-";
     for (int attempt = 0; attempt < temporary_name_attempts; ++attempt) {
         const std::string path = stem + std::to_string(attempt);

@@ -96,7 +96,9 @@ int32_t VwCharSeek(VwCharStream *stream, uint32_t position, int32_t origin)
 {
     VwBlockFile *file = stream->blockFile;
     switch (static_cast<int16_t>(origin)) {
-    case seek_relative: position += VwCharTell(stream); break;
+    case seek_relative: // wraps
+        position = static_cast<uint32_t>(uint64_t{position} + VwCharTell(stream));
+        break;
     case seek_from_end:
         if (!resolve_from_end(file, &position)) {
             return -1;
@@ -115,7 +117,9 @@ int32_t VwCharSeek(VwCharStream *stream, uint32_t position, int32_t origin)
 
 uint32_t VwCharTell(VwCharStream *stream)
 {
-    return stream->bufferBase + stream->bufferLength - static_cast<uint32_t>(stream->remaining);
+    // Wraps behind the last position that there is.
+    return static_cast<uint32_t>(int64_t{stream->bufferBase} + stream->bufferLength -
+                                 stream->remaining);
 }
 
 } // extern "C"

@@ -40,7 +40,7 @@ LineKind read_header_chain(VwCharStream *stream, int32_t first)
     uint16_t length = 1; // wraps in a chain of 65536 bytes and more
     while ((last & header_more) != 0) {
         last = VwCharGet(stream);
-        ++length;
+        length = static_cast<uint16_t>(length + 1);
         if (last == end_of_data) {
             return LineKind::document_end;
         }

@@ -58,7 +58,7 @@ int32_t Fc3GetRuler(VwCharStream *stream, VwInstance *instance)
             VwCharGet(stream);
         }
         apply_mark(saved, byte, column);
-        ++column;
+        column = static_cast<uint8_t>(column + 1);
         byte = VwCharGet(stream);
     }
     PutTabStops(instance);

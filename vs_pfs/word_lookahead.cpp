@@ -31,7 +31,7 @@ LookaheadMemo scan_word(VwCharStream *stream, ReadToken read_token)
         }
         if (token == Token::word) {
             leading = false;
-            ++memo.wordLength;
+            memo.wordLength = static_cast<uint16_t>(memo.wordLength + 1);
         }
     }
 }
@@ -55,7 +55,7 @@ bool advance(LookaheadMemo &memo, VwCharStream *stream, uint32_t position, ReadT
             return false;
         }
         if (token == Token::word) {
-            --memo.wordLength;
+            memo.wordLength = static_cast<uint16_t>(memo.wordLength - 1);
         }
         memo.position = VwCharTell(stream);
     }
