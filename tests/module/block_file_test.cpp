@@ -52,9 +52,9 @@ TEST_F(BlockFile, ReadStoresTheLowSixteenBits)
 {
     std::string buffer(8, '.');
     uint16_t count = 99;
-    file.claimed_excess = 0x10000;
+    file.claimed_excess = 0x1FFF0;
     EXPECT_EQ(VwBlockRead(&file, buffer.data(), 3, &count), 0);
-    EXPECT_EQ(count, 3);
+    EXPECT_EQ(count, 0xFFF3);
 }
 
 TEST_F(BlockFile, ReadTellsOfAFailure)
@@ -63,6 +63,15 @@ TEST_F(BlockFile, ReadTellsOfAFailure)
     uint16_t count = 99;
     file.fail_reads = true;
     EXPECT_EQ(VwBlockRead(&file, buffer.data(), 3, &count), -1);
+}
+
+TEST_F(BlockFile, AReadThatStoresNoCountReadNothing)
+{
+    std::string buffer(8, '.');
+    uint16_t count = 99;
+    file.read = [](VwBlockFile *, void *, uint32_t, uint32_t *) { return int32_t{1}; };
+    EXPECT_EQ(VwBlockRead(&file, buffer.data(), 3, &count), -1);
+    EXPECT_EQ(count, 0);
 }
 
 TEST_F(BlockFile, SeekPassesOriginAndOffset)

@@ -2,6 +2,7 @@
 #include "bench.h"
 
 #include "formatting.h"
+#include "line_readers.h"
 
 #include <gtest/gtest.h>
 
@@ -309,6 +310,22 @@ TEST_F(HeadersFooters, AStopSurvivesSaveAndRestore)
         pieces.go_to(next.place());
     }
     EXPECT_EQ(whole.reads, 4U);
+}
+
+// A reader is handed the stream and makes it the instance's, for the texts stand elsewhere in it.
+TEST(HeadersFootersStream, IsTheOneThatTheReaderIsGiven)
+{
+    for (const auto reader :
+         {read_pfs_line, read_pfs_12_line, read_choice_line, read_choice3_line}) {
+        Bench bench(bytes("0E 'Top'"));
+        bench.state().stream = nullptr;
+        bench.state().hfTextPos[header_1] = 1;
+        bench.state().hfLength[header_1] = 3;
+        bench.saved().hfPending = hf_header_1;
+        EXPECT_EQ(reader(bench.stream, bench.instance), 0);
+        EXPECT_TRUE(matches(after_announcements(bench.take()), "13 2 0"));
+        EXPECT_EQ(bench.state().stream, bench.stream);
+    }
 }
 
 } // namespace
