@@ -87,13 +87,12 @@ class Mutant:
 
     @property
     def function(self):
-        """The name of the function that is changed, empty outside of all."""
+        """The name of the function that is changed, empty outside of all. What stands at the
+        beginning of a line, its opening brace apart, opens a function or something else."""
         for line in reversed(self.source.code[: self.start].split("\n")):
-            if line.startswith("}"):
-                return ""
-            found = re.match(r"\w[^=;]*?(\w+)\(", line)
-            if found:
-                return found.group(1)
+            if re.match(r"[^\s{]", line):
+                found = re.match(r"\w[^=;]*?(\w+)\([^;]*$", line)
+                return found.group(1) if found else ""
         return ""
 
     @property

@@ -182,6 +182,14 @@ TEST_F(CharStream, AFailedReadIsTheEndOfTheData)
     EXPECT_EQ(get(), 'a');
 }
 
+TEST_F(CharStream, AReadThatStoresNoCountIsTheEndOfTheData)
+{
+    wrap("abc");
+    file->read = [](VwBlockFile *, void *, uint32_t, uint32_t *) { return int32_t{0}; };
+    EXPECT_EQ(get(), -1);
+    EXPECT_EQ(stream->bufferLength, 0U);
+}
+
 TEST_F(CharStream, AReadThatClaimsTooMuchIsTheEndOfTheData)
 {
     wrap(numbered(2048));
