@@ -52,7 +52,7 @@ bool is_reached(const Goal &goal, double value)
 
 void print_line(const Goal &goal, const char *subject, const Spread &spread)
 {
-    std::printf("%-52s %-30s %8.3f [%.3f..%.3f] %s %-5g %s\n", goal.what, subject, spread.median,
+    std::printf("%-52s %-32s %8.3f [%.3f..%.3f] %s %-5g %s\n", goal.what, subject, spread.median,
                 spread.lower, spread.upper, goal.bound == Bound::at_least ? ">=" : "<=", goal.value,
                 is_reached(goal, spread.median) ? "reached" : "MISSED");
 }
