@@ -44,8 +44,9 @@ TEST_F(BlockFile, ReadTakesASixteenBitCount)
     std::string buffer(8, '.');
     uint16_t count = 99;
     EXPECT_EQ(VwBlockRead(&file, buffer.data(), 0x10003, &count), 0);
-    EXPECT_EQ(file.take_log(), "read 3");
     EXPECT_EQ(buffer, "abc.....");
+    EXPECT_EQ(VwBlockRead(&file, buffer.data(), 0x1FF02, &count), 0);
+    EXPECT_EQ(file.take_log(), "read 3, read 65282");
 }
 
 TEST_F(BlockFile, ReadStoresTheLowSixteenBits)
@@ -81,6 +82,8 @@ TEST_F(BlockFile, SeekPassesOriginAndOffset)
     EXPECT_EQ(VwBlockSeek(&file, -2, 0x10002), 0);
     EXPECT_EQ(file.take_log(), "seek 0 4, seek 2 -2, seek 2 -2");
     EXPECT_EQ(file.position, 4U);
+    EXPECT_EQ(VwBlockSeek(&file, 4, 0x1FF02), 0);
+    EXPECT_EQ(file.take_log(), "seek 65282 4");
     file.fail_seeks = true;
     EXPECT_EQ(VwBlockSeek(&file, 4, 0), -1);
 }
@@ -91,6 +94,8 @@ TEST_F(BlockFile, TellReturnsThePosition)
     EXPECT_EQ(VwBlockTell(&file), 5);
     file.fail_tells = true;
     EXPECT_EQ(VwBlockTell(&file), -1);
+    file.tell = [](VwBlockFile *, uint32_t *) { return int32_t{0}; };
+    EXPECT_EQ(VwBlockTell(&file), 0) << "of a file that stores none";
 }
 
 TEST_F(BlockFile, CloseSucceedsWhateverTheFileAnswers)

@@ -182,6 +182,14 @@ TEST_F(CharStream, AFailedReadIsTheEndOfTheData)
     EXPECT_EQ(get(), 'a');
 }
 
+TEST_F(CharStream, NothingCanBeTakenBackBeforeTheFirstByte)
+{
+    wrap("abc");
+    VwCharUnget(stream);
+    EXPECT_EQ(VwCharTell(stream), 0U);
+    EXPECT_EQ(get(), 'a');
+}
+
 TEST_F(CharStream, AReadThatStoresNoCountIsTheEndOfTheData)
 {
     wrap("abc");

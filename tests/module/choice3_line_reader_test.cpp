@@ -75,6 +75,7 @@ TEST(Choice3LineReader, TheChainsLengthHasSixteenBits)
 {
     EXPECT_TRUE(matches(text("40x65537 01 'a' 0D 0E"), "'a' | 13 1 0 | 13 2 0"));
     EXPECT_TRUE(matches(text("40x65536 01 'a' 0D 0E"), "'a ' | 13 2 0"));
+    EXPECT_TRUE(matches(text("40x257 01 'a' 0D 0E"), "'a ' | 13 2 0"));
 }
 
 TEST(Choice3LineReader, OnlyTheLastHeaderBytesBitCounts)

@@ -188,10 +188,11 @@ TEST_F(ChoiceHeader, MissingLengthsMarkNoLine)
     EXPECT_EQ(bench->state().headerAttrs, 0);
 }
 
-TEST_F(ChoiceHeader, ReadAgainItHoldsTheSameStops)
+TEST_F(ChoiceHeader, ReplacesTheStopsThatWereThere)
 {
     header('3', {{ruler_offset, "\x05"}});
     EXPECT_EQ(stops(), "0 2");
+    bench->saved().tabKind[1] = tab_kind_decimal;
     VwCharSeek(bench->stream, 0, 0);
     PfsChoiceHeaderInfo(bench->instance);
     EXPECT_EQ(stops(), "0 2");
