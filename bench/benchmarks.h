@@ -62,7 +62,7 @@ struct Scene {
 };
 
 // A round returns the seconds that are shown for it.
-void register_rounds(const std::string &name, int rounds, std::function<double()> round);
+void register_rounds(const std::string &name, int rounds, const std::function<double()> &round);
 
 // The readers against the floor (reader_benchmarks.cpp), and at sizes from 1/64 of the
 // setting's to four times as much (size_benchmarks.cpp).

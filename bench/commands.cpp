@@ -112,7 +112,7 @@ TemporaryDirectory::~TemporaryDirectory()
 
 std::string TemporaryDirectory::write(const std::string &name, std::string_view bytes) const
 {
-    const std::string path = (path_ / name).string();
+    std::string path = (path_ / name).string();
     std::ofstream file(path, std::ios::binary);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     file.close();

@@ -29,16 +29,18 @@ public:
         if (!seconds.empty()) {
             std::printf("%-50s %10.1f ms\n", runs.front().run_name.function_name.c_str(),
                         median(seconds) * 1e3);
-            std::fflush(stdout);
+            static_cast<void>(std::fflush(stdout));
         }
     }
 };
 
+constexpr long most_setting = 1000; // documents of 4 GB cannot be read: positions have 32 bits
+
 int setting(const char *name, int otherwise)
 {
     const char *value = std::getenv(name);
-    const int number = value == nullptr ? otherwise : std::atoi(value);
-    return number > 0 ? number : otherwise;
+    const long number = value == nullptr ? otherwise : std::strtol(value, nullptr, 10);
+    return number > 0 && number <= most_setting ? static_cast<int>(number) : otherwise;
 }
 
 int run(int count, char **arguments)
@@ -78,7 +80,7 @@ int run(int count, char **arguments)
 
 } // namespace
 
-void register_rounds(const std::string &name, int rounds, std::function<double()> round)
+void register_rounds(const std::string &name, int rounds, const std::function<double()> &round)
 {
     benchmark::RegisterBenchmark(name.c_str(),
                                  [round](benchmark::State &state) {
