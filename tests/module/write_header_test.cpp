@@ -136,14 +136,15 @@ TEST_F(WriteHeader, RulerKindsAreOrdinaryDecimalOrNone)
     EXPECT_EQ(bench->saved().tabPos[3], 0xFFFF);
 }
 
-// The columns are put into the table before the merge, which writes over its beginning only; a
-// host that saves the state sees the rest.
-TEST_F(WriteHeader, BehindTheTerminatorTheRulersColumnsStay)
+// The ruler is put into the table before the merge, which writes over its beginning only; a host
+// that saves the state sees the rest.
+TEST_F(WriteHeader, BehindTheTerminatorTheRulerStays)
 {
     header(2,
            {{16, "\x0F"}, {172, word(5)}, {172 + 2 * 2, word(0x1234)}, {172 + 2 * 77, word(-2)}});
     EXPECT_EQ(stops_of(bench->saved()), "5");
     EXPECT_EQ(bench->saved().tabPos[2], 0x1234);
+    EXPECT_EQ(bench->saved().tabKind[2], 0xFF) << "neither an ordinary stop nor a decimal one";
     EXPECT_EQ(bench->saved().tabPos[77], 0xFFFE);
     EXPECT_EQ(bench->saved().tabPos[78], tab_table_end);
 }
@@ -412,6 +413,7 @@ TEST(MergeTabStops, KeepsSeventySevenOfALongerMerge)
     EXPECT_EQ(bench.saved().tabCount, 77);
     EXPECT_EQ(bench.saved().tabPos[76], 76);
     EXPECT_EQ(bench.saved().tabPos[77], 0xFFFF);
+    EXPECT_EQ(bench.saved().tabPos[78], 0) << "nothing is put behind the ruler's 78 entries";
 }
 
 TEST(MergeTabStops, KeepsSeventySevenOfOneListToo)
