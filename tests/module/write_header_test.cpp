@@ -140,8 +140,9 @@ TEST_F(WriteHeader, RulerKindsAreOrdinaryDecimalOrNone)
 // that saves the state sees the rest.
 TEST_F(WriteHeader, BehindTheTerminatorTheRulerStays)
 {
-    header(2,
-           {{16, "\x0F"}, {172, word(5)}, {172 + 2 * 2, word(0x1234)}, {172 + 2 * 77, word(-2)}});
+    header(
+        2,
+        {{16, "\x0F"}, {172, word(5)}, {172 + 2 * 2, word(0x1234)}, {172 + 2 * 77, word(0xFFFE)}});
     EXPECT_EQ(stops_of(bench->saved()), "5");
     EXPECT_EQ(bench->saved().tabPos[2], 0x1234);
     EXPECT_EQ(bench->saved().tabKind[2], 0xFF) << "neither an ordinary stop nor a decimal one";
