@@ -1,8 +1,9 @@
 # A thin face over CMakePresets.json and scripts/.
 # demo:  installs what is missing, builds, shows one sample of each kind as text
 # check: installs what is missing, builds, passes all tests, again under sanitizers
+# qa:    the tests in every build and on every machine of scripts/qa: takes hours
 # bench: installs what is missing, builds, measures, prints what was reached of each goal
-.PHONY: demo check bench lint coverage clean
+.PHONY: demo check qa bench lint coverage clean
 
 demo:
 	@scripts/install-dependencies
@@ -11,6 +12,9 @@ demo:
 check:
 	@scripts/install-dependencies
 	@scripts/check
+
+qa:
+	@scripts/qa all
 
 bench:
 	@scripts/install-dependencies libbenchmark-dev valgrind catdoc antiword cmark libwpd-tools
