@@ -112,7 +112,8 @@ TEST(Allocation, IsSeenByThisTest)
 {
     counting = true;
     allocations = 0;
-    VwFreeProc(VwAllocProc());
+    VwInstance *volatile instance = VwAllocProc(); // or a compiler may do without
+    VwFreeProc(instance);
     counting = false;
     EXPECT_EQ(allocations, 1U);
 }
