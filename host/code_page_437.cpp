@@ -1,10 +1,15 @@
 #include "code_page_437.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace pfsdoc {
+
+namespace {
 
 // Eight to a row, so that the rows can be counted.
 // clang-format off
-const std::array<char16_t, 256> code_page_437 = {
+constexpr std::array<char16_t, 256> characters = {
     u' ', u'☺', u'☻', u'♥', u'♦', u'♣', u'♠', u'•', // 00
     u'◘', u'○', u'◙', u'♂', u'♀', u'♪', u'♫', u'☼', // 08
     u'►', u'◄', u'↕', u'‼', u'¶', u'§', u'▬', u'↨', // 10
@@ -40,8 +45,6 @@ const std::array<char16_t, 256> code_page_437 = {
 };
 // clang-format on
 
-namespace {
-
 struct Encoded {
     std::array<char, 3> bytes;
     uint8_t length;
@@ -55,7 +58,7 @@ constexpr char continuation(unsigned character, unsigned shift)
     return static_cast<char>(0x80U | ((character >> shift) & 0x3FU));
 }
 
-Encoded encode(unsigned character)
+constexpr Encoded encode(unsigned character)
 {
     if (character <= last_one_byte_character) {
         return {{static_cast<char>(character)}, 1};
@@ -68,13 +71,39 @@ Encoded encode(unsigned character)
             3};
 }
 
+constexpr std::array<Encoded, 256> encode_all()
+{
+    std::array<Encoded, 256> encoded{};
+    for (std::size_t byte = 0; byte < encoded.size(); ++byte) {
+        encoded[byte] = encode(characters[byte]);
+    }
+    return encoded;
+}
+constexpr std::array<Encoded, 256> encodings = encode_all();
+
+// The bytes that stand for themselves.
+constexpr bool is_ascii(char byte)
+{
+    return byte >= ' ' && byte <= '~';
+}
+
 } // namespace
+
+const std::array<char16_t, 256> code_page_437 = characters;
 
 void append_utf8(std::string &utf8, std::string_view code_page_437_bytes)
 {
-    for (const char byte : code_page_437_bytes) {
-        const Encoded encoded = encode(code_page_437[static_cast<unsigned char>(byte)]);
-        utf8.append(encoded.bytes.data(), encoded.length);
+    const char *at = code_page_437_bytes.data();
+    const char *const end = at + code_page_437_bytes.size();
+    while (at != end) {
+        const char *const others = std::find_if_not(at, end, is_ascii);
+        utf8.append(at, others);
+        at = others;
+        if (at != end) {
+            const Encoded &encoded = encodings[static_cast<unsigned char>(*at)];
+            utf8.append(encoded.bytes.data(), encoded.length);
+            ++at;
+        }
     }
 }
 

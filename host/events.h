@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <variant>
 
 namespace pfsdoc {
@@ -96,6 +97,15 @@ public:
     // 0 where the session was not asked for offsets. The answer counts after a paragraph
     // Break only: 1 ends the read call.
     virtual int32_t on_event(const Event &event, uint32_t offset) = 0;
+    // Characters of 0 to 255 that came one after the other, at least one. Only where the
+    // session was not asked for offsets. A sink that has no use for them together gets them
+    // one by one.
+    virtual void on_characters(std::string_view bytes)
+    {
+        for (const char byte : bytes) {
+            on_event(Character{static_cast<unsigned char>(byte)}, 0);
+        }
+    }
 };
 
 } // namespace pfsdoc

@@ -43,6 +43,15 @@ int32_t ParagraphCollector::on_event(const Event &event, uint32_t offset)
     return 0;
 }
 
+void ParagraphCollector::on_characters(std::string_view bytes)
+{
+    if (!finished_) {
+        note_offset(0);
+        in_command_ = false;
+        add_text(bytes);
+    }
+}
+
 void ParagraphCollector::finish()
 {
     if (finished_) {
@@ -59,16 +68,21 @@ void ParagraphCollector::finish()
 void ParagraphCollector::on(const Character &event)
 {
     in_command_ = false;
-    if (!is_byte(event.byte)) {
-        return;
+    if (is_byte(event.byte)) {
+        const char byte = static_cast<char>(event.byte);
+        add_text({&byte, 1});
     }
+}
+
+void ParagraphCollector::add_text(std::string_view bytes)
+{
     const bool same_piece = !paragraph_.pieces.empty() &&
                             paragraph_.pieces.back().kind == PieceKind::text &&
                             paragraph_.pieces.back().attributes == attributes_;
     if (!same_piece) {
         add_piece(PieceKind::text);
     }
-    paragraph_.bytes.push_back(static_cast<char>(event.byte));
+    paragraph_.bytes.append(bytes);
     paragraph_.line_spacing = line_spacing_;
     paragraph_has_text_ = true;
     text_end_ = offset_;

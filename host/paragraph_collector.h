@@ -23,6 +23,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 namespace pfsdoc {
@@ -68,6 +69,7 @@ public:
 
     // Always 0: no reason to stop.
     int32_t on_event(const Event &event, uint32_t offset) override;
+    void on_characters(std::string_view bytes) override;
 
     // Ends the document where its end was not reported. Otherwise without effect.
     void finish();
@@ -89,6 +91,7 @@ private:
     void on(const SectionStart &event);
     void on(const LineSpacing &event);
 
+    void add_text(std::string_view bytes);
     void note_offset(uint32_t offset);
     uint32_t piece_source() const;
     void add_piece(PieceKind kind);

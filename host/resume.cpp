@@ -55,6 +55,16 @@ int32_t Stitcher::on_event(const Event &event, uint32_t offset)
     return as_break(event, VW_BREAK_PARAGRAPH) != nullptr ? stop : 0;
 }
 
+void Stitcher::on_characters(std::string_view bytes)
+{
+    if (expect_ != Expect::anything) {
+        EventSink::on_characters(bytes); // one of them may be what decides
+        return;
+    }
+    last_ = Character{static_cast<unsigned char>(bytes.back())};
+    sink_.on_characters(bytes);
+}
+
 bool Stitcher::is_dropped(const Event &event, uint32_t offset)
 {
     switch (expect_) {
@@ -148,6 +158,14 @@ int32_t MarginFollower::on_event(const Event &event, uint32_t offset)
         sink_.on_event(event, offset);
     }
     return 0;
+}
+
+void MarginFollower::on_characters(std::string_view bytes)
+{
+    if (held_) {
+        release();
+    }
+    sink_.on_characters(bytes);
 }
 
 void MarginFollower::release()

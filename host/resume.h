@@ -25,6 +25,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <utility>
 
 namespace pfsdoc {
@@ -50,6 +51,7 @@ public:
     // The next events are those of a read call that goes on after the last paragraph break.
     void resume();
     int32_t on_event(const Event &event, uint32_t offset) override;
+    void on_characters(std::string_view bytes) override;
 
 private:
     struct Held {
@@ -88,6 +90,7 @@ public:
     explicit MarginFollower(EventSink &sink) : sink_(sink) {}
 
     int32_t on_event(const Event &event, uint32_t offset) override;
+    void on_characters(std::string_view bytes) override;
 
 private:
     void release();

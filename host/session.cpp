@@ -16,11 +16,20 @@ std::pair<uint32_t, uint32_t> words_of(Session *session)
     return {static_cast<uint32_t>(address), static_cast<uint32_t>(address >> word_bits)};
 }
 
-int32_t deliver(uint32_t low, uint32_t high, const Event &event)
+Session *session_of(uint32_t low, uint32_t high)
 {
     const uint64_t address = (uint64_t{high} << word_bits) | low;
-    auto *session = reinterpret_cast<Session *>(static_cast<std::uintptr_t>(address));
-    return session->deliver(event);
+    return reinterpret_cast<Session *>(static_cast<std::uintptr_t>(address));
+}
+
+int32_t deliver(uint32_t low, uint32_t high, const Event &event)
+{
+    return session_of(low, high)->deliver(event);
+}
+
+int32_t character_routine(int32_t byte, uint32_t low, uint32_t high)
+{
+    return session_of(low, high)->deliver_character(byte);
 }
 
 // One routine for each number of arguments, made for each event that has that many.
@@ -77,7 +86,7 @@ private:
 void register_routines(const ModuleEntries &entries, VwInstance *instance)
 {
     const Registrar routines(entries, instance);
-    routines.add(VW_SO_CHARACTER, &routine1<Character>);
+    routines.add(VW_SO_CHARACTER, &character_routine);
     routines.add(VW_SO_SPECIAL_CHARACTER, &routine2<SpecialCharacter>);
     routines.add(VW_SO_PAGE_BREAK, &routine2<PageBreak>);
     routines.add(VW_SO_ATTRIBUTE, &routine2<AttributeChange>);
@@ -153,6 +162,7 @@ template <typename Call> void Session::run(EventSink &sink, Call call)
 {
     sink_ = &sink;
     call(stream_, instance_);
+    guarded([this] { return 0; });
     sink_ = nullptr;
     if (failure_ != nullptr) {
         std::rethrow_exception(std::exchange(failure_, nullptr));
@@ -169,18 +179,46 @@ void Session::read(EventSink &sink)
     run(sink, module_.entries().stream_read);
 }
 
-int32_t Session::deliver(const Event &event)
+// Hands on what is held back, then does what follows it.
+template <typename Call> int32_t Session::guarded(Call call)
 {
-    ended_ = ended_ || is_end_of_document(event);
     if (failure_ != nullptr) {
         return stop;
     }
     try {
-        return sink_->on_event(event, offsets_ == Offsets::wanted ? tell() : 0);
+        deliver_held();
+        return call();
     } catch (...) {
         failure_ = std::current_exception();
         return stop;
     }
+}
+
+void Session::deliver_held()
+{
+    if (held_count_ > 0) {
+        sink_->on_characters({held_.data(), std::exchange(held_count_, 0)});
+    }
+}
+
+int32_t Session::deliver(const Event &event)
+{
+    ended_ = ended_ || is_end_of_document(event);
+    return guarded(
+        [&] { return sink_->on_event(event, offsets_ == Offsets::wanted ? tell() : 0); });
+}
+
+int32_t Session::deliver_character(int32_t byte)
+{
+    if (offsets_ == Offsets::wanted || byte < 0 || byte > UINT8_MAX) {
+        return deliver(Character{byte});
+    }
+    if (failure_ != nullptr) {
+        return stop;
+    }
+    held_[held_count_] = static_cast<char>(byte);
+    ++held_count_;
+    return held_count_ < held_.size() ? 0 : guarded([] { return 0; });
 }
 
 uint32_t Session::tell() const

@@ -4,13 +4,15 @@
 // The module hands two 32-bit words back with each call; together they are the address of
 // the session. Nothing may be thrown through the module's frames: an exception of the sink
 // is kept, the read is stopped at its next paragraph end with nothing more delivered, and it
-// is thrown again when the module has returned. Test: tests/host/session_test.cpp.
+// is thrown again when the module has returned. Characters are held back until something else
+// comes, and handed on together. Test: tests/host/session_test.cpp.
 #pragma once
 
 #include "events.h"
 #include "module.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -68,11 +70,14 @@ public:
 
     // For the output routines.
     int32_t deliver(const Event &event);
+    int32_t deliver_character(int32_t byte);
 
 private:
     explicit Session(const Module &module, Offsets offsets);
     void set_up(VwBlockFile *file);
     template <typename Call> void run(EventSink &sink, Call call);
+    template <typename Call> int32_t guarded(Call call);
+    void deliver_held();
 
     Module module_;
     Offsets offsets_;
@@ -82,6 +87,11 @@ private:
     std::exception_ptr failure_;
     bool ended_ = false;
     std::string kind_name_;
+
+    // Characters that have come and not been handed on. Most events are characters, and
+    // most sinks want text.
+    std::array<char, 1024> held_;
+    std::size_t held_count_ = 0;
 };
 
 } // namespace pfsdoc

@@ -187,6 +187,11 @@ int32_t TextWriter::on_event(const Event &event, uint32_t offset)
     return collector_.on_event(event, offset);
 }
 
+void TextWriter::on_characters(std::string_view bytes)
+{
+    collector_.on_characters(bytes);
+}
+
 void TextWriter::finish()
 {
     collector_.finish();

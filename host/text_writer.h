@@ -90,6 +90,7 @@ public:
 
     // Always 0: no reason to stop.
     int32_t on_event(const Event &event, uint32_t offset) override;
+    void on_characters(std::string_view bytes) override;
 
     // Writes out what is held back. The end of the document does so too; once is enough.
     void finish();
