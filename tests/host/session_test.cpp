@@ -124,6 +124,76 @@ TEST(Session, OffsetsAreZeroUnlessAskedFor)
     }
 }
 
+// Writes other events down as a bar, so that what came together can be read.
+class TextSink final : public EventSink {
+public:
+    int32_t on_event(const Event &event, uint32_t) override
+    {
+        told.append(std::holds_alternative<Character>(event) ? "?" : "|");
+        return 0;
+    }
+    void on_characters(std::string_view bytes) override
+    {
+        told.append(bytes);
+        ++stretches;
+        if (failing) {
+            throw std::runtime_error("the sink has had enough");
+        }
+    }
+    std::string told;
+    unsigned stretches = 0;
+    bool failing = false;
+};
+
+TextSink text_of_write_b(std::string_view body, Offsets offsets)
+{
+    DocumentSession session(write_document(2, bytes(body)), offsets);
+    EXPECT_TRUE(session->open(1013));
+    TextSink sink;
+    session->read(sink);
+    return sink;
+}
+
+TEST(Session, HandsOnTogetherWhatCameTogether)
+{
+    const TextSink sink = text_of_write_b("0D 'ab' C3 01 'd*N*e' 0D 'f' 0D 0E", Offsets::none);
+    EXPECT_EQ(sink.told.substr(sink.told.find('a')), "ab|C|d||||e|f||");
+    EXPECT_EQ(sink.stretches, 5U);
+}
+
+TEST(Session, HandsOnALongTextWholeAndInOrder)
+{
+    std::string text;
+    for (int line = 0; line < 2000; ++line) {
+        text += std::to_string(line) + ",";
+    }
+    const TextSink sink = text_of_write_b("0D '" + text + "' 0D 0E", Offsets::none);
+    EXPECT_NE(sink.told.find("|" + text + "|"), std::string::npos);
+    EXPECT_LT(sink.stretches, text.size() / 100);
+}
+
+TEST(Session, TellsCharactersOneByOneWhereOffsetsAreWanted)
+{
+    const TextSink sink = text_of_write_b("0D 'ab' 0D 0E", Offsets::wanted);
+    EXPECT_NE(sink.told.find("|??|"), std::string::npos);
+    EXPECT_EQ(sink.stretches, 0U);
+}
+
+TEST(Session, DeliversNoTextAfterAnExceptionHoweverLongItIs)
+{
+    DocumentSession session(write_document(2, bytes("0D 'x'x9000 0D 0D 'b' 0D 0E")));
+    ASSERT_TRUE(session->open(1013));
+    TextSink sink;
+    sink.failing = true;
+    EXPECT_THROW(session->read(sink), std::runtime_error);
+    EXPECT_EQ(sink.stretches, 1U);
+    sink.failing = false;
+    sink.told.clear();
+    session->read(sink);
+    EXPECT_NE(sink.told.find("|b|"), std::string::npos);
+    EXPECT_EQ(sink.told.find('x'), std::string::npos);
+}
+
 class ThrowingSink final : public EventSink {
 public:
     explicit ThrowingSink(unsigned at) : at_(at) {}
