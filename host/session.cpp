@@ -162,7 +162,7 @@ template <typename Call> void Session::run(EventSink &sink, Call call)
 {
     sink_ = &sink;
     call(stream_, instance_);
-    guarded([this] { return 0; });
+    guarded([] { return 0; });
     sink_ = nullptr;
     if (failure_ != nullptr) {
         std::rethrow_exception(std::exchange(failure_, nullptr));
