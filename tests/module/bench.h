@@ -1,4 +1,4 @@
-// A recording host for tests that reach inside the module: an instance with a cleared state
+// A recording host for tests that reach inside the module: an instance with a cleared record
 // over bytes that need not be a document, and shorthands for what opens each read call.
 #pragma once
 
@@ -6,6 +6,9 @@
 #include "raw_documents.h"
 #include "recording_host.h"
 
+#include <algorithm>
+#include <cstring>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -15,8 +18,11 @@ class Bench : public RecordingHost {
 public:
     explicit Bench(std::string document) : RecordingHost(std::move(document))
     {
-        instance->state = {};
-        instance->lookahead = {};
+        const VwInstance kept = *instance;
+        std::memset(instance, 0, sizeof *instance); // with what lies between the members
+        std::copy(std::begin(kept.routines), std::end(kept.routines), instance->routines);
+        instance->user1 = kept.user1;
+        instance->user2 = kept.user2;
         instance->state.stream = stream;
         instance->state.saved.fontValue = 24;
     }
