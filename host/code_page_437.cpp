@@ -5,11 +5,9 @@
 
 namespace pfsdoc {
 
-namespace {
-
 // Eight to a row, so that the rows can be counted.
 // clang-format off
-constexpr std::array<char16_t, 256> characters = {
+constexpr std::array<char16_t, 256> code_page_437 = {
     u' ', u'☺', u'☻', u'♥', u'♦', u'♣', u'♠', u'•', // 00
     u'◘', u'○', u'◙', u'♂', u'♀', u'♪', u'♫', u'☼', // 08
     u'►', u'◄', u'↕', u'‼', u'¶', u'§', u'▬', u'↨', // 10
@@ -45,6 +43,8 @@ constexpr std::array<char16_t, 256> characters = {
 };
 // clang-format on
 
+namespace {
+
 struct Encoded {
     std::array<char, 3> bytes;
     uint8_t length;
@@ -75,7 +75,7 @@ constexpr std::array<Encoded, 256> encode_all()
 {
     std::array<Encoded, 256> encoded{};
     for (std::size_t byte = 0; byte < encoded.size(); ++byte) {
-        encoded[byte] = encode(characters[byte]);
+        encoded[byte] = encode(code_page_437[byte]);
     }
     return encoded;
 }
@@ -88,8 +88,6 @@ constexpr bool is_ascii(char byte)
 }
 
 } // namespace
-
-const std::array<char16_t, 256> code_page_437 = characters;
 
 void append_utf8(std::string &utf8, std::string_view code_page_437_bytes)
 {
