@@ -21,8 +21,10 @@ using pfs_builder::Style;
 constexpr std::size_t largest_plain_piece = std::size_t{1} << 20;
 constexpr Margins page_margins = {10, 70};
 constexpr Margins narrow_margins = {10, 39};
-// Of the words. Spaces and full stops are never styled, so it makes 20 % of the characters.
-constexpr unsigned attributed_percent = 25;
+// Emphasis covers phrases. One that begins at every 22nd plain word, and is 5.5 words long, makes
+// 20 % of the characters.
+constexpr unsigned plain_words_between = 22;
+constexpr unsigned longest_phrase = 10;
 constexpr unsigned words_between_commands = 6;
 constexpr unsigned fewest_words = 20;
 constexpr unsigned word_spread = 100;
@@ -63,8 +65,9 @@ public:
         Paragraph paragraph;
         const unsigned count = fewest_words + numbers_.below(word_spread);
         for (unsigned i = 0; i < count; ++i) {
+            const Style before = phrase_left_ != 0 ? phrase_style_ : pfs_builder::style_none;
             if (i != 0) {
-                append(paragraph, " ", CellKind::text, pfs_builder::style_none);
+                append(paragraph, " ", CellKind::text, before);
             }
             append(paragraph, words[numbers_.below(words.size())], CellKind::text, next_style());
             if (i % words_of_a_sentence == words_of_a_sentence - 1 || i + 1 == count) {
@@ -81,11 +84,16 @@ public:
 private:
     Style next_style()
     {
-        if (text_ != Text::attributed || numbers_.below(100) >= attributed_percent) {
-            return pfs_builder::style_none;
+        if (phrase_left_ == 0) {
+            if (text_ != Text::attributed || numbers_.below(plain_words_between) != 0) {
+                return pfs_builder::style_none;
+            }
+            const unsigned both = pfs_builder::style_bold | pfs_builder::style_underline;
+            phrase_style_ = static_cast<Style>(1 + numbers_.below(both));
+            phrase_left_ = 1 + numbers_.below(longest_phrase);
         }
-        const unsigned both = pfs_builder::style_bold | pfs_builder::style_underline;
-        return static_cast<Style>(1 + numbers_.below(both));
+        --phrase_left_;
+        return phrase_style_;
     }
 
     static void append(Paragraph &paragraph, std::string_view text, CellKind kind, Style style)
@@ -97,6 +105,8 @@ private:
 
     Text text_;
     Numbers numbers_;
+    Style phrase_style_ = pfs_builder::style_none;
+    unsigned phrase_left_ = 0; // words
 };
 
 std::string file_of(const Document &document)
