@@ -45,8 +45,9 @@
  *
  * Everything runs on the caller's thread. The module has no mutable global state: any number
  * of instances may be in use, each by one thread at a time. Output routines are called
- * synchronously and may use VwStreamTell on the stream being read; they must not throw or
- * jump out of the filter, and must not read, seek or release that stream.
+ * synchronously and may use VwStreamTell on the stream being read, and VwSetSoRtn and VwSetUser
+ * on the instance, which take effect with the next call out. They must not throw or jump out of
+ * the filter, must not read, seek or release that stream, and must not restore a saved state.
  *
  * WHAT IS PROMISED OF BAD INPUT
  *

@@ -6,6 +6,8 @@
 // "attribute orders" in docs/quirks.md. Test: tests/module/attributes_test.cpp.
 #include "formatting.h"
 
+#include <array>
+
 namespace vs_pfs {
 namespace {
 
@@ -21,29 +23,35 @@ constexpr Attribute announcement_order[] = {
 // Header and footer lines know three attributes.
 constexpr Attribute header_footer_order[] = {{attr_code_2, 2}, {attr_code_4, 4}, {attr_code_3, 3}};
 
-constexpr uint8_t attributes_of_first_byte = attr_code_4 | attr_code_2 | attr_code_3;
-constexpr uint8_t attributes_of_plain_byte = attributes_of_first_byte | attr_code_11 | attr_code_10;
-// The second byte of a pair crosses over: its lower bit is the set's higher one.
-constexpr uint8_t second_byte_code_10 = 0x02;
-constexpr uint8_t second_byte_code_11 = 0x04;
+// What comes first of a set of changes, and what may come behind it.
+struct Transition {
+    Attribute attribute;
+    uint8_t behind;
+};
+
+constexpr Transition first_transition(unsigned changed)
+{
+    uint8_t behind = attr_all;
+    for (const Attribute &attribute : transition_order) {
+        behind = static_cast<uint8_t>(behind & ~attribute.bit);
+        if ((changed & attribute.bit) != 0) {
+            return {attribute, behind};
+        }
+    }
+    return {};
+}
+
+// By the set of changes: found in one step, since the branches of a search would be foreseen
+// wrongly at each change.
+constexpr auto transitions = [] {
+    std::array<Transition, attr_all + 1> table = {};
+    for (unsigned changed = 0; changed < table.size(); ++changed) {
+        table[changed] = first_transition(changed);
+    }
+    return table;
+}();
 
 } // namespace
-
-int32_t SetAttr(uint8_t first, uint8_t second, uint8_t pairForm, uint8_t *target, VwInstance *)
-{
-    if (pairForm == attr_form_plain) {
-        *target |= first & attributes_of_plain_byte;
-        return 0;
-    }
-    *target |= first & attributes_of_first_byte;
-    if ((second & second_byte_code_10) != 0) {
-        *target |= attr_code_10;
-    }
-    if ((second & second_byte_code_11) != 0) {
-        *target |= attr_code_11;
-    }
-    return 0;
-}
 
 int32_t PutAttributes(VwInstance *instance)
 {
@@ -54,19 +62,17 @@ int32_t PutAttributes(VwInstance *instance)
     return 0;
 }
 
-int32_t check_attributes(uint8_t newSet, VwInstance *instance)
+void change_attributes(uint8_t newSet, VwInstance *instance)
 {
     uint8_t &current = instance->state.saved.attrState;
-    if (((current ^ newSet) & attributes_of_plain_byte) == 0) {
-        return 0;
+    uint8_t pending = attr_all;
+    while (const int changed = (current ^ newSet) & pending) {
+        const Transition &transition = transitions[static_cast<unsigned>(changed)];
+        current ^= transition.attribute.bit;
+        pending = transition.behind;
+        put_attribute(instance, transition.attribute.code,
+                      (current & transition.attribute.bit) != 0);
     }
-    for (const Attribute &attribute : transition_order) {
-        if (((current ^ newSet) & attribute.bit) != 0) {
-            current ^= attribute.bit;
-            put_attribute(instance, attribute.code, (current & attribute.bit) != 0);
-        }
-    }
-    return 0;
 }
 
 void put_header_footer_attributes(VwInstance *instance, bool on)

@@ -53,6 +53,13 @@ bool resolve_from_end(VwBlockFile *file, uint32_t *position)
 
 } // namespace
 
+void vs_pfs::begin_buffer_here(VwCharStream *stream)
+{
+    const uint32_t position = position_of(stream);
+    empty_buffer(stream);
+    VwCharSeek(stream, position, seek_absolute);
+}
+
 extern "C" {
 
 VwCharStream *VwBlockToChar(VwBlockFile *file)
@@ -117,9 +124,7 @@ int32_t VwCharSeek(VwCharStream *stream, uint32_t position, int32_t origin)
 
 uint32_t VwCharTell(VwCharStream *stream)
 {
-    // Wraps behind the last position that there is.
-    return static_cast<uint32_t>(int64_t{stream->bufferBase} + stream->bufferLength -
-                                 stream->remaining);
+    return position_of(stream);
 }
 
 } // extern "C"

@@ -99,6 +99,7 @@ Progress read_text_line(ChoiceReading &reading, LineKind kind)
     ChoiceLine line = start_choice_line(reading);
     Progress progress = Progress::go_on;
     while (progress == Progress::go_on) {
+        read_ordinary_text(reading, line);
         const int32_t byte = VwCharGet(reading.stream);
         switch (byte) {
         case document_end:

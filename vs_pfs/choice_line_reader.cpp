@@ -53,6 +53,7 @@ Progress end_line(ChoiceReading &reading, ChoiceLine &line, int32_t spacing)
 
 Progress read_byte(ChoiceReading &reading, ChoiceLine &line)
 {
+    read_ordinary_text(reading, line);
     const int32_t byte = VwCharGet(reading.stream);
     switch (byte) {
     case line_end_single: return end_line(reading, line, VW_SINGLE_SPACING);
@@ -66,45 +67,49 @@ Progress read_byte(ChoiceReading &reading, ChoiceLine &line)
 // The attribute bytes of a character as the lookahead takes them: any number, each but the
 // last with bit 0x40, where the reader takes two at most. Returns the first, or -1 where
 // the data end before the last.
-int32_t read_attribute_chain(VwCharStream *stream)
+template <typename NextByte> int32_t read_attribute_chain(NextByte &next_byte)
 {
-    const int32_t first = VwCharGet(stream);
+    const int32_t first = next_byte();
     int32_t last = first;
     while (last != end_of_data && (last & choice_more_attributes) != 0) {
-        last = VwCharGet(stream);
+        last = next_byte();
     }
     return last == end_of_data ? end_of_data : first;
 }
 
 // See "lookahead chains" in docs/quirks.md.
-Token read_choice_token(VwCharStream *stream)
-{
-    int32_t byte = VwCharGet(stream);
-    switch (byte) {
-    case line_end_single:
-    case line_end_double:
-    case document_end:
-    case end_of_data: return Token::stop;
-    default: break;
+struct ReadChoiceToken {
+    static constexpr bool stops(int32_t byte)
+    {
+        return byte == line_end_single || byte == line_end_double || byte == document_end ||
+               byte == end_of_data;
     }
-    if ((byte & high_bit) != 0) {
-        const int32_t attribute = read_attribute_chain(stream);
-        if (attribute == end_of_data) {
+
+    template <typename NextByte> Token operator()(NextByte &next_byte) const
+    {
+        int32_t byte = next_byte();
+        if (stops(byte)) {
             return Token::stop;
         }
-        if ((attribute & choice_keep_high_bit) == 0) {
-            byte &= low_seven_bits;
+        if ((byte & high_bit) != 0) {
+            const int32_t attribute = read_attribute_chain(next_byte);
+            if (attribute == end_of_data) {
+                return Token::stop;
+            }
+            if ((attribute & choice_keep_high_bit) == 0) {
+                byte &= low_seven_bits;
+            }
         }
+        return byte == space ? Token::blank : Token::word;
     }
-    return byte == space ? Token::blank : Token::word;
-}
+};
 
 } // namespace
 
 int32_t FcDetermineEnder(VwCharStream *stream, int16_t column, uint16_t *endsHere,
                          VwInstance *instance)
 {
-    const int16_t wordLength = next_word_length(stream, instance, read_choice_token);
+    const int16_t wordLength = next_word_length<ReadChoiceToken>(stream, instance);
     if (word_would_wrap(column, wordLength, instance)) {
         *endsHere = 0;
     }

@@ -12,20 +12,54 @@ inline constexpr uint8_t attr_code_2 = 0x02;
 inline constexpr uint8_t attr_code_3 = 0x04;
 inline constexpr uint8_t attr_code_11 = 0x08;
 inline constexpr uint8_t attr_code_10 = 0x10;
+inline constexpr uint8_t attr_all =
+    attr_code_4 | attr_code_2 | attr_code_3 | attr_code_11 | attr_code_10;
 
 // How a document stores the attributes of a character.
 inline constexpr uint8_t attr_form_plain = 0; // one byte: the Write family
 inline constexpr uint8_t attr_form_pair = 1;  // one or two bytes: First Choice
+inline constexpr uint8_t attributes_of_first_byte = attr_code_4 | attr_code_2 | attr_code_3;
+// The second byte of a pair crosses over: its lower bit is the set's higher one.
+inline constexpr uint8_t second_byte_code_10 = 0x02;
+inline constexpr uint8_t second_byte_code_11 = 0x04;
 
 // Attributes (attributes.cpp). All return 0.
 //
 // Adds the attributes that the stored bytes carry to *target; clears none.
-int32_t SetAttr(uint8_t first, uint8_t second, uint8_t pairForm, uint8_t *target,
-                VwInstance *instance);
+inline int32_t SetAttr(uint8_t first, uint8_t second, uint8_t pairForm, uint8_t *target,
+                       VwInstance *)
+{
+    if (pairForm == attr_form_plain) {
+        *target |= first & attr_all;
+        return 0;
+    }
+    *target |= first & attributes_of_first_byte;
+    if ((second & second_byte_code_10) != 0) {
+        *target |= attr_code_10;
+    }
+    if ((second & second_byte_code_11) != 0) {
+        *target |= attr_code_11;
+    }
+    return 0;
+}
 // Tells the host all five attributes again, on or off.
 int32_t PutAttributes(VwInstance *instance);
+
+inline bool attributes_in_force(uint8_t set, const VwInstance *instance)
+{
+    return ((instance->state.saved.attrState ^ set) & attr_all) == 0;
+}
+// What check_attributes does once something changes.
+void change_attributes(uint8_t newSet, VwInstance *instance);
 // Tells the host what changes from attrState to newSet, and makes newSet the state.
-int32_t check_attributes(uint8_t newSet, VwInstance *instance);
+inline int32_t check_attributes(uint8_t newSet, VwInstance *instance)
+{
+    if (!attributes_in_force(newSet, instance)) {
+        change_attributes(newSet, instance);
+    }
+    return 0;
+}
+
 // Tells the host that the attributes of hfAttrState begin, or end.
 void put_header_footer_attributes(VwInstance *instance, bool on);
 // put_header_footer_attributes with false.

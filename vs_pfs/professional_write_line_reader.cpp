@@ -130,36 +130,64 @@ void read_space(Reading &reading, Line &line)
     advance_column(line.column);
 }
 
-LineProgress read_character(Reading &reading, Line &line, uint8_t character)
-{
-    uint8_t charAttrSet = 0;
-    if ((character & high_bit) != 0) {
-        const int32_t attribute = VwCharGet(reading.stream);
+// False: the data ended inside the character.
+struct ProfessionalWriteDecoder {
+    template <typename NextByte>
+    bool operator()(uint8_t byte, Decoded &decoded, NextByte next_byte) const
+    {
+        decoded = {byte, 0};
+        if ((byte & high_bit) == 0) {
+            return true;
+        }
+        const int32_t attribute = next_byte();
         if (attribute == end_of_data) {
-            return LineProgress::document_done;
+            return false;
         }
         if ((attribute & keep_high_bit) == 0) {
-            character &= low_seven_bits;
+            decoded.character = byte & low_seven_bits;
         }
-        SetAttr(static_cast<uint8_t>(attribute), 0, attr_form_plain, &charAttrSet,
-                reading.instance);
+        SetAttr(static_cast<uint8_t>(attribute), 0, attr_form_plain, &decoded.attributes, nullptr);
+        return true;
     }
-    check_attributes(charAttrSet, reading.instance);
+};
+
+LineProgress read_character(Reading &reading, Line &line, uint8_t byte)
+{
+    constexpr ProfessionalWriteDecoder decode;
+    Decoded decoded;
+    if (!decode(byte, decoded, [&reading] { return VwCharGet(reading.stream); })) {
+        return LineProgress::document_done;
+    }
+    check_attributes(decoded.attributes, reading.instance);
     if (reader_flag(reading) >= suppress_on) {
         return LineProgress::goes_on;
     }
-    if (character == space) {
+    if (decoded.character == space) {
         read_space(reading, line);
-        return LineProgress::goes_on;
+    } else {
+        line.atLineStart = LineStart::over;
+        line.lineBlank = false;
+        put_text(reading.stream, decoded.character, line.column, reading.instance);
     }
-    line.atLineStart = LineStart::over;
-    line.lineBlank = false;
-    put_text(reading.stream, character, line.column, reading.instance);
     return LineProgress::goes_on;
+}
+
+void read_ordinary_text(Reading &reading, Line &line)
+{
+    const bool spaces_are_indent = line.atLineStart != LineStart::over;
+    if (reader_flag(reading) >= suppress_on || !text_follows(reading.stream, spaces_are_indent)) {
+        return;
+    }
+    if (put_ordinary_text(reading.stream, reading.instance, line.column,
+                          ProfessionalWriteDecoder()) != 0) {
+        line.atLineStart = LineStart::over;
+        line.lineBlank = false;
+    }
 }
 
 LineProgress read_byte(Reading &reading, Line &line)
 {
+    read_ordinary_text(reading, line);
     const int32_t byte = VwCharGet(reading.stream);
     switch (byte) {
     case type_continued: return end_line_before(reading);

@@ -10,8 +10,8 @@
 // the paragraph; if not the word processor wrapped it, and one space joins the two. Leading
 // spaces are not reported: they become the paragraph's indents.
 // Test: tests/module/write_line_reader_test.cpp.
+#include "document_headers.h"
 #include "line_readers.h"
-#include "line_text.h"
 #include "word_lookahead.h"
 #include "write_characters.h"
 
@@ -58,21 +58,22 @@ void read_space(Reading &reading, Line &line)
     advance_column(line.column);
 }
 
-Progress read_character(Reading &reading, Line &line, uint8_t byte)
+template <typename Decode>
+Progress read_character(Reading &reading, Line &line, uint8_t byte, Decode decode)
 {
-    WriteCharacter decoded;
-    if (!decode_write_character(reading.stream, byte, decoded, reading.instance)) {
+    Decoded decoded;
+    if (!decode(byte, decoded, [&reading] { return VwCharGet(reading.stream); })) {
         return Progress::document_done;
     }
-    check_attributes(decoded.charAttrSet, reading.instance);
+    check_attributes(decoded.attributes, reading.instance);
     if (decoded.character == space) {
         read_space(reading, line);
-        return Progress::go_on;
+    } else {
+        line.lastWasSpace = false;
+        line.atLineStart = false;
+        line.lineBlank = false;
+        put_text(reading.stream, decoded.character, line.column, reading.instance);
     }
-    line.lastWasSpace = false;
-    line.atLineStart = false;
-    line.lineBlank = false;
-    put_text(reading.stream, decoded.character, line.column, reading.instance);
     return Progress::go_on;
 }
 
@@ -141,38 +142,68 @@ Progress end_line(Reading &reading, Line &line)
     return progress;
 }
 
-Progress read_byte(Reading &reading, Line &line)
+template <typename Decode> void read_ordinary_text(Reading &reading, Line &line, Decode decode)
 {
+    if (!text_follows(reading.stream, line.atLineStart)) {
+        return;
+    }
+    const uint8_t last = put_ordinary_text(reading.stream, reading.instance, line.column, decode);
+    if (last != 0) {
+        line.lastWasSpace = last == space;
+        line.atLineStart = false;
+        line.lineBlank = false;
+    }
+}
+
+template <typename Decode> Progress read_byte(Reading &reading, Line &line, Decode decode)
+{
+    read_ordinary_text(reading, line, decode);
     const int32_t byte = VwCharGet(reading.stream);
     switch (byte) {
     case form_feed: return Progress::go_on;
     case line_end: return end_line(reading, line);
     case document_end:
     case end_of_data: return Progress::document_done;
-    default: return read_character(reading, line, static_cast<uint8_t>(byte));
+    default: return read_character(reading, line, static_cast<uint8_t>(byte), decode);
     }
+}
+
+template <typename Decode> Progress read_lines(Reading &reading, Decode decode)
+{
+    Line line = start_line(reading);
+    Progress progress = Progress::go_on;
+    while (progress == Progress::go_on) {
+        progress = read_byte(reading, line, decode);
+    }
+    return progress;
 }
 
 // Any byte from 0x80 up takes an attribute byte with it, also in type 3, whose reader does
 // so from 0xC0 only: see "lookahead pairs" in docs/quirks.md.
-Token read_write_token(VwCharStream *stream)
-{
-    const int32_t byte = VwCharGet(stream);
-    if (byte == line_end || byte == document_end || byte == end_of_data) {
-        return Token::stop;
+struct ReadWriteToken {
+    static constexpr bool stops(int32_t byte)
+    {
+        return byte == line_end || byte == document_end || byte == end_of_data;
     }
-    if ((byte & high_bit) != 0) {
-        VwCharGet(stream);
+
+    template <typename NextByte> Token operator()(NextByte &next_byte) const
+    {
+        const int32_t byte = next_byte();
+        if (stops(byte)) {
+            return Token::stop;
+        }
+        constexpr int high_bit_place = 7;
+        next_byte.skip(byte >> high_bit_place); // no branch, which hostile bytes would mislead
+        return byte == space ? Token::blank : Token::word;
     }
-    return byte == space ? Token::blank : Token::word;
-}
+};
 
 } // namespace
 
 int32_t PfsDetermineEnder(VwCharStream *stream, int16_t column, uint16_t *hardEnd,
                           VwInstance *instance)
 {
-    const int16_t wordLength = next_word_length(stream, instance, read_write_token);
+    const int16_t wordLength = next_word_length<ReadWriteToken>(stream, instance);
     if (word_would_wrap(column, wordLength, instance)) {
         *hardEnd = 0;
     }
@@ -185,11 +216,9 @@ int32_t read_pfs_line(VwCharStream *stream, VwInstance *instance)
         return 0;
     }
     Reading reading = {stream, instance, 0, true};
-    Line line = start_line(reading);
-    Progress progress = Progress::go_on;
-    while (progress == Progress::go_on) {
-        progress = read_byte(reading, line);
-    }
+    const Progress progress = instance->state.formatType == format_writing_assistant
+                                  ? read_lines(reading, WritingAssistantDecoder())
+                                  : read_lines(reading, WriteDecoder());
     return end_call(progress, instance);
 }
 

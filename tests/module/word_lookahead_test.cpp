@@ -150,16 +150,28 @@ bool plain_scan_says_hard(const std::string &body, const Family &family, std::si
 
 void expect_same_answers(const std::string &body, const Family &family,
                          const std::vector<std::size_t> &places, int16_t column,
-                         int16_t right_margin)
+                         int16_t right_margin, uint32_t most_per_read)
 {
     Bench bench(body);
     bench.file.keep_log = false;
+    bench.file.most_per_read = most_per_read;
     bench.saved().rightMargin = static_cast<uint16_t>(right_margin);
     for (const std::size_t place : places) {
         ASSERT_EQ(module_says_hard(bench, family, place, column),
                   plain_scan_says_hard(body, family, place, column, right_margin))
-            << family.name << " at " << place << " column " << column << " margin " << right_margin;
+            << family.name << " at " << place << " column " << column << " margin " << right_margin
+            << " buffers of " << most_per_read;
     }
+}
+
+// With whole buffers, in which words are looked at, and with small ones, past which they run.
+void expect_same_answers(const std::string &body, const Family &family,
+                         const std::vector<std::size_t> &places, int16_t column,
+                         int16_t right_margin)
+{
+    const auto few_bytes = static_cast<uint32_t>(1 + body.size() % 50);
+    expect_same_answers(body, family, places, column, right_margin, UINT32_MAX);
+    expect_same_answers(body, family, places, column, right_margin, few_bytes);
 }
 
 std::string random_body(std::mt19937 &random, const std::string &alphabet, std::size_t size)
