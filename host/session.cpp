@@ -111,7 +111,10 @@ bool is_end_of_document(const Event &event)
 
 } // namespace
 
-Session::Session(const Module &module, Offsets offsets) : module_(module), offsets_(offsets) {}
+Session::Session(const Module &module, Offsets offsets)
+    : module_(module), offsets_(offsets), held_limit_(limit_of(offsets))
+{
+}
 
 Session::~Session()
 {
@@ -165,6 +168,7 @@ template <typename Call> void Session::run(EventSink &sink, Call call)
     guarded([] { return 0; });
     sink_ = nullptr;
     if (failure_ != nullptr) {
+        held_limit_ = limit_of(offsets_);
         std::rethrow_exception(std::exchange(failure_, nullptr));
     }
 }
@@ -190,6 +194,7 @@ template <typename Call> int32_t Session::guarded(Call call)
         return call();
     } catch (...) {
         failure_ = std::current_exception();
+        held_limit_ = 0;
         return stop;
     }
 }
@@ -208,17 +213,13 @@ int32_t Session::deliver(const Event &event)
         [&] { return sink_->on_event(event, offsets_ == Offsets::wanted ? tell() : 0); });
 }
 
-int32_t Session::deliver_character(int32_t byte)
+// What does not fit, or is not to be held back.
+int32_t Session::deliver_character_slowly(int32_t byte)
 {
-    if (offsets_ == Offsets::wanted || byte < 0 || byte > UINT8_MAX) {
+    if (offsets_ == Offsets::wanted || !is_byte(byte)) {
         return deliver(Character{byte});
     }
-    if (failure_ != nullptr) {
-        return stop;
-    }
-    held_[held_count_] = static_cast<char>(byte);
-    ++held_count_;
-    return held_count_ < held_.size() ? 0 : guarded([] { return 0; });
+    return guarded([&] { return hold(byte); });
 }
 
 uint32_t Session::tell() const

@@ -70,9 +70,30 @@ public:
 
     // For the output routines.
     int32_t deliver(const Event &event);
-    int32_t deliver_character(int32_t byte);
+    int32_t deliver_character(int32_t byte)
+    {
+        return held_count_ < held_limit_ && is_byte(byte) ? hold(byte)
+                                                          : deliver_character_slowly(byte);
+    }
 
 private:
+    static constexpr std::size_t most_held = 1024;
+
+    static constexpr bool is_byte(int32_t value)
+    {
+        return value >= 0 && value <= UINT8_MAX;
+    }
+    static constexpr std::size_t limit_of(Offsets offsets)
+    {
+        return offsets == Offsets::wanted ? 0 : most_held;
+    }
+    int32_t hold(int32_t byte)
+    {
+        held_[held_count_] = static_cast<char>(byte);
+        ++held_count_;
+        return 0;
+    }
+    int32_t deliver_character_slowly(int32_t byte);
     explicit Session(const Module &module, Offsets offsets);
     void set_up(VwBlockFile *file);
     template <typename Call> void run(EventSink &sink, Call call);
@@ -89,9 +110,10 @@ private:
     std::string kind_name_;
 
     // Characters that have come and not been handed on. Most events are characters, and
-    // most sinks want text.
-    std::array<char, 1024> held_;
+    // most sinks want text. None are held for a sink that wants offsets or has failed.
+    std::array<char, most_held> held_;
     std::size_t held_count_ = 0;
+    std::size_t held_limit_;
 };
 
 } // namespace pfsdoc
