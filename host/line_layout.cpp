@@ -22,8 +22,8 @@ constexpr bool is_word_byte(char byte)
 std::size_t word_stretch(std::string_view bytes)
 {
     const std::string_view stretch = bytes.substr(0, longest_stretch);
-    const std::string_view::const_iterator end =
-        std::find_if_not(stretch.begin(), stretch.end(), is_word_byte);
+    const auto end = std::find_if_not(stretch.begin(), stretch.end(),
+                                      [](char byte) { return is_word_byte(byte); });
     return static_cast<std::size_t>(end - stretch.begin());
 }
 
@@ -43,7 +43,11 @@ void LineLayout::begin(LineGeometry geometry)
 
 void LineLayout::text(std::string_view bytes)
 {
+    words_untried_ = true;
     while (!bytes.empty()) {
+        if (std::exchange(words_untried_, false)) {
+            bytes.remove_prefix(put_words(bytes));
+        }
         const std::size_t length = word_stretch(bytes);
         if (length > 0) {
             add_to_word(bytes.substr(0, length));
@@ -95,6 +99,32 @@ void LineLayout::put_long_word()
     long_word_on_line_ = true;
     line_has_text_ = true;
     skip_blanks_ = false;
+}
+
+// Puts down at once what whole words fit on the rest of the line, as each of them would be by
+// itself, and returns their length: up to the blank behind the last of them. Most lines are
+// filled so, but for the word that may not fit. Tried once a line, since it looks at all of it.
+std::size_t LineLayout::put_words(std::string_view bytes)
+{
+    const std::size_t used = line_.size() + blanks_;
+    if (!word_.empty() || in_long_word_ || long_word_on_line_ || decimal_stop_ || skip_blanks_ ||
+        used >= geometry_.width) {
+        return 0;
+    }
+    const std::size_t end = bytes.rfind(' ', geometry_.width - used);
+    if (end == std::string_view::npos) {
+        return 0;
+    }
+    const std::string_view words = bytes.substr(0, bytes.find_last_not_of(' ', end) + 1);
+    if (words.empty() || words.find(tab_byte) != std::string_view::npos ||
+        words.find(zero_blank) != std::string_view::npos) {
+        return 0;
+    }
+    line_.resize(used, ' ');
+    line_.append(words);
+    line_has_text_ = true;
+    blanks_ = 0;
+    return words.size();
 }
 
 void LineLayout::end_word()
@@ -193,6 +223,7 @@ void LineLayout::start_line(std::size_t indent)
     line_.assign(indent, ' ');
     line_indent_ = indent;
     line_has_text_ = false;
+    words_untried_ = true;
     long_word_on_line_ = false;
     blanks_ = 0;
     decimal_stop_.reset();

@@ -68,6 +68,7 @@ private:
     std::size_t column() const;
     void add_to_word(std::string_view part);
     void put_long_word();
+    std::size_t put_words(std::string_view bytes);
     void end_word();
     void put_word();
     std::size_t word_column() const;
@@ -87,6 +88,7 @@ private:
     std::string line_; // what stands on the line, from the left margin on
     std::size_t line_indent_ = 0;
     bool line_has_text_ = false;
+    bool words_untried_ = false;     // by put_words, on this line
     bool long_word_on_line_ = false; // written already; the line takes nothing more
     bool skip_blanks_ = false;       // the line follows a page break or a tab
 

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
 
 namespace {
@@ -247,6 +249,49 @@ TEST(DecimalStops, AreAPlaceForTheNextTabToStartFrom)
     TypedEvents events;
     events.margins(0, 39).tabs({15}, {10}).line("a\t\tb");
     EXPECT_EQ(text(events), "a              b\n");
+}
+
+// ------------------------------------------------------------------ in any stretches ---
+
+std::string laid_out(std::string_view bytes, std::size_t stretch, const LineGeometry &geometry)
+{
+    StringOutput output;
+    Utf8Output encoded(output);
+    LineLayout layout(encoded);
+    layout.begin(geometry);
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(stretch, bytes.size()))) {
+        layout.text(bytes.substr(0, stretch));
+    }
+    layout.end(true);
+    encoded.finish();
+    return output.text;
+}
+
+// Whole words are put down together where they can be; byte by byte they never are.
+TEST(LineLayout, IsTheSameHoweverTheTextIsCutUp)
+{
+    std::mt19937 random(1986);
+    std::size_t lines = 0;
+    for (int i = 0; i < 3000; ++i) {
+        constexpr std::string_view alphabet = "aaaaaaa.      \t";
+        std::string bytes;
+        for (std::size_t length = random() % 200; bytes.size() < length;) {
+            const char byte = alphabet[random() % (alphabet.size() - random() % 2)];
+            bytes.push_back(random() % 60 == 0 ? '\0' : byte);
+        }
+        LineGeometry geometry;
+        geometry.width = 1 + random() % 30;
+        geometry.first_line_indent = random() % geometry.width;
+        geometry.indent = random() % geometry.width;
+        geometry.alignment = static_cast<LineAlignment>(random() % 3);
+        geometry.tab_stops = {{random() % 30, false}, {random() % 30, true}};
+        const std::string expected = laid_out(bytes, 1, geometry);
+        for (const std::size_t stretch : {2U, 7U, 50U, 200U}) {
+            ASSERT_EQ(laid_out(bytes, stretch, geometry), expected) << i << " by " << stretch;
+        }
+        lines += static_cast<std::size_t>(std::count(expected.begin(), expected.end(), '\n'));
+    }
+    EXPECT_GT(lines, 30000U);
 }
 
 } // namespace
