@@ -1,5 +1,6 @@
 #include "document.h"
 
+#include <algorithm>
 #include <array>
 #include <span>
 #include <string>
@@ -26,12 +27,28 @@ SessionResult open_session(const Module &module, BlockFile &file, DocumentKind k
     return session;
 }
 
-Status read_stopping(std::span<Session *const> sessions, Stitcher &stitcher)
+// The end of the data is reported as the document's end. What tells them apart is that the
+// module has asked for a byte behind the last one.
+Status check_end(const Session &session, const ByteSource &source)
+{
+    if (session.tell() <= source.size()) {
+        return {};
+    }
+    return Error{ErrorKind::damaged,
+                 "is cut short: its " + std::to_string(source.size()) +
+                     " bytes end before the document does",
+                 "what there is of it has been written"};
+}
+
+Status read_stopping(std::span<Session *const> sessions, Stitcher &stitcher,
+                     const ByteSource &source)
 {
     if (!read_with_stops(sessions, stitcher)) {
         return Error{ErrorKind::internal, "the module refuses to go back to a saved place", ""};
     }
-    return {};
+    const auto last = std::find_if(sessions.begin(), sessions.end(),
+                                   [](const Session *session) { return session->ended(); });
+    return check_end(**last, source);
 }
 
 Status read_in_two_sessions(const Module &module, ByteSource &source, DocumentKind kind,
@@ -44,24 +61,25 @@ Status read_in_two_sessions(const Module &module, ByteSource &source, DocumentKi
     }
     Stitcher stitcher(sink, indents_reset(kind));
     const std::array<Session *, 2> sessions = {&session, other.value().get()};
-    return read_stopping(sessions, stitcher);
+    return read_stopping(sessions, stitcher, source);
 }
 
-Status read_following_margins(DocumentKind kind, Session &session, EventSink &sink)
+Status read_following_margins(const ByteSource &source, DocumentKind kind, Session &session,
+                              EventSink &sink)
 {
     MarginFollower follower(sink);
     Stitcher stitcher(follower, indents_reset(kind), AnnouncedMargins::passed_on_if_changed);
     const std::array<Session *, 1> sessions = {&session};
-    return read_stopping(sessions, stitcher);
+    return read_stopping(sessions, stitcher, source);
 }
 
-Status read_at_once(Session &session, EventSink &sink)
+Status read_at_once(const ByteSource &source, Session &session, EventSink &sink)
 {
     session.read(sink);
     if (!session.ended()) {
         return Error{ErrorKind::internal, "the module stopped before the document's end", ""};
     }
-    return {};
+    return check_end(session, source);
 }
 
 Status read_all(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
@@ -77,9 +95,9 @@ Status read_all(const Module &module, ByteSource &source, DocumentKind kind, Eve
         return read_in_two_sessions(module, source, kind, *session.value(), sink, options.offsets);
     }
     if (options.stops == Stops::for_margins && is_professional_write(kind)) {
-        return read_following_margins(kind, *session.value(), sink);
+        return read_following_margins(source, kind, *session.value(), sink);
     }
-    return read_at_once(*session.value(), sink);
+    return read_at_once(source, *session.value(), sink);
 }
 
 } // namespace

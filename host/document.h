@@ -29,7 +29,8 @@ struct ReadOptions {
 };
 
 // Delivers a document's events, from its section's start to its end. An error may come after
-// events have been delivered: a file can fail in its middle.
+// events have been delivered: a file can fail in its middle. After ErrorKind::damaged all of
+// them have been, the end included: the file ends before the document does.
 Status read_document(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
                      const ReadOptions &options = {});
 

@@ -13,6 +13,7 @@ enum class ErrorKind {
     usage,          // the command line asks for something impossible
     input,          // the input cannot be read
     not_a_document, // it can, but is none of the kinds we know
+    damaged,        // it is one, but not whole: what there is of it was read
     output,         // the output cannot be written
     internal        // our own fault, a missing or unfit module included
 };
@@ -30,6 +31,7 @@ constexpr int exit_code(ErrorKind kind)
     case ErrorKind::usage: return 2;
     case ErrorKind::input: return 3;
     case ErrorKind::not_a_document: return 4;
+    case ErrorKind::damaged: return 5;
     case ErrorKind::output: return 7;
     case ErrorKind::internal: break;
     }

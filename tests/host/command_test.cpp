@@ -312,6 +312,27 @@ TEST_F(Command, UnknownDocumentsAreFour)
     }
 }
 
+// Every document ends with a byte that says so; what stands behind it is of no concern.
+TEST_F(Command, CutDocumentsAreFiveAndWrittenAsFarAsTheyGo)
+{
+    for (const KindExample &example : kind_examples()) {
+        const std::string whole = document_of(example.kind, bytes(example.body));
+        write("whole", whole);
+        write("padded", whole + "\x1A\x1A");
+        write("cut", whole.substr(0, whole.rfind('\x0E')));
+        for (const char *subcommand : {"text", "trace"}) {
+            const std::string expected = output_of({subcommand, "whole"});
+            EXPECT_EQ(output_of({subcommand, "padded"}), expected);
+            const Outcome outcome = run({subcommand, "cut"});
+            expect_failure(outcome, 5, "pfsdoc: cut: is cut short: its ");
+            EXPECT_EQ(outcome.output, expected);
+            expect_failure(run({subcommand, "cut", "-o", "out"}), 5, "pfsdoc: cut: is cut short");
+            EXPECT_EQ(content_of(directory / "out"), expected);
+        }
+        expect_failure(run({"trace", "--stop", "cut"}), 5, "pfsdoc: cut: is cut short: its ");
+    }
+}
+
 TEST_F(Command, OutputThatCannotBeWrittenIsSeven)
 {
     const Streams full = {.output = "/dev/full"};

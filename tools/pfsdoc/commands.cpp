@@ -62,17 +62,20 @@ Result<Job> begin(const DocumentRequest &request)
                std::move(output.value())};
 }
 
-// Reads the job's document into a writer, and puts the output in its place if all went well.
-// What has gone to standard output before an error is out; a named file is not made.
+// Reads the job's document into a writer, and puts the output in its place if all went well,
+// or as well as it can with a document that is not whole. What has gone to standard output
+// before any other error is out; a named file is not made.
 template <typename Writer>
 Status convert(const Job &job, Writer &writer, const ReadOptions &options)
 {
-    if (Status fault = read_document(job.module, *job.source, job.identity.kind, writer, options)) {
+    const Status fault = read_document(job.module, *job.source, job.identity.kind, writer, options);
+    if (fault && fault->kind != ErrorKind::damaged) {
         job.output->flush();
         return fault;
     }
     writer.finish();
-    return job.output->commit();
+    const Status unwritten = job.output->commit();
+    return unwritten ? unwritten : fault;
 }
 
 template <typename Writer, typename Options>

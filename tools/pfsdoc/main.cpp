@@ -31,6 +31,7 @@ Exit codes:
   2   the command line is wrong
   3   an input cannot be read
   4   a file is not a document of a kind known here
+  5   the document is cut short; what there is of it has been written
   7   the output cannot be written
   70  a fault of pfsdoc itself, or of its module)";
 
