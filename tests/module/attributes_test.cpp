@@ -200,4 +200,29 @@ TEST(Attributes, TheNextReadTellsThemAgain)
                                          line_defaults + "13 1 0 | 4 2 0 | 4 10 0 | 'b' | 13 2 0"));
 }
 
+// A host may not restore a saved state from within a routine. One that does gets nonsense, but
+// it gets it once.
+struct Undoing {
+    VwInstance *instance;
+    std::string codes;
+};
+Undoing *undoing;
+
+int32_t undo_all(int32_t code, int32_t, uint32_t, uint32_t)
+{
+    undoing->codes += std::to_string(code) + " ";
+    undoing->instance->state.saved.attrState = 0;
+    return 0;
+}
+
+TEST(Attributes, ARoutineThatUndoesTheChangeHearsOfEachOnce)
+{
+    Bench bench("");
+    Undoing undone = {bench.instance, ""};
+    undoing = &undone;
+    VwSetSoRtn(VW_SO_ATTRIBUTE, reinterpret_cast<VwRoutine>(&undo_all), bench.instance);
+    EXPECT_EQ(check_attributes(attr_all, bench.instance), 0);
+    EXPECT_EQ(undone.codes, "4 3 2 10 11 ");
+}
+
 } // namespace
