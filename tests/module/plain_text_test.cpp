@@ -61,6 +61,27 @@ TEST(PlainText, CountsToTheEndOfTheBuffer)
     }
 }
 
+// Long runs are looked at in blocks of 64 bytes. 0x20 and 0x7F are next to what is not plain.
+TEST(PlainText, RunsEndBeforeAnyOtherByteAtAnyPlace)
+{
+    for (const char byte : {'\0', '\r', '\x1F', '*', '\x80', '\xFF'}) {
+        for (std::size_t place = 1; place < 200; ++place) {
+            std::string text;
+            while (text.size() < 220) {
+                text += text.size() % 3 == 0 ? ' ' : '\x7F';
+            }
+            text[place] = byte;
+            text[place + 1] = byte;
+            Buffered bench(text);
+            int16_t column = 0;
+            put_plain_text(bench.stream, bench.instance, column);
+            EXPECT_EQ(column, static_cast<int>(place)) << static_cast<int>(byte);
+            EXPECT_EQ(bench.tell(), place);
+            EXPECT_EQ(bench.take().size(), place);
+        }
+    }
+}
+
 TEST(PlainText, CountsNothingBehindTheData)
 {
     Bench bench("a");
