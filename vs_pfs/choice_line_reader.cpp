@@ -67,7 +67,8 @@ Progress read_byte(ChoiceReading &reading, ChoiceLine &line)
 // The attribute bytes of a character as the lookahead takes them: any number, each but the
 // last with bit 0x40, where the reader takes two at most. Returns the first, or -1 where
 // the data end before the last.
-template <typename NextByte> int32_t read_attribute_chain(NextByte &next_byte)
+template <typename NextByte>
+[[gnu::always_inline]] inline int32_t read_attribute_chain(NextByte &next_byte)
 {
     const int32_t first = next_byte();
     int32_t last = first;

@@ -20,6 +20,8 @@
 
 #include "line_text.h"
 
+#include <algorithm>
+
 namespace vs_pfs {
 
 // What the lookahead makes of one stored character, its attribute bytes included. A reader's
@@ -27,33 +29,52 @@ namespace vs_pfs {
 // one byte, or answers stop. Its function stops() tells the first bytes at which it does so.
 enum class Token { word, blank, stop };
 
-// Bytes as the stream delivers them.
+// Bytes as the stream delivers them. The stream follows when its buffer is used up; afterwards
+// it has to be positioned.
 class StreamBytes {
 public:
-    explicit StreamBytes(VwCharStream *stream) : stream_(stream) {}
+    explicit StreamBytes(VwCharStream *stream) : stream_(stream)
+    {
+        take_buffer();
+    }
 
     int32_t operator()()
     {
-        return VwCharGet(stream_);
+        return next_ != end_ ? *next_++ : refill();
     }
     void skip(int count)
     {
-        if (count < stream_->remaining) {
-            stream_->remaining = static_cast<int16_t>(stream_->remaining - count);
-            stream_->cursor += count;
+        if (count <= end_ - next_) {
+            next_ += count;
             return;
         }
         for (; count > 0; --count) {
-            VwCharGet(stream_);
+            operator()();
         }
     }
     uint32_t position() const
     {
-        return position_of(stream_);
+        return position_of(stream_) + static_cast<uint32_t>(next_ - stream_->cursor);
     }
 
 private:
+    void take_buffer()
+    {
+        next_ = stream_->cursor;
+        end_ = next_ + std::max<int>(stream_->remaining, 0);
+    }
+    int32_t refill()
+    {
+        stream_->remaining = static_cast<int16_t>(stream_->remaining - (next_ - stream_->cursor));
+        stream_->cursor = next_;
+        const int32_t byte = VwCharGet(stream_);
+        take_buffer();
+        return byte;
+    }
+
     VwCharStream *stream_;
+    uint8_t *next_;
+    uint8_t *end_;
 };
 
 // The bytes from a position on that lie in the buffer, which must hold the position. The
