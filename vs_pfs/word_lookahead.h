@@ -54,7 +54,7 @@ public:
     }
     uint32_t position() const
     {
-        return position_of(stream_) + static_cast<uint32_t>(next_ - stream_->cursor);
+        return static_cast<uint32_t>(position_of(stream_) + (next_ - stream_->cursor));
     }
 
 private:
@@ -65,8 +65,7 @@ private:
     }
     int32_t refill()
     {
-        stream_->remaining = static_cast<int16_t>(stream_->remaining - (next_ - stream_->cursor));
-        stream_->cursor = next_;
+        stream_->remaining = std::min<int16_t>(stream_->remaining, 0); // all have been taken
         const int32_t byte = VwCharGet(stream_);
         take_buffer();
         return byte;
@@ -101,7 +100,7 @@ public:
     }
     uint32_t position() const
     {
-        return stream_->bufferBase + static_cast<uint32_t>(next_ - stream_->buffer);
+        return static_cast<uint32_t>(stream_->bufferBase + (next_ - stream_->buffer));
     }
     bool ran_out() const
     {
