@@ -2,7 +2,7 @@
 // module alone, and against copying the document's bytes.
 #include "benchmarks.h"
 
-#include "document.h"
+#include "read_document.h"
 #include "text_writer.h"
 
 #include <algorithm>

@@ -1,8 +1,5 @@
 #include "code_page_437.h"
 
-#include <algorithm>
-#include <cstddef>
-
 namespace pfsdoc {
 
 // Eight to a row, so that the rows can be counted.
@@ -42,67 +39,5 @@ constexpr std::array<char16_t, 256> code_page_437 = {
     u'°', u'∙', u'·', u'√', u'ⁿ', u'²', u'■', u'\u00A0', // F8
 };
 // clang-format on
-
-namespace {
-
-struct Encoded {
-    std::array<char, 3> bytes;
-    uint8_t length;
-};
-
-constexpr unsigned last_one_byte_character = 0x7F;
-constexpr unsigned last_two_byte_character = 0x7FF;
-
-constexpr char continuation(unsigned character, unsigned shift)
-{
-    return static_cast<char>(0x80U | ((character >> shift) & 0x3FU));
-}
-
-constexpr Encoded encode(unsigned character)
-{
-    if (character <= last_one_byte_character) {
-        return {{static_cast<char>(character)}, 1};
-    }
-    if (character <= last_two_byte_character) {
-        return {{static_cast<char>(0xC0U | (character >> 6)), continuation(character, 0)}, 2};
-    }
-    return {{static_cast<char>(0xE0U | (character >> 12)), continuation(character, 6),
-             continuation(character, 0)},
-            3};
-}
-
-constexpr std::array<Encoded, 256> encode_all()
-{
-    std::array<Encoded, 256> encoded{};
-    for (std::size_t byte = 0; byte < encoded.size(); ++byte) {
-        encoded[byte] = encode(code_page_437[byte]);
-    }
-    return encoded;
-}
-constexpr std::array<Encoded, 256> encodings = encode_all();
-
-// The bytes that stand for themselves.
-constexpr bool is_ascii(char byte)
-{
-    return byte >= ' ' && byte <= '~';
-}
-
-} // namespace
-
-void append_utf8(std::string &utf8, std::string_view code_page_437_bytes)
-{
-    const char *at = code_page_437_bytes.data();
-    const char *const end = at + code_page_437_bytes.size();
-    while (at != end) {
-        const char *const others = std::find_if_not(at, end, is_ascii);
-        utf8.append(at, others);
-        at = others;
-        if (at != end) {
-            const Encoded &encoded = encodings[static_cast<unsigned char>(*at)];
-            utf8.append(encoded.bytes.data(), encoded.length);
-            ++at;
-        }
-    }
-}
 
 } // namespace pfsdoc

@@ -8,8 +8,6 @@ namespace pfsdoc {
 
 namespace {
 
-constexpr uint16_t first_choice_2_file_id = 1017;
-
 constexpr char command_delimiter = '*';
 
 constexpr int32_t header_block = 1;
@@ -23,10 +21,10 @@ constexpr bool is_byte(int32_t value)
 
 } // namespace
 
-LineSpacingRule line_spacing_rule(uint16_t file_id)
+LineSpacingRule line_spacing_rule(DocumentKind kind)
 {
-    return file_id == first_choice_2_file_id ? LineSpacingRule::at_break
-                                             : LineSpacingRule::at_last_character;
+    return kind == DocumentKind::first_choice_2 ? LineSpacingRule::at_break
+                                                : LineSpacingRule::at_last_character;
 }
 
 ParagraphCollector::ParagraphCollector(BlockSink &sink, LineSpacingRule rule)

@@ -18,7 +18,9 @@
 // there, an end without a beginning is ignored. Tests: tests/host/paragraph_collector_test.cpp.
 #pragma once
 
+#include "block_sink.h"
 #include "events.h"
+#include "identify.h"
 #include "paragraph.h"
 
 #include <cstddef>
@@ -27,22 +29,6 @@
 #include <vector>
 
 namespace pfsdoc {
-
-enum class BlockKind { header, footer };
-
-// Receives a document's blocks in order. What it is given is valid during the call.
-class BlockSink {
-public:
-    virtual ~BlockSink() = default;
-    // A paragraph, or between block_begin and block_end a header or footer line.
-    virtual void paragraph(const Paragraph &paragraph) = 0;
-    // A page break between paragraphs, or before any text of one. Others are pieces.
-    virtual void page_break(uint32_t source) = 0;
-    virtual void block_begin(BlockKind kind) = 0;
-    virtual void block_end() = 0;
-    // Once, and nothing after it.
-    virtual void end_of_document() = 0;
-};
 
 // Where to look for a paragraph's spacing.
 //
@@ -54,7 +40,7 @@ public:
 // the one at the break. The other kinds never change it and fit either rule.
 enum class LineSpacingRule { at_last_character, at_break };
 
-LineSpacingRule line_spacing_rule(uint16_t file_id);
+LineSpacingRule line_spacing_rule(DocumentKind kind);
 
 class ParagraphCollector final : public EventSink {
 public:

@@ -21,6 +21,8 @@ constexpr std::array<AlignmentCommand, 4> alignment_commands = {{
     {"*R*", VW_ALIGN_RIGHT},
 }};
 
+constexpr std::array<std::string_view, 2> page_commands = {"*NEW PAGE*", "*N*"};
+
 // Independent of the locale, as the module's own comparison is.
 char upper_case(char letter)
 {
@@ -43,6 +45,14 @@ std::optional<int32_t> alignment_command(std::string_view text)
         }
     }
     return std::nullopt;
+}
+
+bool command_takes_effect(std::string_view text)
+{
+    return alignment_command(text) || std::any_of(page_commands.begin(), page_commands.end(),
+                                                  [text](std::string_view command) {
+                                                      return same_but_for_case(text, command);
+                                                  });
 }
 
 } // namespace pfsdoc

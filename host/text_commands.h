@@ -13,4 +13,8 @@ namespace pfsdoc {
 // includes both asterisks; upper and lower case are the same.
 std::optional<int32_t> alignment_command(std::string_view text);
 
+// Whether hiding a command loses nothing, because what it asks for is done: those that align,
+// and those that begin a page, which come with a page break.
+bool command_takes_effect(std::string_view text);
+
 } // namespace pfsdoc

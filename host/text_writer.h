@@ -7,9 +7,9 @@
 // lines again. Header lines come first, then an empty line, the body, an empty line and the
 // footer lines. Lines never end in blanks; text that is not empty ends with a line end.
 //
-//   page breaks   a form feed, directly before the next line. Without TextOptions::page_breaks
+//   page breaks   a form feed, directly before the next line. Without WriterOptions::page_breaks
 //                 they leave no trace: a paragraph goes on over them.
-//   commands      hidden unless TextOptions::commands asks for them; then text like any
+//   commands      hidden unless WriterOptions::commands asks for them; then text like any
 //                 other, one that is cut ending in "...". A paragraph of nothing but hidden
 //                 commands leaves no line. A centre or right-align command in front of a
 //                 paragraph's text aligns all of it, shown or not.
@@ -22,7 +22,7 @@
 //                 not in the way of reading and searching.
 //
 // How lines are filled, tab stops included, is line_layout.h's matter; which character a byte
-// is, code_page_437.h's. The writer takes time in proportion to the document and holds one
+// is, code_page.h's. The writer takes time in proportion to the document and holds one
 // paragraph and one line, never the text. Tests: tests/host/text_writer_test.cpp and, for
 // hostile documents, tests/host/text_limits_test.cpp.
 #pragma once
@@ -32,6 +32,7 @@
 #include "output.h"
 #include "paragraph_collector.h"
 #include "utf8_output.h"
+#include "writer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -39,25 +40,14 @@
 
 namespace pfsdoc {
 
-// Rulers count columns in eight bits, so nothing that means it has wider margins.
-inline constexpr int32_t widest_page_columns = 255;
-// A new document's margins are columns 10 and 70, counted from 1.
-inline constexpr int32_t default_left_column = 9;
-inline constexpr int32_t default_right_column = 69;
-
-struct TextOptions {
-    bool page_breaks = true; // as form feeds
-    bool commands = false;   // shown as stored
-};
-
 // Writes blocks as text.
-class TextBlockWriter final : public BlockSink {
+class TextBlockWriter final : public Writer {
 public:
     // Footers have to wait for the end of the document. Two lines of at most 255 bytes are
     // all that a document has; this much is kept whatever is sent.
     static constexpr std::size_t max_footer_bytes = 4096;
 
-    TextBlockWriter(Output &output, const TextOptions &options);
+    TextBlockWriter(Output &output, const WriterOptions &options);
     TextBlockWriter(const TextBlockWriter &) = delete;
     TextBlockWriter &operator=(const TextBlockWriter &) = delete;
 
@@ -73,7 +63,7 @@ private:
     void lay_out_piece(const Paragraph &paragraph, std::size_t index, LineLayout &layout);
     void lay_out_text(std::string_view bytes, LineLayout &layout);
 
-    TextOptions options_;
+    WriterOptions options_;
     Place place_ = Place::body;
     Utf8Output text_;
     LineLayout layout_;
@@ -86,7 +76,7 @@ private:
 // The same from events.
 class TextWriter final : public EventSink {
 public:
-    explicit TextWriter(Output &output, const TextOptions &options = {});
+    explicit TextWriter(Output &output, const WriterOptions &options = {});
 
     // Always 0: no reason to stop.
     int32_t on_event(const Event &event, uint32_t offset) override;

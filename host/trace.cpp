@@ -1,6 +1,7 @@
 #include "trace.h"
 
 #include "attribute_names.h"
+#include "formats.h"
 #include "printable.h"
 #include "vs_pfs.h"
 
@@ -254,5 +255,24 @@ void TraceWriter::finish()
 {
     end_run();
 }
+
+namespace {
+
+std::unique_ptr<EventWriter> make_event_writer(Output &output, const WriterOptions &options)
+{
+    return std::make_unique<TraceWriter>(output, TraceOptions{options.offsets, options.fold});
+}
+
+} // namespace
+
+const Format trace_format = {
+    .name = "trace",
+    .extension = "trace",
+    .description = "what the module reports, one event a line",
+    .options = "offsets fold ",
+    .make_writer = nullptr,
+    .make_event_writer = make_event_writer,
+    .wants_offsets = false,
+};
 
 } // namespace pfsdoc

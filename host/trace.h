@@ -9,6 +9,7 @@
 
 #include "events.h"
 #include "output.h"
+#include "writer.h"
 
 #include <cstdint>
 #include <string>
@@ -22,13 +23,13 @@ struct TraceOptions {
     bool fold = false;
 };
 
-class TraceWriter final : public EventSink {
+class TraceWriter final : public EventWriter {
 public:
     TraceWriter(Output &output, const TraceOptions &options) : output_(output), options_(options) {}
 
     int32_t on_event(const Event &event, uint32_t offset) override;
     // Ends the last line; to be called once after the last event.
-    void finish();
+    void finish() override;
 
 private:
     enum class Run { none, text, special };

@@ -1,7 +1,5 @@
 #include "utf8_output.h"
 
-#include "code_page_437.h"
-
 #include <algorithm>
 
 namespace pfsdoc {
@@ -15,7 +13,10 @@ constexpr std::size_t longest_character = 3;
 
 } // namespace
 
-Utf8Output::Utf8Output(Output &output) : output_(output) {}
+Utf8Output::Utf8Output(Output &output, const CodePage &code_page)
+    : output_(output), code_page_(code_page)
+{
+}
 
 void Utf8Output::blanks(std::size_t count)
 {
@@ -33,7 +34,7 @@ void Utf8Output::text(std::string_view bytes)
         before_writing();
         line_open_ = true;
         const std::size_t count = std::min(bytes.size(), stretch_size);
-        append_utf8(buffer_, bytes.substr(0, count));
+        code_page_.append_utf8(buffer_, bytes.substr(0, count));
         bytes.remove_prefix(count);
     }
 }

@@ -1,7 +1,8 @@
-// Lines of code page 437 bytes in, UTF-8 in large chunks out.
+// Lines of the documents' bytes in, UTF-8 in large chunks out.
 // Tests: tests/host/text_limits_test.cpp.
 #pragma once
 
+#include "code_page.h"
 #include "output.h"
 
 #include <cstddef>
@@ -15,10 +16,11 @@ public:
     // Large enough that a write is worth its cost.
     static constexpr std::size_t chunk_size = 65536;
 
-    explicit Utf8Output(Output &output);
+    // Both must outlive it.
+    explicit Utf8Output(Output &output, const CodePage &code_page = CodePage::ibm437());
 
     void blanks(std::size_t count);
-    // Bytes of code page 437.
+    // Bytes of the code page.
     void text(std::string_view bytes);
     // Text that is UTF-8 already.
     void utf8(std::string_view encoded);
@@ -38,6 +40,7 @@ private:
     void hand_on();
 
     Output &output_;
+    const CodePage &code_page_;
     std::string buffer_;
     bool empty_ = true;
     bool line_open_ = false; // the last byte written was no line end

@@ -2,7 +2,7 @@
 // alike however it is delivered, stopped and resumed. support/test_document.h tells how they
 // are written; one is run by its name, as in
 //   document_tests --gtest_filter='*swallowed_first_return'
-#include "document.h"
+#include "read_document.h"
 #include "recording_host.h"
 #include "test_document.h"
 #include "trace.h"

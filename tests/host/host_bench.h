@@ -3,10 +3,10 @@
 #pragma once
 
 #include "block_files.h"
-#include "document.h"
 #include "events.h"
 #include "identify.h"
 #include "module.h"
+#include "read_document.h"
 #include "session.h"
 
 #include "notation.h"

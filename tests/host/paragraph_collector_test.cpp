@@ -258,9 +258,11 @@ TEST(LineSpacing, OfAnEmptyParagraphIsTheOneAtTheBreak)
 
 TEST(LineSpacing, RuleFollowsTheKind)
 {
-    EXPECT_EQ(line_spacing_rule(1014), LineSpacingRule::at_last_character);
-    EXPECT_EQ(line_spacing_rule(1015), LineSpacingRule::at_last_character);
-    EXPECT_EQ(line_spacing_rule(1017), LineSpacingRule::at_break);
+    EXPECT_EQ(line_spacing_rule(DocumentKind::professional_write_1),
+              LineSpacingRule::at_last_character);
+    EXPECT_EQ(line_spacing_rule(DocumentKind::professional_write_2),
+              LineSpacingRule::at_last_character);
+    EXPECT_EQ(line_spacing_rule(DocumentKind::first_choice_2), LineSpacingRule::at_break);
 }
 
 // ---------------------------------------------------------- commands and page breaks ----

@@ -71,7 +71,7 @@ TEST(Writer, WritesInChunks)
 // Each is of a size at which anything but linear time would be felt, and its output is known.
 
 struct Hostile {
-    explicit Hostile(const TypedEvents &start, const TextOptions &options = {})
+    explicit Hostile(const TypedEvents &start, const WriterOptions &options = {})
         : writer(output, options)
     {
         start.tell(writer);
@@ -196,7 +196,7 @@ TEST(HostileDocument, WithEventsOfEveryKindAndAnyValue)
     const std::vector<int32_t> values = {INT32_MIN, -1, 0,   1,     2,       6,
                                          7,         42, 144, 10080, 1 << 20, INT32_MAX};
     StringOutput output;
-    TextOptions options = with_commands();
+    WriterOptions options = with_commands();
     TextWriter writer(output, options);
     for (const int32_t a : values) {
         for (const int32_t b : values) {

@@ -10,7 +10,7 @@
 
 namespace tests {
 
-inline std::string text(const TypedEvents &events, const pfsdoc::TextOptions &options = {})
+inline std::string text(const TypedEvents &events, const pfsdoc::WriterOptions &options = {})
 {
     pfsdoc::StringOutput output;
     pfsdoc::TextWriter writer(output, options);
@@ -19,16 +19,16 @@ inline std::string text(const TypedEvents &events, const pfsdoc::TextOptions &op
     return output.text;
 }
 
-inline pfsdoc::TextOptions without_page_breaks()
+inline pfsdoc::WriterOptions without_page_breaks()
 {
-    pfsdoc::TextOptions options;
+    pfsdoc::WriterOptions options;
     options.page_breaks = false;
     return options;
 }
 
-inline pfsdoc::TextOptions with_commands()
+inline pfsdoc::WriterOptions with_commands()
 {
-    pfsdoc::TextOptions options;
+    pfsdoc::WriterOptions options;
     options.commands = true;
     return options;
 }

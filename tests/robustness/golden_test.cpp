@@ -1,6 +1,6 @@
 // The samples' committed traces and texts, byte for byte. scripts/update-goldens rewrites them.
-#include "document.h"
 #include "document_files.h"
+#include "read_document.h"
 #include "text_writer.h"
 #include "trace.h"
 
@@ -51,9 +51,9 @@ TEST_P(Golden, TraceIsAsCommitted)
 
 TEST_P(Golden, TextIsAsCommitted)
 {
-    expect_same_text(
-        written<pfsdoc::TextWriter>(GetParam(), pfsdoc::TextOptions{}, pfsdoc::Stops::for_margins),
-        golden(GetParam(), ".text"));
+    expect_same_text(written<pfsdoc::TextWriter>(GetParam(), pfsdoc::WriterOptions{},
+                                                 pfsdoc::Stops::for_margins),
+                     golden(GetParam(), ".text"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, Golden, ::testing::ValuesIn(sample_files()),

@@ -1,7 +1,7 @@
 // The reference host's promise: a document read with a stop at every break, each time going
 // on from the saved place in another instance, gives the very events of one single read.
-#include "document.h"
 #include "document_files.h"
+#include "read_document.h"
 #include "trace.h"
 
 #include <gtest/gtest.h>

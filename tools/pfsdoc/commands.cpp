@@ -1,8 +1,9 @@
 #include "commands.h"
 
-#include "document.h"
 #include "file_output.h"
+#include "paragraph_collector.h"
 #include "printable.h"
+#include "read_document.h"
 
 #include <cstdio>
 #include <sys/stat.h>
@@ -62,33 +63,68 @@ Result<Job> begin(const DocumentRequest &request)
                std::move(output.value())};
 }
 
-// Reads the job's document into a writer, and puts the output in its place if all went well,
-// or as well as it can with a document that is not whole. What has gone to standard output
-// before any other error is out; a named file is not made.
-template <typename Writer>
-Status convert(const Job &job, Writer &writer, const ReadOptions &options)
+// Reads the job's document into a sink, and lets it finish if all went well, or as well as it
+// can with a document that is not whole. What has gone to standard output before any other
+// error is out; a named file is not made.
+template <typename Finish>
+Status convert(const Job &job, EventSink &sink, const ReadOptions &options, Finish finish)
 {
-    const Status fault = read_document(job.module, *job.source, job.identity.kind, writer, options);
+    const Status fault = read_document(job.module, *job.source, job.identity.kind, sink, options);
     if (fault && fault->kind != ErrorKind::damaged) {
         job.output->flush();
         return fault;
     }
-    writer.finish();
+    finish();
     const Status unwritten = job.output->commit();
     return unwritten ? unwritten : fault;
 }
 
-template <typename Writer, typename Options>
-int run(const DocumentRequest &request, const Options &writer_options,
-        const ReadOptions &read_options)
+Status convert_events(const Job &job, EventWriter &writer, const ReadOptions &options)
 {
-    const Result<Job> job = begin(request);
-    if (!job.ok()) {
-        return report(subject_of(request.file), job.error());
+    return convert(job, writer, options, [&writer] { writer.finish(); });
+}
+
+Status convert_blocks(const Job &job, Writer &writer, Offsets offsets)
+{
+    ParagraphCollector collector(writer, line_spacing_rule(job.identity.kind));
+    return convert(job, collector, {offsets, Stops::for_margins},
+                   [&collector] { collector.finish(); });
+}
+
+// The name that a document is known by: its file's, without the folders.
+std::string title_of(const std::string &file)
+{
+    return file == "-" ? "" : printable(file.substr(file.rfind('/') + 1));
+}
+
+void report_losses(const std::string &subject, const Writer &writer)
+{
+    for (const LossEntry &entry : writer.losses().entries()) {
+        std::string line = "pfsdoc: " + subject + ": not in the output: ";
+        line.append(std::to_string(entry.count)).append(" ").append(loss_words(entry.loss));
+        static_cast<void>(std::fprintf(stderr, "%s\n", printable(line).c_str()));
     }
-    Writer writer(*job.value().output, writer_options);
-    const Status fault = convert(job.value(), writer, read_options);
-    return fault ? report(subject_of(request.file), *fault) : 0;
+}
+
+Status convert_with(const Job &job, const ConvertRequest &request)
+{
+    const Format &format = *request.format;
+    const Offsets offsets =
+        format.wants_offsets || request.options.offsets ? Offsets::wanted : Offsets::none;
+    if (format.make_event_writer != nullptr) {
+        const auto writer = format.make_event_writer(*job.output, request.options);
+        return convert_events(job, *writer, {offsets, Stops::none});
+    }
+    const DocumentInfo info{job.identity.kind, title_of(request.document.file)};
+    const auto writer = format.make_writer(*job.output, info, request.options);
+    if (!writer.ok()) {
+        return writer.error();
+    }
+    const Status fault = convert_blocks(job, *writer.value(), offsets);
+    if (request.report && (!fault || fault->kind == ErrorKind::damaged)) {
+        report_losses(subject_of(request.document.file), *writer.value());
+    }
+    return fault;
 }
 
 Result<Identity> identify_file(const std::string &file)
@@ -134,14 +170,25 @@ int report(const std::string &subject, const Error &error)
 
 int run_trace(const TraceRequest &request)
 {
+    const Result<Job> job = begin(request.document);
+    if (!job.ok()) {
+        return report(subject_of(request.document.file), job.error());
+    }
+    TraceWriter writer(*job.value().output, request.options);
     const Offsets offsets = request.options.offsets ? Offsets::wanted : Offsets::none;
-    return run<TraceWriter>(request.document, request.options,
-                            {offsets, request.stop ? Stops::at_breaks : Stops::none});
+    const Status fault = convert_events(job.value(), writer,
+                                        {offsets, request.stop ? Stops::at_breaks : Stops::none});
+    return fault ? report(subject_of(request.document.file), *fault) : 0;
 }
 
-int run_text(const TextRequest &request)
+int run_convert(const ConvertRequest &request)
 {
-    return run<TextWriter>(request.document, request.options, {Offsets::none, Stops::for_margins});
+    const Result<Job> job = begin(request.document);
+    if (!job.ok()) {
+        return report(subject_of(request.document.file), job.error());
+    }
+    const Status fault = convert_with(job.value(), request);
+    return fault ? report(subject_of(request.document.file), *fault) : 0;
 }
 
 int run_identify(const std::vector<std::string> &files)

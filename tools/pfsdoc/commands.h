@@ -3,8 +3,8 @@
 #pragma once
 
 #include "error.h"
-#include "text_writer.h"
 #include "trace.h"
+#include "writer.h"
 
 #include <string>
 #include <string_view>
@@ -12,7 +12,7 @@
 
 namespace pfsdoc {
 
-// What `trace` and `text` have in common. "-" is standard input and standard output.
+// What the commands for one document have in common. "-" is standard input and standard output.
 struct DocumentRequest {
     std::string file;
     std::string output;
@@ -25,14 +25,16 @@ struct TraceRequest {
     bool stop = false;
 };
 
-struct TextRequest {
+struct ConvertRequest {
     DocumentRequest document;
-    TextOptions options;
+    const Format *format = nullptr;
+    WriterOptions options;
+    bool report = false; // list on standard error what the format could not say
 };
 
 // Each gives the program's exit code, and has told standard error why if it is not 0.
 int run_trace(const TraceRequest &request);
-int run_text(const TextRequest &request);
+int run_convert(const ConvertRequest &request);
 // Goes on after a file that fails; the exit code is that of the first one.
 int run_identify(const std::vector<std::string> &files);
 

@@ -22,18 +22,22 @@ constexpr const char *description =
 constexpr const char *examples = R"(Examples:
   pfsdoc identify *            what each file is, by its content
   pfsdoc text LETTER           the letter as text, on the screen
-  pfsdoc text LETTER -o l.txt  the same into a file
+  pfsdoc convert LETTER -o letter.html
+                               as a page for the browser
   pfsdoc trace --fold LETTER   what the module reports, one event a line
   pfsdoc text - < LETTER       from standard input
 
 Exit codes:
-  0   done
-  2   the command line is wrong
-  3   an input cannot be read
-  4   a file is not a document of a kind known here
-  5   the document is cut short; what there is of it has been written
-  7   the output cannot be written
-  70  a fault of pfsdoc itself, or of its module)";
+  0    done
+  1    some of several inputs failed
+  2    the command line is wrong
+  3    an input cannot be read
+  4    a file is not a document of a kind known here
+  5    the document is cut short; what there is of it has been written
+  6    a limit was hit
+  7    the output cannot be written
+  70   a fault of pfsdoc itself, or of its module
+  130  interrupted)";
 
 constexpr const char *identify_examples =
     R"(Goes on after a file that fails; the exit code is that of the first failure.
@@ -51,11 +55,40 @@ Examples:
 constexpr const char *trace_examples = R"(Example:
   pfsdoc trace --fold --offsets LETTER)";
 
+constexpr const char *convert_examples =
+    R"(Options that a format does not read are refused. Without -t, the name after -o tells the
+format.
+
+Examples:
+  pfsdoc convert LETTER -o letter.odt
+  pfsdoc convert -t html --charset 850 --report LETTER > letter.html
+  pfsdoc convert -t text --wrap 72 --no-headers LETTER)";
+
 struct Requests {
     std::vector<std::string> identify;
-    pfsdoc::TextRequest text;
+    pfsdoc::ConvertRequest text;
+    pfsdoc::ConvertRequest convert;
+    std::string format;
     pfsdoc::TraceRequest trace;
+    std::string charset;
     bool no_page_breaks = false;
+    bool no_headers = false;
+};
+
+// An option of the command line and the names that formats list it by.
+struct FormatOption {
+    std::string_view option;
+    std::string_view name;
+};
+constexpr FormatOption format_options[] = {
+    {"--no-page-breaks", "page_breaks"},
+    {"--no-headers", "headers"},
+    {"--commands", "commands"},
+    {"--wrap", "wrap"},
+    {"--raw-lines", "raw_lines"},
+    {"--lines", "lines"},
+    {"--offsets", "offsets"},
+    {"--fold", "fold"},
 };
 
 void add_document_options(CLI::App &command, pfsdoc::DocumentRequest &request)
@@ -81,14 +114,59 @@ CLI::App *add_identify(CLI::App &app, Requests &requests)
     return command;
 }
 
+void add_text_options(CLI::App &command, Requests &requests, pfsdoc::WriterOptions &options)
+{
+    command.add_flag("--no-page-breaks", requests.no_page_breaks, "leave page breaks out");
+    command.add_flag("--no-headers", requests.no_headers, "leave header and footer lines out");
+    command.add_flag("--commands", options.commands, "show the commands embedded in the text");
+    command
+        .add_option("--wrap", options.wrap,
+                    "fill lines to this many columns; 0 gives each paragraph one line")
+        ->option_text("COLUMNS");
+    command.add_flag("--raw-lines", options.raw_lines, "end lines where they end in the file")
+        ->excludes("--wrap");
+    command
+        .add_option("--charset", requests.charset,
+                    "the document's character set: 437 unless given, 850, ...")
+        ->option_text("NAME");
+}
+
 CLI::App *add_text(CLI::App &app, Requests &requests)
 {
-    CLI::App *command = app.add_subcommand("text", "Write a document as plain text");
+    CLI::App *command =
+        app.add_subcommand("text", "Write a document as plain text: convert -t text");
     add_document_options(*command, requests.text.document);
-    command->add_flag("--no-page-breaks", requests.no_page_breaks, "leave the form feeds out");
-    command->add_flag("--commands", requests.text.options.commands,
-                      "show the commands embedded in the text");
+    add_text_options(*command, requests, requests.text.options);
     command->footer(text_examples);
+    return command;
+}
+
+std::string format_list()
+{
+    std::string list = "the output format:";
+    for (const pfsdoc::Format *format : pfsdoc::formats()) {
+        list.append("\n  ").append(format->name);
+        list.append(std::max<std::size_t>(10, format->name.size() + 1) - format->name.size(), ' ');
+        list.append(format->description);
+    }
+    return list;
+}
+
+CLI::App *add_convert(CLI::App &app, Requests &requests)
+{
+    pfsdoc::ConvertRequest &request = requests.convert;
+    CLI::App *command = app.add_subcommand("convert", "Write a document in another format");
+    add_document_options(*command, request.document);
+    command->add_option("-t,--to", requests.format, format_list())->option_text("FORMAT");
+    add_text_options(*command, requests, request.options);
+    command->add_flag("--lines", request.options.lines, "json: one object a line");
+    command->add_flag("--offsets", request.options.offsets,
+                      "trace: put the position in the file before each event");
+    command->add_flag("--fold", request.options.fold,
+                      "trace: join characters that follow each other into one line");
+    command->add_flag("--report", request.report,
+                      "list on standard error what the format could not say");
+    command->footer(convert_examples);
     return command;
 }
 
@@ -134,6 +212,77 @@ std::vector<std::string> reversed_arguments(int argument_count, char **arguments
     return result;
 }
 
+pfsdoc::Result<const pfsdoc::Format *> wanted_format(const Requests &requests)
+{
+    const std::string &output = requests.convert.document.output;
+    const std::size_t dot = output.rfind('.');
+    if (requests.format.empty() && dot == std::string::npos) {
+        return pfsdoc::Error{pfsdoc::ErrorKind::usage, "the output format is not told",
+                             "give it with -t; see pfsdoc convert --help"};
+    }
+    const std::string name = requests.format.empty() ? output.substr(dot + 1) : requests.format;
+    for (const pfsdoc::Format *format : pfsdoc::formats()) {
+        if (format->name == name || (requests.format.empty() && format->extension == name)) {
+            return format;
+        }
+    }
+    return pfsdoc::Error{pfsdoc::ErrorKind::usage, "there is no output format \"" + name + "\"",
+                         "see pfsdoc convert --help"};
+}
+
+pfsdoc::Status check_format_options(const CLI::App &command, const pfsdoc::Format &format)
+{
+    for (const FormatOption &entry : format_options) {
+        const CLI::Option *option = command.get_option_no_throw(std::string(entry.option));
+        if (option != nullptr && option->count() > 0 && !format.reads_option(entry.name)) {
+            std::string what(entry.option);
+            what.append(" means nothing for ").append(format.name);
+            return pfsdoc::Error{pfsdoc::ErrorKind::usage, what, "leave it out"};
+        }
+    }
+    return {};
+}
+
+int convert(const CLI::App &command, const Requests &requests, pfsdoc::ConvertRequest request)
+{
+    const pfsdoc::Status misfit = check_format_options(command, *request.format);
+    if (misfit) {
+        return pfsdoc::report("", *misfit);
+    }
+    request.options.page_breaks = !requests.no_page_breaks;
+    request.options.headers = !requests.no_headers;
+    if (requests.charset.empty()) {
+        return pfsdoc::run_convert(request);
+    }
+    const pfsdoc::Result<pfsdoc::CodePage> page = pfsdoc::CodePage::named(requests.charset);
+    if (!page.ok()) {
+        return pfsdoc::report("", page.error());
+    }
+    request.options.code_page = &page.value();
+    return pfsdoc::run_convert(request);
+}
+
+int run_command(const CLI::App &app, Requests &requests)
+{
+    const CLI::App &command = *app.get_subcommands().front();
+    if (command.get_name() == "identify") {
+        return pfsdoc::run_identify(requests.identify);
+    }
+    if (command.get_name() == "trace") {
+        return pfsdoc::run_trace(requests.trace);
+    }
+    if (command.get_name() == "text") {
+        requests.text.format = pfsdoc::find_format("text");
+        return convert(command, requests, requests.text);
+    }
+    const pfsdoc::Result<const pfsdoc::Format *> format = wanted_format(requests);
+    if (!format.ok()) {
+        return pfsdoc::report("", format.error());
+    }
+    requests.convert.format = format.value();
+    return convert(command, requests, requests.convert);
+}
+
 int run(int argument_count, char **arguments)
 {
     Requests requests;
@@ -141,8 +290,9 @@ int run(int argument_count, char **arguments)
     app.set_version_flag("--version", "pfsdoc " PFSDOC_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(examples);
-    const CLI::App *identify = add_identify(app, requests);
-    const CLI::App *text = add_text(app, requests);
+    add_identify(app, requests);
+    add_text(app, requests);
+    add_convert(app, requests);
     add_trace(app, requests);
     try {
         app.parse(reversed_arguments(argument_count, arguments));
@@ -153,11 +303,7 @@ int run(int argument_count, char **arguments)
     } catch (const CLI::ParseError &error) {
         return pfsdoc::report("", {pfsdoc::ErrorKind::usage, error.what(), "see pfsdoc --help"});
     }
-    requests.text.options.page_breaks = !requests.no_page_breaks;
-    if (identify->parsed()) {
-        return pfsdoc::run_identify(requests.identify);
-    }
-    return text->parsed() ? pfsdoc::run_text(requests.text) : pfsdoc::run_trace(requests.trace);
+    return run_command(app, requests);
 }
 
 // A standard stream that is closed would give its number to the next file that is opened, and

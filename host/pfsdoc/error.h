@@ -2,6 +2,7 @@
 // command's exit code. Tests: those of every file that answers with one.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
@@ -14,14 +15,17 @@ enum class ErrorKind {
     input,          // the input cannot be read
     not_a_document, // it can, but is none of the kinds we know
     damaged,        // it is one, but not whole: what there is of it was read
+    limit,          // it is larger than a limit allows
     output,         // the output cannot be written
-    internal        // our own fault, a missing or unfit module included
+    internal,       // our own fault, a missing or unfit module included
+    interrupted     // by the user
 };
 
 struct Error {
     ErrorKind kind;
     std::string what;
-    std::string remedy; // empty where nothing can be done
+    std::string remedy;               // empty where nothing can be done
+    std::optional<uint64_t> offset{}; // in the file, where the error has a place there
 };
 
 // Stable: scripts rely on them, and the manual page lists them.
@@ -32,7 +36,9 @@ constexpr int exit_code(ErrorKind kind)
     case ErrorKind::input: return 3;
     case ErrorKind::not_a_document: return 4;
     case ErrorKind::damaged: return 5;
+    case ErrorKind::limit: return 6;
     case ErrorKind::output: return 7;
+    case ErrorKind::interrupted: return 130;
     case ErrorKind::internal: break;
     }
     return 70;

@@ -1,4 +1,4 @@
-#include "document.h"
+#include "read_document.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,5 @@
 // The code page's characters.
+#include "code_page.h"
 #include "code_page_437.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,7 @@ using pfsdoc::code_page_437;
 std::string utf8(std::string_view bytes)
 {
     std::string encoded;
-    pfsdoc::append_utf8(encoded, bytes);
+    pfsdoc::CodePage::ibm437().append_utf8(encoded, bytes);
     return encoded;
 }
 

@@ -1,0 +1,11 @@
+// Each output format's entry, defined in the format's own file.
+#pragma once
+
+#include "writer.h"
+
+namespace pfsdoc {
+
+extern const Format text_format;
+extern const Format trace_format;
+
+} // namespace pfsdoc
