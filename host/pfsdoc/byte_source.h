@@ -22,6 +22,9 @@ namespace pfsdoc {
 // The first size that does not fit into a position.
 inline constexpr uint64_t input_size_limit = uint64_t{1} << 32;
 
+// For such an input; ErrorKind::limit.
+Error too_large();
+
 class ByteSource {
 public:
     virtual ~ByteSource() = default;
