@@ -34,7 +34,7 @@ struct LossEntry {
     uint32_t first_source; // offset in the file; 0 where offsets were not asked for
 };
 
-// In the plural, fit to follow a number: "runs of bold text".
+// In the plural: "embedded commands".
 std::string_view loss_words(Loss loss);
 // For programs: "bold", "tab_stops".
 std::string_view loss_name(Loss loss);
