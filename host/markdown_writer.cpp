@@ -99,7 +99,7 @@ constexpr bool can_begin_a_tag(char byte)
 
 constexpr bool can_begin_an_entity(char byte)
 {
-    return is_ascii_letter(byte) || is_digit(byte) || byte == '#';
+    return is_ascii_letter(byte) || byte == '#';
 }
 
 // Whether a character of a word means something wherever it stands.
@@ -121,10 +121,11 @@ bool is_special(std::string_view word, std::size_t at)
 }
 
 // Where a word at the beginning of a line has to be escaped, so that it does not begin a
-// heading, a quotation, a list or an underline.
+// heading, a quotation or a list. What makes a heading of the line above it finds none: each
+// paragraph is one line.
 std::size_t line_start_escape(std::string_view word)
 {
-    constexpr std::string_view beginnings = "#>-+=";
+    constexpr std::string_view beginnings = "#>-+";
     if (beginnings.find(word.front()) != std::string_view::npos) {
         return 0;
     }

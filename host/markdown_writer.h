@@ -16,7 +16,7 @@
 // Everything else that could mean something is escaped, but only where it could: a file that
 // nobody reads as it stands needs no Markdown. A bracket that opens is what makes a link, so
 // one that closes is harmless; "<" and "&" matter in front of what could be a tag or an
-// entity; "#", "-", "+", "=", ">" and "1." at the beginning of a line.
+// entity; "#", "-", "+", ">" and "1." at the beginning of a line.
 //
 // Emphasis. Whether asterisks open or close depends on their neighbours: they open only if no
 // blank follows, and they must not stand between a letter and a punctuation mark, which would
