@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::array all_formats = {
     &text_format,
+    &markdown_format,
+    &json_format,
+    &pandoc_format,
     &trace_format,
 };
 
