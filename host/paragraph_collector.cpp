@@ -50,6 +50,24 @@ void ParagraphCollector::on_characters(std::string_view bytes)
     }
 }
 
+CollectorContext ParagraphCollector::context(uint32_t offset) const
+{
+    const uint32_t before = offset_ != offset ? offset_ : offset_before_;
+    return {attributes_, alignment_, line_spacing_, margins_, tab_stops_, block_, before};
+}
+
+void ParagraphCollector::resume(const CollectorContext &context, uint32_t offset)
+{
+    attributes_ = context.attributes;
+    alignment_ = context.alignment;
+    line_spacing_ = context.line_spacing;
+    margins_ = context.margins;
+    tab_stops_ = context.tab_stops;
+    block_ = context.block;
+    note_offset(offset);
+    offset_before_ = context.offset_before;
+}
+
 void ParagraphCollector::finish()
 {
     if (finished_) {
@@ -200,15 +218,15 @@ void ParagraphCollector::on(const HeaderFooter &event)
     end_paragraph_in_progress();
     end_block();
     if (event.kind == header_block || event.kind == footer_block) {
-        in_block_ = true;
-        sink_.block_begin(event.kind == header_block ? BlockKind::header : BlockKind::footer);
+        block_ = event.kind == header_block ? BlockKind::header : BlockKind::footer;
+        sink_.block_begin(*block_);
     }
 }
 
 void ParagraphCollector::end_block()
 {
-    if (in_block_) {
-        in_block_ = false;
+    if (block_) {
+        block_.reset();
         sink_.block_end();
     }
 }
@@ -281,7 +299,7 @@ uint32_t ParagraphCollector::piece_source() const
 
 void ParagraphCollector::set_source_range()
 {
-    const bool text_elsewhere = in_block_ && paragraph_has_text_;
+    const bool text_elsewhere = block_.has_value() && paragraph_has_text_;
     paragraph_.source_begin =
         text_elsewhere ? paragraph_.pieces.front().source : next_source_begin_;
     paragraph_.source_end = text_elsewhere ? text_end_ : offset_;

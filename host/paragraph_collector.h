@@ -25,6 +25,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -42,6 +43,17 @@ enum class LineSpacingRule { at_last_character, at_break };
 
 LineSpacingRule line_spacing_rule(DocumentKind kind);
 
+// What a collector knows between two paragraphs from what came before.
+struct CollectorContext {
+    AttributeSet attributes = 0;
+    int32_t alignment = 0;
+    int32_t line_spacing = 0;
+    Margins margins{};
+    std::vector<TabStop> tab_stops;
+    std::optional<BlockKind> block; // that is open
+    uint32_t offset_before = 0;     // the last one that differed from where they meet
+};
+
 class ParagraphCollector final : public EventSink {
 public:
     // No command that does something comes near this length; a longer one is a command
@@ -56,6 +68,12 @@ public:
     // Always 0: no reason to stop.
     int32_t on_event(const Event &event, uint32_t offset) override;
     void on_characters(std::string_view bytes) override;
+
+    // As it is behind a paragraph's break at this offset, which may be still to come.
+    CollectorContext context(uint32_t offset) const;
+    // Goes on at an offset, after paragraphs that another collector has handed on. A block
+    // that is open there is not begun again.
+    void resume(const CollectorContext &context, uint32_t offset);
 
     // Ends the document where its end was not reported. Otherwise without effect.
     void finish();
@@ -105,7 +123,7 @@ private:
     bool paragraph_has_text_ = false;
     bool in_command_ = false;
     std::size_t command_bytes_ = 0;
-    bool in_block_ = false;
+    std::optional<BlockKind> block_; // that is open
     bool finished_ = false;
 
     // The offset of this event and the last one that differed from it: events of one

@@ -23,6 +23,9 @@ namespace pfsdoc {
 // The first size that does not fit into a position.
 inline constexpr uint64_t input_size_limit = uint64_t{1} << 32;
 
+// For such an input; ErrorKind::limit.
+PFSDOC_API Error too_large();
+
 class PFSDOC_API ByteSource {
 public:
     virtual ~ByteSource() = default;

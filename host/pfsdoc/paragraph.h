@@ -42,6 +42,8 @@ struct Piece {
     AttributeSet attributes;
     PieceKind kind;
     bool cut; // a command that was too long to be kept whole
+
+    bool operator==(const Piece &) const = default;
 };
 
 struct Paragraph {
@@ -62,6 +64,7 @@ struct Paragraph {
 
     uint64_t omitted_command_bytes = 0; // of cut commands
 
+    bool operator==(const Paragraph &) const = default;
     std::string_view piece_bytes(std::size_t index) const
     {
         const std::size_t begin = pieces[index].begin;
