@@ -4,7 +4,7 @@
 // tests/host/identify_test.cpp.
 #pragma once
 
-#include "block_files.h"
+#include "byte_source.h"
 #include "error.h"
 #include "export.h"
 

@@ -16,7 +16,8 @@ nm -DC --defined-only "$library" | cut -d' ' -f3- |
 sed -nE 's/^pfsdoc::([A-Za-z0-9_]+).*/\1/p' "$work/names" | LC_ALL=C sort -u > "$work/shown"
 
 # What the headers mark: the name is the last word before "(" or before what follows a class.
-find "$headers" -name '*.h' ! -name export.h -exec cat {} + | tr '\n' ' ' | grep -oE 'PFSDOC_API [^;{(]*[;{(]' |
+find "$headers" -name '*.h' ! -name export.h -exec cat {} + | tr '\n' ' ' |
+    grep -oE 'PFSDOC_API [^;{(]*[;{(]' |
     sed -E 's/^PFSDOC_API //; s/ *[;{(]$//; s/ (final|:[^:]).*//; s/.*[ *&>]//' |
     LC_ALL=C sort -u > "$work/declared"
 

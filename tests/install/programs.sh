@@ -19,16 +19,16 @@ failed()
     failures=$((failures + 1))
 }
 
-# expect_same WHAT EXPECTED PROGRAM ARGUMENT...: compares what the program writes with a file.
+# expect_same EXPECTED PROGRAM ARGUMENT...: compares what the program writes with a file.
 expect_same()
 {
-    local what=$1 expected=$2
-    shift 2
+    local expected=$1
+    shift
     if ! "$@" >"$work/output"; then
-        failed "$what: exit code of $1 is not 0"
+        failed "exit code is not 0: $*"
     fi
     diff "$expected" "$work/output" >"$work/difference" ||
-        failed "$what: $1 says otherwise:" "$(head -5 "$work/difference")"
+        failed "expected and output differ: $*" "$(head -5 "$work/difference")"
 }
 
 cmake --install "$build" --prefix "$work/before" >/dev/null
@@ -86,15 +86,15 @@ for text in "$source"/samples/*/*.text; do
     sample=${text%.text}
     document=$sample.doc
     as_numbers "$sample.trace" >"$work/numbers"
-    expect_same "$sample" "$work/numbers" "$work/by_cmake/module_linked" "$document"
-    expect_same "$sample" "$work/numbers" "$work/by_cmake/module_static" "$document"
-    expect_same "$sample" "$work/numbers" run_installed "$work/by_pkg_config/module_linked" "$document"
-    expect_same "$sample" "$work/numbers" \
+    expect_same "$work/numbers" "$work/by_cmake/module_linked" "$document"
+    expect_same "$work/numbers" "$work/by_cmake/module_static" "$document"
+    expect_same "$work/numbers" run_installed "$work/by_pkg_config/module_linked" "$document"
+    expect_same "$work/numbers" \
         "$work/by_cmake/module_loaded" "$libraries/libvs_pfs.so" "$document"
-    expect_same "$sample" "$text" "$work/by_cmake/library_text" "$document"
-    expect_same "$sample" "$text" run_installed "$work/by_pkg_config/library_text" "$document"
-    expect_same "$sample" "$text" "$prefix/bin/pfsdoc" text "$document"
-    expect_same "$sample" "$text" "$prefix/bin/pfsdoc" convert -t text "$document"
+    expect_same "$text" "$work/by_cmake/library_text" "$document"
+    expect_same "$text" run_installed "$work/by_pkg_config/library_text" "$document"
+    expect_same "$text" "$prefix/bin/pfsdoc" text "$document"
+    expect_same "$text" "$prefix/bin/pfsdoc" convert -t text "$document"
     count=$((count + 1))
 done
 [ "$count" -ge 14 ] || failed "only $count samples"

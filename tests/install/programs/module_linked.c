@@ -14,7 +14,8 @@ int main(int argc, char **argv)
     VwLocalUp(&file.operations, &stream, instance);
     VwSetSoRtn(VW_SO_CHARACTER, (VwRoutine)print_character, instance);
     VwSetSoRtn(VW_SO_BREAK, (VwRoutine)print_break, instance);
-    if (stream == NULL || VwStreamOpen(stream, VwPfsOverlayId[0].fileId, NULL, NULL, instance) != 0) {
+    if (stream == NULL ||
+        VwStreamOpen(stream, VwPfsOverlayId[0].fileId, NULL, NULL, instance) != 0) {
         fputs("module_linked: not a document\n", stderr);
         return 4;
     }
