@@ -1,6 +1,7 @@
 #include "block_reader.h"
 
 #include "read_document.h"
+#include "reading_stopped.h"
 
 #include <utility>
 
@@ -88,7 +89,13 @@ void BlockReader::read_until_pending()
 
 void BlockReader::read_on()
 {
-    session_->read(stitcher_);
+    try {
+        session_->read(stitcher_);
+    } catch (const ReadingStopped &stopped) {
+        ended_ = true;
+        fault_ = stopped.error();
+        return;
+    }
     const Status failure = source_.failure();
     if (failure || session_->ended()) {
         ended_ = true;

@@ -3,6 +3,7 @@
 #include "block_reader.h"
 #include "paragraph_collector.h"
 #include "read_document.h"
+#include "reading_stopped.h"
 #include "resume_token.h"
 
 #include <utility>
@@ -184,12 +185,26 @@ Result<PageSetup> Document::page_setup()
 Status Document::read(BlockSink &sink)
 {
     ParagraphCollector collector(sink, line_spacing_rule(kind()));
-    const Status fault = read_document(state_->module, *state_->source, kind(), collector,
-                                       {state_->offsets, Stops::for_margins});
-    if (!fault || fault->kind == ErrorKind::damaged) {
-        collector.finish();
+    try {
+        const Status fault = read_document(state_->module, *state_->source, kind(), collector,
+                                           {state_->offsets, Stops::for_margins});
+        if (!fault || fault->kind == ErrorKind::damaged) {
+            collector.finish();
+        }
+        return fault;
+    } catch (const ReadingStopped &stopped) {
+        return stopped.error();
     }
-    return fault;
+}
+
+Status Document::read_events(EventSink &sink, bool in_steps)
+{
+    try {
+        return read_document(state_->module, *state_->source, kind(), sink,
+                             {state_->offsets, in_steps ? Stops::at_breaks : Stops::none});
+    } catch (const ReadingStopped &stopped) {
+        return stopped.error();
+    }
 }
 
 Result<std::optional<Block>> Document::next()

@@ -1,5 +1,6 @@
 #include "paragraph_collector.h"
 
+#include "reading_stopped.h"
 #include "vs_pfs.h"
 
 #include <variant>
@@ -92,6 +93,9 @@ void ParagraphCollector::on(const Character &event)
 
 void ParagraphCollector::add_text(std::string_view bytes)
 {
+    if (bytes.size() > max_paragraph_bytes - paragraph_.bytes.size()) {
+        stop_at_limit();
+    }
     const bool same_piece = !paragraph_.pieces.empty() &&
                             paragraph_.pieces.back().kind == PieceKind::text &&
                             paragraph_.pieces.back().attributes == attributes_;
@@ -141,9 +145,23 @@ void ParagraphCollector::on(const PageBreak &)
 
 void ParagraphCollector::add_piece(PieceKind kind)
 {
+    if (paragraph_.pieces.size() == max_paragraph_pieces ||
+        paragraph_.bytes.size() >= max_paragraph_bytes) {
+        stop_at_limit();
+    }
     begin_paragraph();
     paragraph_.pieces.push_back(
         {paragraph_.bytes.size(), piece_source(), attributes_, kind, false});
+}
+
+void ParagraphCollector::stop_at_limit() const
+{
+    Error error{ErrorKind::limit, "has a paragraph that is too large to be held",
+                "pfsdoc trace reads it all the same"};
+    if (offset_ != 0) {
+        error.offset = offset_;
+    }
+    throw ReadingStopped(error);
 }
 
 // ------------------------------------------------------- what is reported of text -----

@@ -1,5 +1,6 @@
 // Turns the event stream into blocks, one at a time: memory is bounded by the largest
-// paragraph, never by the document.
+// paragraph, never by the document. A paragraph beyond max_paragraph_bytes or
+// max_paragraph_pieces ends the reading.
 //
 // The stream tells of a paragraph in pieces and late: characters first, then the indents,
 // then the break. So the collector holds one paragraph until its break, completes it with
@@ -99,6 +100,7 @@ private:
     void note_offset(uint32_t offset);
     uint32_t piece_source() const;
     void add_piece(PieceKind kind);
+    [[noreturn]] void stop_at_limit() const;
     void begin_paragraph();
     void end_paragraph();
     void end_paragraph_in_progress();

@@ -60,6 +60,8 @@ public:
 private:
     enum class Place { body, header, footer };
 
+    void add_losses(const Paragraph &paragraph);
+    bool page_break_is_shown(uint32_t source);
     void lay_out_piece(const Paragraph &paragraph, std::size_t index, LineLayout &layout);
     void lay_out_text(std::string_view bytes, LineLayout &layout);
 

@@ -5,8 +5,10 @@
 // same as without the stop.
 //
 // A Document is used by one thread at a time; documents in different threads share nothing.
-// Memory is bounded by the largest paragraph. Errors are values; nothing is thrown but what a
-// sink throws, and std::bad_alloc. Tests: tests/host/document_test.cpp.
+// Memory is bounded by the largest paragraph, and that by max_paragraph_bytes. Errors are
+// values; nothing is thrown but what a sink throws, and std::bad_alloc. A sink that throws
+// ReadingStopped (reading_stopped.h) ends the reading, which answers with its error. Tests:
+// tests/host/document_test.cpp.
 #pragma once
 
 #include "block_sink.h"
@@ -93,10 +95,14 @@ public:
     uint32_t size() const; // of the file, in bytes
     Result<PageSetup> page_setup();
 
-    // Delivers the whole document, wherever next() stands. An error may come after blocks were
+    // Delivers the whole document, wherever next() stands. Stops with ErrorKind::limit at a
+    // paragraph that is too large. An error may come after blocks were
     // delivered; after ErrorKind::damaged all of them have been, and the end: the file ends
     // before the document does.
     Status read(BlockSink &sink);
+    // The same in the module's own events. With in_steps the reading stops at every paragraph
+    // and goes on from a saved state in another instance: slower, and the same events.
+    Status read_events(EventSink &sink, bool in_steps = false);
 
     // The next block, or nothing at the end of the document. A document that is cut short
     // gives ErrorKind::damaged in place of its end. After an error every call repeats it.

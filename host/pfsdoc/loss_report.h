@@ -36,7 +36,7 @@ struct LossEntry {
     uint32_t first_source; // offset in the file; 0 where offsets were not asked for
 };
 
-// In the plural, fit to follow a number: "runs of bold text".
+// In the plural: "embedded commands".
 PFSDOC_API std::string_view loss_words(Loss loss);
 // For programs: "bold", "tab_stops".
 PFSDOC_API std::string_view loss_name(Loss loss);

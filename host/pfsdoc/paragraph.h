@@ -30,6 +30,11 @@ constexpr AttributeSet attribute_bit(int32_t code)
     return known ? static_cast<AttributeSet>(1U << static_cast<unsigned>(code)) : AttributeSet{0};
 }
 
+// Nothing that people wrote comes near these. A larger paragraph ends the reading with
+// ErrorKind::limit.
+inline constexpr std::size_t max_paragraph_bytes = std::size_t{64} << 20;
+inline constexpr std::size_t max_paragraph_pieces = std::size_t{4} << 20;
+
 enum class PieceKind : uint8_t {
     text,
     command,    // its bytes as stored, both asterisks included where the document has them

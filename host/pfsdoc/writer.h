@@ -22,6 +22,9 @@
 
 namespace pfsdoc {
 
+// For add_attribute_losses.
+inline constexpr AttributeSet all_attributes = 0xFFFF;
+
 // What is known of a document before its first block.
 struct DocumentInfo {
     DocumentKind kind = DocumentKind::write_a;
