@@ -99,6 +99,25 @@ for text in "$source"/samples/*/*.text; do
 done
 [ "$count" -ge 14 ] || failed "only $count samples"
 
+# The programs in the library's manual, in their order.
+awk -v directory="$work" '/^```cpp$/ { on = 1; ++number; next } /^```$/ { on = 0 }
+    on { print > (directory "/manual" number ".cpp") }' "$source/docs/library.md"
+for number in 1 2 3; do
+    # shellcheck disable=SC2046
+    "$CXX" -std=c++20 -Wall -Wextra -Werror -o "$work/manual$number" "$work/manual$number.cpp" \
+        $(flags_of pfsdoc)
+done
+letter=$source/samples/1013-pfs-write-b/letter.doc
+grep -vxF '(the end)' "$source/tests/examples/letter.paragraphs" >"$work/paragraphs"
+expect_same "$work/paragraphs" run_installed "$work/manual1" "$letter"
+letter=$source/samples/1012-pfs-write-a/letter.doc
+"$prefix/bin/pfsdoc" text --no-headers "$letter" >"$work/converted"
+printf 'lost: %s\n' bold italic underline subscript superscript header_footer command \
+    >>"$work/converted"
+expect_same "$work/converted" run_installed "$work/manual2" "$letter"
+printf '%s\n' 'Moorings for the coming season' 'north pontoon' cats >"$work/bold"
+expect_same "$work/bold" run_installed "$work/manual3" "$letter"
+
 # The installed command reads with the installed module: it notices when that is no module.
 find "$libraries" -name 'libvs_pfs.so*' -delete
 echo "no module" >"$libraries/libvs_pfs.so"
