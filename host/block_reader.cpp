@@ -43,6 +43,9 @@ Status BlockReader::begin(const Module &module, DocumentKind kind, Offsets offse
     }
     session_ = std::move(session.value());
     call_.start = std::make_shared<const ReadStart>(start);
+    if (offsets == Offsets::wanted) {
+        collector_.find_lines(source_, kind);
+    }
     if (start.at_beginning) {
         session_->section(stitcher_);
         return {};

@@ -185,6 +185,9 @@ Result<PageSetup> Document::page_setup()
 Status Document::read(BlockSink &sink)
 {
     ParagraphCollector collector(sink, line_spacing_rule(kind()));
+    if (state_->offsets == Offsets::wanted) {
+        collector.find_lines(*state_->source, kind());
+    }
     try {
         const Status fault = read_document(state_->module, *state_->source, kind(), collector,
                                            {state_->offsets, Stops::for_margins});

@@ -20,6 +20,19 @@ constexpr bool is_byte(int32_t value)
     return value >= 0 && value <= 0xFF;
 }
 
+// The bytes that end a line, by kind. In Professional Write the next line's type byte does.
+std::string_view line_end_bytes(DocumentKind kind)
+{
+    constexpr std::string_view type_bytes("\x00\x01\x02\x03", 4);
+    switch (kind) {
+    case DocumentKind::professional_write_1:
+    case DocumentKind::professional_write_2: return type_bytes;
+    case DocumentKind::first_choice_2:
+    case DocumentKind::first_choice_3: return "\x0C\x0D";
+    default: return "\x0D";
+    }
+}
+
 } // namespace
 
 LineSpacingRule line_spacing_rule(DocumentKind kind)
@@ -31,6 +44,12 @@ LineSpacingRule line_spacing_rule(DocumentKind kind)
 ParagraphCollector::ParagraphCollector(BlockSink &sink, LineSpacingRule rule)
     : sink_(sink), rule_(rule), alignment_(VW_ALIGN_LEFT), line_spacing_(VW_SINGLE_SPACING)
 {
+}
+
+void ParagraphCollector::find_lines(ByteSource &source, DocumentKind kind)
+{
+    window_.emplace(source);
+    line_ends_ = line_end_bytes(kind);
 }
 
 int32_t ParagraphCollector::on_event(const Event &event, uint32_t offset)
@@ -87,8 +106,22 @@ void ParagraphCollector::on(const Character &event)
     in_command_ = false;
     if (is_byte(event.byte)) {
         const char byte = static_cast<char>(event.byte);
+        note_character();
         add_text({&byte, 1});
     }
+}
+
+// What follows a character in the file directly ends its line, or does not. Trailing blanks
+// are characters, so nothing that is not reported comes in between.
+void ParagraphCollector::note_character()
+{
+    const bool is_next_line =
+        window_ && last_character_ < offset_ && !paragraph_.bytes.empty() &&
+        line_ends_.find(static_cast<char>(window_->at(last_character_))) != std::string_view::npos;
+    if (is_next_line) {
+        paragraph_.line_starts.push_back(paragraph_.bytes.size());
+    }
+    last_character_ = offset_;
 }
 
 void ParagraphCollector::add_text(std::string_view bytes)
@@ -113,6 +146,7 @@ void ParagraphCollector::on(const SpecialCharacter &event)
     if (!is_byte(event.byte)) {
         return;
     }
+    note_character();
     const char byte = static_cast<char>(event.byte);
     if (!in_command_) {
         if (byte != command_delimiter) {
@@ -284,6 +318,7 @@ void ParagraphCollector::clear_paragraph()
 {
     paragraph_.bytes.clear();
     paragraph_.pieces.clear();
+    paragraph_.line_starts.clear();
     paragraph_.omitted_command_bytes = 0;
     paragraph_in_progress_ = false;
     paragraph_has_text_ = false;

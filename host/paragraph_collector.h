@@ -20,6 +20,7 @@
 #pragma once
 
 #include "block_sink.h"
+#include "byte_window.h"
 #include "events.h"
 #include "identify.h"
 #include "paragraph.h"
@@ -66,6 +67,10 @@ public:
     explicit ParagraphCollector(BlockSink &sink,
                                 LineSpacingRule rule = LineSpacingRule::at_last_character);
 
+    // From here on the document's bytes are looked at to tell where its lines begin. The
+    // source must outlive the collector; events must come with offsets.
+    void find_lines(ByteSource &source, DocumentKind kind);
+
     // Always 0: no reason to stop.
     int32_t on_event(const Event &event, uint32_t offset) override;
     void on_characters(std::string_view bytes) override;
@@ -97,6 +102,7 @@ private:
     void on(const LineSpacing &event);
 
     void add_text(std::string_view bytes);
+    void note_character();
     void note_offset(uint32_t offset);
     uint32_t piece_source() const;
     void add_piece(PieceKind kind);
@@ -135,6 +141,9 @@ private:
     bool offset_known_ = false;
     uint32_t text_end_ = 0;
     uint32_t next_source_begin_ = 0;
+    uint32_t last_character_ = 0; // its offset
+    std::optional<ByteWindow> window_;
+    std::string_view line_ends_; // the bytes that end a line
 };
 
 } // namespace pfsdoc

@@ -20,6 +20,9 @@ constexpr std::size_t unlimited_columns = std::size_t{1} << 30;
 LineGeometry wanted_geometry(const Paragraph &paragraph, const WriterOptions &options)
 {
     LineGeometry geometry = line_geometry(paragraph);
+    if (options.raw_lines && geometry.alignment == LineAlignment::left) {
+        geometry.width = unlimited_columns;
+    }
     if (!options.wrap) {
         return geometry;
     }
@@ -58,6 +61,7 @@ void TextBlockWriter::paragraph(const Paragraph &paragraph)
         return;
     }
     add_losses(paragraph);
+    next_line_ = 0;
     LineLayout &layout = place_ == Place::footer ? footer_layout_ : layout_;
     layout.begin(wanted_geometry(paragraph, options_));
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
@@ -71,10 +75,10 @@ void TextBlockWriter::lay_out_piece(const Paragraph &paragraph, std::size_t inde
 {
     const Piece &piece = paragraph.pieces[index];
     switch (piece.kind) {
-    case PieceKind::text: lay_out_text(paragraph.piece_bytes(index), layout); break;
+    case PieceKind::text: lay_out_lines(paragraph, index, layout); break;
     case PieceKind::command:
         if (options_.commands) {
-            lay_out_text(paragraph.piece_bytes(index), layout);
+            lay_out_lines(paragraph, index, layout);
             lay_out_text(piece.cut ? cut_mark : std::string_view(), layout);
         }
         break;
@@ -85,6 +89,25 @@ void TextBlockWriter::lay_out_piece(const Paragraph &paragraph, std::size_t inde
         }
         break;
     }
+}
+
+// In stretches, where lines end as they do in the file.
+void TextBlockWriter::lay_out_lines(const Paragraph &paragraph, std::size_t index,
+                                    LineLayout &layout)
+{
+    const std::string_view bytes = paragraph.piece_bytes(index);
+    const std::size_t begin = paragraph.pieces[index].begin;
+    std::size_t done = 0;
+    while (options_.raw_lines && next_line_ < paragraph.line_starts.size() &&
+           paragraph.line_starts[next_line_] < begin + bytes.size()) {
+        // A hidden command may have begun the line.
+        const std::size_t end = std::max(paragraph.line_starts[next_line_], begin) - begin;
+        lay_out_text(bytes.substr(done, end - done), layout);
+        layout.end_line();
+        done = end;
+        ++next_line_;
+    }
+    lay_out_text(bytes.substr(done), layout);
 }
 
 void TextBlockWriter::lay_out_text(std::string_view bytes, LineLayout &layout)

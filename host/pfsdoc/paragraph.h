@@ -54,6 +54,9 @@ struct Piece {
 struct Paragraph {
     std::string bytes;
     std::vector<Piece> pieces;
+    // Indexes of the bytes that begin a new line in the file. A blank that joins two lines may
+    // be the end of one or the start of the other. Empty where offsets were not asked for.
+    std::vector<std::size_t> line_starts;
 
     int32_t left_indent = 0;       // twips from the left margin, of all lines but the first
     int32_t first_line_indent = 0; // twips from the left margin too, not from left_indent

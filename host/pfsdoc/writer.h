@@ -87,6 +87,8 @@ struct Format {
     MakeEventWriter make_event_writer; // null for all others
     // Whether paragraphs are to come with the offsets of their source, which costs time.
     bool wants_offsets;
+    // Whether the writer stands in a library of its own, which need not be installed.
+    bool needs_plugin = false;
 
     bool reads_option(std::string_view option) const
     {

@@ -105,6 +105,19 @@ TEST_F(Convert, WrapsWhereItIsTold)
               "Hello\nmore\nlast\n");
 }
 
+// Margins 0 and 20: the lines are joined, and filled anew unless they are to stay.
+TEST_F(Convert, KeepsTheLinesOfTheFileWhenAsked)
+{
+    write("lines.pfs", write_document("TYPE 2", '2',
+                                      bytes("0D 'a *C*' 0D 'sixteen letters.' 0D 'wonderful and' 0D"
+                                            "'*JOIN B*' 0D 'as before' 0D 0E"),
+                                      {write_margins(0, 20)}));
+    EXPECT_EQ(output_of({"text", "--raw-lines", "lines.pfs"}),
+              "a\nsixteen letters.\nwonderful and\nas before\n");
+    EXPECT_EQ(output_of({"text", "--raw-lines", "--commands", "lines.pfs"}),
+              "a *C*\nsixteen letters.\nwonderful and\n*JOIN B*\nas before\n");
+}
+
 TEST_F(Convert, ReadsTheCharacterSetThatItIsTold)
 {
     write("choice.doc", choice_document('2', "top", {choice_header_line(0, "Caf\x82 \xB5")}));

@@ -6,6 +6,7 @@
 #include "memory_block_file.h"
 #include "random.h"
 #include "raw_documents.h"
+#include "reading_stopped.h"
 #include "vs_pfs.h"
 
 #include <gtest/gtest.h>
@@ -253,6 +254,83 @@ TEST(Document, SetsHeaderAndFooterLinesApart)
     EXPECT_EQ(blocks[1].kind, Block::Kind::footer_line);
     EXPECT_EQ(blocks[1].paragraph.bytes, "Bottom");
     EXPECT_EQ(blocks[2].paragraph.bytes, "Body");
+}
+
+std::vector<std::size_t> line_starts(const std::string &document)
+{
+    Document opened_document = opened(document);
+    const std::vector<Block> blocks = read_on(opened_document);
+    return blocks.empty() ? std::vector<std::size_t>() : blocks.front().paragraph.line_starts;
+}
+
+// Where lines are joined by a blank, the blank is the end of one line or the start of the next.
+TEST(Document, TellsWhereTheLinesOfTheFileBegin)
+{
+    const pfsdoc::Block none;
+    EXPECT_TRUE(none.paragraph.line_starts.empty());
+    const tests::Patches narrow = {tests::write_margins(0, 19)};
+    EXPECT_EQ(line_starts(tests::write_document(
+                  2, "\rsixteen letters.\rfourteen words\rlengthy\r\x0E", narrow)),
+              (std::vector<std::size_t>{16, 31}));
+    EXPECT_EQ(
+        line_starts(tests::write_document(2, "\rsixteen lette \xF2\x0D jumping\r\x0E", narrow)),
+        (std::vector<std::size_t>{}));
+    EXPECT_EQ(
+        line_starts(tests::write_document(4, std::string("\x00one\0two\x01\x0E", 10), narrow)),
+        (std::vector<std::size_t>{4}));
+    const tests::Patches narrow_choice = {tests::choice_margins(0, 19)};
+    EXPECT_EQ(line_starts(tests::choice_document('2', "sixteen letters.\x0Cjumping\x0C\x0E",
+                                                 narrow_choice)),
+              (std::vector<std::size_t>{16}));
+    EXPECT_EQ(line_starts(tests::choice_document('3', "\x10sixteen letters.\r\x10jumping\x0E",
+                                                 narrow_choice)),
+              (std::vector<std::size_t>{16}));
+}
+
+// ----------------------------------------------------------------------- its limits ---
+
+TEST(Document, EndsWithAParagraphThatIsTooLarge)
+{
+    const std::string line = "sixteen letters. ";
+    std::string body = "\r";
+    while (body.size() <= pfsdoc::max_paragraph_bytes + 4096) {
+        body += line;
+    }
+    const std::string bytes = tests::write_document(2, body + "\r\x0E");
+    OpenOptions options;
+    options.source_offsets = false;
+    Document document = opened(bytes, options);
+    Collected collected;
+    const pfsdoc::Status at_once = document.read(collected);
+    ASSERT_TRUE(at_once);
+    EXPECT_EQ(at_once->kind, ErrorKind::limit);
+    EXPECT_EQ(collected.ends, 0);
+    const auto block = document.next();
+    ASSERT_FALSE(block.ok());
+    EXPECT_EQ(block.error().kind, ErrorKind::limit);
+}
+
+TEST(Document, EndsWhereASinkSaysSo)
+{
+    class Stopper final : public pfsdoc::BlockSink {
+    public:
+        void paragraph(const Paragraph &) override
+        {
+            ++paragraphs;
+            throw pfsdoc::ReadingStopped({ErrorKind::limit, "enough", ""});
+        }
+        void page_break(uint32_t) override {}
+        void block_begin(BlockKind) override {}
+        void block_end() override {}
+        void end_of_document() override {}
+        int paragraphs = 0;
+    };
+    Document document = opened(tests::write_document(2, "\rOne\r\rTwo\r\x0E"));
+    Stopper stopper;
+    const pfsdoc::Status status = document.read(stopper);
+    ASSERT_TRUE(status);
+    EXPECT_EQ(status->what, "enough");
+    EXPECT_EQ(stopper.paragraphs, 1);
 }
 
 // ------------------------------------------------------------- where it comes from ----
