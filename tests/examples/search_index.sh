@@ -56,7 +56,8 @@ code=0
 "$program" "$index" add "$here/search_index.sh" ./1058-pfs-first-choice-3/prose.doc \
     2>"$work/errors" || code=$?
 [ $code -eq 4 ] && grep -q "search_index.sh: " "$work/errors"
-"$program" "$index" find 'the' | grep -q '1058-pfs-first-choice-3/prose.doc:'
+"$program" "$index" find 'the' >"$work/found"
+grep -q '1058-pfs-first-choice-3/prose.doc:' "$work/found"
 
 # Words that are no query are refused.
 code=0
