@@ -15,6 +15,7 @@
 #include "byte_source.h"
 #include "error.h"
 #include "events.h"
+#include "export.h"
 #include "identify.h"
 #include "module.h"
 #include "paragraph.h"
@@ -57,7 +58,7 @@ struct PageSetup {
 
 // A place between two blocks of a document. Its text has no line ends and may be kept
 // anywhere; it means nothing for any other document.
-class ResumeToken {
+class PFSDOC_API ResumeToken {
 public:
     // Refused with ErrorKind::usage when the text is no token. One that was tampered with may
     // give nonsense when it is resumed from, and never worse.
@@ -74,7 +75,7 @@ private:
     std::string text_;
 };
 
-class Document {
+class PFSDOC_API Document {
 public:
     // Each identifies the document by its content. Errors: input (cannot be read),
     // not_a_document, limit (4 GiB or more), internal (the module is unfit).

@@ -3,13 +3,14 @@
 #pragma once
 
 #include "error.h"
+#include "export.h"
 
 #include <exception>
 #include <utility>
 
 namespace pfsdoc {
 
-class ReadingStopped final : public std::exception {
+class PFSDOC_API ReadingStopped final : public std::exception {
 public:
     explicit ReadingStopped(Error error) : error_(std::move(error)) {}
 

@@ -8,6 +8,7 @@
 #include "block_sink.h"
 #include "code_page.h"
 #include "error.h"
+#include "export.h"
 #include "identify.h"
 #include "loss_report.h"
 #include "output.h"
@@ -46,7 +47,7 @@ struct WriterOptions {
 };
 
 // Takes a document's blocks; its output is complete when end_of_document has been called.
-class Writer : public BlockSink {
+class PFSDOC_API Writer : public BlockSink {
 public:
     // Complete at the end of the document.
     const LossReport &losses() const
@@ -65,7 +66,7 @@ protected:
 };
 
 // Takes a document's events.
-class EventWriter : public EventSink {
+class PFSDOC_API EventWriter : public EventSink {
 public:
     // Ends the output; to be called once after the last event.
     virtual void finish() = 0;
@@ -96,8 +97,8 @@ struct Format {
 };
 
 // All formats, in the order in which help texts list them.
-std::span<const Format *const> formats();
+PFSDOC_API std::span<const Format *const> formats();
 // Null for an unknown name.
-const Format *find_format(std::string_view name);
+PFSDOC_API const Format *find_format(std::string_view name);
 
 } // namespace pfsdoc
