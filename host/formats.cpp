@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::array all_formats = {
     &text_format,
+    &html_format,
     &trace_format,
 };
 

@@ -5,6 +5,7 @@
 
 namespace pfsdoc {
 
+extern const Format html_format;
 extern const Format text_format;
 extern const Format trace_format;
 
