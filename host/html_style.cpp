@@ -43,6 +43,8 @@ p {
 }
 .double {
   line-height: calc(2 * var(--line));
+  position: relative;
+  top: calc(var(--line) / -2);
 }
 .word {
   white-space: pre;
@@ -106,7 +108,7 @@ sup {
   }
 }
 @page {
-  margin: 0.5in 0;
+  margin: 0;
   size: 8.5in 11in;
 }
 @media print {
@@ -126,21 +128,21 @@ sup {
   }
   body::before {
     display: table-header-group;
-    height: calc(max(3, var(--head, 0) + 1) * var(--line));
+    height: calc(max(6, var(--head, 0) + 4) * var(--line));
   }
   body::after {
     display: table-footer-group;
-    height: calc(max(3, var(--foot, 0) + 1) * var(--line));
+    height: calc(max(6, var(--foot, 0) + 4) * var(--line));
   }
   header, footer {
     left: 0;
     position: fixed;
   }
   header {
-    top: 0;
+    top: calc(3 * var(--line));
   }
   footer {
-    bottom: 0;
+    bottom: calc(3 * var(--line));
   }
   .page {
     border: 0;
@@ -151,6 +153,6 @@ sup {
 }
 )";
 
-const std::string_view html_stylesheet_hash = "GQ5BnqVp582NR7BZOQwgJXzMHpVnwcIcDucfY4ml8oc=";
+const std::string_view html_stylesheet_hash = "VTb1f/1albNpfMOAG+8D1TxocrsOvtpQTHU5lUnB4TM=";
 
 } // namespace pfsdoc

@@ -38,6 +38,7 @@ namespace pfsdoc {
 namespace {
 
 constexpr std::string_view cut_mark = "...";
+constexpr std::string_view blanks{" \0", 2};
 constexpr std::size_t max_running_lines = 2; // header or footer
 constexpr std::size_t usual_running_rows = 2;
 
@@ -156,7 +157,8 @@ void HtmlWriter::paragraph(const Paragraph &paragraph)
 
 void HtmlWriter::keep_running_line(std::vector<Paragraph> &lines, const Paragraph &paragraph)
 {
-    if (!options_.headers || paragraph.bytes.empty()) {
+    const bool is_empty = paragraph.bytes.find_first_not_of(blanks) == std::string::npos;
+    if (!options_.headers || is_empty) {
         return;
     }
     const bool is_late = page_begun_ && &lines == &headers_;
