@@ -6,8 +6,8 @@ document in the text format, whose rows and columns are the document's own. Each
 the PDF is put back into the row and the column where it was printed; then
 
   - the first rows of every page are the header lines, the last ones the footer lines,
-  - between them the rows with anything on them are those of TEXT, in order and letter by
-    letter in the same columns,
+  - between them the rows are those of TEXT, in order and letter by letter in the same
+    columns. TEXT does not tell double spacing: where HTML has it, empty rows do not count,
   - a form feed in TEXT ends a page, and a page that none ends is full.
 
 Tells the first thing that is wrong, and fails.
@@ -20,9 +20,9 @@ import sys
 ROW = 12.0  # points: 6 rows per inch
 PAGE_ROWS = 66
 MARGIN_ROWS = 6  # above and below the body
-# Rows that a full page may leave free: an empty paragraph, and the second row of two spaced
-# double, neither of which can be seen.
-FREE_ROWS = 3
+# Rows at the end of a full page that may be empty in double spacing: a row, its space, and
+# an empty paragraph with its space.
+FREE_ROWS = 4
 WORD = re.compile(
     r'<word xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="([\d.]+)">(.*?)</word>')
 
@@ -63,50 +63,38 @@ def filled(rows):
 def compare(what, actual, expected):
     for number, (printed, wanted) in enumerate(zip(actual, expected), 1):
         if printed != wanted:
-            fail(f"{what}, filled row {number}: printed\n{printed}\ninstead of\n{wanted}")
+            fail(f"{what}, row {number}: printed\n{printed}\ninstead of\n{wanted}")
     if len(actual) != len(expected):
-        fail(f"{what}: {len(actual)} filled rows instead of {len(expected)}")
+        fail(f"{what}: {len(actual)} rows instead of {len(expected)}")
 
 
-def is_full(body):
-    return bool(filled(body[-1 - FREE_ROWS:]))
-
-
-def rows_behind(stretch, count):
-    """What is left of a stretch without the first so many filled rows."""
-    for index, row in enumerate(stretch):
-        if count == 0:
-            return stretch[index:]
-        count -= bool(row.strip())
-    return []
-
-
-def check_body(number, body, stretch):
+def take_rows(number, body, stretch):
     """Takes the page's rows off the stretch that it shows, and returns what is left of it."""
+    shown = stretch[:len(body)]
+    compare(f"page {number}", [row.rstrip() for row in body], shown + [""] * (len(body) - len(shown)))
+    return stretch[len(body):]
+
+
+def take_filled_rows(number, body, stretch):
+    """The same where rows are spaced double."""
     shown = filled(body)
     compare(f"page {number}", shown, filled(stretch)[:len(shown)])
-    left = rows_behind(stretch, len(shown))
-    if filled(left) and not is_full(body):
-        fail(f"page {number} ends early, before\n{filled(left)[0]}")
-    # Empty paragraphs behind the last row of a full page have one of their own.
-    return left if filled(left) or is_full(body) else []
+    left = filled(stretch)[len(shown):]
+    if left and not filled(body[-FREE_ROWS:]):
+        fail(f"page {number} ends early, before\n{left[0]}")
+    return left
 
 
-def check_pages(pages, header, footer, stretches):
+def check_pages(pages, header, footer, stretches, take):
     for number, page in enumerate(pages, 1):
         compare(f"page {number}, header", filled(page[:MARGIN_ROWS]), header)
         compare(f"page {number}, footer", filled(page[-MARGIN_ROWS:]), footer)
-        body = page[MARGIN_ROWS:-MARGIN_ROWS]
-        if len(stretches) > 1 and not filled(stretches[0]) and stretches[0] and filled(body):
-            stretches = stretches[1:]  # they had room after all
         if not stretches:
             fail(f"page {number} should not be there")
-        left = check_body(number, body, stretches[0])
+        left = take(number, page[MARGIN_ROWS:-MARGIN_ROWS], stretches[0])
         stretches = [left] * bool(left) + stretches[1:]
-    if filled(sum(stretches, [])):
-        fail("rows are missing after the last page")
-    if len(stretches) > 1:
-        fail(f"{len(stretches) - 1} pages are missing at the end")
+    if stretches:
+        fail(f"{sum(map(len, stretches))} rows are missing after the last page")
 
 
 def running_lines(page, element):
@@ -120,12 +108,15 @@ def main(pdf, html_file, text_file):
     with open(text_file, encoding="utf-8") as file:
         lines = file.read().split("\n")[:-1]
     head = running_lines(page, "header")
-    body_end = len(lines) - running_lines(page, "footer")
-    stretches = [stretch.split("\n") for stretch in "\n".join(lines[head:body_end]).split("\f")]
+    foot = running_lines(page, "footer")
+    header, footer = lines[:head], lines[len(lines) - foot:]
+    # An empty line parts the body from both.
+    body = lines[head + bool(head):len(lines) - foot - bool(foot)]
+    stretches = [stretch.split("\n")[:-1] for stretch in "\n".join(body + [""]).split("\f")]
     words = printed_words(pdf)
     pitch = column_width(words)
-    check_pages([page_rows(page, pitch) for page in words], filled(lines[:head]),
-                filled(lines[body_end:]), stretches)
+    check_pages([page_rows(page_words, pitch) for page_words in words], header, footer, stretches,
+                take_filled_rows if 'class="double"' in page else take_rows)
 
 
 main(*sys.argv[1:])
