@@ -6,7 +6,7 @@ namespace pfsdoc {
 // always the exact width of a letter; half a column never lets another letter onto a line.
 // Aligned text is moved back by what it gains.
 //
-// Sub- and superscript keep the size of the text, as printers of fixed pitch had them, so
+// Sub- and superscript letters are smaller by a quarter and stand as far apart as others, so
 // that they do not move what follows out of its column.
 //
 // On paper a page has 66 rows. Header and footer are fixed boxes, which browsers print on
@@ -59,14 +59,15 @@ p {
   width: calc(var(--w, 0) * 1ch);
 }
 sub, sup {
-  font-size: inherit;
+  font-size: 0.75em;
+  letter-spacing: calc(1ch / 3);
   line-height: 0;
 }
 sub {
   vertical-align: -0.25em;
 }
 sup {
-  vertical-align: 0.25em;
+  vertical-align: 0.45em;
 }
 @media screen {
   :root {
@@ -153,6 +154,6 @@ sup {
 }
 )";
 
-const std::string_view html_stylesheet_hash = "VTb1f/1albNpfMOAG+8D1TxocrsOvtpQTHU5lUnB4TM=";
+const std::string_view html_stylesheet_hash = "NOSll04YEPvWpcwh7pcazXdZej09I7yfI3bbxCCyO28=";
 
 } // namespace pfsdoc
