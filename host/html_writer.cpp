@@ -39,6 +39,7 @@ namespace {
 
 constexpr std::string_view cut_mark = "...";
 constexpr std::string_view blanks{" \0", 2};
+constexpr std::string_view blanks_and_tabs{" \0\t", 3};
 constexpr std::size_t max_running_lines = 2; // header or footer
 constexpr std::size_t usual_running_rows = 2;
 
@@ -121,6 +122,7 @@ private:
     void show_piece(const Paragraph &paragraph, std::size_t index);
     void write_part(const Paragraph &paragraph, LineGeometry geometry);
     void lay_out_tabs(const LineGeometry &geometry);
+    void hide_outer_tabs();
 
     WriterOptions options_;
     DocumentInfo info_;
@@ -327,9 +329,30 @@ void HtmlWriter::lay_out_tabs(const LineGeometry &geometry)
     tabs_.clear();
     if (shown_.bytes().find('\t') != std::string::npos) {
         layout_.begin(geometry);
+        if (part_continues_) {
+            layout_.end_line(); // which leaves out the blanks that come next
+        }
         layout_.text(shown_.bytes());
         layout_.end(false);
         tabs_ = layout_.tab_gaps();
+        if (geometry.alignment != LineAlignment::left) {
+            hide_outer_tabs();
+        }
+    }
+}
+
+// Those before and behind all words: blanks there do not count for alignment, nor do these.
+void HtmlWriter::hide_outer_tabs()
+{
+    const std::string &bytes = shown_.bytes();
+    const std::size_t first = bytes.find_first_not_of(blanks_and_tabs); // npos: no words
+    const std::size_t last = bytes.find_last_not_of(blanks_and_tabs);
+    std::size_t tab = 0;
+    for (std::size_t at = bytes.find('\t'); at < bytes.size(); at = bytes.find('\t', at + 1)) {
+        if (at < first || at > last) {
+            tabs_[tab] = {0, true};
+        }
+        ++tab;
     }
 }
 
