@@ -15,7 +15,8 @@
 //   margins         those of the first paragraph of the body are the page's; a paragraph that
 //                   has others tells them.
 //   tab stops       a tab is as wide as LineLayout says: which stop it goes to depends on
-//                   where the line was broken.
+//                   where the line was broken. In one thing browsers differ: a word longer
+//                   than the line leaves the blanks and tabs before it on a line of their own.
 //   commands        as in the text format: shown if they are asked for; a paragraph of
 //                   nothing but hidden commands leaves nothing.
 //   language        is not known, so none is claimed.
