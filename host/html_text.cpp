@@ -9,6 +9,7 @@ namespace pfsdoc {
 namespace {
 
 constexpr char tab_byte = '\t';
+constexpr char16_t first_beyond_ascii = 0x80;
 
 // From the outside in. The first is not an attribute's.
 struct Element {
@@ -106,8 +107,7 @@ bool ShownText::has_word() const
 
 // ----------------------------------------------------------------------- HtmlText -----
 
-HtmlText::HtmlText(Utf8Output &output, const CodePage &code_page)
-    : output_(output), code_page_(code_page)
+HtmlText::HtmlText(Utf8Output &output, const CodePage &code_page) : output_(output)
 {
     for (unsigned byte = 0; byte < classes_.size(); ++byte) {
         const auto value = static_cast<uint8_t>(byte);
@@ -175,6 +175,21 @@ std::size_t HtmlText::next_stop(std::size_t at) const
 
 // ------------------------------------------------------------------- line breaking ----
 
+// ASCII without letters and digits.
+struct HtmlText::ClassOfAscii {
+    std::string_view characters;
+    ByteClass kind;
+};
+constexpr std::array<HtmlText::ClassOfAscii, 7> HtmlText::ascii_classes = {{
+    {" ", ByteClass::blank},
+    {"@^_`", ByteClass::letter},
+    {"\"'#&*=>~", ByteClass::neutral},
+    {".,;:)]", ByteClass::closing},
+    {"!?/}", ByteClass::exclamation},
+    {"([{<", ByteClass::opening},
+    {"-", ByteClass::hyphen},
+}};
+
 HtmlText::ByteClass HtmlText::class_of(uint8_t byte, char16_t character)
 {
     if (byte == static_cast<uint8_t>(tab_byte)) {
@@ -183,37 +198,13 @@ HtmlText::ByteClass HtmlText::class_of(uint8_t byte, char16_t character)
     if (is_ascii_letter_or_digit(character) || is_letter_beyond_ascii(character)) {
         return ByteClass::letter;
     }
-    switch (character) {
-    case u' ': return ByteClass::blank;
-    case u'@':
-    case u'^':
-    case u'_':
-    case u'`': return ByteClass::letter;
-    case u'"':
-    case u'\'':
-    case u'#':
-    case u'&':
-    case u'*':
-    case u'=':
-    case u'>':
-    case u'~': return ByteClass::neutral;
-    case u'.':
-    case u',':
-    case u';':
-    case u':':
-    case u')':
-    case u']': return ByteClass::closing;
-    case u'!':
-    case u'?':
-    case u'/':
-    case u'}': return ByteClass::exclamation;
-    case u'(':
-    case u'[':
-    case u'{':
-    case u'<': return ByteClass::opening;
-    case u'-': return ByteClass::hyphen;
-    default: return ByteClass::other;
+    for (const ClassOfAscii &entry : ascii_classes) {
+        if (character < first_beyond_ascii &&
+            entry.characters.find(static_cast<char>(character)) != std::string_view::npos) {
+            return entry.kind;
+        }
     }
+    return ByteClass::other;
 }
 
 bool HtmlText::may_part(ByteClass before, ByteClass after)

@@ -65,7 +65,7 @@ private:
 
 class HtmlText {
 public:
-    // Both must outlive it.
+    // The output must outlive it.
     HtmlText(Utf8Output &output, const CodePage &code_page);
 
     // `tabs` has one gap for each tab. `outer_blanks_shown` is false where blanks before the
@@ -85,7 +85,8 @@ private:
         hyphen,      // parted from all that follows but what closes
         other,       // parted from anything
     };
-    // A place in the text, and how far it has been written.
+    struct ClassOfAscii;
+    static const std::array<ClassOfAscii, 7> ascii_classes;
     struct Range {
         std::size_t begin;
         std::size_t end;
@@ -111,7 +112,6 @@ private:
     void set_elements(uint8_t wanted);
 
     Utf8Output &output_;
-    const CodePage &code_page_;
     std::array<ByteClass, 256> classes_{};
     std::array<bool, 256> is_stop_{}; // bytes that writing has to look at
 

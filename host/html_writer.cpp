@@ -169,6 +169,9 @@ void HtmlWriter::keep_running_line(std::vector<Paragraph> &lines, const Paragrap
         losses_.add(Loss::header_footer, paragraph.source_begin);
     } else {
         lines.push_back(paragraph);
+        // A line that stands on every page breaks none.
+        std::erase_if(lines.back().pieces,
+                      [](const Piece &piece) { return piece.kind == PieceKind::page_break; });
     }
 }
 
@@ -279,7 +282,7 @@ void HtmlWriter::write_paragraph(const Paragraph &paragraph)
     shown_.clear();
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         const bool breaks_page = paragraph.pieces[i].kind == PieceKind::page_break;
-        if (breaks_page && options_.page_breaks && !block_) {
+        if (breaks_page && options_.page_breaks) {
             write_part(paragraph, geometry);
             html_.utf8("<hr class=\"page\">\n");
             geometry.first_line_indent = geometry.indent;

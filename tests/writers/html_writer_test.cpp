@@ -589,6 +589,13 @@ TEST(HtmlRunningLines, AreLostBeyondTwoAndBehindTheBody)
     EXPECT_EQ(result.losses[0].count, 2U);
 }
 
+TEST(HtmlRunningLines, BreakNoPage)
+{
+    TypedEvents events;
+    events.header().page_break().text("a").page_break().line("b").close_block();
+    EXPECT_EQ(body(events), "<header>\n<p>ab</p>\n</header>\n<main>\n</main>\n");
+}
+
 TEST(HtmlRunningLines, TellTheRowsThatTheyNeedBeyondTwo)
 {
     TypedEvents events;
