@@ -13,6 +13,7 @@ constexpr std::array all_formats = {
     &markdown_format,
     &json_format,
     &pandoc_format,
+    &html_format,
     &trace_format,
 };
 
