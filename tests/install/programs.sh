@@ -54,6 +54,13 @@ for binary in "$prefix/bin/pfsdoc" "$libraries"/*.so; do
     fi
 done
 
+# Plug-ins bring their own copies of what they need of the library, for themselves alone.
+for plugin in "$libraries"/pfsdoc/*.so; do
+    if [ -e "$plugin" ] && nm -DC --defined-only "$plugin" | grep ' pfsdoc::'; then
+        failed "$plugin shows what is the library's"
+    fi
+done
+
 # By CMake packages, found in the moved tree.
 cmake -S "$programs" -B "$work/by_cmake" -DCMAKE_PREFIX_PATH="$prefix"
 cmake --build "$work/by_cmake"
@@ -117,6 +124,17 @@ printf 'lost: %s\n' bold italic underline subscript superscript header_footer co
 expect_same "$work/converted" run_installed "$work/manual2" "$letter"
 printf '%s\n' 'Moorings for the coming season' 'north pontoon' cats >"$work/bold"
 expect_same "$work/bold" run_installed "$work/manual3" "$letter"
+
+# The installed command writes every format that it lists, those of plug-ins too.
+formats=$("$prefix/bin/pfsdoc" convert --help |
+    sed -nE '/^  -t,--to/,/^  -/ s/^ {20,}([a-z]+) .*/\1/p')
+[ "$(wc -w <<<"$formats")" -ge 2 ] || failed "few formats: $formats"
+for format in $formats; do
+    if ! "$prefix/bin/pfsdoc" convert -t "$format" "$letter" >"$work/output" ||
+        [ ! -s "$work/output" ]; then
+        failed "does not write the format $format"
+    fi
+done
 
 # The installed command reads with the installed module: it notices when that is no module.
 find "$libraries" -name 'libvs_pfs.so*' -delete
