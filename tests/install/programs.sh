@@ -39,7 +39,7 @@ libraries=$(dirname "$(find "$prefix" -name libvs_pfs.so)")
 # Everything is there, and nothing knows where it was built or first installed.
 for file in bin/pfsdoc include/vs_pfs.h include/pfsdoc/document.h include/pfsdoc/writer.h \
     share/man/man1/pfsdoc.1 share/man/man1/pfsdoc-convert.1 \
-    share/bash-completion/completions/pfsdoc \
+    share/bash-completion/completions/pfsdoc share/pfsdoc/pfsdoc.schema.json \
     share/doc/vs_pfs/LICENSE share/doc/vs_pfs/THIRD-PARTY-NOTICES.md; do
     [ -s "$prefix/$file" ] || failed "$file is not installed"
 done
