@@ -10,6 +10,8 @@ namespace {
 
 constexpr std::array all_formats = {
     &text_format,
+    &odt_format,
+    &fodt_format,
     &trace_format,
 };
 

@@ -5,6 +5,8 @@
 
 namespace pfsdoc {
 
+extern const Format fodt_format;
+extern const Format odt_format;
 extern const Format text_format;
 extern const Format trace_format;
 

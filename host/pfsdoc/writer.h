@@ -50,6 +50,11 @@ public:
     {
         return losses_;
     }
+    // What made the output useless, if anything did. To be asked after the end of the document.
+    virtual Status failure() const
+    {
+        return {};
+    }
 
 protected:
     // What a paragraph loses in every format: commands without effect unless they are shown,

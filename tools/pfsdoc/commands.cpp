@@ -65,7 +65,7 @@ Result<Job> begin(const DocumentRequest &request)
 
 // Reads the job's document into a sink, and lets it finish if all went well, or as well as it
 // can with a document that is not whole. What has gone to standard output before any other
-// error is out; a named file is not made.
+// error is out; a named file is not made. `finish` answers with what makes the output useless.
 template <typename Finish>
 Status convert(const Job &job, EventSink &sink, const ReadOptions &options, Finish finish)
 {
@@ -74,21 +74,28 @@ Status convert(const Job &job, EventSink &sink, const ReadOptions &options, Fini
         job.output->flush();
         return fault;
     }
-    finish();
+    if (Status useless = finish()) {
+        return useless;
+    }
     const Status unwritten = job.output->commit();
     return unwritten ? unwritten : fault;
 }
 
 Status convert_events(const Job &job, EventWriter &writer, const ReadOptions &options)
 {
-    return convert(job, writer, options, [&writer] { writer.finish(); });
+    return convert(job, writer, options, [&writer] {
+        writer.finish();
+        return Status();
+    });
 }
 
 Status convert_blocks(const Job &job, Writer &writer, Offsets offsets)
 {
     ParagraphCollector collector(writer, line_spacing_rule(job.identity.kind));
-    return convert(job, collector, {offsets, Stops::for_margins},
-                   [&collector] { collector.finish(); });
+    return convert(job, collector, {offsets, Stops::for_margins}, [&] {
+        collector.finish();
+        return writer.failure();
+    });
 }
 
 // The name that a document is known by: its file's, without the folders.
