@@ -20,8 +20,6 @@ namespace {
 // some hundred thousand.
 constexpr uint64_t most_elements = 4'000'000;
 
-class TooLarge {};
-
 // What the program's output looks like on this side.
 class BorderedOutput final : public Output {
 public:
@@ -94,7 +92,8 @@ class OdfDocument final : public OdfWriter {
 public:
     OdfDocument(OdfPackaging packaging, OdfOutput &output, const DocumentInfo &info,
                 const WriterOptions &options)
-        : packaging_(make_packaging(packaging, output)), writer_(generator_, info, options)
+        : packaging_(make_packaging(packaging, output)),
+          writer_(generator_, info, options, most_elements)
     {
     }
     OdfDocument(const OdfDocument &) = delete;
@@ -152,9 +151,8 @@ private:
         }
         try {
             action();
-            if (writer_.elements() > most_elements) {
-                failure_ = OdfFailure::too_large;
-            }
+        } catch (const TooManyElements &) {
+            failure_ = OdfFailure::too_large;
         } catch (const std::bad_alloc &) {
             failure_ = OdfFailure::out_of_memory;
         } catch (...) {

@@ -110,26 +110,8 @@ bool has(AttributeSet attributes, AttributeCode code)
     return (attributes & attribute_bit(static_cast<int32_t>(code))) != 0;
 }
 
-} // namespace
-
-RVNGPropertyList page_properties(const PageColumns &page, bool has_header, bool has_footer)
-{
-    const int32_t paper = paper_columns(page);
-    RVNGPropertyList properties;
-    properties.insert("fo:page-width", inches(paper));
-    properties.insert("fo:page-height", page_height);
-    properties.insert("fo:margin-left", inches(page.left));
-    properties.insert("fo:margin-right",
-                      std::max(0.0, inches(paper - 1 - page.right) - spare_width));
-    properties.insert("fo:margin-top", vertical_margin(has_header));
-    properties.insert("fo:margin-bottom", vertical_margin(has_footer));
-    properties.insert("style:print-orientation",
-                      inches(paper) > page_height ? "landscape" : "portrait");
-    return properties;
-}
-
-RVNGPropertyList paragraph_properties(const Paragraph &paragraph, const PageColumns &page,
-                                      const ParagraphStart &start)
+RVNGPropertyList make_paragraph_properties(const Paragraph &paragraph, const PageColumns &page,
+                                           const ParagraphStart &start)
 {
     const LineGeometry geometry = line_geometry(paragraph);
     const bool is_double = paragraph.line_spacing == VW_DOUBLE_SPACING;
@@ -145,7 +127,7 @@ RVNGPropertyList paragraph_properties(const Paragraph &paragraph, const PageColu
     return properties;
 }
 
-RVNGPropertyList span_properties(AttributeSet attributes)
+RVNGPropertyList make_span_properties(AttributeSet attributes)
 {
     RVNGPropertyList properties;
     properties.insert("style:font-name", font);
@@ -166,6 +148,53 @@ RVNGPropertyList span_properties(AttributeSet attributes)
         properties.insert("style:text-position", "sub 58%");
     }
     return properties;
+}
+
+} // namespace
+
+RVNGPropertyList page_properties(const PageColumns &page, bool has_header, bool has_footer)
+{
+    const int32_t paper = paper_columns(page);
+    RVNGPropertyList properties;
+    properties.insert("fo:page-width", inches(paper));
+    properties.insert("fo:page-height", page_height);
+    properties.insert("fo:margin-left", inches(page.left));
+    properties.insert("fo:margin-right",
+                      std::max(0.0, inches(paper - 1 - page.right) - spare_width));
+    properties.insert("fo:margin-top", vertical_margin(has_header));
+    properties.insert("fo:margin-bottom", vertical_margin(has_footer));
+    properties.insert("style:print-orientation",
+                      inches(paper) > page_height ? "landscape" : "portrait");
+    return properties;
+}
+
+const RVNGPropertyList &RevengeStyles::paragraph_properties(const Paragraph &paragraph,
+                                                            const PageColumns &page,
+                                                            const ParagraphStart &start)
+{
+    const ParagraphLook look{paragraph.left_indent,  paragraph.first_line_indent,
+                             paragraph.line_spacing, line_alignment(paragraph),
+                             paragraph.margins,      start,
+                             paragraph.tab_stops};
+    const auto known = std::find_if(looks_.begin(), looks_.end(),
+                                    [&look](const KnownLook &entry) { return entry.look == look; });
+    if (known != looks_.end()) {
+        return known->properties;
+    }
+    KnownLook added{look, make_paragraph_properties(paragraph, page, start)};
+    if (looks_.size() < looks_kept) {
+        return looks_.emplace_back(std::move(added)).properties;
+    }
+    oldest_look_ = (oldest_look_ + 1) % looks_kept;
+    return (looks_[oldest_look_] = std::move(added)).properties;
+}
+
+const RVNGPropertyList &RevengeStyles::span_properties(AttributeSet attributes)
+{
+    const auto known = spans_.find(attributes);
+    return known != spans_.end()
+               ? known->second
+               : spans_.emplace(attributes, make_span_properties(attributes)).first->second;
 }
 
 } // namespace pfsdoc

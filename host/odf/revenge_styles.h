@@ -14,6 +14,9 @@
 #include <librevenge/librevenge.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <map>
+#include <vector>
 
 namespace pfsdoc {
 
@@ -28,13 +31,46 @@ struct ParagraphStart {
     bool page_break_before = false;
     bool continues = false; // lines of the paragraph stand before it
     bool has_tab = false;
+
+    bool operator==(const ParagraphStart &) const = default;
 };
 
 librevenge::RVNGPropertyList page_properties(const PageColumns &page, bool has_header,
                                              bool has_footer);
-librevenge::RVNGPropertyList paragraph_properties(const Paragraph &paragraph,
-                                                  const PageColumns &page,
-                                                  const ParagraphStart &start);
-librevenge::RVNGPropertyList span_properties(AttributeSet attributes);
+
+// Property lists take longer to make than the text between them to convert, and most
+// paragraphs look like one of the last few: those are kept.
+class RevengeStyles {
+public:
+    // The answers are valid until the next call. All calls are for the same page.
+    const librevenge::RVNGPropertyList &paragraph_properties(const Paragraph &paragraph,
+                                                             const PageColumns &page,
+                                                             const ParagraphStart &start);
+    const librevenge::RVNGPropertyList &span_properties(AttributeSet attributes);
+
+private:
+    static constexpr std::size_t looks_kept = 8;
+
+    // All of a paragraph that its properties depend on.
+    struct ParagraphLook {
+        int32_t left_indent;
+        int32_t first_line_indent;
+        int32_t line_spacing;
+        LineAlignment alignment;
+        Margins margins;
+        ParagraphStart start;
+        std::vector<TabStop> tab_stops;
+
+        bool operator==(const ParagraphLook &) const = default;
+    };
+    struct KnownLook {
+        ParagraphLook look;
+        librevenge::RVNGPropertyList properties;
+    };
+
+    std::vector<KnownLook> looks_;
+    std::size_t oldest_look_ = 0;
+    std::map<AttributeSet, librevenge::RVNGPropertyList> spans_;
+};
 
 } // namespace pfsdoc

@@ -63,8 +63,8 @@ std::size_t visible_end(const Paragraph &paragraph)
 } // namespace
 
 RevengeWriter::RevengeWriter(librevenge::RVNGTextInterface &document, const DocumentInfo &info,
-                             const WriterOptions &options)
-    : document_(document), options_(options)
+                             const WriterOptions &options, uint64_t most_elements)
+    : document_(document), options_(options), most_elements_(most_elements)
 {
     RVNGPropertyList metadata;
     metadata.insert("meta:generator", "pfsdoc " PFSDOC_VERSION);
@@ -195,9 +195,9 @@ void RevengeWriter::write_empty_paragraph(bool page_break_before)
     empty.line_spacing = VW_SINGLE_SPACING;
     ParagraphStart start;
     start.page_break_before = page_break_before;
-    document_.openParagraph(paragraph_properties(empty, *page_, start));
+    count_elements(1);
+    document_.openParagraph(styles_.paragraph_properties(empty, *page_, start));
     document_.closeParagraph();
-    ++elements_;
     body_is_empty_ = body_is_empty_ && !in_body_;
 }
 
@@ -256,8 +256,8 @@ void RevengeWriter::open_paragraph()
         end_pages_pending();
     }
     start_.page_break_before = in_body_ && breaks_pending_ != 0;
-    document_.openParagraph(paragraph_properties(*current_, *page_, start_));
-    ++elements_;
+    count_elements(1);
+    document_.openParagraph(styles_.paragraph_properties(*current_, *page_, start_));
     paragraph_open_ = true;
     after_gap_ = true;
     if (in_body_) {
@@ -279,8 +279,8 @@ void RevengeWriter::open_span(AttributeSet attributes)
 {
     if (span_ != attributes) {
         close_span();
-        document_.openSpan(span_properties(attributes));
-        ++elements_;
+        count_elements(1);
+        document_.openSpan(styles_.span_properties(attributes));
         span_ = attributes;
     }
 }
@@ -338,8 +338,8 @@ std::string_view RevengeWriter::write_gap(std::string_view bytes)
 {
     if (bytes.starts_with(tab)) {
         flush_text();
+        count_elements(1);
         document_.insertTab();
-        ++elements_;
         after_gap_ = true;
         return bytes.substr(1);
     }
@@ -358,11 +358,11 @@ void RevengeWriter::write_spaces(std::size_t count)
 {
     if (count != 0) {
         flush_text();
+        count_elements(count);
     }
     for (std::size_t i = 0; i < count; ++i) {
         document_.insertSpace();
     }
-    elements_ += count;
 }
 
 void RevengeWriter::flush_text()
@@ -370,6 +370,14 @@ void RevengeWriter::flush_text()
     if (!text_.empty()) {
         document_.insertText(RVNGString(text_.c_str()));
         text_.clear();
+    }
+}
+
+void RevengeWriter::count_elements(std::size_t count)
+{
+    elements_ += count;
+    if (elements_ > most_elements_) {
+        throw TooManyElements();
     }
 }
 

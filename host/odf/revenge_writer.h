@@ -26,6 +26,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,14 +34,19 @@
 
 namespace pfsdoc {
 
+class TooManyElements {};
+
 class RevengeWriter final : public Writer {
 public:
     // A document has two lines of each; more than this are not held.
     static constexpr std::size_t max_block_lines = 16;
 
-    // The document must outlive the writer.
+    // The document must outlive the writer. Some keep it all in memory: where it comes to more
+    // elements than this, TooManyElements is thrown. Elements are paragraphs, runs of text
+    // that look alike, and tabs and blanks that are told one by one.
     RevengeWriter(librevenge::RVNGTextInterface &document, const DocumentInfo &info,
-                  const WriterOptions &options);
+                  const WriterOptions &options,
+                  uint64_t most_elements = std::numeric_limits<uint64_t>::max());
     RevengeWriter(const RevengeWriter &) = delete;
     RevengeWriter &operator=(const RevengeWriter &) = delete;
 
@@ -49,13 +55,6 @@ public:
     void block_begin(BlockKind kind) override;
     void block_end() override;
     void end_of_document() override;
-
-    // What the document has been told so far: paragraphs, runs of text, and everything that
-    // stands between two stretches of text.
-    uint64_t elements() const
-    {
-        return elements_;
-    }
 
 private:
     void hold_line(const Paragraph &paragraph);
@@ -79,10 +78,13 @@ private:
     std::string_view write_gap(std::string_view bytes);
     void write_spaces(std::size_t count);
     void flush_text();
+    void count_elements(std::size_t count);
 
     librevenge::RVNGTextInterface &document_;
     WriterOptions options_;
-    uint64_t elements_ = 0;
+    RevengeStyles styles_;
+    uint64_t most_elements_;
+    uint64_t elements_ = 0; // so far
 
     // The document.
     std::optional<BlockKind> block_; // that lines belong to
