@@ -63,7 +63,7 @@ std::filesystem::path find_plugin()
     }
     for (const std::filesystem::path &directory : directories) {
         std::error_code failure;
-        const std::filesystem::path candidate =
+        std::filesystem::path candidate =
             std::filesystem::absolute(directory / odf_plugin_file_name, failure);
         if (!failure && std::filesystem::exists(candidate, failure)) {
             return candidate;

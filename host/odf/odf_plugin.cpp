@@ -18,7 +18,7 @@ namespace {
 // libodfgen holds some hundred bytes for each of these, so a hostile document, such as one of
 // nothing but tabs, would take hundreds of times its own size. A book of a thousand pages has
 // some hundred thousand.
-constexpr uint64_t most_elements = 4'000'000;
+constexpr GeneratorTraits traits{.most_elements = 4'000'000, .keeps_styles = true};
 
 // What the program's output looks like on this side.
 class BorderedOutput final : public Output {
@@ -92,8 +92,7 @@ class OdfDocument final : public OdfWriter {
 public:
     OdfDocument(OdfPackaging packaging, OdfOutput &output, const DocumentInfo &info,
                 const WriterOptions &options)
-        : packaging_(make_packaging(packaging, output)),
-          writer_(generator_, info, options, most_elements)
+        : packaging_(make_packaging(packaging, output)), writer_(generator_, info, options, traits)
     {
     }
     OdfDocument(const OdfDocument &) = delete;

@@ -39,17 +39,31 @@ librevenge::RVNGPropertyList page_properties(const PageColumns &page, bool has_h
                                              bool has_footer);
 
 // Property lists take longer to make than the text between them to convert, and most
-// paragraphs look like one of the last few: those are kept.
+// paragraphs look like one of the last few: those are kept. To a generator that keeps styles
+// a list is told once, with a number that stands for it from then on.
 class RevengeStyles {
 public:
+    // The generator must outlive the styles.
+    RevengeStyles(librevenge::RVNGTextInterface &generator, bool generator_keeps_styles);
+
+    // The body follows the headers and footers. A generator keeps the styles of the two in
+    // different places, so nothing is kept from one for the other.
+    void begin_body();
+
     // The answers are valid until the next call. All calls are for the same page.
     const librevenge::RVNGPropertyList &paragraph_properties(const Paragraph &paragraph,
                                                              const PageColumns &page,
                                                              const ParagraphStart &start);
     const librevenge::RVNGPropertyList &span_properties(AttributeSet attributes);
 
+    // How many elements of a document take as much memory as the styles defined so far.
+    uint64_t elements() const
+    {
+        return elements_;
+    }
+
 private:
-    static constexpr std::size_t looks_kept = 8;
+    static constexpr std::size_t looks_kept = 32;
 
     // All of a paragraph that its properties depend on.
     struct ParagraphLook {
@@ -68,6 +82,13 @@ private:
         librevenge::RVNGPropertyList properties;
     };
 
+    librevenge::RVNGPropertyList defined_paragraph(librevenge::RVNGPropertyList properties);
+    librevenge::RVNGPropertyList defined_span(librevenge::RVNGPropertyList properties);
+
+    librevenge::RVNGTextInterface &generator_;
+    bool generator_keeps_styles_;
+    int last_number_ = 0;
+    uint64_t elements_ = 0;
     std::vector<KnownLook> looks_;
     std::size_t oldest_look_ = 0;
     std::map<AttributeSet, librevenge::RVNGPropertyList> spans_;

@@ -63,8 +63,9 @@ std::size_t visible_end(const Paragraph &paragraph)
 } // namespace
 
 RevengeWriter::RevengeWriter(librevenge::RVNGTextInterface &document, const DocumentInfo &info,
-                             const WriterOptions &options, uint64_t most_elements)
-    : document_(document), options_(options), most_elements_(most_elements)
+                             const WriterOptions &options, const GeneratorTraits &traits)
+    : document_(document), options_(options), styles_(document, traits.keeps_styles),
+      traits_(traits)
 {
     RVNGPropertyList metadata;
     metadata.insert("meta:generator", "pfsdoc " PFSDOC_VERSION);
@@ -141,6 +142,7 @@ void RevengeWriter::begin_page()
     document_.openPageSpan(page_properties(*page_, !headers_.empty(), !footers_.empty()));
     write_header();
     write_footer();
+    styles_.begin_body();
     in_body_ = true;
 }
 
@@ -376,7 +378,7 @@ void RevengeWriter::flush_text()
 void RevengeWriter::count_elements(std::size_t count)
 {
     elements_ += count;
-    if (elements_ > most_elements_) {
+    if (elements_ + styles_.elements() > traits_.most_elements) {
         throw TooManyElements();
     }
 }

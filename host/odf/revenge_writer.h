@@ -34,6 +34,16 @@
 
 namespace pfsdoc {
 
+// What to know of a generator.
+struct GeneratorTraits {
+    // It holds the document in memory, so that TooManyElements is thrown at more than these:
+    // paragraphs, runs of text that look alike, and tabs and blanks that are told one by one.
+    // Styles count as several.
+    uint64_t most_elements = std::numeric_limits<uint64_t>::max();
+    // Properties need not be told again once a style with a number has been defined.
+    bool keeps_styles = false;
+};
+
 class TooManyElements {};
 
 class RevengeWriter final : public Writer {
@@ -41,12 +51,9 @@ public:
     // A document has two lines of each; more than this are not held.
     static constexpr std::size_t max_block_lines = 16;
 
-    // The document must outlive the writer. Some keep it all in memory: where it comes to more
-    // elements than this, TooManyElements is thrown. Elements are paragraphs, runs of text
-    // that look alike, and tabs and blanks that are told one by one.
+    // The document must outlive the writer.
     RevengeWriter(librevenge::RVNGTextInterface &document, const DocumentInfo &info,
-                  const WriterOptions &options,
-                  uint64_t most_elements = std::numeric_limits<uint64_t>::max());
+                  const WriterOptions &options, const GeneratorTraits &traits = {});
     RevengeWriter(const RevengeWriter &) = delete;
     RevengeWriter &operator=(const RevengeWriter &) = delete;
 
@@ -83,7 +90,7 @@ private:
     librevenge::RVNGTextInterface &document_;
     WriterOptions options_;
     RevengeStyles styles_;
-    uint64_t most_elements_;
+    GeneratorTraits traits_;
     uint64_t elements_ = 0; // so far
 
     // The document.

@@ -528,6 +528,57 @@ TEST(RevengeWriter, ServesTheHtmlGenerator)
     EXPECT_NE(std::string_view(html.cstr()).find("bold &amp; loud"), std::string_view::npos);
 }
 
+// A style is defined where it is first used, in the header and in the body anew. That of empty
+// lines is one of its own although it says the same.
+TEST(RevengeWriter, DefinesStylesOfAGeneratorThatKeepsThem)
+{
+    const TypedEvents events = TypedEvents()
+                                   .header()
+                                   .line("h")
+                                   .close_block()
+                                   .line("a")
+                                   .line("b")
+                                   .page_break()
+                                   .attribute(bold, true)
+                                   .line("c")
+                                   .end();
+    EXPECT_EQ(page_of(events, {}, {.keeps_styles = true}),
+              R"(openHeader(librevenge:occurrence: all)
+  defineParagraphStyle(fo:line-height: 12.0000pt, fo:text-align: left, librevenge:paragraph-id: 1)
+  openParagraph(librevenge:paragraph-id: 1)
+    defineCharacterStyle(fo:font-size: 12.0000pt, librevenge:span-id: 2, style:font-name: Courier New)
+    openSpan(librevenge:span-id: 2)
+      insertText(text: h)
+    closeSpan()
+  closeParagraph()
+  defineParagraphStyle(fo:line-height: 12.0000pt, fo:text-align: left, librevenge:paragraph-id: 3)
+  openParagraph(librevenge:paragraph-id: 3)
+  closeParagraph()
+  openParagraph(librevenge:paragraph-id: 3)
+  closeParagraph()
+closeHeader()
+defineParagraphStyle(fo:line-height: 12.0000pt, fo:text-align: left, librevenge:paragraph-id: 4)
+openParagraph(librevenge:paragraph-id: 4)
+  defineCharacterStyle(fo:font-size: 12.0000pt, librevenge:span-id: 5, style:font-name: Courier New)
+  openSpan(librevenge:span-id: 5)
+    insertText(text: a)
+  closeSpan()
+closeParagraph()
+openParagraph(librevenge:paragraph-id: 4)
+  openSpan(librevenge:span-id: 5)
+    insertText(text: b)
+  closeSpan()
+closeParagraph()
+defineParagraphStyle(fo:break-before: page, fo:line-height: 12.0000pt, fo:text-align: left, librevenge:paragraph-id: 6)
+openParagraph(librevenge:paragraph-id: 6)
+  defineCharacterStyle(fo:font-size: 12.0000pt, fo:font-weight: bold, librevenge:span-id: 7, style:font-name: Courier New)
+  openSpan(librevenge:span-id: 7)
+    insertText(text: c)
+  closeSpan()
+closeParagraph()
+)");
+}
+
 // ------------------------------------------------------------------ hostile documents -----
 
 TEST(RevengeWriter, BalancesAnAttributeChangeOnEveryCharacter)
@@ -589,10 +640,25 @@ TEST(RevengeWriter, StopsAtTheMostElements)
 {
     librevenge::RVNGString text;
     librevenge::RVNGTextTextGenerator generator(text);
-    pfsdoc::RevengeWriter writer(generator, letter(), {}, 10);
+    pfsdoc::RevengeWriter writer(generator, letter(), {}, {.most_elements = 10});
     pfsdoc::ParagraphCollector collector(writer, spacing_rule);
     TypedEvents().line("\t\t\t\t\t\t\t\t").tell(collector); // with the paragraph and its run, 10
     EXPECT_THROW(TypedEvents().line("").tell(collector), pfsdoc::TooManyElements);
+}
+
+// A generator that keeps styles holds more for one than for a paragraph.
+TEST(RevengeWriter, CountsStylesAsSeveralElements)
+{
+    librevenge::RVNGString text;
+    librevenge::RVNGTextTextGenerator generator(text);
+    pfsdoc::RevengeWriter writer(generator, letter(), {},
+                                 {.most_elements = 30, .keeps_styles = true});
+    pfsdoc::ParagraphCollector collector(writer, spacing_rule);
+    TypedEvents events;
+    for (int32_t indent = 0; indent < 10; ++indent) {
+        events.indents(indent, 0).paragraph();
+    }
+    EXPECT_THROW(events.tell(collector), pfsdoc::TooManyElements);
 }
 
 } // namespace

@@ -24,29 +24,32 @@ inline pfsdoc::DocumentInfo letter()
 }
 
 inline void tell(librevenge::RVNGTextInterface &generator, const TypedEvents &events,
-                 const pfsdoc::WriterOptions &options = {})
+                 const pfsdoc::WriterOptions &options = {},
+                 const pfsdoc::GeneratorTraits &traits = {})
 {
-    pfsdoc::RevengeWriter writer(generator, letter(), options);
+    pfsdoc::RevengeWriter writer(generator, letter(), options, traits);
     pfsdoc::ParagraphCollector collector(writer, spacing_rule);
     events.tell(collector);
     collector.finish();
 }
 
 // The generator prints what it is told, one call a line, indented by what is open.
-inline std::string trace_of(const TypedEvents &events, const pfsdoc::WriterOptions &options = {})
+inline std::string trace_of(const TypedEvents &events, const pfsdoc::WriterOptions &options = {},
+                            const pfsdoc::GeneratorTraits &traits = {})
 {
     testing::internal::CaptureStdout();
     {
         librevenge::RVNGRawTextGenerator generator(false);
-        tell(generator, events, options);
+        tell(generator, events, options, traits);
     }
     return testing::internal::GetCapturedStdout();
 }
 
 // The same of what stands on the page: without the calls around it and their indentation.
-inline std::string page_of(const TypedEvents &events, const pfsdoc::WriterOptions &options = {})
+inline std::string page_of(const TypedEvents &events, const pfsdoc::WriterOptions &options = {},
+                           const pfsdoc::GeneratorTraits &traits = {})
 {
-    std::istringstream trace(trace_of(events, options));
+    std::istringstream trace(trace_of(events, options, traits));
     std::string page;
     for (std::string line; std::getline(trace, line);) {
         if (line.starts_with("    ")) {
