@@ -7,17 +7,19 @@
 // part of, and where it is installed as seen from there. A name without a folder is never
 // handed to the loader, which would search the system's library folders. Once loaded it stays:
 // its code may be needed until the program ends.
-// Tests: tests/writers/odf_plugin_test.cpp, tests/writers/odf_command_test.cpp.
+// Tests: tests/writers/odf_plugin_test.cpp.
 #include "formats.h"
 #include "odf_plugin.h"
 
-#include <array>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
 #include <link.h>
+#include <memory>
 #include <string>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 namespace pfsdoc {
 

@@ -7,7 +7,6 @@
 #include "odf_xml.h"
 #include "revenge_writer.h"
 
-#include <array>
 #include <memory>
 #include <new>
 

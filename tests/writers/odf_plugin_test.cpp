@@ -271,7 +271,6 @@ TEST_F(OdfCommand, LeavesAFileThatIsThereAloneWithoutThePlugin)
     EXPECT_EQ(content("letter.odt"), "before");
 }
 
-// In so little memory the document cannot be held, whatever fails first.
 TEST_F(OdfCommand, MakesNoFileOfADocumentThatIsTooLarge)
 {
     const fs::path source = directory / "source";
