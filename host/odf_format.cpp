@@ -10,6 +10,7 @@
 // Tests: tests/writers/odf_plugin_test.cpp.
 #include "formats.h"
 #include "odf_plugin.h"
+#include "reading_stopped.h"
 
 #include <cstdlib>
 #include <dlfcn.h>
@@ -151,10 +152,12 @@ public:
     void paragraph(const Paragraph &paragraph) override
     {
         writer_->paragraph(paragraph);
+        check();
     }
     void page_break(uint32_t source) override
     {
         writer_->page_break(source);
+        check();
     }
     void block_begin(BlockKind kind) override
     {
@@ -168,10 +171,12 @@ public:
     {
         writer_->end_of_document();
         losses_ = writer_->losses();
+        check();
     }
-    Status failure() const override;
 
 private:
+    void check() const;
+
     BorderOutput output_;
     OdfWriter *writer_ = nullptr;
 };
@@ -182,16 +187,19 @@ Error no_memory()
             "write it as another format"};
 }
 
-Status PluginWriter::failure() const
+// Ends the reading where the plug-in has failed: nothing that it writes is of use then.
+void PluginWriter::check() const
 {
     switch (writer_->failure()) {
     case OdfFailure::none: break;
     case OdfFailure::too_large:
-    case OdfFailure::out_of_memory: return no_memory();
+    case OdfFailure::out_of_memory: throw ReadingStopped(no_memory());
     case OdfFailure::other:
-        return Error{ErrorKind::internal, "cannot be written as OpenDocument", ""};
+        throw ReadingStopped({ErrorKind::internal, "cannot be written as OpenDocument", ""});
     }
-    return output_.failed() ? Status(no_memory()) : std::nullopt;
+    if (output_.failed()) {
+        throw ReadingStopped(no_memory());
+    }
 }
 
 Result<std::unique_ptr<Writer>> make_odf_writer(OdfPackaging packaging, Output &output,
@@ -233,6 +241,7 @@ const Format odt_format = {
     .make_writer = make_odt_writer,
     .make_event_writer = nullptr,
     .wants_offsets = false,
+    .needs_plugin = true,
 };
 
 const Format fodt_format = {
@@ -243,6 +252,7 @@ const Format fodt_format = {
     .make_writer = make_fodt_writer,
     .make_event_writer = nullptr,
     .wants_offsets = false,
+    .needs_plugin = true,
 };
 
 } // namespace pfsdoc

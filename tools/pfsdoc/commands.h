@@ -6,6 +6,7 @@
 #include "trace.h"
 #include "writer.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,7 @@ struct DocumentRequest {
     std::string file;
     std::string output;
     std::string module;
+    uint64_t max_output = UINT64_MAX; // bytes
 };
 
 struct TraceRequest {
