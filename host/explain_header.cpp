@@ -198,7 +198,8 @@ void HeaderExplainer::claim_ruler(const HeaderField &field)
         field.form == FieldForm::ruler_kinds || field.form == FieldForm::ruler_columns;
     const uint32_t unit = by_entries ? 2 : 1;
     const uint32_t columns = field.form == FieldForm::ruler_bits ? columns_in_byte : 1;
-    const std::string name = std::string(field.name) + (by_entries ? ", entry " : ", column ");
+    const std::string_view one = by_entries ? ", entry " : ", column ";
+    const std::string_view several = by_entries ? ", entries " : ", columns ";
     const uint32_t count = field.size / unit;
     for (uint32_t first = 0; first < count;) {
         const std::string words = ruler_words(field, first);
@@ -207,9 +208,11 @@ void HeaderExplainer::claim_ruler(const HeaderField &field)
             ++next;
         }
         const uint32_t last = next * columns - 1;
-        const std::string to = last == first * columns ? "" : " to " + std::to_string(last);
-        builder_.claim_alone(SpanKind::field, (next - first) * unit,
-                             name + std::to_string(first * columns) + to + ": " + words);
+        std::string name(field.name);
+        name.append(last == first * columns ? one : several);
+        name.append(std::to_string(first * columns));
+        name.append(last == first * columns ? "" : " to " + std::to_string(last));
+        builder_.claim_alone(SpanKind::field, (next - first) * unit, name + ": " + words);
         first = next;
     }
 }

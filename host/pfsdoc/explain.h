@@ -13,7 +13,6 @@
 #include "byte_source.h"
 #include "error.h"
 #include "identify.h"
-#include "module.h"
 #include "paragraph.h"
 
 #include <cstdint>
@@ -21,6 +20,8 @@
 #include <string_view>
 
 namespace pfsdoc {
+
+class Module;
 
 enum class SpanKind : uint8_t {
     field,           // of the header: its name and value

@@ -25,6 +25,7 @@ constexpr const char *examples = R"(Examples:
   pfsdoc convert LETTER -o letter.html
                                as a page for the browser
   pfsdoc trace --fold LETTER   what the module reports, one event a line
+  pfsdoc explain LETTER        every byte of it, and what it was read as
   pfsdoc text - < LETTER       from standard input
 
 Exit codes:
@@ -40,10 +41,20 @@ Exit codes:
   130  interrupted)";
 
 constexpr const char *identify_examples =
-    R"(Goes on after a file that fails; the exit code is that of the first failure.
+    R"(Goes on after a file that fails; with several files the exit code is then 1. How sure the
+kind is: certain (signature, plausible header, end mark), likely (no end mark at the end)
+or signature (that alone).
 
-Example:
-  pfsdoc identify letters/*)";
+Examples:
+  pfsdoc identify letters/*
+  pfsdoc identify --json letters/* > letters.json)";
+
+constexpr const char *explain_examples =
+    R"(One span of the file a line: position, bytes, characters, and what they were read as.
+
+Examples:
+  pfsdoc explain LETTER | less
+  pfsdoc explain --json LETTER | grep '"line_end":"soft"')";
 
 constexpr const char *text_examples =
     R"(The text is UTF-8, wrapped to the document's margins; page breaks are form feeds.
@@ -65,7 +76,11 @@ Examples:
   pfsdoc convert -t text --wrap 72 --no-headers LETTER)";
 
 struct Requests {
-    std::vector<std::string> identify;
+    pfsdoc::IdentifyRequest identify;
+    pfsdoc::ExplainRequest explain;
+    std::string colours = "auto";
+    bool json_array = false;
+    bool json_lines = false;
     pfsdoc::ConvertRequest text;
     pfsdoc::ConvertRequest convert;
     std::string format;
@@ -107,9 +122,12 @@ void add_document_options(CLI::App &command, pfsdoc::DocumentRequest &request)
 CLI::App *add_identify(CLI::App &app, Requests &requests)
 {
     CLI::App *command = app.add_subcommand("identify", "Tell what files are, one line for each");
-    command->add_option("FILE", requests.identify, "the files; - is standard input")
+    command->add_option("FILE", requests.identify.files, "the files; - is standard input")
         ->required()
         ->option_text("...");
+    command->add_flag("--json", requests.json_array, "write an array of JSON objects");
+    command->add_flag("--lines", requests.json_lines, "write JSON objects, one a line")
+        ->excludes("--json");
     command->footer(identify_examples);
     return command;
 }
@@ -182,6 +200,23 @@ CLI::App *add_trace(CLI::App &app, Requests &requests)
     command->add_flag("--stop", requests.trace.stop,
                       "stop at every paragraph, go on from saved states: the same output");
     command->footer(trace_examples);
+    return command;
+}
+
+CLI::App *add_explain(CLI::App &app, Requests &requests)
+{
+    CLI::App *command =
+        app.add_subcommand("explain", "Tell of every byte of a document what it was read as");
+    add_document_options(*command, requests.explain.document);
+    command->add_flag("--json", requests.explain.json, "write JSON objects, one a line");
+    command->add_option("--color", requests.colours, "auto (on a terminal), always or never")
+        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->option_text("WHEN");
+    command
+        ->add_option("--charset", requests.charset,
+                     "the document's character set: 437 unless given, 850, ...")
+        ->option_text("NAME");
+    command->footer(explain_examples);
     return command;
 }
 
@@ -262,11 +297,39 @@ int convert(const CLI::App &command, const Requests &requests, pfsdoc::ConvertRe
     return pfsdoc::run_convert(request);
 }
 
+int identify(Requests &requests)
+{
+    requests.identify.form = requests.json_array   ? pfsdoc::IdentifyForm::json_array
+                             : requests.json_lines ? pfsdoc::IdentifyForm::json_lines
+                                                   : pfsdoc::IdentifyForm::table;
+    return pfsdoc::run_identify(requests.identify);
+}
+
+int explain(const Requests &requests)
+{
+    pfsdoc::ExplainRequest request = requests.explain;
+    if (requests.colours != "auto") {
+        request.colours = requests.colours == "always" ? pfsdoc::Colours::on : pfsdoc::Colours::off;
+    }
+    if (requests.charset.empty()) {
+        return pfsdoc::run_explain(request);
+    }
+    const pfsdoc::Result<pfsdoc::CodePage> page = pfsdoc::CodePage::named(requests.charset);
+    if (!page.ok()) {
+        return pfsdoc::report("", page.error());
+    }
+    request.code_page = &page.value();
+    return pfsdoc::run_explain(request);
+}
+
 int run_command(const CLI::App &app, Requests &requests)
 {
     const CLI::App &command = *app.get_subcommands().front();
     if (command.get_name() == "identify") {
-        return pfsdoc::run_identify(requests.identify);
+        return identify(requests);
+    }
+    if (command.get_name() == "explain") {
+        return explain(requests);
     }
     if (command.get_name() == "trace") {
         return pfsdoc::run_trace(requests.trace);
@@ -294,6 +357,7 @@ int run(int argument_count, char **arguments)
     add_text(app, requests);
     add_convert(app, requests);
     add_trace(app, requests);
+    add_explain(app, requests);
     try {
         app.parse(reversed_arguments(argument_count, arguments));
     } catch (const CLI::CallForHelp &) {
