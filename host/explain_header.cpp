@@ -249,7 +249,7 @@ std::string HeaderExplainer::stops_in_byte(uint32_t at, uint32_t first_column)
             append_to_list(list, std::to_string(first_column + bit));
         }
     }
-    return list.empty() ? "no tab stop" : "tab stops at " + list;
+    return list.empty() ? "no tab stop" : "tab stops: " + list;
 }
 
 // The text of a Write-family document begins behind a form feed, and behind the records that

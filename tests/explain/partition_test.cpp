@@ -148,8 +148,7 @@ TEST(Partition, OfSamplesCutAnywhere)
         for (int i = 0; i < 40; ++i) {
             const std::string cut = document.substr(0, random.below(document.size()));
             if (is_known(cut)) {
-                expect_explained(cut,
-                                 path.string() + " cut at " + std::to_string(cut.size()));
+                expect_explained(cut, path.string() + " cut at " + std::to_string(cut.size()));
             }
         }
     }
