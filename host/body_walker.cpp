@@ -125,13 +125,13 @@ void BodyWalker::hold_line_end(LineEnd by_rule, std::string reason, bool ends_in
     held_ = {1, by_rule, std::move(reason), ends_in_space};
 }
 
-void BodyWalker::on_line_end(LineEnd actual, bool space)
+void BodyWalker::on_line_end(LineEnd actual, bool as_space)
 {
     if (held_.length == 0) {
         builder_.dispute(); // an event where no line ends
         return;
     }
-    claim_held(actual, space);
+    claim_held(actual, as_space);
 }
 
 void BodyWalker::settle()
@@ -141,19 +141,19 @@ void BodyWalker::settle()
     }
 }
 
-void BodyWalker::claim_held(LineEnd actual, bool space)
+void BodyWalker::claim_held(LineEnd actual, bool as_space)
 {
     const Held held = std::exchange(held_, Held{});
     std::string words = "line end, ";
     words.append(line_end_words(actual)).append(": ").append(held.reason);
     if (actual == LineEnd::soft) {
-        words.append(space ? "; becomes a space" : "; the line ends in a space already");
+        words.append(as_space ? "; becomes a space" : "; the line ends in a space already");
     }
     Span &span = builder_.claim_alone(SpanKind::line_end, held.length, words);
     span.line_end = actual;
-    span.characters.assign(space ? 1 : 0, ' ');
+    span.characters.assign(as_space ? 1 : 0, ' ');
     span.disputed =
-        actual != held.by_rule || (actual == LineEnd::soft && space == held.ends_in_space);
+        actual != held.by_rule || (actual == LineEnd::soft && as_space == held.ends_in_space);
 }
 
 bool BodyWalker::take_page_break()

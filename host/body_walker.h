@@ -53,8 +53,8 @@ protected:
     virtual void on_indent() {}
     // A character, a leading space or a byte of a command was claimed.
     virtual void on_column() {}
-    // The line ended where the walker is; `space`: it was reported as one.
-    virtual void on_line_end(LineEnd actual, bool space);
+    // The line ended where the walker is; `as_space`: it was reported as one.
+    virtual void on_line_end(LineEnd actual, bool as_space);
 
     // The next byte that has not been read.
     uint32_t position() const
@@ -91,7 +91,7 @@ private:
     void read_special(int32_t byte, uint32_t position);
     void read_reported(int32_t byte, uint32_t position);
     void read_break(int32_t code, uint32_t position);
-    void claim_held(LineEnd actual, bool space);
+    void claim_held(LineEnd actual, bool as_space);
 
     Held held_;
     AttributeSet attributes_ = 0;

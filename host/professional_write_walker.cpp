@@ -45,7 +45,7 @@ private:
             line_start_ = LineStart::over;
         }
     }
-    void on_line_end(LineEnd actual, bool space) override;
+    void on_line_end(LineEnd actual, bool as_space) override;
 
     void begin_line();
     void claim_type(int32_t byte);
@@ -140,14 +140,14 @@ std::string_view ProfessionalWriteWalker::reason() const
     return has_type_ ? "its type says that it goes on" : "it has no type";
 }
 
-void ProfessionalWriteWalker::on_line_end(LineEnd actual, bool space)
+void ProfessionalWriteWalker::on_line_end(LineEnd actual, bool as_space)
 {
     const LineEnd by_rule =
         ends_paragraph_ || line_start_ != LineStart::over ? LineEnd::hard : LineEnd::soft;
     ended_ = actual;
     ended_words_ = line_end_words(actual);
-    ended_words_.append(": ").append(reason()).append(space ? ", and becomes a space" : "");
-    ended_with_space_ = space;
+    ended_words_.append(": ").append(reason()).append(as_space ? ", and becomes a space" : "");
+    ended_with_space_ = as_space;
     ended_disputed_ = !in_line_ || actual != by_rule || next_byte() > last_type;
     in_line_ = false;
 }

@@ -191,4 +191,71 @@ TEST(Partition, OfGeneratedDocuments)
     }
 }
 
+// Fails from a position on, as a damaged disk does.
+class FailingSource final : public ByteSource {
+public:
+    FailingSource(const std::string &document, uint32_t good)
+        : source_(source_from(document)), good_(good)
+    {
+    }
+
+    std::optional<uint32_t> read_at(uint32_t position, std::span<uint8_t> destination) override
+    {
+        if (position + destination.size() > good_) {
+            failed_ = true;
+            return std::nullopt;
+        }
+        return source_->read_at(position, destination);
+    }
+    uint32_t size() const override
+    {
+        return source_->size();
+    }
+    Status failure() const override
+    {
+        return failed_ ? Status(Error{ErrorKind::input, "fails", ""}) : Status();
+    }
+
+private:
+    std::unique_ptr<MemorySource> source_;
+    uint32_t good_;
+    bool failed_ = false;
+};
+
+TEST(FailedReads, EndTheExplanationWithTheirError)
+{
+    for (const fs::path &path : sample_paths()) {
+        const std::string document = content_of(path);
+        const DocumentKind kind = identify(*source_from(document)).value().kind;
+        for (const uint32_t good : {0U, 2048U, 4096U, 6144U, 10000U}) {
+            if (good >= document.size()) {
+                continue;
+            }
+            FailingSource source(document, good);
+            KeepingSpans sink;
+            const Status fault = explain(linked_module(), source, kind, sink);
+            ASSERT_TRUE(fault) << path << " good up to " << good;
+            EXPECT_TRUE(fault->kind == ErrorKind::input) << fault->what;
+        }
+    }
+}
+
+// A sink that gives up, as for want of memory, is heard through the module.
+TEST(FailedSinks, AreHeard)
+{
+    class Refusing final : public SpanSink {
+    public:
+        void span(const Span &) override
+        {
+            throw std::bad_alloc();
+        }
+    };
+    for (const KindExample &example : kind_examples()) {
+        const auto source = source_from(document_of(example.kind, bytes(example.body)));
+        Refusing sink;
+        EXPECT_THROW(static_cast<void>(explain(linked_module(), *source, example.kind, sink)),
+                     std::bad_alloc);
+    }
+}
+
 } // namespace
