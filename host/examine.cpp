@@ -188,7 +188,7 @@ Examination Examiner::examine()
     }
     examination_.registry_signature = registry_signature();
     if (examination_.registry_signature == RegistrySignature::differs) {
-        odd("it has not the signature by which PRONOM knows " + std::string(pronom_id(kind_)));
+        odd("it lacks the signature by which PRONOM knows " + std::string(pronom_id(kind_)));
     }
     return std::move(examination_);
 }

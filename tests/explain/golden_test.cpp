@@ -283,4 +283,22 @@ TEST(Golden, AWholeProfessionalWrite2File)
 )");
 }
 
+// Commands that follow each other are told apart, and only those are new pages that ask for one.
+TEST(Golden, CommandsOneAfterTheOther)
+{
+    EXPECT_EQ(summary(spans_of(write_document(2, bytes("0D '*N**N**c**new page*' 0E"))), 1026),
+              "1026+3 command: command: new page\n"
+              "1029+3 command: command: new page\n"
+              "1032+3 command: command\n"
+              "1035+10 command: command: new page\n"
+              "1045+1 end_mark: end of the document\n");
+    EXPECT_EQ(summary(spans_of(choice_document('3', bytes("08 0D 00 '*C**N*' 0E"))), 512),
+              "512+1 page_break: line header: page break\n"
+              "513+1 page_break: end of the page break's line\n"
+              "514+1 line_type: line header: text that goes on in the next line\n"
+              "515+3 command: command\n"
+              "518+3 command: command: new page\n"
+              "521+1 end_mark: end of the document\n");
+}
+
 } // namespace

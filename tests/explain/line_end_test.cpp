@@ -132,6 +132,15 @@ TEST(LineEnds, OfFirstChoice3AreToldByTheLinesHeader)
               "already\n");
 }
 
+// The length of a header chain is counted in 16 bits.
+TEST(LineEnds, OfFirstChoice3CountLongChainsAsTheModuleDoes)
+{
+    EXPECT_EQ(line_ends(choice_document('3', bytes("40x65537 01 'x' 0D 0E"))),
+              "line end, hard: the line's header says so\n");
+    EXPECT_EQ(line_ends(choice_document('3', bytes("40x65538 01 'x' 0D 0E"))),
+              "line end, soft: the line's header says that it goes on; becomes a space\n");
+}
+
 // Counts the bytes that are asked for, to tell work that grows with the file from work that
 // grows with its square.
 class CountingSource final : public ByteSource {

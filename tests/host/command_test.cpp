@@ -196,7 +196,7 @@ TEST_F(Command, IdentifyTellsKindNumberConfidenceAndBasis)
 {
     EXPECT_EQ(output_of({"identify", "a.pfs"}),
               "a.pfs: PFS: WRITE B, file id 1013, certain, fmt/1414: \"TYPE 2\" at 641, variant "
-              "\"2\" at 649; it has not the signature by which PRONOM knows fmt/1414\n");
+              "\"2\" at 649; it lacks the signature by which PRONOM knows fmt/1414\n");
     write("note.txt", write_document(3, bytes("'cut'")));
     EXPECT_EQ(output_of({"identify", "note.txt"}),
               "note.txt: IBM Writing Assistant, file id 1016, likely: \"IBM   \" at 641; its last "
@@ -237,7 +237,7 @@ constexpr const char *a_pfs_as_json =
     R"({"file":"a.pfs","kind":"PFS: WRITE B","file_id":1013,"confidence":"certain",)"
     R"("basis":"\"TYPE 2\" at 641, variant \"2\" at 649","pronom":"fmt/1414",)"
     R"("pronom_signature":false,"extension_mismatch":null,)"
-    R"("notes":["it has not the signature by which PRONOM knows fmt/1414"]})";
+    R"("notes":["it lacks the signature by which PRONOM knows fmt/1414"]})";
 constexpr const char *none_as_json =
     R"({"file":"none","error":"cannot be read: No such file or directory",)"
     R"("remedy":"check the name","exit_code":3})";
