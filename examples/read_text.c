@@ -53,6 +53,7 @@ int main(int argc, char **argv)
     File file = {{NULL, file_read, NULL, file_seek, file_tell, NULL, NULL}, NULL};
     VwInstance *instance = VwAllocProc();
     VwCharStream *stream = NULL;
+    int known;
     file.file = argc == 2 ? fopen(argv[1], "rb") : NULL;
     if (file.file == NULL || instance == NULL) {
         fputs("usage: read_text DOCUMENT, which must be readable\n", stderr);
@@ -61,14 +62,16 @@ int main(int argc, char **argv)
     VwLocalUp(&file.operations, &stream, instance);
     VwSetSoRtn(VW_SO_CHARACTER, (VwRoutine)on_character, instance);
     VwSetSoRtn(VW_SO_BREAK, (VwRoutine)on_break, instance);
-    if (stream == NULL || VwStreamOpen(stream, 1012, NULL, NULL, instance) != 0) {
-        fputs("read_text: not a document of a known kind\n", stderr);
-        return 4;
-    }
-    while (!at_end) {
+    known = stream != NULL && VwStreamOpen(stream, 1012, NULL, NULL, instance) == 0;
+    while (known && !at_end) {
         VwStreamRead(stream, instance);
     }
-    VwCharToBlock(stream);
+    if (stream != NULL) {
+        VwCharToBlock(stream);
+    }
     VwFreeProc(instance);
-    return fclose(file.file) == 0 && fflush(stdout) == 0 ? 0 : 7;
+    if (!known) {
+        fputs("read_text: not a document of a known kind\n", stderr);
+    }
+    return fclose(file.file) == 0 && fflush(stdout) == 0 ? (known ? 0 : 4) : 7;
 }

@@ -68,12 +68,6 @@ Error unreadable(int error_number)
             input_remedy(error_number)};
 }
 
-Error too_large()
-{
-    return {ErrorKind::input, "is 4 GiB or larger, which no document of these kinds is",
-            "check that it is the right file"};
-}
-
 Error not_spooled(int error_number)
 {
     return {ErrorKind::input, "cannot be copied to a temporary file: " + reason(error_number),
@@ -159,6 +153,12 @@ SourceResult spooled_source(Descriptor &descriptor, uint64_t limit)
 }
 
 } // namespace
+
+Error too_large()
+{
+    return {ErrorKind::limit, "is 4 GiB or larger, which no document of these kinds is",
+            "check that it is the right file"};
+}
 
 std::optional<uint32_t> MemorySource::read_at(uint32_t position, std::span<uint8_t> destination)
 {

@@ -1,16 +1,13 @@
 // Spans as JSON objects, one a line. What does not apply to a span is left out.
 #include "explain_writers.h"
 
+#include "json_text.h"
 #include "pfsdoc/attribute_names.h"
 #include "printable.h"
-
-#include <nlohmann/json.hpp>
 
 namespace pfsdoc {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::string hex_of(std::string_view bytes)
 {
@@ -22,45 +19,50 @@ std::string hex_of(std::string_view bytes)
     return hex;
 }
 
-Json names_of(AttributeSet attributes)
+void append_string(std::string &json, std::string_view member, std::string_view value)
 {
-    Json names = Json::array();
+    json.append(",\"").append(member).append("\":");
+    append_json_string(json, value);
+}
+
+void append_attributes(std::string &json, AttributeSet attributes)
+{
+    std::string_view before = ",\"attributes\":[";
     for (const AttributeName &entry : attribute_names) {
         if ((attributes & attribute_bit(static_cast<int32_t>(entry.code))) != 0) {
-            names.push_back(entry.name);
+            json.append(before);
+            append_json_string(json, entry.name);
+            before = ",";
         }
     }
-    return names;
+    json.append("]");
 }
 
 } // namespace
 
 void ExplainJsonWriter::span(const Span &span)
 {
-    Json object;
-    object["offset"] = span.offset;
-    object["length"] = span.bytes.size();
-    object["kind"] = span_kind_name(span.kind);
-    object["words"] = span.words;
-    object["hex"] = hex_of(span.bytes);
+    std::string json = "{\"offset\":" + std::to_string(span.offset) +
+                       ",\"length\":" + std::to_string(span.bytes.size());
+    append_string(json, "kind", span_kind_name(span.kind));
+    append_string(json, "words", span.words);
+    append_string(json, "hex", hex_of(span.bytes));
     if (!span.characters.empty()) {
         std::string text;
         code_page_.append_utf8(text, span.characters);
-        object["text"] = text;
+        append_string(json, "text", text);
     }
     if (span.attributes != 0) {
-        object["attributes"] = names_of(span.attributes);
+        append_attributes(json, span.attributes);
     }
     if (span.attribute_bytes != 0) {
-        object["attribute_bytes"] = span.attribute_bytes;
+        json.append(",\"attribute_bytes\":").append(std::to_string(span.attribute_bytes));
     }
     if (span.line_end != LineEnd::none) {
-        object["line_end"] = span.line_end == LineEnd::hard ? "hard" : "soft";
+        append_string(json, "line_end", span.line_end == LineEnd::hard ? "hard" : "soft");
     }
-    if (span.disputed) {
-        object["disputed"] = true;
-    }
-    output_.write(object.dump() + "\n");
+    json.append(span.disputed ? ",\"disputed\":true}\n" : "}\n");
+    output_.write(json);
 }
 
 } // namespace pfsdoc

@@ -83,6 +83,13 @@ Opened open_to_replace(const std::string &target, mode_t permissions)
     return opened;
 }
 
+Error over_limit(uint64_t max_bytes)
+{
+    return {ErrorKind::limit,
+            "gives more output than the " + std::to_string(max_bytes) + " bytes that are allowed",
+            "allow more with --max-output"};
+}
+
 Opened open_target(const std::string &target)
 {
     struct stat status {};
@@ -97,8 +104,10 @@ Opened open_target(const std::string &target)
 
 } // namespace
 
-FileOutput::FileOutput(int descriptor, std::string temporary, std::string target)
-    : descriptor_(descriptor), temporary_(std::move(temporary)), target_(std::move(target))
+FileOutput::FileOutput(int descriptor, std::string temporary, std::string target,
+                       uint64_t max_bytes)
+    : descriptor_(descriptor), temporary_(std::move(temporary)), target_(std::move(target)),
+      max_bytes_(max_bytes)
 {
     buffer_.reserve(buffer_size);
 }
@@ -111,7 +120,7 @@ FileOutput::~FileOutput()
     }
 }
 
-Result<std::unique_ptr<FileOutput>> FileOutput::create(const std::string &path)
+Result<std::unique_ptr<FileOutput>> FileOutput::create(const std::string &path, uint64_t max_bytes)
 {
     const bool is_standard_output = path.empty() || path == "-";
     const std::string target = is_standard_output ? "" : resolved(path);
@@ -121,13 +130,13 @@ Result<std::unique_ptr<FileOutput>> FileOutput::create(const std::string &path)
     if (opened.descriptor < 0) {
         return not_written(target, errno);
     }
-    return Result<std::unique_ptr<FileOutput>>(
-        std::unique_ptr<FileOutput>(new FileOutput(opened.descriptor, opened.temporary, target)));
+    return Result<std::unique_ptr<FileOutput>>(std::unique_ptr<FileOutput>(
+        new FileOutput(opened.descriptor, opened.temporary, target, max_bytes)));
 }
 
 void FileOutput::note_failure(int error_number)
 {
-    if (!failed()) {
+    if (error_number_ == 0) {
         error_number_ = error_number;
     }
 }
@@ -135,7 +144,7 @@ void FileOutput::note_failure(int error_number)
 void FileOutput::flush()
 {
     std::string_view rest = buffer_;
-    while (!rest.empty() && !failed()) {
+    while (!rest.empty() && error_number_ == 0) {
         const ssize_t count = ::write(descriptor_, rest.data(), rest.size());
         if (count >= 0) {
             rest.remove_prefix(static_cast<std::size_t>(count));
@@ -151,7 +160,11 @@ void FileOutput::write(std::string_view bytes)
     if (failed()) {
         return;
     }
-    buffer_.append(bytes);
+    const uint64_t allowed = max_bytes_ - bytes_;
+    over_limit_ = bytes.size() > allowed;
+    const std::string_view part = bytes.substr(0, allowed);
+    bytes_ += part.size();
+    buffer_.append(part);
     if (buffer_.size() >= buffer_size) {
         flush();
     }
@@ -159,7 +172,10 @@ void FileOutput::write(std::string_view bytes)
 
 Status FileOutput::failure() const
 {
-    return failed() ? not_written(target_, error_number_) : Status();
+    if (error_number_ != 0) {
+        return not_written(target_, error_number_);
+    }
+    return over_limit_ ? Status(over_limit(max_bytes_)) : Status();
 }
 
 Status FileOutput::commit()

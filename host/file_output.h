@@ -6,6 +6,7 @@
 #include "error.h"
 #include "output.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -16,7 +17,9 @@ class FileOutput final : public Output {
 public:
     // Empty or "-" is standard output. An existing file that is no regular one, such as a
     // device or a pipe, is written to directly.
-    static Result<std::unique_ptr<FileOutput>> create(const std::string &path);
+    // More than max_bytes are not written: the output has failed then, with ErrorKind::limit.
+    static Result<std::unique_ptr<FileOutput>> create(const std::string &path,
+                                                      uint64_t max_bytes = UINT64_MAX);
     // Without commit, what was written under a temporary name is gone.
     ~FileOutput() override;
     FileOutput(const FileOutput &) = delete;
@@ -26,7 +29,13 @@ public:
     void write(std::string_view bytes) override;
     bool failed() const
     {
-        return error_number_ != 0;
+        return error_number_ != 0 || over_limit_;
+    }
+    Status failure() const;
+    // Where the bytes are until commit; empty when they are written to their place directly.
+    const std::string &temporary_path() const
+    {
+        return temporary_;
     }
     // Hands on what is buffered.
     void flush();
@@ -34,15 +43,17 @@ public:
     Status commit();
 
 private:
-    FileOutput(int descriptor, std::string temporary, std::string target);
+    FileOutput(int descriptor, std::string temporary, std::string target, uint64_t max_bytes);
     void note_failure(int error_number);
-    Status failure() const;
 
     int descriptor_;
     std::string temporary_; // empty when written to directly
     std::string target_;
     std::string buffer_;
+    uint64_t max_bytes_;
+    uint64_t bytes_ = 0; // that were to be written
     int error_number_ = 0;
+    bool over_limit_ = false;
 };
 
 } // namespace pfsdoc

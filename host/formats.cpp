@@ -10,6 +10,10 @@ namespace {
 
 constexpr std::array all_formats = {
     &text_format,
+    &markdown_format,
+    &json_format,
+    &pandoc_format,
+    &html_format,
     &trace_format,
 };
 

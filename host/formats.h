@@ -5,6 +5,10 @@
 
 namespace pfsdoc {
 
+extern const Format json_format;
+extern const Format markdown_format;
+extern const Format pandoc_format;
+extern const Format html_format;
 extern const Format text_format;
 extern const Format trace_format;
 

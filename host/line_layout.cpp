@@ -38,6 +38,7 @@ void LineLayout::begin(LineGeometry geometry)
     skip_blanks_ = false;
     word_.clear();
     in_long_word_ = false;
+    tab_gaps_.clear();
     start_line(geometry_.first_line_indent);
 }
 
@@ -139,6 +140,9 @@ void LineLayout::end_word()
 void LineLayout::put_word()
 {
     std::size_t at = word_column();
+    if (decimal_stop_) {
+        set_last_gap(at);
+    }
     if (at + word_.size() > geometry_.width) {
         make_room();
         at = line_.size();
@@ -185,12 +189,15 @@ void LineLayout::tab()
 {
     end_word();
     if (decimal_stop_) { // a tab straight after a tab: the stop's column was its end
+        set_last_gap(*decimal_stop_);
         line_.resize(std::max(line_.size(), *decimal_stop_), ' ');
         decimal_stop_.reset();
     }
     const std::size_t at = column() + std::exchange(blanks_, 0);
     const TabColumn stop = next_tab_stop(at);
     skip_blanks_ = stop.column >= geometry_.width;
+    const std::size_t end = std::max(at, std::min(stop.column, geometry_.width));
+    tab_gaps_.push_back({static_cast<uint16_t>(end - at), skip_blanks_ || stop.decimal});
     if (stop.column >= geometry_.width) {
         write_line();
         start_line(geometry_.indent);
@@ -199,6 +206,20 @@ void LineLayout::tab()
         decimal_stop_ = stop.column;
     } else {
         line_.resize(stop.column, ' ');
+    }
+}
+
+// The line still ends at the tab.
+void LineLayout::set_last_gap(std::size_t end)
+{
+    end = std::clamp(end, line_.size(), std::max(line_.size(), geometry_.width));
+    tab_gaps_.back().columns = static_cast<uint16_t>(end - line_.size());
+}
+
+void LineLayout::drop_tabs_of_line()
+{
+    for (std::size_t i = line_first_gap_; i < tab_gaps_.size(); ++i) {
+        tab_gaps_[i] = {0, true};
     }
 }
 
@@ -227,6 +248,7 @@ void LineLayout::start_line(std::size_t indent)
     long_word_on_line_ = false;
     blanks_ = 0;
     decimal_stop_.reset();
+    line_first_gap_ = tab_gaps_.size();
 }
 
 // Leaves a line without text: the next one, or this one if it has none.
@@ -236,6 +258,7 @@ void LineLayout::make_room()
         write_line();
         start_line(geometry_.indent);
     } else {
+        drop_tabs_of_line();
         start_line(line_indent_);
     }
 }

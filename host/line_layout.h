@@ -26,6 +26,7 @@
 #include "utf8_output.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,6 +39,14 @@ enum class LineAlignment { left, centre, right };
 struct TabColumn {
     std::size_t column; // from the left margin
     bool decimal;
+};
+
+// What became of a tab, for hosts that draw it as a space of its own.
+struct TabGap {
+    uint16_t columns;  // from where it stands to what follows
+    bool takes_blanks; // those behind it are not shown
+
+    bool operator==(const TabGap &) const = default;
 };
 
 // Columns, and counted from the left margin except for the margin itself.
@@ -63,6 +72,12 @@ public:
     void end_line();
     // Ends the paragraph. One that has left no line leaves an empty one if asked to.
     void end(bool empty_line);
+    // Of the paragraph's tabs in order, complete when it has ended. A tab that ends its line
+    // takes what is left of it; one that was dropped has no columns.
+    const std::vector<TabGap> &tab_gaps() const
+    {
+        return tab_gaps_;
+    }
 
 private:
     std::size_t column() const;
@@ -75,6 +90,8 @@ private:
     std::size_t decimal_word_column() const;
     void blank();
     void tab();
+    void set_last_gap(std::size_t end);
+    void drop_tabs_of_line();
     TabColumn next_tab_stop(std::size_t column) const;
     void start_line(std::size_t indent);
     void make_room();
@@ -96,6 +113,9 @@ private:
     bool in_long_word_ = false;
     std::size_t blanks_ = 0;                  // before the word
     std::optional<std::size_t> decimal_stop_; // that the word goes to
+
+    std::vector<TabGap> tab_gaps_;
+    std::size_t line_first_gap_ = 0; // of this line's tabs
 };
 
 } // namespace pfsdoc

@@ -11,20 +11,20 @@ struct LossTexts {
 };
 
 constexpr LossTexts losses[] = {
-    {Loss::bold, "bold", "runs of bold text"},
-    {Loss::italic, "italic", "runs of italic text"},
-    {Loss::underline, "underline", "runs of underlined text"},
-    {Loss::subscript, "subscript", "runs of subscript"},
-    {Loss::superscript, "superscript", "runs of superscript"},
-    {Loss::alignment, "alignment", "paragraphs' alignments"},
-    {Loss::indents, "indents", "paragraphs' indents"},
-    {Loss::tab_stops, "tab_stops", "paragraphs' tab stops"},
-    {Loss::line_spacing, "line_spacing", "paragraphs' line spacings"},
+    {Loss::bold, "bold", "bold text"},
+    {Loss::italic, "italic", "italic text"},
+    {Loss::underline, "underline", "underlined text"},
+    {Loss::subscript, "subscript", "subscripts"},
+    {Loss::superscript, "superscript", "superscripts"},
+    {Loss::alignment, "alignment", "alignments of paragraphs"},
+    {Loss::indents, "indents", "indents of paragraphs"},
+    {Loss::tab_stops, "tab_stops", "tab stops"},
+    {Loss::line_spacing, "line_spacing", "line spacings"},
     {Loss::margins, "margins", "changes of the margins"},
     {Loss::page_break, "page_break", "page breaks"},
     {Loss::header_footer, "header_footer", "header and footer lines"},
     {Loss::command, "command", "embedded commands"},
-    {Loss::cut_command, "cut_command", "embedded commands' ends"},
+    {Loss::cut_command, "cut_command", "ends of embedded commands"},
     {Loss::character, "character", "characters unknown to the character set"},
 };
 

@@ -1,5 +1,6 @@
 #include "paragraph_collector.h"
 
+#include "reading_stopped.h"
 #include "vs_pfs.h"
 
 #include <variant>
@@ -19,6 +20,19 @@ constexpr bool is_byte(int32_t value)
     return value >= 0 && value <= 0xFF;
 }
 
+// The bytes that end a line, by kind. In Professional Write the next line's type byte does.
+std::string_view line_end_bytes(DocumentKind kind)
+{
+    constexpr std::string_view type_bytes("\x00\x01\x02\x03", 4);
+    switch (kind) {
+    case DocumentKind::professional_write_1:
+    case DocumentKind::professional_write_2: return type_bytes;
+    case DocumentKind::first_choice_2:
+    case DocumentKind::first_choice_3: return "\x0C\x0D";
+    default: return "\x0D";
+    }
+}
+
 } // namespace
 
 LineSpacingRule line_spacing_rule(DocumentKind kind)
@@ -30,6 +44,12 @@ LineSpacingRule line_spacing_rule(DocumentKind kind)
 ParagraphCollector::ParagraphCollector(BlockSink &sink, LineSpacingRule rule)
     : sink_(sink), rule_(rule), alignment_(VW_ALIGN_LEFT), line_spacing_(VW_SINGLE_SPACING)
 {
+}
+
+void ParagraphCollector::find_lines(ByteSource &source, DocumentKind kind)
+{
+    window_.emplace(source);
+    line_ends_ = line_end_bytes(kind);
 }
 
 int32_t ParagraphCollector::on_event(const Event &event, uint32_t offset)
@@ -50,6 +70,24 @@ void ParagraphCollector::on_characters(std::string_view bytes)
     }
 }
 
+CollectorContext ParagraphCollector::context(uint32_t offset) const
+{
+    const uint32_t before = offset_ != offset ? offset_ : offset_before_;
+    return {attributes_, alignment_, line_spacing_, margins_, tab_stops_, block_, before};
+}
+
+void ParagraphCollector::resume(const CollectorContext &context, uint32_t offset)
+{
+    attributes_ = context.attributes;
+    alignment_ = context.alignment;
+    line_spacing_ = context.line_spacing;
+    margins_ = context.margins;
+    tab_stops_ = context.tab_stops;
+    block_ = context.block;
+    note_offset(offset);
+    offset_before_ = context.offset_before;
+}
+
 void ParagraphCollector::finish()
 {
     if (finished_) {
@@ -68,12 +106,29 @@ void ParagraphCollector::on(const Character &event)
     in_command_ = false;
     if (is_byte(event.byte)) {
         const char byte = static_cast<char>(event.byte);
+        note_character();
         add_text({&byte, 1});
     }
 }
 
+// What follows a character in the file directly ends its line, or does not. Trailing blanks
+// are characters, so nothing that is not reported comes in between.
+void ParagraphCollector::note_character()
+{
+    const bool is_next_line =
+        window_ && last_character_ < offset_ && !paragraph_.bytes.empty() &&
+        line_ends_.find(static_cast<char>(window_->at(last_character_))) != std::string_view::npos;
+    if (is_next_line) {
+        paragraph_.line_starts.push_back(paragraph_.bytes.size());
+    }
+    last_character_ = offset_;
+}
+
 void ParagraphCollector::add_text(std::string_view bytes)
 {
+    if (bytes.size() > max_paragraph_bytes - paragraph_.bytes.size()) {
+        stop_at_limit();
+    }
     const bool same_piece = !paragraph_.pieces.empty() &&
                             paragraph_.pieces.back().kind == PieceKind::text &&
                             paragraph_.pieces.back().attributes == attributes_;
@@ -91,6 +146,7 @@ void ParagraphCollector::on(const SpecialCharacter &event)
     if (!is_byte(event.byte)) {
         return;
     }
+    note_character();
     const char byte = static_cast<char>(event.byte);
     if (!in_command_) {
         if (byte != command_delimiter) {
@@ -123,9 +179,23 @@ void ParagraphCollector::on(const PageBreak &)
 
 void ParagraphCollector::add_piece(PieceKind kind)
 {
+    if (paragraph_.pieces.size() == max_paragraph_pieces ||
+        paragraph_.bytes.size() >= max_paragraph_bytes) {
+        stop_at_limit();
+    }
     begin_paragraph();
     paragraph_.pieces.push_back(
         {paragraph_.bytes.size(), piece_source(), attributes_, kind, false});
+}
+
+void ParagraphCollector::stop_at_limit() const
+{
+    Error error{ErrorKind::limit, "has a paragraph that is too large to be held",
+                "pfsdoc trace reads it all the same"};
+    if (offset_ != 0) {
+        error.offset = offset_;
+    }
+    throw ReadingStopped(error);
 }
 
 // ------------------------------------------------------- what is reported of text -----
@@ -200,15 +270,15 @@ void ParagraphCollector::on(const HeaderFooter &event)
     end_paragraph_in_progress();
     end_block();
     if (event.kind == header_block || event.kind == footer_block) {
-        in_block_ = true;
-        sink_.block_begin(event.kind == header_block ? BlockKind::header : BlockKind::footer);
+        block_ = event.kind == header_block ? BlockKind::header : BlockKind::footer;
+        sink_.block_begin(*block_);
     }
 }
 
 void ParagraphCollector::end_block()
 {
-    if (in_block_) {
-        in_block_ = false;
+    if (block_) {
+        block_.reset();
         sink_.block_end();
     }
 }
@@ -248,6 +318,7 @@ void ParagraphCollector::clear_paragraph()
 {
     paragraph_.bytes.clear();
     paragraph_.pieces.clear();
+    paragraph_.line_starts.clear();
     paragraph_.omitted_command_bytes = 0;
     paragraph_in_progress_ = false;
     paragraph_has_text_ = false;
@@ -281,7 +352,7 @@ uint32_t ParagraphCollector::piece_source() const
 
 void ParagraphCollector::set_source_range()
 {
-    const bool text_elsewhere = in_block_ && paragraph_has_text_;
+    const bool text_elsewhere = block_.has_value() && paragraph_has_text_;
     paragraph_.source_begin =
         text_elsewhere ? paragraph_.pieces.front().source : next_source_begin_;
     paragraph_.source_end = text_elsewhere ? text_end_ : offset_;

@@ -1,5 +1,6 @@
 // Turns the event stream into blocks, one at a time: memory is bounded by the largest
-// paragraph, never by the document.
+// paragraph, never by the document. A paragraph beyond max_paragraph_bytes or
+// max_paragraph_pieces ends the reading.
 //
 // The stream tells of a paragraph in pieces and late: characters first, then the indents,
 // then the break. So the collector holds one paragraph until its break, completes it with
@@ -19,12 +20,14 @@
 #pragma once
 
 #include "block_sink.h"
+#include "byte_window.h"
 #include "events.h"
 #include "identify.h"
 #include "paragraph.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -42,6 +45,17 @@ enum class LineSpacingRule { at_last_character, at_break };
 
 LineSpacingRule line_spacing_rule(DocumentKind kind);
 
+// What a collector knows between two paragraphs from what came before.
+struct CollectorContext {
+    AttributeSet attributes = 0;
+    int32_t alignment = 0;
+    int32_t line_spacing = 0;
+    Margins margins{};
+    std::vector<TabStop> tab_stops;
+    std::optional<BlockKind> block; // that is open
+    uint32_t offset_before = 0;     // the last one that differed from where they meet
+};
+
 class ParagraphCollector final : public EventSink {
 public:
     // No command that does something comes near this length; a longer one is a command
@@ -53,9 +67,19 @@ public:
     explicit ParagraphCollector(BlockSink &sink,
                                 LineSpacingRule rule = LineSpacingRule::at_last_character);
 
+    // From here on the document's bytes are looked at to tell where its lines begin. The
+    // source must outlive the collector; events must come with offsets.
+    void find_lines(ByteSource &source, DocumentKind kind);
+
     // Always 0: no reason to stop.
     int32_t on_event(const Event &event, uint32_t offset) override;
     void on_characters(std::string_view bytes) override;
+
+    // As it is behind a paragraph's break at this offset, which may be still to come.
+    CollectorContext context(uint32_t offset) const;
+    // Goes on at an offset, after paragraphs that another collector has handed on. A block
+    // that is open there is not begun again.
+    void resume(const CollectorContext &context, uint32_t offset);
 
     // Ends the document where its end was not reported. Otherwise without effect.
     void finish();
@@ -78,9 +102,11 @@ private:
     void on(const LineSpacing &event);
 
     void add_text(std::string_view bytes);
+    void note_character();
     void note_offset(uint32_t offset);
     uint32_t piece_source() const;
     void add_piece(PieceKind kind);
+    [[noreturn]] void stop_at_limit() const;
     void begin_paragraph();
     void end_paragraph();
     void end_paragraph_in_progress();
@@ -105,7 +131,7 @@ private:
     bool paragraph_has_text_ = false;
     bool in_command_ = false;
     std::size_t command_bytes_ = 0;
-    bool in_block_ = false;
+    std::optional<BlockKind> block_; // that is open
     bool finished_ = false;
 
     // The offset of this event and the last one that differed from it: events of one
@@ -115,6 +141,9 @@ private:
     bool offset_known_ = false;
     uint32_t text_end_ = 0;
     uint32_t next_source_begin_ = 0;
+    uint32_t last_character_ = 0; // its offset
+    std::optional<ByteWindow> window_;
+    std::string_view line_ends_; // the bytes that end a line
 };
 
 } // namespace pfsdoc

@@ -16,30 +16,6 @@ bool is_professional_write(DocumentKind kind)
 
 using SessionResult = Result<std::unique_ptr<Session>>;
 
-SessionResult open_session(const Module &module, BlockFile &file, DocumentKind kind,
-                           Offsets offsets)
-{
-    SessionResult session = Session::create(module, file.get(), offsets);
-    if (session.ok() && !session.value()->open(file_id(kind))) {
-        return Error{ErrorKind::internal, "the module does not recognise the document",
-                     "try another module with --module"};
-    }
-    return session;
-}
-
-// The end of the data is reported as the document's end. What tells them apart is that the
-// module has asked for a byte behind the last one.
-Status check_end(const Session &session, const ByteSource &source)
-{
-    if (session.tell() <= source.size()) {
-        return {};
-    }
-    return Error{ErrorKind::damaged,
-                 "is cut short: its " + std::to_string(source.size()) +
-                     " bytes end before the document does",
-                 "what there is of it has been written"};
-}
-
 Status read_stopping(std::span<Session *const> sessions, Stitcher &stitcher,
                      const ByteSource &source)
 {
@@ -94,13 +70,41 @@ Status read_all(const Module &module, ByteSource &source, DocumentKind kind, Eve
     if (options.stops == Stops::at_breaks) {
         return read_in_two_sessions(module, source, kind, *session.value(), sink, options.offsets);
     }
-    if (options.stops == Stops::for_margins && is_professional_write(kind)) {
+    if (options.stops == Stops::for_margins && text_changes_margins(kind)) {
         return read_following_margins(source, kind, *session.value(), sink);
     }
     return read_at_once(source, *session.value(), sink);
 }
 
 } // namespace
+
+Result<std::unique_ptr<Session>> open_session(const Module &module, BlockFile &file,
+                                              DocumentKind kind, Offsets offsets)
+{
+    SessionResult session = Session::create(module, file.get(), offsets);
+    if (session.ok() && !session.value()->open(file_id(kind))) {
+        return Error{ErrorKind::internal, "the module does not recognise the document",
+                     "try another module with --module"};
+    }
+    return session;
+}
+
+// What tells them apart is that the module has asked for a byte behind the last one.
+Status check_end(const Session &session, const ByteSource &source)
+{
+    if (session.tell() <= source.size()) {
+        return {};
+    }
+    return Error{ErrorKind::damaged,
+                 "is cut short: its " + std::to_string(source.size()) +
+                     " bytes end before the document does",
+                 "what there is of it has been read", source.size()};
+}
+
+bool text_changes_margins(DocumentKind kind)
+{
+    return is_professional_write(kind);
+}
 
 IndentsReset indents_reset(DocumentKind kind)
 {

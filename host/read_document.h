@@ -10,6 +10,8 @@
 #include "resume.h"
 #include "session.h"
 
+#include <memory>
+
 namespace pfsdoc {
 
 enum class Stops {
@@ -33,6 +35,17 @@ struct ReadOptions {
 // them have been, the end included: the file ends before the document does.
 Status read_document(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
                      const ReadOptions &options = {});
+
+// An instance of the module that has opened the document. The file must outlive it.
+Result<std::unique_ptr<Session>> open_session(const Module &module, BlockFile &file,
+                                              DocumentKind kind, Offsets offsets);
+
+// Whether a document that was read to its reported end has ended by itself: the end of the
+// data is reported as the document's end too.
+Status check_end(const Session &session, const ByteSource &source);
+
+// Whether the text can change its margins, which the module tells at the start of a read.
+bool text_changes_margins(DocumentKind kind);
 
 // Professional Write never undoes a paragraph's indents; all others do, after its break.
 IndentsReset indents_reset(DocumentKind kind);

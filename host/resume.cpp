@@ -47,6 +47,12 @@ void Stitcher::resume()
     attributes_seen_ = 0;
 }
 
+void Stitcher::resume(const StitcherContext &context)
+{
+    context_ = context;
+    resume();
+}
+
 int32_t Stitcher::on_event(const Event &event, uint32_t offset)
 {
     if (!is_dropped(event, offset)) {
@@ -80,7 +86,7 @@ bool Stitcher::is_dropped(const Event &event, uint32_t offset)
 bool Stitcher::is_wanted_margins(const Event &event) const
 {
     return announced_margins_ == AnnouncedMargins::passed_on_if_changed &&
-           std::holds_alternative<Margins>(event) && event != margins_;
+           std::holds_alternative<Margins>(event) && context_.margins != std::get<Margins>(event);
 }
 
 // Tab stops, then margins and attributes in the order of the kind's reader.
@@ -91,7 +97,7 @@ bool Stitcher::drop_announcement(const Event &event, uint32_t offset)
         ++attributes_seen_;
     }
     if (margins_seen_ && attributes_seen_ == attribute_names.size()) {
-        expect_ = in_block_ ? Expect::block_pair : Expect::body_start;
+        expect_ = context_.in_block ? Expect::block_pair : Expect::body_start;
     }
     if (is_wanted_margins(event)) {
         pass_on(event, offset);
@@ -124,7 +130,7 @@ bool Stitcher::judge_pair(const Event &event)
 bool Stitcher::drop_body_start(const Event &event)
 {
     if (is_announced_reset(event)) {
-        return !(reset_ == IndentsReset::after_break && indents_reported_);
+        return !(reset_ == IndentsReset::after_break && context_.indents_reported);
     }
     if (std::holds_alternative<LineSpacing>(event)) {
         expect_ = Expect::anything;
@@ -136,12 +142,12 @@ bool Stitcher::drop_body_start(const Event &event)
 void Stitcher::pass_on(const Event &event, uint32_t offset)
 {
     if (as_break(event, VW_BREAK_PARAGRAPH) != nullptr) {
-        indents_reported_ = last_ && is_indents_report(*last_);
+        context_.indents_reported = last_ && is_indents_report(*last_);
     }
-    in_block_ = (in_block_ || as_break(event, VW_BREAK_BLOCK_OPEN) != nullptr) &&
-                as_break(event, VW_BREAK_BLOCK_CLOSE) == nullptr;
-    if (std::holds_alternative<Margins>(event)) {
-        margins_ = event;
+    context_.in_block = (context_.in_block || as_break(event, VW_BREAK_BLOCK_OPEN) != nullptr) &&
+                        as_break(event, VW_BREAK_BLOCK_CLOSE) == nullptr;
+    if (const auto *margins = std::get_if<Margins>(&event)) {
+        context_.margins = *margins;
     }
     last_ = event;
     sink_.on_event(event, offset);

@@ -38,6 +38,13 @@ enum class IndentsReset { never, after_break };
 // without stops would not have told.
 enum class AnnouncedMargins { dropped, passed_on_if_changed };
 
+// What a stitcher knows at a stop from what came before it.
+struct StitcherContext {
+    bool in_block = false;
+    bool indents_reported = false;  // by the paragraph whose break came last
+    std::optional<Margins> margins; // passed on last
+};
+
 // Stands between a session and a sink: asks for a stop at every paragraph break, and passes
 // on what a read without stops would have delivered. What the sink answers is not used.
 class Stitcher final : public EventSink {
@@ -50,6 +57,12 @@ public:
 
     // The next events are those of a read call that goes on after the last paragraph break.
     void resume();
+    StitcherContext context() const
+    {
+        return context_;
+    }
+    // The same, after a stop that another stitcher has seen.
+    void resume(const StitcherContext &context);
     int32_t on_event(const Event &event, uint32_t offset) override;
     void on_characters(std::string_view bytes) override;
 
@@ -76,10 +89,8 @@ private:
     bool margins_seen_ = false;               // of the announcements being dropped,
     std::size_t attributes_seen_ = 0;         // and how many attributes
     std::array<std::optional<Held>, 2> pair_; // indents reset and alignment, held back
-    bool in_block_ = false;
-    bool indents_reported_ = false; // by the paragraph whose break came last
-    std::optional<Event> last_;     // passed on
-    std::optional<Event> margins_;  // passed on last
+    StitcherContext context_;
+    std::optional<Event> last_; // passed on
 };
 
 // Puts margins that are announced after a paragraph's break before it: a record within the
@@ -88,6 +99,12 @@ private:
 class MarginFollower final : public EventSink {
 public:
     explicit MarginFollower(EventSink &sink) : sink_(sink) {}
+
+    // Whether a break has not been passed on yet.
+    bool holds() const
+    {
+        return held_.has_value();
+    }
 
     int32_t on_event(const Event &event, uint32_t offset) override;
     void on_characters(std::string_view bytes) override;

@@ -60,7 +60,10 @@ public:
 private:
     enum class Place { body, header, footer };
 
+    void add_losses(const Paragraph &paragraph);
+    bool page_break_is_shown(uint32_t source);
     void lay_out_piece(const Paragraph &paragraph, std::size_t index, LineLayout &layout);
+    void lay_out_lines(const Paragraph &paragraph, std::size_t index, LineLayout &layout);
     void lay_out_text(std::string_view bytes, LineLayout &layout);
 
     WriterOptions options_;
@@ -71,6 +74,7 @@ private:
     Utf8Output footer_text_;
     LineLayout footer_layout_;
     std::size_t footer_bytes_ = 0;
+    std::size_t next_line_ = 0; // of the paragraph's line starts
 };
 
 // The same from events.

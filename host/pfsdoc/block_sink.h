@@ -2,6 +2,7 @@
 // and page breaks. Tests: tests/host/paragraph_collector_test.cpp.
 #pragma once
 
+#include "export.h"
 #include "paragraph.h"
 
 #include <cstdint>
@@ -11,7 +12,7 @@ namespace pfsdoc {
 enum class BlockKind { header, footer };
 
 // Receives a document's blocks in order. What it is given is valid during the call.
-class BlockSink {
+class PFSDOC_API BlockSink {
 public:
     virtual ~BlockSink() = default;
     // A paragraph, or between block_begin and block_end a header or footer line.

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "error.h"
+#include "export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -22,7 +23,10 @@ namespace pfsdoc {
 // The first size that does not fit into a position.
 inline constexpr uint64_t input_size_limit = uint64_t{1} << 32;
 
-class ByteSource {
+// For such an input; ErrorKind::limit.
+PFSDOC_API Error too_large();
+
+class PFSDOC_API ByteSource {
 public:
     virtual ~ByteSource() = default;
     // Reads up to destination.size() bytes at a position; the number read, 0 at the end, or
@@ -36,7 +40,7 @@ public:
     }
 };
 
-class MemorySource final : public ByteSource {
+class PFSDOC_API MemorySource final : public ByteSource {
 public:
     explicit MemorySource(std::vector<uint8_t> bytes) : bytes_(std::move(bytes)) {}
     std::optional<uint32_t> read_at(uint32_t position, std::span<uint8_t> destination) override;
@@ -50,7 +54,7 @@ private:
 };
 
 // Owns its descriptor, which must be one that can be positioned.
-class DescriptorSource final : public ByteSource {
+class PFSDOC_API DescriptorSource final : public ByteSource {
 public:
     DescriptorSource(int descriptor, uint32_t size) : descriptor_(descriptor), size_(size) {}
     ~DescriptorSource() override;
@@ -74,8 +78,9 @@ private:
 };
 
 // Opens a file by its path; "-" is standard input.
-Result<std::unique_ptr<ByteSource>> open_source(const std::string &path);
+PFSDOC_API Result<std::unique_ptr<ByteSource>> open_source(const std::string &path);
 // Takes over a descriptor, whatever it is. At most `limit` - 1 bytes are taken.
-Result<std::unique_ptr<ByteSource>> source_of(int descriptor, uint64_t limit = input_size_limit);
+PFSDOC_API Result<std::unique_ptr<ByteSource>> source_of(int descriptor,
+                                                         uint64_t limit = input_size_limit);
 
 } // namespace pfsdoc

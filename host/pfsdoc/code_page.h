@@ -8,6 +8,7 @@
 #pragma once
 
 #include "error.h"
+#include "export.h"
 
 #include <array>
 #include <cstdint>
@@ -16,7 +17,7 @@
 
 namespace pfsdoc {
 
-class CodePage {
+class PFSDOC_API CodePage {
 public:
     // What an undefined byte becomes: U+FFFD.
     static constexpr char16_t replacement = u'\uFFFD';

@@ -3,6 +3,8 @@
 // written against these, never against raw calls.
 #pragma once
 
+#include "export.h"
+
 #include <cstdint>
 #include <string_view>
 #include <variant>
@@ -90,7 +92,7 @@ using Event = std::variant<Character, SpecialCharacter, PageBreak, AttributeChan
                            Break, SectionStart, LineSpacing>;
 
 // Receives a document's events in order.
-class EventSink {
+class PFSDOC_API EventSink {
 public:
     virtual ~EventSink() = default;
     // `offset` is the file position of the byte after those that gave rise to the event, or

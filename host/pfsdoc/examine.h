@@ -4,6 +4,7 @@
 #pragma once
 
 #include "byte_source.h"
+#include "export.h"
 #include "identify.h"
 
 #include <cstdint>
@@ -20,13 +21,13 @@ enum class Confidence : uint8_t {
 };
 
 // "certain", "likely", "signature".
-std::string_view confidence_name(Confidence confidence);
+PFSDOC_API std::string_view confidence_name(Confidence confidence);
 
 // Whether a file has the signature by which PRONOM itself would recognise it.
 enum class RegistrySignature : uint8_t { none, matches, differs };
 
 // The registry's entry for a kind; empty where there is none.
-std::string_view pronom_id(DocumentKind kind);
+PFSDOC_API std::string_view pronom_id(DocumentKind kind);
 
 struct Examination {
     Confidence confidence = Confidence::signature;
@@ -34,11 +35,11 @@ struct Examination {
     std::vector<std::string> notes; // what is odd, in words
 };
 
-Examination examine(ByteSource &source, DocumentKind kind);
+PFSDOC_API Examination examine(ByteSource &source, DocumentKind kind);
 
 // Words for a name whose extension belongs to another well-known format, or to another of
 // the kinds here; empty where it fits or means nothing. Extensions are taken without regard
 // to case. Much of what these programs wrote has none, or one of the writer's own.
-std::string extension_mismatch(std::string_view file_name, DocumentKind kind);
+PFSDOC_API std::string extension_mismatch(std::string_view file_name, DocumentKind kind);
 
 } // namespace pfsdoc

@@ -12,6 +12,7 @@
 
 #include "byte_source.h"
 #include "error.h"
+#include "export.h"
 #include "identify.h"
 #include "paragraph.h"
 
@@ -42,7 +43,7 @@ enum class SpanKind : uint8_t {
 };
 
 // "field", "header_text", ...: stable, for programs.
-std::string_view span_kind_name(SpanKind kind);
+PFSDOC_API std::string_view span_kind_name(SpanKind kind);
 
 enum class LineEnd : uint8_t {
     none,
@@ -68,7 +69,7 @@ struct Span {
 // Stretches of one sort that are longer are cut up into spans of this length at most.
 inline constexpr std::size_t longest_span = 4096;
 
-class SpanSink {
+class PFSDOC_API SpanSink {
 public:
     virtual ~SpanSink() = default;
     virtual void span(const Span &span) = 0;
@@ -77,6 +78,7 @@ public:
 // Delivers the spans of a whole file. Memory does not grow with the file, time only in
 // proportion to it. After ErrorKind::damaged, as after success, all spans have been delivered:
 // the document is cut short.
-Status explain(const Module &module, ByteSource &source, DocumentKind kind, SpanSink &sink);
+PFSDOC_API Status explain(const Module &module, ByteSource &source, DocumentKind kind,
+                          SpanSink &sink);
 
 } // namespace pfsdoc

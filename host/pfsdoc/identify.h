@@ -4,8 +4,9 @@
 // tests/host/identify_test.cpp.
 #pragma once
 
-#include "block_files.h"
+#include "byte_source.h"
 #include "error.h"
+#include "export.h"
 
 #include <cstdint>
 #include <string>
@@ -29,8 +30,8 @@ constexpr bool is_first_choice(DocumentKind kind)
 }
 
 // The module's number for a kind, and the name that it gives to that number.
-int32_t file_id(DocumentKind kind);
-std::string_view display_name(DocumentKind kind);
+PFSDOC_API int32_t file_id(DocumentKind kind);
+PFSDOC_API std::string_view display_name(DocumentKind kind);
 
 struct Identity {
     DocumentKind kind;
@@ -38,6 +39,6 @@ struct Identity {
 };
 
 // For a file of another kind the error says what it is, as far as that can be told.
-Result<Identity> identify(ByteSource &source);
+PFSDOC_API Result<Identity> identify(ByteSource &source);
 
 } // namespace pfsdoc

@@ -2,6 +2,8 @@
 // nobody has to compare by eye. Test: tests/host/loss_report_test.cpp.
 #pragma once
 
+#include "export.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -34,12 +36,12 @@ struct LossEntry {
     uint32_t first_source; // offset in the file; 0 where offsets were not asked for
 };
 
-// In the plural, fit to follow a number: "runs of bold text".
-std::string_view loss_words(Loss loss);
+// In the plural: "embedded commands".
+PFSDOC_API std::string_view loss_words(Loss loss);
 // For programs: "bold", "tab_stops".
-std::string_view loss_name(Loss loss);
+PFSDOC_API std::string_view loss_name(Loss loss);
 
-class LossReport {
+class PFSDOC_API LossReport {
 public:
     void add(Loss loss, uint32_t source, uint64_t count = 1);
     // Those that occurred, in the order of Loss.

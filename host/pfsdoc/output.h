@@ -1,18 +1,20 @@
 // Where writers put their bytes.
 #pragma once
 
+#include "export.h"
+
 #include <string>
 #include <string_view>
 
 namespace pfsdoc {
 
-class Output {
+class PFSDOC_API Output {
 public:
     virtual ~Output() = default;
     virtual void write(std::string_view bytes) = 0;
 };
 
-class StringOutput final : public Output {
+class PFSDOC_API StringOutput final : public Output {
 public:
     void write(std::string_view bytes) override
     {

@@ -30,6 +30,11 @@ constexpr AttributeSet attribute_bit(int32_t code)
     return known ? static_cast<AttributeSet>(1U << static_cast<unsigned>(code)) : AttributeSet{0};
 }
 
+// Nothing that people wrote comes near these. A larger paragraph ends the reading with
+// ErrorKind::limit.
+inline constexpr std::size_t max_paragraph_bytes = std::size_t{64} << 20;
+inline constexpr std::size_t max_paragraph_pieces = std::size_t{4} << 20;
+
 enum class PieceKind : uint8_t {
     text,
     command,    // its bytes as stored, both asterisks included where the document has them
@@ -42,11 +47,16 @@ struct Piece {
     AttributeSet attributes;
     PieceKind kind;
     bool cut; // a command that was too long to be kept whole
+
+    bool operator==(const Piece &) const = default;
 };
 
 struct Paragraph {
     std::string bytes;
     std::vector<Piece> pieces;
+    // Indexes of the bytes that begin a new line in the file. A blank that joins two lines may
+    // be the end of one or the start of the other. Empty where offsets were not asked for.
+    std::vector<std::size_t> line_starts;
 
     int32_t left_indent = 0;       // twips from the left margin, of all lines but the first
     int32_t first_line_indent = 0; // twips from the left margin too, not from left_indent
@@ -62,6 +72,7 @@ struct Paragraph {
 
     uint64_t omitted_command_bytes = 0; // of cut commands
 
+    bool operator==(const Paragraph &) const = default;
     std::string_view piece_bytes(std::size_t index) const
     {
         const std::size_t begin = pieces[index].begin;

@@ -8,6 +8,7 @@
 #include "block_sink.h"
 #include "code_page.h"
 #include "error.h"
+#include "export.h"
 #include "identify.h"
 #include "loss_report.h"
 #include "output.h"
@@ -20,6 +21,9 @@
 #include <string_view>
 
 namespace pfsdoc {
+
+// For add_attribute_losses.
+inline constexpr AttributeSet all_attributes = 0xFFFF;
 
 // What is known of a document before its first block.
 struct DocumentInfo {
@@ -43,7 +47,7 @@ struct WriterOptions {
 };
 
 // Takes a document's blocks; its output is complete when end_of_document has been called.
-class Writer : public BlockSink {
+class PFSDOC_API Writer : public BlockSink {
 public:
     // Complete at the end of the document.
     const LossReport &losses() const
@@ -62,7 +66,7 @@ protected:
 };
 
 // Takes a document's events.
-class EventWriter : public EventSink {
+class PFSDOC_API EventWriter : public EventSink {
 public:
     // Ends the output; to be called once after the last event.
     virtual void finish() = 0;
@@ -83,6 +87,8 @@ struct Format {
     MakeEventWriter make_event_writer; // null for all others
     // Whether paragraphs are to come with the offsets of their source, which costs time.
     bool wants_offsets;
+    // Whether the writer stands in a library of its own, which need not be installed.
+    bool needs_plugin = false;
 
     bool reads_option(std::string_view option) const
     {
@@ -91,8 +97,8 @@ struct Format {
 };
 
 // All formats, in the order in which help texts list them.
-std::span<const Format *const> formats();
+PFSDOC_API std::span<const Format *const> formats();
 // Null for an unknown name.
-const Format *find_format(std::string_view name);
+PFSDOC_API const Format *find_format(std::string_view name);
 
 } // namespace pfsdoc

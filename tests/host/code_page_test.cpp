@@ -83,4 +83,53 @@ TEST(CodePage437, HasNoControlCharacter)
     }
 }
 
+std::string in_code_page(const std::string &name, std::string_view bytes)
+{
+    const auto page = pfsdoc::CodePage::named(name);
+    EXPECT_TRUE(page.ok()) << name;
+    std::string encoded;
+    if (page.ok()) {
+        page.value().append_utf8(encoded, bytes);
+    }
+    return encoded;
+}
+
+TEST(CodePage, HasTheCharactersOfItsNumber)
+{
+    EXPECT_EQ(in_code_page("437", "\x9B\xB5\xF8"), "¢╡°");
+    EXPECT_EQ(in_code_page("850", "\x9B\xB5\xF8"), "øÁ°");
+    EXPECT_EQ(in_code_page("852", "\x9B\xB5\xF8"), "ŤÁ°");
+    EXPECT_EQ(in_code_page("866", "\x80\x9F\xF8"), "АЯ°");
+    EXPECT_EQ(in_code_page("CP865", "\x9B\x9D"), "øØ");
+    EXPECT_EQ(in_code_page("ISO-8859-1", "\xE9"), "é");
+}
+
+TEST(CodePage, HasGraphicsForControlCodesWhateverItsNumber)
+{
+    EXPECT_EQ(in_code_page("850", "\x01\x1B\x7F"), "☺←⌂");
+    EXPECT_EQ(in_code_page("ISO-8859-1", "\x07\x9B"), "•\uFFFD");
+}
+
+TEST(CodePage, MarksUndefinedBytes)
+{
+    const auto page = pfsdoc::CodePage::named("857");
+    ASSERT_TRUE(page.ok());
+    EXPECT_FALSE(page.value().is_complete());
+    EXPECT_FALSE(page.value().defines(0xD5));
+    EXPECT_TRUE(page.value().defines(0x80));
+    EXPECT_TRUE(pfsdoc::CodePage::ibm437().is_complete());
+    EXPECT_EQ(in_code_page("857", "\xD5"), "\uFFFD");
+}
+
+TEST(CodePage, IsRefusedWhereItIsNoExtensionOfAsciiByBytes)
+{
+    for (const char *name : {"", "no such set", "99999", "UTF-8", "UTF-16", "UCS-4", "EBCDIC-US",
+                             "932", "SHIFT_JIS", "850//TRANSLIT", "437/"}) {
+        const auto page = pfsdoc::CodePage::named(name);
+        ASSERT_FALSE(page.ok()) << name;
+        EXPECT_EQ(page.error().kind, pfsdoc::ErrorKind::usage) << name;
+        EXPECT_FALSE(page.error().remedy.empty()) << name;
+    }
+}
+
 } // namespace

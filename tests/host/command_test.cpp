@@ -1,43 +1,15 @@
 // The command pfsdoc as its users meet it: run as a program, judged by its exit code and by
 // what it writes where.
+#include "command_fixture.h"
 #include "examine.h"
 #include "explain.h"
-#include "host_bench.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <fcntl.h>
-#include <filesystem>
-#include <fstream>
 #include <random>
-#include <sstream>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <tuple>
-#include <unistd.h>
 
 namespace {
 
 using namespace tests;
 using pfsdoc::DocumentKind;
-namespace fs = std::filesystem;
-
-std::string content_of(const fs::path &path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-struct Outcome {
-    int exit_code;
-    std::string output;
-    std::string errors;
-};
 
 // Nothing that a signature could hide in by chance: the sequence is fixed.
 std::string random_bytes(std::size_t size)
@@ -48,122 +20,6 @@ std::string random_bytes(std::size_t size)
         bytes.push_back(static_cast<char>(random()));
     }
     return bytes;
-}
-
-// Where a run's standard streams lead; an empty name is a closed one.
-struct Streams {
-    std::string input = "/dev/null";
-    std::string output = "out.captured";
-    std::string errors = "err.captured";
-};
-
-// A path below /dev/fd is a descriptor that is open already: opening a pipe by such a path
-// would wait for its other end.
-void redirect(int descriptor, const std::string &path, int flags)
-{
-    constexpr std::string_view open_already = "/dev/fd/";
-    if (path.starts_with(open_already)) {
-        ::dup2(std::stoi(path.substr(open_already.size())), descriptor);
-        return;
-    }
-    const int opened = ::open(path.c_str(), flags | O_CLOEXEC, 0600);
-    if (::dup2(opened, descriptor) != descriptor) {
-        ::_exit(126);
-    }
-}
-
-// The closed ones last, so that no other takes their numbers.
-void redirect_all(const Streams &streams)
-{
-    const std::array<std::tuple<int, const std::string &, int>, 3> all = {
-        {{STDIN_FILENO, streams.input, O_RDONLY},
-         {STDOUT_FILENO, streams.output, O_WRONLY | O_CREAT | O_TRUNC},
-         {STDERR_FILENO, streams.errors, O_WRONLY | O_CREAT | O_TRUNC}}};
-    for (const auto &[descriptor, path, flags] : all) {
-        if (!path.empty()) {
-            redirect(descriptor, path, flags);
-        }
-    }
-    for (const auto &[descriptor, path, flags] : all) {
-        if (path.empty()) {
-            ::close(descriptor);
-        }
-    }
-}
-
-[[noreturn]] void become(const fs::path &directory, const std::vector<std::string> &arguments,
-                         const Streams &streams)
-{
-    if (::chdir(directory.c_str()) != 0) {
-        ::_exit(126);
-    }
-    redirect_all(streams);
-    std::vector<char *> pointers = {const_cast<char *>(PFSDOC_PROGRAM)};
-    for (const std::string &argument : arguments) {
-        pointers.push_back(const_cast<char *>(argument.c_str()));
-    }
-    pointers.push_back(nullptr);
-    ::execv(PFSDOC_PROGRAM, pointers.data());
-    ::_exit(127);
-}
-
-// Runs in a directory of its own, which holds `a.pfs`, a PFS: WRITE B document.
-class Command : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        std::string name = (fs::temp_directory_path() / "pfsdoc-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(name.data()), nullptr);
-        directory = name;
-        ::unsetenv("VS_PFS_MODULE");
-        write("a.pfs", write_document("TYPE 2", '2',
-                                      bytes("0D '  Hello' 0D 'more *NEW PAGE*'"
-                                            "0D 'last' 0D 0E")));
-    }
-    void TearDown() override
-    {
-        ::unsetenv("VS_PFS_MODULE");
-        fs::remove_all(directory);
-    }
-
-    void write(const std::string &name, const std::string &document) const
-    {
-        std::ofstream(directory / name, std::ios::binary) << document;
-    }
-
-    Outcome run(const std::vector<std::string> &arguments, const Streams &streams = {}) const
-    {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            become(directory, arguments, streams);
-        }
-        int status = 0;
-        EXPECT_EQ(::waitpid(child, &status, 0), child);
-        EXPECT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
-        return {WEXITSTATUS(status), content_of(directory / "out.captured"),
-                content_of(directory / "err.captured")};
-    }
-
-    // A run that must work and has nothing to say of it.
-    std::string output_of(const std::vector<std::string> &arguments,
-                          const Streams &streams = {}) const
-    {
-        const Outcome outcome = run(arguments, streams);
-        EXPECT_EQ(outcome.exit_code, 0);
-        EXPECT_EQ(outcome.errors, "");
-        return outcome.output;
-    }
-
-    fs::path directory;
-};
-
-// One line on standard error, which begins as all of them do.
-void expect_failure(const Outcome &outcome, int exit_code, const std::string &beginning)
-{
-    EXPECT_EQ(outcome.exit_code, exit_code);
-    EXPECT_EQ(outcome.errors.substr(0, beginning.size()), beginning);
-    EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
-    EXPECT_NE(outcome.errors.find("; "), std::string::npos) << "what can be done is missing";
 }
 
 TEST_F(Command, HelpAndVersionSucceed)
@@ -296,6 +152,15 @@ TEST_F(Command, ExplainHasColoursWhenToldOnly)
     EXPECT_EQ(output_of({"explain", "--color=always", "--json", "a.pfs"}),
               output_of({"explain", "--json", "a.pfs"}));
     expect_failure(run({"explain", "--color=red", "a.pfs"}), 2, "pfsdoc: --color");
+}
+
+TEST_F(Command, ExplainStopsAtTheLargestOutputAllowed)
+{
+    expect_failure(run({"explain", "--max-output", "1000", "a.pfs", "-o", "new"}), 6,
+                   "pfsdoc: a.pfs: ");
+    EXPECT_FALSE(fs::exists(directory / "new"));
+    EXPECT_EQ(run({"explain", "--max-output", "1MB", "a.pfs", "-o", "new"}).exit_code, 0);
+    EXPECT_EQ(content_of(directory / "new"), output_of({"explain", "a.pfs"}));
 }
 
 TEST_F(Command, ExplainReadsTheCharacterSetThatItIsTold)
@@ -543,41 +408,21 @@ TEST_F(Command, KeepsMessagesOutOfTheOutput)
     EXPECT_EQ(content_of(directory / "new"), output_of({"text", "a.pfs"}));
 }
 
-// An option as groff has it, where a hyphen is written \-.
-std::string in_groff(const std::string &option)
-{
-    std::string text = "\\-\\-" + option;
-    for (std::size_t at = text.find('-', 4); at != std::string::npos; at = text.find('-', at + 2)) {
-        text.insert(at, "\\");
-    }
-    return text;
-}
-
-void expect_options(const std::string &page, const std::string &helps,
-                    const std::vector<std::string> &options)
-{
-    for (const std::string &option : options) {
-        EXPECT_NE(page.find(in_groff(option)), std::string::npos) << option;
-        EXPECT_NE(helps.find("--" + option), std::string::npos) << option;
-    }
-}
-
 TEST_F(Command, ManualPageNamesEveryOption)
 {
-    expect_options(content_of(PFSDOC_MANUAL_PAGE),
-                   output_of({"--help"}) + output_of({"text", "--help"}) +
-                       output_of({"trace", "--help"}),
-                   {"no-page-breaks", "commands", "offsets", "fold", "stop", "output", "module",
-                    "version", "help"});
-}
-
-TEST_F(Command, ManualPagesOfTheirOwnNameEveryOption)
-{
-    const fs::path pages = fs::path(PFSDOC_MANUAL_PAGE).parent_path();
-    expect_options(content_of(pages / "pfsdoc-explain.1"), output_of({"explain", "--help"}),
-                   {"json", "color", "charset", "output", "module", "help"});
-    expect_options(content_of(pages / "pfsdoc-identify.1"), output_of({"identify", "--help"}),
-                   {"json", "lines", "help"});
+    const std::string page = content_of(PFSDOC_MANUAL_PAGE);
+    for (const char *option : {"no-page-breaks", "commands", "offsets", "fold", "stop", "output",
+                               "module", "version", "help"}) {
+        std::string in_groff = option; // where a hyphen is written \-
+        for (std::size_t at = in_groff.find('-'); at != std::string::npos;
+             at = in_groff.find('-', at + 2)) {
+            in_groff.insert(at, "\\");
+        }
+        EXPECT_NE(page.find("\\-\\-" + in_groff), std::string::npos) << option;
+        const std::string helps =
+            output_of({"--help"}) + output_of({"text", "--help"}) + output_of({"trace", "--help"});
+        EXPECT_NE(helps.find(std::string("--") + option), std::string::npos) << option;
+    }
 }
 
 // What a program may meet in the output is in the manual.

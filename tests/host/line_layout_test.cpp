@@ -294,4 +294,59 @@ TEST(LineLayout, IsTheSameHoweverTheTextIsCutUp)
     EXPECT_GT(lines, 30000U);
 }
 
+// ------------------------------------------------------------------------ tab gaps ---
+
+std::vector<TabGap> tab_gaps(std::string_view bytes, const LineGeometry &geometry)
+{
+    StringOutput output;
+    Utf8Output lines(output);
+    LineLayout layout(lines);
+    layout.begin(geometry);
+    layout.text(bytes);
+    layout.end(false);
+    return layout.tab_gaps();
+}
+
+const LineGeometry gap_geometry = {.width = 20, .indent = 2, .tab_stops = {{5, false}, {15, true}}};
+
+TEST(TabGaps, ReachFromTheTextToTheStop)
+{
+    EXPECT_EQ(tab_gaps("no tabs", gap_geometry), std::vector<TabGap>{});
+    EXPECT_EQ(tab_gaps("\ta", gap_geometry), (std::vector<TabGap>{{5, false}}));
+    EXPECT_EQ(tab_gaps("abc \ta", gap_geometry), (std::vector<TabGap>{{1, false}}));
+}
+
+TEST(TabGaps, OfDecimalStopsEndWhereTheWordBegins)
+{
+    EXPECT_EQ(tab_gaps("\t\t1.5", gap_geometry), (std::vector<TabGap>{{5, false}, {9, true}}));
+    EXPECT_EQ(tab_gaps("\t\t", gap_geometry), (std::vector<TabGap>{{5, false}, {10, true}}));
+    EXPECT_EQ(tab_gaps("0123456789012\t1234.5", gap_geometry), (std::vector<TabGap>{{1, true}}));
+}
+
+TEST(TabGaps, OfTabsThatEndTheirLineAreWhatIsLeftOfIt)
+{
+    EXPECT_EQ(tab_gaps("01234567 01234567 \t\ta", gap_geometry),
+              (std::vector<TabGap>{{2, true}, {3, false}}));
+    EXPECT_EQ(tab_gaps("0123456789012345678901234\ta", gap_geometry),
+              (std::vector<TabGap>{{0, true}}));
+}
+
+TEST(TabGaps, OfTabsThatAreDroppedAreNothing)
+{
+    EXPECT_EQ(tab_gaps("\t0123456789abcdef", gap_geometry), (std::vector<TabGap>{{0, true}}));
+}
+
+TEST(TabGaps, AreOneParagraphsAlone)
+{
+    StringOutput output;
+    Utf8Output lines(output);
+    LineLayout layout(lines);
+    for (int i = 0; i < 2; ++i) {
+        layout.begin(gap_geometry);
+        layout.text("\ta");
+        layout.end(false);
+        EXPECT_EQ(layout.tab_gaps().size(), 1U);
+    }
+}
+
 } // namespace

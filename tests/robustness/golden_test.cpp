@@ -1,8 +1,11 @@
-// The samples' committed traces and texts, byte for byte. scripts/update-goldens rewrites them.
+// The samples' committed traces and texts, and the letters' pages, byte for byte.
+// scripts/update-goldens rewrites them.
 #include "document_files.h"
+#include "paragraph_collector.h"
 #include "read_document.h"
 #include "text_writer.h"
 #include "trace.h"
+#include "writer.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -55,6 +58,41 @@ TEST_P(Golden, TextIsAsCommitted)
                                                  pfsdoc::Stops::for_margins),
                      golden(GetParam(), ".text"));
 }
+
+class GoldenLetter : public ::testing::TestWithParam<DocumentFile> {};
+
+// As `pfsdoc convert` writes it.
+std::string converted(const DocumentFile &file, const pfsdoc::Format &format)
+{
+    const std::string bytes = file.bytes();
+    pfsdoc::MemorySource source({bytes.begin(), bytes.end()});
+    const auto module = pfsdoc::Module::linked();
+    const auto identity = pfsdoc::identify(source);
+    const pfsdoc::DocumentKind kind = identity.value().kind;
+    pfsdoc::StringOutput output;
+    const auto writer = format.make_writer(output, {kind, file.path.filename().string()}, {});
+    pfsdoc::ParagraphCollector collector(*writer.value(), pfsdoc::line_spacing_rule(kind));
+    EXPECT_FALSE(pfsdoc::read_document(module.value(), source, kind, collector,
+                                       {pfsdoc::Offsets::none, pfsdoc::Stops::for_margins}));
+    collector.finish();
+    return output.text;
+}
+
+TEST_P(GoldenLetter, HtmlIsAsCommitted)
+{
+    const pfsdoc::Format &html = *pfsdoc::find_format("html");
+    expect_same_text(converted(GetParam(), html), golden(GetParam(), ".html"));
+}
+
+std::vector<DocumentFile> letters()
+{
+    std::vector<DocumentFile> files = sample_files();
+    std::erase_if(files, [](const DocumentFile &file) { return file.path.stem() != "letter"; });
+    return files;
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, GoldenLetter, ::testing::ValuesIn(letters()),
+                         [](const auto &file) { return file.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(Samples, Golden, ::testing::ValuesIn(sample_files()),
                          [](const auto &file) { return file.param.name; });

@@ -33,7 +33,7 @@ TEST(LossReport, CountsAndRemembersTheFirstPlace)
 
 TEST(LossReport, HasWordsAndNamesForEveryLoss)
 {
-    EXPECT_EQ(loss_words(Loss::bold), "runs of bold text");
+    EXPECT_EQ(loss_words(Loss::bold), "bold text");
     EXPECT_EQ(loss_name(Loss::bold), "bold");
     EXPECT_EQ(loss_words(Loss::character), "characters unknown to the character set");
     EXPECT_EQ(loss_name(Loss::character), "character");

@@ -1,9 +1,9 @@
 #include "commands.h"
 
+#include "document.h"
 #include "document_job.h"
-#include "paragraph_collector.h"
 #include "printable.h"
-#include "read_document.h"
+#include "reading_stopped.h"
 
 #include <cstdio>
 #include <utility>
@@ -12,32 +12,100 @@ namespace pfsdoc {
 
 namespace {
 
-// Reads the job's document into a sink, and lets it finish if all went well, or as well as it
-// can with a document that is not whole. What has gone to standard output before any other
-// error is out; a named file is not made.
-template <typename Finish>
-Status convert(const Job &job, EventSink &sink, const ReadOptions &options, Finish finish)
-{
-    const Status fault = read_document(job.module, *job.source, job.identity.kind, sink, options);
-    if (fault && fault->kind != ErrorKind::damaged) {
-        job.output->flush();
-        return fault;
+// A document to be read, and where its output goes.
+struct Job {
+    Document document;
+    std::unique_ptr<FileOutput> output;
+};
+
+// Pass on what they get as long as the output takes it: what is not wanted need not be read.
+class BlockGuard final : public BlockSink {
+public:
+    BlockGuard(Writer &writer, const FileOutput &output) : writer_(writer), output_(output) {}
+
+    void paragraph(const Paragraph &paragraph) override
+    {
+        check(output_);
+        writer_.paragraph(paragraph);
     }
-    finish();
-    const Status unwritten = job.output->commit();
-    return unwritten ? unwritten : fault;
+    void page_break(uint32_t source) override
+    {
+        check(output_);
+        writer_.page_break(source);
+    }
+    void block_begin(BlockKind kind) override
+    {
+        writer_.block_begin(kind);
+    }
+    void block_end() override
+    {
+        writer_.block_end();
+    }
+    void end_of_document() override
+    {
+        writer_.end_of_document();
+    }
+    static void check(const FileOutput &output)
+    {
+        if (output.failed()) {
+            throw ReadingStopped(*output.failure());
+        }
+    }
+
+private:
+    Writer &writer_;
+    const FileOutput &output_;
+};
+
+class EventGuard final : public EventSink {
+public:
+    EventGuard(EventWriter &writer, const FileOutput &output) : writer_(writer), output_(output) {}
+
+    int32_t on_event(const Event &event, uint32_t offset) override
+    {
+        BlockGuard::check(output_);
+        return writer_.on_event(event, offset);
+    }
+
+private:
+    EventWriter &writer_;
+    const FileOutput &output_;
+};
+
+// The output is made last: nothing that is wrong with the document may touch it.
+Result<Job> begin(const DocumentRequest &request, bool source_offsets)
+{
+    Result<Input> input = open_input(request);
+    if (!input.ok()) {
+        return input.error();
+    }
+    Result<Document> document = Document::from_source(std::move(input.value().source),
+                                                      {&input.value().module, source_offsets});
+    if (!document.ok()) {
+        return document.error();
+    }
+    Result<std::unique_ptr<FileOutput>> output = make_output(request);
+    if (!output.ok()) {
+        return output.error();
+    }
+    return Job{std::move(document.value()), std::move(output.value())};
 }
 
-Status convert_events(const Job &job, EventWriter &writer, const ReadOptions &options)
+Status write_events(Job &job, EventWriter &writer, bool in_steps)
 {
-    return convert(job, writer, options, [&writer] { writer.finish(); });
+    EventGuard guard(writer, *job.output);
+    const Status fault = job.document.read_events(guard, in_steps);
+    if (!fault || fault->kind == ErrorKind::damaged) {
+        writer.finish();
+    }
+    return settle(*job.output, fault);
 }
 
-Status convert_blocks(const Job &job, Writer &writer, Offsets offsets)
+Status write_blocks(Job &job, Writer &writer)
 {
-    ParagraphCollector collector(writer, line_spacing_rule(job.identity.kind));
-    return convert(job, collector, {offsets, Stops::for_margins},
-                   [&collector] { collector.finish(); });
+    BlockGuard guard(writer, *job.output);
+    const Status fault = job.document.read(guard);
+    return settle(*job.output, fault);
 }
 
 // The name that a document is known by: its file's, without the folders.
@@ -50,26 +118,25 @@ void report_losses(const std::string &subject, const Writer &writer)
 {
     for (const LossEntry &entry : writer.losses().entries()) {
         std::string line = "pfsdoc: " + subject + ": not in the output: ";
-        line.append(std::to_string(entry.count)).append(" ").append(loss_words(entry.loss));
+        line.append(loss_words(entry.loss)).append(" (").append(std::to_string(entry.count));
+        line.append(", first at byte ").append(std::to_string(entry.first_source)).append(")");
         static_cast<void>(std::fprintf(stderr, "%s\n", printable(line).c_str()));
     }
 }
 
-Status convert_with(const Job &job, const ConvertRequest &request)
+Status convert(Job &job, const ConvertRequest &request)
 {
     const Format &format = *request.format;
-    const Offsets offsets =
-        format.wants_offsets || request.options.offsets ? Offsets::wanted : Offsets::none;
     if (format.make_event_writer != nullptr) {
         const auto writer = format.make_event_writer(*job.output, request.options);
-        return convert_events(job, *writer, {offsets, Stops::none});
+        return write_events(job, *writer, false);
     }
-    const DocumentInfo info{job.identity.kind, title_of(request.document.file)};
+    const DocumentInfo info{job.document.kind(), title_of(request.document.file)};
     const auto writer = format.make_writer(*job.output, info, request.options);
     if (!writer.ok()) {
         return writer.error();
     }
-    const Status fault = convert_blocks(job, *writer.value(), offsets);
+    const Status fault = write_blocks(job, *writer.value());
     if (request.report && (!fault || fault->kind == ErrorKind::damaged)) {
         report_losses(subject_of(request.document.file), *writer.value());
     }
@@ -82,6 +149,9 @@ int report(const std::string &subject, const Error &error)
 {
     std::string line = "pfsdoc: ";
     line.append(subject).append(subject.empty() ? "" : ": ").append(error.what);
+    if (error.offset) {
+        line.append(" (at byte ").append(std::to_string(*error.offset)).append(")");
+    }
     line.append(error.remedy.empty() ? "" : "; ").append(error.remedy);
     // Where standard error is gone there is nobody to tell that it is.
     static_cast<void>(std::fprintf(stderr, "%s\n", printable(line).c_str()));
@@ -90,24 +160,24 @@ int report(const std::string &subject, const Error &error)
 
 int run_trace(const TraceRequest &request)
 {
-    const Result<Job> job = begin(request.document);
+    Result<Job> job = begin(request.document, request.options.offsets);
     if (!job.ok()) {
         return report(subject_of(request.document.file), job.error());
     }
     TraceWriter writer(*job.value().output, request.options);
-    const Offsets offsets = request.options.offsets ? Offsets::wanted : Offsets::none;
-    const Status fault = convert_events(job.value(), writer,
-                                        {offsets, request.stop ? Stops::at_breaks : Stops::none});
+    const Status fault = write_events(job.value(), writer, request.stop);
     return fault ? report(subject_of(request.document.file), *fault) : 0;
 }
 
 int run_convert(const ConvertRequest &request)
 {
-    const Result<Job> job = begin(request.document);
+    const bool source_offsets = request.format->wants_offsets || request.options.offsets ||
+                                request.options.raw_lines || request.report;
+    Result<Job> job = begin(request.document, source_offsets);
     if (!job.ok()) {
         return report(subject_of(request.document.file), job.error());
     }
-    const Status fault = convert_with(job.value(), request);
+    const Status fault = convert(job.value(), request);
     return fault ? report(subject_of(request.document.file), *fault) : 0;
 }
 

@@ -7,6 +7,7 @@
 #include "trace.h"
 #include "writer.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +20,7 @@ struct DocumentRequest {
     std::string file;
     std::string output;
     std::string module;
+    uint64_t max_output = UINT64_MAX; // bytes
 };
 
 struct TraceRequest {

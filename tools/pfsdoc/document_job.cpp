@@ -1,5 +1,7 @@
 #include "document_job.h"
 
+#include "interruption.h"
+
 #include <sys/stat.h>
 #include <utility>
 
@@ -23,7 +25,7 @@ std::string subject_of(const std::string &file)
     return file.empty() ? "\"\"" : file;
 }
 
-Result<Job> begin(const DocumentRequest &request)
+Result<Input> open_input(const DocumentRequest &request)
 {
     if (is_same_file(request.file, request.output)) {
         return Error{ErrorKind::usage, "would be replaced by its own output",
@@ -41,12 +43,22 @@ Result<Job> begin(const DocumentRequest &request)
     if (!module.ok()) {
         return module.error();
     }
-    Result<std::unique_ptr<FileOutput>> output = FileOutput::create(request.output);
-    if (!output.ok()) {
-        return output.error();
+    return Input{std::move(source.value()), identity.value(), module.value()};
+}
+
+Result<std::unique_ptr<FileOutput>> make_output(const DocumentRequest &request)
+{
+    return create_interruptible(request.output, request.max_output);
+}
+
+Status settle(FileOutput &output, const Status &fault)
+{
+    if (fault && fault->kind != ErrorKind::damaged) {
+        output.flush();
+        return fault;
     }
-    return Job{std::move(source.value()), identity.value(), module.value(),
-               std::move(output.value())};
+    const Status unwritten = output.commit();
+    return unwritten ? unwritten : fault;
 }
 
 } // namespace pfsdoc

@@ -4,6 +4,7 @@
 #include "document_job.h"
 #include "explain.h"
 #include "explain_writers.h"
+#include "reading_stopped.h"
 
 #include <cstdlib>
 #include <unistd.h>
@@ -33,29 +34,55 @@ std::unique_ptr<SpanSink> make_writer(Output &output, const ExplainRequest &requ
     return std::make_unique<ExplainTextWriter>(output, *request.code_page, wanted_colours(request));
 }
 
-Status explain_job(const Job &job, const ExplainRequest &request)
-{
-    const std::unique_ptr<SpanSink> writer = make_writer(*job.output, request);
-    const Status fault = explain(job.module, *job.source, job.identity.kind, *writer);
-    if (fault && fault->kind != ErrorKind::damaged) {
-        job.output->flush();
-        return fault;
+// Passes on what it gets as long as the output takes it: what is not wanted need not be read.
+class SpanGuard final : public SpanSink {
+public:
+    SpanGuard(SpanSink &writer, const FileOutput &output) : writer_(writer), output_(output) {}
+
+    void span(const Span &span) override
+    {
+        if (output_.failed()) {
+            throw ReadingStopped(*output_.failure());
+        }
+        writer_.span(span);
     }
-    const Status unwritten = job.output->commit();
-    return unwritten ? unwritten : fault;
+
+private:
+    SpanSink &writer_;
+    const FileOutput &output_;
+};
+
+Status explain_into(FileOutput &output, const Input &input, const ExplainRequest &request)
+{
+    const std::unique_ptr<SpanSink> writer = make_writer(output, request);
+    SpanGuard guard(*writer, output);
+    try {
+        return explain(input.module, *input.source, input.identity.kind, guard);
+    } catch (const ReadingStopped &stopped) {
+        return stopped.error();
+    }
+}
+
+Status run(const ExplainRequest &request)
+{
+    const Result<Input> input = open_input(request.document);
+    if (!input.ok()) {
+        return input.error();
+    }
+    const Result<std::unique_ptr<FileOutput>> output = make_output(request.document);
+    if (!output.ok()) {
+        return output.error();
+    }
+    const Status fault = explain_into(*output.value(), input.value(), request);
+    return settle(*output.value(), fault);
 }
 
 } // namespace
 
 int run_explain(const ExplainRequest &request)
 {
-    const std::string subject = subject_of(request.document.file);
-    const Result<Job> job = begin(request.document);
-    if (!job.ok()) {
-        return report(subject, job.error());
-    }
-    const Status fault = explain_job(job.value(), request);
-    return fault ? report(subject, *fault) : 0;
+    const Status fault = run(request);
+    return fault ? report(subject_of(request.document.file), *fault) : 0;
 }
 
 } // namespace pfsdoc

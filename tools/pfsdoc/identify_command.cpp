@@ -3,15 +3,12 @@
 
 #include "document_job.h"
 #include "examine.h"
+#include "json_text.h"
 #include "printable.h"
-
-#include <nlohmann/json.hpp>
 
 namespace pfsdoc {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // What has been found out about one file.
 struct Finding {
@@ -55,33 +52,88 @@ std::string line_of(const std::string &file, const Finding &finding)
     return line.append("\n");
 }
 
-Json json_of(const std::string &file, const Finding &finding)
+// A JSON object, member by member.
+class Object {
+public:
+    Object &text(std::string_view member, std::string_view value)
+    {
+        name(member);
+        append_json_string(json_, value);
+        return *this;
+    }
+    Object &text_or_null(std::string_view member, std::string_view value)
+    {
+        return value.empty() ? word(member, "null") : text(member, value);
+    }
+    // A number, or one of the words that JSON knows.
+    Object &word(std::string_view member, std::string_view value)
+    {
+        name(member);
+        json_.append(value);
+        return *this;
+    }
+    Object &texts(std::string_view member, const std::vector<std::string> &values)
+    {
+        name(member);
+        std::string_view before = "[";
+        for (const std::string &value : values) {
+            json_.append(before);
+            append_json_string(json_, value);
+            before = ",";
+        }
+        json_.append(values.empty() ? "[]" : "]");
+        return *this;
+    }
+    std::string closed() const
+    {
+        return json_ + "}";
+    }
+
+private:
+    void name(std::string_view member)
+    {
+        json_.append(json_.empty() ? "{" : ",");
+        append_json_string(json_, member);
+        json_.append(":");
+    }
+
+    std::string json_;
+};
+
+std::string_view json_word(RegistrySignature signature)
 {
-    const DocumentKind kind = finding.identity.kind;
-    const RegistrySignature signature = finding.examination.registry_signature;
-    Json object;
-    object["file"] = printable(file);
-    object["kind"] = display_name(kind);
-    object["file_id"] = file_id(kind);
-    object["confidence"] = confidence_name(finding.examination.confidence);
-    object["basis"] = printable(finding.identity.basis);
-    object["pronom"] = pronom_id(kind).empty() ? Json() : Json(pronom_id(kind));
-    object["pronom_signature"] = signature == RegistrySignature::none
-                                     ? Json()
-                                     : Json(signature == RegistrySignature::matches);
-    object["extension_mismatch"] = finding.mismatch.empty() ? Json() : Json(finding.mismatch);
-    object["notes"] = finding.examination.notes;
-    return object;
+    switch (signature) {
+    case RegistrySignature::matches: return "true";
+    case RegistrySignature::differs: return "false";
+    default: return "null";
+    }
 }
 
-Json json_of(const std::string &file, const Error &error)
+std::string json_of(const std::string &file, const Finding &finding)
 {
-    Json object;
-    object["file"] = printable(file);
-    object["error"] = printable(error.what);
-    object["remedy"] = printable(error.remedy);
-    object["exit_code"] = exit_code(error.kind);
-    return object;
+    const DocumentKind kind = finding.identity.kind;
+    const Examination &examination = finding.examination;
+    return Object()
+        .text("file", printable(file))
+        .text("kind", display_name(kind))
+        .word("file_id", std::to_string(file_id(kind)))
+        .text("confidence", confidence_name(examination.confidence))
+        .text("basis", printable(finding.identity.basis))
+        .text_or_null("pronom", pronom_id(kind))
+        .word("pronom_signature", json_word(examination.registry_signature))
+        .text_or_null("extension_mismatch", finding.mismatch)
+        .texts("notes", examination.notes)
+        .closed();
+}
+
+std::string json_of(const std::string &file, const Error &error)
+{
+    return Object()
+        .text("file", printable(file))
+        .text("error", printable(error.what))
+        .text("remedy", printable(error.remedy))
+        .word("exit_code", std::to_string(exit_code(error.kind)))
+        .closed();
 }
 
 // Puts one file's findings after the other, in the form that is wanted.
@@ -112,14 +164,14 @@ public:
     }
 
 private:
-    void add_object(const Json &object)
+    void add_object(const std::string &object)
     {
         if (form_ == IdentifyForm::json_lines) {
-            output_.write(object.dump() + "\n");
+            output_.write(object + "\n");
             return;
         }
         output_.write(first_ ? "\n" : ",\n");
-        output_.write("  " + object.dump());
+        output_.write("  " + object);
         first_ = false;
     }
 

@@ -2,6 +2,7 @@
 // is docs/man/pfsdoc.1; what is said here and there must agree. Test:
 // tests/host/command_test.cpp.
 #include "commands.h"
+#include "interruption.h"
 
 #include <CLI/CLI.hpp>
 
@@ -113,6 +114,11 @@ void add_document_options(CLI::App &command, pfsdoc::DocumentRequest &request)
         ->option_text(" ");
     command.add_option("-o,--output", request.output, "write to this file, whole or not at all")
         ->option_text("FILE");
+    command
+        .add_option("--max-output", request.max_output,
+                    "end with code 6 when the output grows larger, such as 64MB")
+        ->transform(CLI::AsSizeValue(false))
+        ->option_text("SIZE");
     command
         .add_option("--module", request.module,
                     "the filter module to read with, or \"linked\" for the built-in one")
@@ -388,6 +394,7 @@ int main(int argument_count, char **arguments)
     // A reader that goes away is an output that cannot be written, with a message of its own.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     occupy_standard_streams();
+    pfsdoc::handle_interruptions();
     try {
         return run(argument_count, arguments);
     } catch (const std::bad_alloc &) {

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "error.h"
+#include "export.h"
 #include "vs_pfs.h"
 
 #include <cstdint>
@@ -36,7 +37,7 @@ struct ModuleEntries {
 // VwGetRtns' own type.
 using GetEntries = void (*)(VwRoutine *table, uint32_t interface_version);
 
-class Module {
+class PFSDOC_API Module {
 public:
     // The module that is linked into this program.
     static Result<Module> linked();
@@ -61,6 +62,7 @@ private:
 // What was asked for, in this order: `option` if it is not empty, else the environment
 // variable VS_PFS_MODULE, else libvs_pfs.so beside the program or in `library_directory`
 // (relative to the program's own), else the linked-in module. "linked" stands for the last.
-Result<Module> find_module(const std::string &option, const std::string &library_directory);
+PFSDOC_API Result<Module> find_module(const std::string &option,
+                                      const std::string &library_directory);
 
 } // namespace pfsdoc

@@ -1,0 +1,44 @@
+// Texts that claim to be places in a document: refused, or read on from to an end.
+#include "document.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+// "One", "Two" and a third line, of PFS: WRITE B. The token names it by size and content, so
+// most inputs are refused; the dictionary and the corpus know its mark.
+pfsdoc::Document small_document()
+{
+    std::string bytes(1025, '\0');
+    bytes.replace(641, 6, "TYPE 2");
+    bytes[649] = '2';
+    bytes[1024] = '\f';
+    bytes += "\rOne\r\rTwo\rlast\r\x0E";
+    auto document = pfsdoc::Document::from_bytes({bytes.begin(), bytes.end()});
+    if (!document.ok()) {
+        std::abort();
+    }
+    return std::move(document.value());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
+{
+    const auto token = pfsdoc::ResumeToken::parse({reinterpret_cast<const char *>(data), size});
+    if (!token.ok()) {
+        return 0;
+    }
+    pfsdoc::Document document = small_document();
+    if (document.resume(token.value())) {
+        return 0;
+    }
+    for (;;) {
+        const auto block = document.next();
+        if (!block.ok() || !block.value()) {
+            return 0;
+        }
+    }
+}

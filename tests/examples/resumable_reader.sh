@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# resumable_reader shows a letter in as many runs as it is told, and all runs together show
+# what one run does. The place of one document is none in another.
+#   resumable_reader.sh PROGRAM SAMPLES
+set -euo pipefail
+program=$1
+samples=$2
+here=$(dirname "$0")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+place=$work/place
+letter=$samples/1013-pfs-write-b/letter.doc
+
+# What the whole letter is: read by a person once.
+"$program" "$letter" "$place" 1000 | diff "$here/letter.paragraphs" -
+[ ! -e "$place" ]
+
+# In steps: the place is kept from run to run, and gone at the end.
+for sample in "$samples"/*/letter.doc; do
+    "$program" "$sample" "$place" 1000 >"$work/whole"
+    for step in 1 2 7; do
+        : >"$work/steps"
+        runs=0
+        while ! grep -qxF '(the end)' "$work/steps"; do
+            "$program" "$sample" "$place" $step >>"$work/steps"
+            runs=$((runs + 1))
+            [ $runs -le 1000 ]
+        done
+        diff "$work/whole" "$work/steps"
+        [ $runs -gt $(($(wc -l <"$work/whole") / step / 2)) ]
+        [ ! -e "$place" ]
+    done
+done
+
+refuses() # CODE DOCUMENT
+{
+    local code=0
+    "$program" "$2" "$place" 1 >"$work/output" 2>"$work/errors" || code=$?
+    [ $code -eq "$1" ] || { echo "$2: $code instead of $1"; exit 1; }
+    [ ! -s "$work/output" ] && [ -s "$work/errors" ]
+}
+
+# Another document's place, what is no place, and what is no document.
+"$program" "$letter" "$place" 3 >/dev/null
+refuses 2 "$samples/1012-pfs-write-a/letter.doc"
+echo "nonsense" >"$place"
+refuses 2 "$letter"
+rm "$place"
+refuses 4 "$0"
+
+# A letter that is cut short ends with an error in place of its end.
+head -c 1500 "$letter" >"$work/cut"
+code=0
+"$program" "$work/cut" "$place" 1000 >"$work/output" 2>/dev/null || code=$?
+[ $code -eq 5 ]
+diff <(head -n 4 "$here/letter.paragraphs") <(head -n 4 "$work/output")

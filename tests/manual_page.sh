@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# A command's manual page against what the program says of itself: each option and each format
+# in the help text has its place in the page, and so has each exit code. A page may say more:
+# formats come and go with plug-ins.
+#   manual_page.sh PROGRAM COMMAND PAGE
+set -euo pipefail
+program=$1
+command=$2
+page=$(sed 's/\\-/-/g' "$3")
+help=$("$program" "$command" --help)
+failures=0
+
+expect_said()
+{
+    grep -qE -e "^\.(B|BI|BR|RB|IR) .*$1( |\"|$)" <<<"$page" || {
+        echo "is not in the page: $1"
+        failures=$((failures + 1))
+    }
+}
+
+mapfile -t options < <(sed -nE '/^Options:/,/^$/ s/^  (-[^ ]*).*/\1/p' <<<"$help" | tr ',' '\n')
+[ ${#options[@]} -ge 2 ]
+for option in "${options[@]}"; do
+    expect_said "$option"
+done
+
+mapfile -t formats < <(sed -nE '/^  -t,--to/,/^  -/ s/^ {20,}([a-z]+) .*/\1/p' <<<"$help")
+[ "$command" != convert ] || [ ${#formats[@]} -ge 2 ]
+for format in "${formats[@]}"; do
+    expect_said "$format"
+done
+
+mapfile -t codes < <("$program" --help | sed -nE '/^Exit codes:/,/^$/ s/^  ([0-9]+) .*/\1/p')
+[ ${#codes[@]} -ge 8 ]
+for code in "${codes[@]}"; do
+    # Several inputs at once are not every command's.
+    [ "$code" = 1 ] || expect_said "$code"
+done
+[ $failures -eq 0 ]
