@@ -2,6 +2,7 @@
 // is docs/man/pfsdoc.1; what is said here and there must agree. Test:
 // tests/host/command_test.cpp.
 #include "commands.h"
+#include "inspection_options.h"
 #include "interruption.h"
 
 #include <CLI/CLI.hpp>
@@ -41,22 +42,6 @@ Exit codes:
   70   a fault of pfsdoc itself, or of its module
   130  interrupted)";
 
-constexpr const char *identify_examples =
-    R"(Goes on after a file that fails; with several files the exit code is then 1. How sure the
-kind is: certain (signature, plausible header, end mark), likely (no end mark at the end)
-or signature (that alone).
-
-Examples:
-  pfsdoc identify letters/*
-  pfsdoc identify --json letters/* > letters.json)";
-
-constexpr const char *explain_examples =
-    R"(One span of the file a line: position, bytes, characters, and what they were read as.
-
-Examples:
-  pfsdoc explain LETTER | less
-  pfsdoc explain --json LETTER | grep '"line_end":"soft"')";
-
 constexpr const char *text_examples =
     R"(The text is UTF-8, wrapped to the document's margins; page breaks are form feeds.
 
@@ -77,11 +62,8 @@ Examples:
   pfsdoc convert -t text --wrap 72 --no-headers LETTER)";
 
 struct Requests {
-    pfsdoc::IdentifyRequest identify;
-    pfsdoc::ExplainRequest explain;
-    std::string colours = "auto";
-    bool json_array = false;
-    bool json_lines = false;
+    pfsdoc::IdentifyOptions identify;
+    pfsdoc::ExplainOptions explain;
     pfsdoc::ConvertRequest text;
     pfsdoc::ConvertRequest convert;
     std::string format;
@@ -123,19 +105,6 @@ void add_document_options(CLI::App &command, pfsdoc::DocumentRequest &request)
         .add_option("--module", request.module,
                     "the filter module to read with, or \"linked\" for the built-in one")
         ->option_text("PATH");
-}
-
-CLI::App *add_identify(CLI::App &app, Requests &requests)
-{
-    CLI::App *command = app.add_subcommand("identify", "Tell what files are, one line for each");
-    command->add_option("FILE", requests.identify.files, "the files; - is standard input")
-        ->required()
-        ->option_text("...");
-    command->add_flag("--json", requests.json_array, "write an array of JSON objects");
-    command->add_flag("--lines", requests.json_lines, "write JSON objects, one a line")
-        ->excludes("--json");
-    command->footer(identify_examples);
-    return command;
 }
 
 void add_text_options(CLI::App &command, Requests &requests, pfsdoc::WriterOptions &options)
@@ -206,23 +175,6 @@ CLI::App *add_trace(CLI::App &app, Requests &requests)
     command->add_flag("--stop", requests.trace.stop,
                       "stop at every paragraph, go on from saved states: the same output");
     command->footer(trace_examples);
-    return command;
-}
-
-CLI::App *add_explain(CLI::App &app, Requests &requests)
-{
-    CLI::App *command =
-        app.add_subcommand("explain", "Tell of every byte of a document what it was read as");
-    add_document_options(*command, requests.explain.document);
-    command->add_flag("--json", requests.explain.json, "write JSON objects, one a line");
-    command->add_option("--color", requests.colours, "auto (on a terminal), always or never")
-        ->check(CLI::IsMember({"auto", "always", "never"}))
-        ->option_text("WHEN");
-    command
-        ->add_option("--charset", requests.charset,
-                     "the document's character set: 437 unless given, 850, ...")
-        ->option_text("NAME");
-    command->footer(explain_examples);
     return command;
 }
 
@@ -303,39 +255,14 @@ int convert(const CLI::App &command, const Requests &requests, pfsdoc::ConvertRe
     return pfsdoc::run_convert(request);
 }
 
-int identify(Requests &requests)
-{
-    requests.identify.form = requests.json_array   ? pfsdoc::IdentifyForm::json_array
-                             : requests.json_lines ? pfsdoc::IdentifyForm::json_lines
-                                                   : pfsdoc::IdentifyForm::table;
-    return pfsdoc::run_identify(requests.identify);
-}
-
-int explain(const Requests &requests)
-{
-    pfsdoc::ExplainRequest request = requests.explain;
-    if (requests.colours != "auto") {
-        request.colours = requests.colours == "always" ? pfsdoc::Colours::on : pfsdoc::Colours::off;
-    }
-    if (requests.charset.empty()) {
-        return pfsdoc::run_explain(request);
-    }
-    const pfsdoc::Result<pfsdoc::CodePage> page = pfsdoc::CodePage::named(requests.charset);
-    if (!page.ok()) {
-        return pfsdoc::report("", page.error());
-    }
-    request.code_page = &page.value();
-    return pfsdoc::run_explain(request);
-}
-
 int run_command(const CLI::App &app, Requests &requests)
 {
     const CLI::App &command = *app.get_subcommands().front();
     if (command.get_name() == "identify") {
-        return identify(requests);
+        return pfsdoc::run_identify(requests.identify);
     }
     if (command.get_name() == "explain") {
-        return explain(requests);
+        return pfsdoc::run_explain(requests.explain);
     }
     if (command.get_name() == "trace") {
         return pfsdoc::run_trace(requests.trace);
@@ -359,11 +286,12 @@ int run(int argument_count, char **arguments)
     app.set_version_flag("--version", "pfsdoc " PFSDOC_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(examples);
-    add_identify(app, requests);
+    pfsdoc::add_identify(app, requests.identify);
     add_text(app, requests);
     add_convert(app, requests);
     add_trace(app, requests);
-    add_explain(app, requests);
+    add_document_options(*pfsdoc::add_explain(app, requests.explain),
+                         requests.explain.request.document);
     try {
         app.parse(reversed_arguments(argument_count, arguments));
     } catch (const CLI::CallForHelp &) {
