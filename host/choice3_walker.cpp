@@ -6,7 +6,7 @@
 //   else                            text; it ends its paragraph if the chain is two bytes
 //                                   long and the second has bit 0x01
 //
-// Tests: tests/explain/samples_test.cpp, golden_test.cpp.
+// Tests: tests/explain/partition_test.cpp, golden_test.cpp.
 #include "body_bytes.h"
 #include "body_walker.h"
 #include "stored_characters.h"

@@ -1,5 +1,5 @@
 // Records in Write-family documents: 0x07, the record's length with these two bytes, its type
-// and what belongs to that. Test: tests/explain/samples_test.cpp, golden_test.cpp.
+// and what belongs to that. Test: tests/explain/partition_test.cpp, golden_test.cpp.
 #pragma once
 
 #include "span_builder.h"

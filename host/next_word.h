@@ -5,7 +5,7 @@
 // The scan may take attribute bytes that the reader does not take for such, and so run over
 // line ends. Each later one is then within the word, where a character begins: the scan that
 // has been made answers for it as well, less the characters before it. So every byte is
-// looked at twice at most. Tests: tests/explain/line_end_test.cpp.
+// looked at twice at most. Tests: tests/explain/next_word_test.cpp, line_end_test.cpp.
 #pragma once
 
 #include "byte_window.h"

@@ -5,7 +5,7 @@
 //   0x02  goes on, may hide text         0x03  ends its paragraph, double spacing
 //
 // A second 0x02, or a 0x03, within a line that 0x02 began hides the rest of the line.
-// 0x07 begins a record, 0x0C is passed over. Tests: tests/explain/samples_test.cpp.
+// 0x07 begins a record, 0x0C is passed over. Tests: tests/explain/partition_test.cpp.
 #include "body_bytes.h"
 #include "body_walker.h"
 #include "margin_record.h"

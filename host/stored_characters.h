@@ -1,7 +1,7 @@
 // How each kind stores a character of its text: the byte, and the attribute bytes behind it.
 // What the attribute bytes switch on is left to the module's events; here it matters how many
-// there are and which character they make of the byte. Test: tests/explain/samples_test.cpp,
-// by the characters that the module reports.
+// there are and which character they make of the byte.
+// Test: tests/explain/stored_characters_test.cpp, against the module.
 #pragma once
 
 #include "pfsdoc/identify.h"

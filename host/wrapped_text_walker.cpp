@@ -7,7 +7,7 @@
 //   Writing Assistant    0x0D          0xC0-0xFF, one; all characters are translated
 //   First Choice 2.0     0x0C, 0x0D    0x80-0xFF, one or two
 //
-// Tests: tests/explain/line_end_test.cpp, samples_test.cpp.
+// Tests: tests/explain/line_end_test.cpp, partition_test.cpp.
 #include "body_bytes.h"
 #include "body_walker.h"
 #include "next_word.h"
