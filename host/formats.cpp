@@ -14,6 +14,8 @@ constexpr std::array all_formats = {
     &json_format,
     &pandoc_format,
     &html_format,
+    &odt_format,
+    &fodt_format,
     &trace_format,
 };
 

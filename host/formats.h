@@ -9,6 +9,8 @@ extern const Format json_format;
 extern const Format markdown_format;
 extern const Format pandoc_format;
 extern const Format html_format;
+extern const Format fodt_format;
+extern const Format odt_format;
 extern const Format text_format;
 extern const Format trace_format;
 

@@ -39,7 +39,7 @@ libraries=$(dirname "$(find "$prefix" -name libvs_pfs.so)")
 # Everything is there, and nothing knows where it was built or first installed.
 for file in bin/pfsdoc include/vs_pfs.h include/pfsdoc/document.h include/pfsdoc/writer.h \
     share/man/man1/pfsdoc.1 share/man/man1/pfsdoc-convert.1 \
-    share/bash-completion/completions/pfsdoc \
+    share/bash-completion/completions/pfsdoc share/pfsdoc/pfsdoc.schema.json \
     share/doc/vs_pfs/LICENSE share/doc/vs_pfs/THIRD-PARTY-NOTICES.md; do
     [ -s "$prefix/$file" ] || failed "$file is not installed"
 done
@@ -51,6 +51,13 @@ fi
 for binary in "$prefix/bin/pfsdoc" "$libraries"/*.so; do
     if readelf -d "$binary" | grep -E 'R(UN)?PATH'; then
         failed "$binary looks for libraries where it was built"
+    fi
+done
+
+# Plug-ins bring their own copies of what they need of the library, for themselves alone.
+for plugin in "$libraries"/pfsdoc/*.so; do
+    if [ -e "$plugin" ] && nm -DC --defined-only "$plugin" | grep ' pfsdoc::'; then
+        failed "$plugin shows what is the library's"
     fi
 done
 
@@ -117,6 +124,17 @@ printf 'lost: %s\n' bold italic underline subscript superscript header_footer co
 expect_same "$work/converted" run_installed "$work/manual2" "$letter"
 printf '%s\n' 'Moorings for the coming season' 'north pontoon' cats >"$work/bold"
 expect_same "$work/bold" run_installed "$work/manual3" "$letter"
+
+# The installed command writes every format that it lists, those of plug-ins too.
+formats=$("$prefix/bin/pfsdoc" convert --help |
+    sed -nE '/^  -t,--to/,/^  -/ s/^ {20,}([a-z]+) .*/\1/p')
+[ "$(wc -w <<<"$formats")" -ge 2 ] || failed "few formats: $formats"
+for format in $formats; do
+    if ! "$prefix/bin/pfsdoc" convert -t "$format" "$letter" >"$work/output" ||
+        [ ! -s "$work/output" ]; then
+        failed "does not write the format $format"
+    fi
+done
 
 # The installed command reads with the installed module: it notices when that is no module.
 find "$libraries" -name 'libvs_pfs.so*' -delete

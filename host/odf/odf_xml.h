@@ -1,0 +1,36 @@
+// XML as a byte stream: what libodfgen calls with elements and characters. Everything is
+// escaped here, attributes too, so that no text of a document can be taken for markup. An
+// element without content is one tag. Test: tests/writers/odf_xml_test.cpp.
+#pragma once
+
+#include "output.h"
+
+#include <libodfgen/libodfgen.hxx>
+
+#include <string>
+#include <string_view>
+
+namespace pfsdoc {
+
+class XmlStream final : public OdfDocumentHandler {
+public:
+    // The output must outlive the stream.
+    explicit XmlStream(Output &output);
+
+    void startDocument() override;
+    void endDocument() override;
+    void startElement(const char *name, const librevenge::RVNGPropertyList &attributes) override;
+    void endElement(const char *name) override;
+    void characters(const librevenge::RVNGString &text) override;
+
+private:
+    void end_tag();
+    void append_escaped(std::string_view text);
+    void write_if_full();
+
+    Output &output_;
+    std::string buffer_;
+    bool tag_open_ = false;
+};
+
+} // namespace pfsdoc

@@ -1,0 +1,97 @@
+// What a document's pages, paragraphs and runs of text look like, as property lists of
+// librevenge.
+//
+// A page is 11 inches high and 8.5 wide, or as wide as its columns need; ten columns fit an
+// inch and six lines do, so text is set in a fixed-pitch font of 12 points. Margins that
+// change within the document are paragraph margins, counted from the page's. Tab stops count
+// from the paragraph's left indent, as OpenDocument and most others have it.
+// Tests: tests/writers/revenge_writer_test.cpp.
+#pragma once
+
+#include "page_geometry.h"
+#include "paragraph.h"
+
+#include <librevenge/librevenge.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace pfsdoc {
+
+// Every page has a margin of six lines at the top and at the bottom. A header or footer takes
+// the inner ones of it, the empty lines that part it from the text included; more lines than
+// that come at the text's expense.
+inline constexpr std::size_t margin_lines = 6;
+inline constexpr std::size_t header_lines = 3;
+
+// How a paragraph begins, for a part of one that a page break has cut too.
+struct ParagraphStart {
+    bool page_break_before = false;
+    bool continues = false; // lines of the paragraph stand before it
+    bool has_tab = false;
+
+    bool operator==(const ParagraphStart &) const = default;
+};
+
+librevenge::RVNGPropertyList page_properties(const PageColumns &page, bool has_header,
+                                             bool has_footer);
+
+// Property lists take longer to make than the text between them to convert, and most
+// paragraphs look like one of the last few: those are kept. To a generator that keeps styles
+// a list is told once, with a number that stands for it from then on.
+class RevengeStyles {
+public:
+    // The generator must outlive the styles.
+    RevengeStyles(librevenge::RVNGTextInterface &generator, bool generator_keeps_styles);
+
+    // The body follows the headers and footers. A generator keeps the styles of the two in
+    // different places, so nothing is kept from one for the other.
+    void begin_body();
+
+    // The answers are valid until the next call. All calls are for the same page.
+    const librevenge::RVNGPropertyList &paragraph_properties(const Paragraph &paragraph,
+                                                             const PageColumns &page,
+                                                             const ParagraphStart &start);
+    const librevenge::RVNGPropertyList &span_properties(AttributeSet attributes);
+
+    // How many elements of a document take as much memory as the styles defined so far.
+    uint64_t elements() const
+    {
+        return elements_;
+    }
+
+private:
+    static constexpr std::size_t looks_kept = 32;
+
+    // All of a paragraph that its properties depend on.
+    struct ParagraphLook {
+        int32_t left_indent;
+        int32_t first_line_indent;
+        int32_t line_spacing;
+        LineAlignment alignment;
+        Margins margins;
+        ParagraphStart start;
+        std::vector<TabStop> tab_stops;
+
+        bool operator==(const ParagraphLook &) const = default;
+    };
+    struct KnownLook {
+        ParagraphLook look;
+        librevenge::RVNGPropertyList properties;
+    };
+
+    librevenge::RVNGPropertyList defined_paragraph(librevenge::RVNGPropertyList properties);
+    librevenge::RVNGPropertyList defined_span(librevenge::RVNGPropertyList properties);
+
+    librevenge::RVNGTextInterface &generator_;
+    bool generator_keeps_styles_;
+    int last_number_ = 0;
+    uint64_t elements_ = 0;
+    std::vector<KnownLook> looks_;
+    std::size_t oldest_look_ = 0;
+    std::map<AttributeSet, librevenge::RVNGPropertyList> spans_;
+};
+
+} // namespace pfsdoc

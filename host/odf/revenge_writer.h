@@ -1,0 +1,116 @@
+// Tells blocks to any document generator of librevenge.
+//
+// Such a generator wants to know a page before the first thing on it, so the header and footer
+// lines, of which a document has few, are held until the body begins: then the page's margins
+// are the ones of the first paragraph that came, and the margins above and below it leave room
+// for the lines. Everything else goes out as it comes.
+//
+//   page breaks   a property of the paragraph after the break. A break in mid-paragraph cuts
+//                 it in two, the second without a first-line indent. Breaks that follow each
+//                 other, and those at either end of the document, have empty paragraphs
+//                 between or around them, as their pages do.
+//   blanks        all but the first of a run are told one by one, as generators want it; so
+//                 are those at a paragraph's start. Blanks at a paragraph's end are left out,
+//                 and those at the start of one that is not left-aligned.
+//   commands      hidden unless WriterOptions::commands asks for them. A paragraph of nothing
+//                 but hidden commands is left out, and so is an empty header or footer line.
+//
+// Calls balance whatever the blocks are. Tests: tests/writers/revenge_writer_test.cpp.
+#pragma once
+
+#include "page_geometry.h"
+#include "revenge_styles.h"
+#include "writer.h"
+
+#include <librevenge/librevenge.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pfsdoc {
+
+// What to know of a generator.
+struct GeneratorTraits {
+    // It holds the document in memory, so that TooManyElements is thrown at more than these:
+    // paragraphs, runs of text that look alike, and tabs and blanks that are told one by one.
+    // Styles count as several.
+    uint64_t most_elements = std::numeric_limits<uint64_t>::max();
+    // Properties need not be told again once a style with a number has been defined.
+    bool keeps_styles = false;
+};
+
+class TooManyElements {};
+
+class RevengeWriter final : public Writer {
+public:
+    // A document has two lines of each; more than this are not held.
+    static constexpr std::size_t max_block_lines = 16;
+
+    // The document must outlive the writer.
+    RevengeWriter(librevenge::RVNGTextInterface &document, const DocumentInfo &info,
+                  const WriterOptions &options, const GeneratorTraits &traits = {});
+    RevengeWriter(const RevengeWriter &) = delete;
+    RevengeWriter &operator=(const RevengeWriter &) = delete;
+
+    void paragraph(const Paragraph &paragraph) override;
+    void page_break(uint32_t source) override;
+    void block_begin(BlockKind kind) override;
+    void block_end() override;
+    void end_of_document() override;
+
+private:
+    void hold_line(const Paragraph &paragraph);
+    void begin_page();
+    void write_header();
+    void write_footer();
+    void write_empty_lines(std::size_t count);
+    void end_pages_pending();
+    void write_empty_paragraph(bool page_break_before);
+
+    void write_paragraph(const Paragraph &paragraph);
+    void write_piece(const Paragraph &paragraph, std::size_t index);
+    void break_paragraph();
+    void open_paragraph();
+    void close_paragraph();
+    void open_span(AttributeSet attributes);
+    void close_span();
+
+    void write_text(std::string_view bytes, AttributeSet attributes);
+    std::string_view hold_blanks(std::string_view bytes, AttributeSet attributes);
+    std::string_view write_gap(std::string_view bytes);
+    void write_spaces(std::size_t count);
+    void flush_text();
+    void count_elements(std::size_t count);
+
+    librevenge::RVNGTextInterface &document_;
+    WriterOptions options_;
+    RevengeStyles styles_;
+    GeneratorTraits traits_;
+    uint64_t elements_ = 0; // so far
+
+    // The document.
+    std::optional<BlockKind> block_; // that lines belong to
+    std::vector<Paragraph> headers_;
+    std::vector<Paragraph> footers_;
+    std::optional<PageColumns> page_; // of the first paragraph
+    bool in_body_ = false;            // the page is open, its header and footer are written
+    bool body_is_empty_ = true;
+    uint64_t breaks_pending_ = 0; // before the next paragraph
+
+    // The paragraph.
+    const Paragraph *current_ = nullptr;
+    ParagraphStart start_;
+    std::size_t visible_end_ = 0; // of its bytes, without the blanks that nobody sees
+    bool paragraph_open_ = false;
+    std::size_t held_blanks_ = 0; // before its first character
+    bool after_gap_ = false;      // or at its start
+    std::optional<AttributeSet> span_;
+    std::string text_; // not told yet, UTF-8
+};
+
+} // namespace pfsdoc

@@ -1,0 +1,66 @@
+#!/usr/bin/env bash
+# odf.sh PFSDOC SAMPLES: has LibreOffice read every sample as odt and as fodt, and compares
+# the text and the pages that it makes of them with the samples' own texts: odf_pages.py.
+# Before that, packages must be packed as OpenDocument demands, and all XML well-formed.
+set -euo pipefail
+pfsdoc=$1
+samples=$2
+here=$(dirname "$(realpath -- "$0")")
+for tool in soffice xmllint unzip pdftotext pdfinfo python3; do
+    command -v "$tool" >/dev/null || { echo "$tool is not installed" >&2; exit 1; }
+done
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+fail() {
+    echo "$*" >&2
+    exit 1
+}
+
+# check_package FILE
+check_package() {
+    local entries entry
+    entries=$(unzip -Z1 "$1")
+    [ "${entries%%$'\n'*}" = mimetype ] || fail "$1: mimetype is not the first entry"
+    [ "$(head -c 77 "$1" | tail -c 47)" = mimetypeapplication/vnd.oasis.opendocument.text ] \
+        || fail "$1: mimetype is not stored as it is"
+    unzip -tqq "$1" || fail "$1: cannot be unpacked"
+    for entry in META-INF/manifest.xml content.xml styles.xml meta.xml settings.xml; do
+        unzip -p "$1" "$entry" | xmllint --noout - || fail "$1: $entry is not well-formed"
+    done
+}
+
+count=0
+for document in "$samples"/*/*.doc; do
+    kind=$(basename "$(dirname "$document")")
+    name=$kind.$(basename "$document" .doc)
+    "$pfsdoc" convert -o "$work/$name.package.odt" "$document"
+    "$pfsdoc" convert -o "$work/$name.flat.fodt" "$document"
+    check_package "$work/$name.package.odt"
+    xmllint --noout "$work/$name.flat.fodt" || fail "$name.flat.fodt is not well-formed"
+    cp "${document%.doc}.text" "$work/$name.text"
+    count=$((count + 1))
+done
+[ "$count" -gt 0 ] || fail "there are no samples in $samples"
+
+# One start for all files, and a profile of its own.
+convert() {
+    soffice --headless "-env:UserInstallation=file://$work/profile" \
+        --convert-to "$1" --outdir "$work" "$work"/*.odt "$work"/*.fodt >"$work/log" 2>&1 \
+        || { cat "$work/log" >&2; fail "LibreOffice failed"; }
+}
+convert txt:Text
+convert pdf
+for text in "$work"/*.text; do
+    name=${text%.text}
+    pdfinfo "$name.package.pdf" | grep -q '^Page size: *612 x 792 pts' \
+        || fail "$name.package.pdf: not on paper of 8.5 by 11 inches"
+    for style in Bold Italic; do # every sample has both
+        pdffonts "$name.package.pdf" | grep -q -- "-.*$style" \
+            || fail "$name.package.pdf: nothing is $style"
+    done
+    cmp "$name.package.txt" "$name.flat.txt"
+    python3 "$here/odf_pages.py" "$text" "$name.package.txt" "$name.package.pdf"
+    python3 "$here/odf_pages.py" "$text" "$name.flat.txt" "$name.flat.pdf"
+done
+echo "$count documents in two formats"

@@ -1,0 +1,119 @@
+// Packages, looked at byte for byte where OpenDocument demands it, and else by unpacking them.
+#include "odf_package.h"
+
+#include <gtest/gtest.h>
+
+#include <minizip/unzip.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using pfsdoc::OdfPackage;
+using pfsdoc::PackageEntry;
+using pfsdoc::StringOutput;
+
+struct Entry {
+    std::string name;
+    std::string content;
+    bool operator==(const Entry &) const = default;
+};
+
+Entry current_entry(unzFile archive)
+{
+    unz_file_info info{};
+    char name[64] = {};
+    EXPECT_EQ(unzGetCurrentFileInfo(archive, &info, name, sizeof name, nullptr, 0, nullptr, 0),
+              UNZ_OK);
+    Entry entry{name, std::string(info.uncompressed_size, '\0')};
+    EXPECT_EQ(unzOpenCurrentFile(archive), UNZ_OK);
+    EXPECT_EQ(unzReadCurrentFile(archive, entry.content.data(),
+                                 static_cast<unsigned>(entry.content.size())),
+              static_cast<int>(entry.content.size()));
+    EXPECT_EQ(unzCloseCurrentFile(archive), UNZ_OK); // which compares the checksum
+    return entry;
+}
+
+std::vector<Entry> unpacked(const std::string &package)
+{
+    std::string path = (std::filesystem::temp_directory_path() / "package-XXXXXX").string();
+    const int descriptor = ::mkstemp(path.data());
+    EXPECT_GE(descriptor, 0);
+    ::close(descriptor);
+    std::ofstream(path, std::ios::binary) << package;
+    std::vector<Entry> entries;
+    const unzFile archive = unzOpen(path.c_str());
+    for (int more = unzGoToFirstFile(archive); more == UNZ_OK; more = unzGoToNextFile(archive)) {
+        entries.push_back(current_entry(archive));
+    }
+    unzClose(archive);
+    std::filesystem::remove(path);
+    return entries;
+}
+
+std::string package_of(std::string_view content)
+{
+    OdfPackage package;
+    PackageEntry(package, "content.xml").write(content);
+    StringOutput output;
+    package.finish(output);
+    return output.text;
+}
+
+// By its bytes 30 to 76 the kind of the file is known without unpacking anything.
+TEST(OdfPackage, BeginsWithTheMimeTypeAsItIs)
+{
+    const std::string package = package_of("<a/>");
+    EXPECT_EQ(package.substr(0, 4), "PK\x03\x04");
+    EXPECT_EQ(package.substr(8, 2), std::string(2, '\0'));  // stored
+    EXPECT_EQ(package.substr(28, 2), std::string(2, '\0')); // no extra field
+    EXPECT_EQ(package.substr(30, 47), "mimetypeapplication/vnd.oasis.opendocument.text");
+}
+
+TEST(OdfPackage, HoldsTheEntriesInOrder)
+{
+    OdfPackage package;
+    PackageEntry content(package, "content.xml");
+    PackageEntry manifest(package, "META-INF/manifest.xml");
+    content.write("<a>");
+    content.write("</a>");
+    manifest.write("<b/>");
+    StringOutput output;
+    package.finish(output);
+    const std::vector<Entry> expected = {
+        {"mimetype", "application/vnd.oasis.opendocument.text"},
+        {"content.xml", "<a></a>"},
+        {"META-INF/manifest.xml", "<b/>"},
+    };
+    EXPECT_EQ(unpacked(output.text), expected);
+}
+
+TEST(OdfPackage, CompressesWhatItHolds)
+{
+    const std::string content(1'000'000, 'x');
+    const std::string package = package_of(content);
+    EXPECT_LT(package.size(), 10'000U);
+    EXPECT_EQ(unpacked(package).back().content, content);
+}
+
+TEST(OdfPackage, IsTheSameAtAnyTime)
+{
+    const std::string package = package_of("<a/>");
+    const std::string first_of_january_1980("\0\0\x21\0", 4);
+    EXPECT_EQ(package.substr(10, 4), first_of_january_1980);
+    EXPECT_EQ(package, package_of("<a/>"));
+}
+
+TEST(OdfPackage, CanBeLeftUnfinished)
+{
+    OdfPackage package;
+    EXPECT_NO_THROW(PackageEntry(package, "content.xml").write("<a>"));
+}
+
+} // namespace
