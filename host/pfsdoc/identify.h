@@ -24,6 +24,11 @@ enum class DocumentKind {
     first_choice_3
 };
 
+constexpr bool is_first_choice(DocumentKind kind)
+{
+    return kind == DocumentKind::first_choice_2 || kind == DocumentKind::first_choice_3;
+}
+
 // The module's number for a kind, and the name that it gives to that number.
 PFSDOC_API int32_t file_id(DocumentKind kind);
 PFSDOC_API std::string_view display_name(DocumentKind kind);

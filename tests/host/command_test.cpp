@@ -1,6 +1,8 @@
 // The command pfsdoc as its users meet it: run as a program, judged by its exit code and by
 // what it writes where.
 #include "command_fixture.h"
+#include "examine.h"
+#include "explain.h"
 
 #include <random>
 
@@ -23,8 +25,12 @@ std::string random_bytes(std::size_t size)
 TEST_F(Command, HelpAndVersionSucceed)
 {
     EXPECT_EQ(output_of({"--version"}), "pfsdoc " PFSDOC_VERSION "\n");
-    for (const std::vector<std::string> &arguments : std::vector<std::vector<std::string>>{
-             {"--help"}, {"identify", "--help"}, {"text", "--help"}, {"trace", "-h"}}) {
+    for (const std::vector<std::string> &arguments :
+         std::vector<std::vector<std::string>>{{"--help"},
+                                               {"identify", "--help"},
+                                               {"text", "--help"},
+                                               {"trace", "-h"},
+                                               {"explain", "-h"}}) {
         const std::string help = output_of(arguments);
         EXPECT_NE(help.find("Usage: pfsdoc"), std::string::npos);
         EXPECT_NE(help.find("Example"), std::string::npos);
@@ -42,14 +48,21 @@ TEST_F(Command, UsageErrorsAreTwo)
     expect_failure(run({"trace", "a.pfs", "-o"}), 2, "pfsdoc: ");
 }
 
-TEST_F(Command, IdentifyTellsKindNumberAndBasis)
+TEST_F(Command, IdentifyTellsKindNumberConfidenceAndBasis)
 {
     EXPECT_EQ(output_of({"identify", "a.pfs"}),
-              "a.pfs: PFS: WRITE B, file id 1013, \"TYPE 2\" at 641, variant \"2\" at 649\n");
+              "a.pfs: PFS: WRITE B, file id 1013, certain, fmt/1414: \"TYPE 2\" at 641, variant "
+              "\"2\" at 649; it lacks the signature by which PRONOM knows fmt/1414\n");
+    write("note.txt", write_document(3, bytes("'cut'")));
+    EXPECT_EQ(output_of({"identify", "note.txt"}),
+              "note.txt: IBM Writing Assistant, file id 1016, likely: \"IBM   \" at 641; its last "
+              "byte is no end mark: it is cut short, or other bytes follow its end; its extension "
+              ".txt is usual for plain text\n");
     for (const KindExample &example : kind_examples()) {
         write("any", document_of(example.kind, bytes(example.body)));
         const std::string line = output_of({"identify", "any"});
         EXPECT_NE(line.find(display_name(example.kind)), std::string::npos) << line;
+        EXPECT_NE(line.find(", certain"), std::string::npos) << line;
     }
 }
 
@@ -58,7 +71,7 @@ TEST_F(Command, IdentifyGoesOnAfterAFailure)
     write("graph", blank_document(512, {{9, "RABBITGRAPH"}}));
     write("b.pfs", write_document(4, bytes("0E")));
     const Outcome outcome = run({"identify", "a.pfs", "graph", "none", ".", "b.pfs"});
-    EXPECT_EQ(outcome.exit_code, 4);
+    EXPECT_EQ(outcome.exit_code, 1);
     EXPECT_NE(outcome.output.find("a.pfs: PFS: WRITE B"), std::string::npos);
     EXPECT_NE(outcome.output.find("b.pfs: Professional Write 1"), std::string::npos);
     EXPECT_NE(outcome.errors.find("pfsdoc: graph: is a First Choice graph"), std::string::npos);
@@ -66,11 +79,96 @@ TEST_F(Command, IdentifyGoesOnAfterAFailure)
     EXPECT_NE(outcome.errors.find("pfsdoc: .: is a directory"), std::string::npos);
 }
 
-TEST_F(Command, IdentifyEndsWithTheFirstFailuresCode)
+TEST_F(Command, IdentifyEndsWithTheCodeOfOneFileAndWithOneForSeveral)
 {
     write("empty", "");
-    EXPECT_EQ(run({"identify", "none", "empty"}).exit_code, 3);
-    EXPECT_EQ(run({"identify", "empty", "none"}).exit_code, 4);
+    EXPECT_EQ(run({"identify", "none"}).exit_code, 3);
+    EXPECT_EQ(run({"identify", "empty"}).exit_code, 4);
+    EXPECT_EQ(run({"identify", "none", "empty"}).exit_code, 1);
+    EXPECT_EQ(run({"identify", "a.pfs", "empty"}).exit_code, 1);
+    EXPECT_EQ(run({"identify", "a.pfs", "a.pfs"}).exit_code, 0);
+}
+
+constexpr const char *a_pfs_as_json =
+    R"({"file":"a.pfs","kind":"PFS: WRITE B","file_id":1013,"confidence":"certain",)"
+    R"("basis":"\"TYPE 2\" at 641, variant \"2\" at 649","pronom":"fmt/1414",)"
+    R"("pronom_signature":false,"extension_mismatch":null,)"
+    R"("notes":["it lacks the signature by which PRONOM knows fmt/1414"]})";
+constexpr const char *none_as_json =
+    R"({"file":"none","error":"cannot be read: No such file or directory",)"
+    R"("remedy":"check the name","exit_code":3})";
+
+TEST_F(Command, IdentifyWritesAnArrayOfObjects)
+{
+    EXPECT_EQ(output_of({"identify", "--json", "a.pfs"}),
+              std::string("[\n  ") + a_pfs_as_json + "\n]\n");
+    const Outcome outcome = run({"identify", "--json", "none", "a.pfs"});
+    EXPECT_EQ(outcome.exit_code, 1);
+    EXPECT_EQ(outcome.output,
+              std::string("[\n  ") + none_as_json + ",\n  " + a_pfs_as_json + "\n]\n");
+    EXPECT_NE(outcome.errors.find("pfsdoc: none: cannot be read"), std::string::npos);
+}
+
+TEST_F(Command, IdentifyWritesObjectsOneALine)
+{
+    write("wa.pw", write_document(3, bytes("0D 0E")));
+    const Outcome outcome = run({"identify", "--lines", "a.pfs", "none", "wa.pw"});
+    EXPECT_EQ(outcome.exit_code, 1);
+    EXPECT_EQ(outcome.output, std::string(a_pfs_as_json) + "\n" + none_as_json + "\n" +
+                                  R"({"file":"wa.pw","kind":"IBM Writing Assistant",)"
+                                  R"("file_id":1016,"confidence":"certain",)"
+                                  R"("basis":"\"IBM   \" at 641","pronom":null,)"
+                                  R"("pronom_signature":null,"extension_mismatch":)"
+                                  R"("its extension .pw is usual for Professional Write",)"
+                                  R"("notes":[]})"
+                                  "\n");
+    expect_failure(run({"identify", "--json", "--lines", "a.pfs"}), 2, "pfsdoc: ");
+}
+
+TEST_F(Command, ExplainHasEveryByteOfTheFile)
+{
+    const std::string dump = output_of({"explain", "a.pfs"});
+    EXPECT_EQ(dump.substr(0, dump.find('\n')),
+              "       0  00 00 00 00 00 00 00 00 00 00                    |          |        not "
+              "used");
+    EXPECT_NE(dump.find("|*NEW PAGE*|        command: new page\n"), std::string::npos) << dump;
+    const std::string document = content_of(directory / "a.pfs");
+    std::size_t offset = 0;
+    std::istringstream lines(output_of({"explain", "--json", "a.pfs"}));
+    for (std::string line; std::getline(lines, line);) {
+        const std::string beginning = R"({"offset":)" + std::to_string(offset) + R"(,"length":)";
+        ASSERT_EQ(line.substr(0, beginning.size()), beginning);
+        offset += std::stoul(line.substr(beginning.size()));
+    }
+    EXPECT_EQ(offset, document.size());
+}
+
+TEST_F(Command, ExplainHasColoursWhenToldOnly)
+{
+    EXPECT_EQ(output_of({"explain", "a.pfs"}).find('\x1B'), std::string::npos);
+    EXPECT_EQ(output_of({"explain", "--color=never", "a.pfs"}),
+              output_of({"explain", "--color", "auto", "a.pfs"}));
+    EXPECT_NE(output_of({"explain", "--color=always", "a.pfs"}).find('\x1B'), std::string::npos);
+    EXPECT_EQ(output_of({"explain", "--color=always", "--json", "a.pfs"}),
+              output_of({"explain", "--json", "a.pfs"}));
+    expect_failure(run({"explain", "--color=red", "a.pfs"}), 2, "pfsdoc: --color");
+}
+
+TEST_F(Command, ExplainStopsAtTheLargestOutputAllowed)
+{
+    expect_failure(run({"explain", "--max-output", "1000", "a.pfs", "-o", "new"}), 6,
+                   "pfsdoc: a.pfs: ");
+    EXPECT_FALSE(fs::exists(directory / "new"));
+    EXPECT_EQ(run({"explain", "--max-output", "1MB", "a.pfs", "-o", "new"}).exit_code, 0);
+    EXPECT_EQ(content_of(directory / "new"), output_of({"explain", "a.pfs"}));
+}
+
+TEST_F(Command, ExplainReadsTheCharacterSetThatItIsTold)
+{
+    write("c", choice_document('3', bytes("00 9B 08 0D 0E")));
+    EXPECT_NE(output_of({"explain", "c"}).find("|\u00A2|"), std::string::npos);
+    EXPECT_NE(output_of({"explain", "--charset", "850", "c"}).find("|\u00F8|"), std::string::npos);
+    expect_failure(run({"explain", "--charset", "none", "c"}), 2, "pfsdoc: ");
 }
 
 TEST_F(Command, TraceIsTheEventStream)
@@ -162,7 +260,7 @@ TEST_F(Command, UnknownDocumentsAreFour)
 {
     write("empty", "");
     write("random", random_bytes(5000));
-    for (const char *subcommand : {"text", "trace", "identify"}) {
+    for (const char *subcommand : {"text", "trace", "identify", "explain"}) {
         expect_failure(run({subcommand, "empty"}), 4, "pfsdoc: empty: is empty; ");
         expect_failure(run({subcommand, "random"}), 4, "pfsdoc: random: is not a document");
     }
@@ -185,6 +283,9 @@ TEST_F(Command, CutDocumentsAreFiveAndWrittenAsFarAsTheyGo)
             expect_failure(run({subcommand, "cut", "-o", "out"}), 5, "pfsdoc: cut: is cut short");
             EXPECT_EQ(content_of(directory / "out"), expected);
         }
+        const Outcome explained = run({"explain", "cut"});
+        expect_failure(explained, 5, "pfsdoc: cut: is cut short: its ");
+        EXPECT_TRUE(output_of({"explain", "whole"}).starts_with(explained.output));
         expect_failure(run({"trace", "--stop", "cut"}), 5, "pfsdoc: cut: is cut short: its ");
     }
 }
@@ -194,6 +295,7 @@ TEST_F(Command, OutputThatCannotBeWrittenIsSeven)
     const Streams full = {.output = "/dev/full"};
     expect_failure(run({"text", "a.pfs"}, full), 7, "pfsdoc: a.pfs: the output cannot be written");
     expect_failure(run({"trace", "a.pfs"}, full), 7, "pfsdoc: a.pfs: the output cannot");
+    expect_failure(run({"explain", "a.pfs"}, full), 7, "pfsdoc: a.pfs: the output cannot");
     expect_failure(run({"identify", "a.pfs"}, full), 7, "pfsdoc: the output cannot be written");
     expect_failure(run({"--help"}, full), 7, "pfsdoc: the output cannot be written");
     expect_failure(run({"--version"}, full), 7, "pfsdoc: the output cannot be written");
@@ -320,6 +422,23 @@ TEST_F(Command, ManualPageNamesEveryOption)
         const std::string helps =
             output_of({"--help"}) + output_of({"text", "--help"}) + output_of({"trace", "--help"});
         EXPECT_NE(helps.find(std::string("--") + option), std::string::npos) << option;
+    }
+}
+
+// What a program may meet in the output is in the manual.
+TEST_F(Command, ManualPagesNameWhatTheOutputHolds)
+{
+    const fs::path pages = fs::path(PFSDOC_MANUAL_PAGE).parent_path();
+    const std::string of_explain = content_of(pages / "pfsdoc-explain.1");
+    for (int kind = 0; kind <= static_cast<int>(pfsdoc::SpanKind::cut); ++kind) {
+        const std::string name(span_kind_name(static_cast<pfsdoc::SpanKind>(kind)));
+        EXPECT_NE(of_explain.find(name), std::string::npos) << name;
+    }
+    const std::string of_identify = content_of(pages / "pfsdoc-identify.1");
+    for (const auto level :
+         {pfsdoc::Confidence::certain, pfsdoc::Confidence::likely, pfsdoc::Confidence::signature}) {
+        const std::string name(confidence_name(level));
+        EXPECT_NE(of_identify.find(".B " + name + "\n"), std::string::npos) << name;
     }
 }
 

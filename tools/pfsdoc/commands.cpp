@@ -1,20 +1,18 @@
 #include "commands.h"
 
 #include "document.h"
-#include "file_output.h"
-#include "interruption.h"
+#include "document_job.h"
 #include "printable.h"
 #include "reading_stopped.h"
 
 #include <cstdio>
-#include <sys/stat.h>
 #include <utility>
 
 namespace pfsdoc {
 
 namespace {
 
-// A document that was recognised, and where its output goes.
+// A document to be read, and where its output goes.
 struct Job {
     Document document;
     std::unique_ptr<FileOutput> output;
@@ -74,64 +72,23 @@ private:
     const FileOutput &output_;
 };
 
-// A file as a message names it.
-std::string subject_of(const std::string &file)
-{
-    return file.empty() ? "\"\"" : file;
-}
-
-// Whether both names lead to the same file, by whatever way.
-bool is_same_file(const std::string &one, const std::string &other)
-{
-    struct stat first {};
-    struct stat second {};
-    return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 &&
-           S_ISREG(first.st_mode) && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-}
-
 // The output is made last: nothing that is wrong with the document may touch it.
 Result<Job> begin(const DocumentRequest &request, bool source_offsets)
 {
-    if (is_same_file(request.file, request.output)) {
-        return Error{ErrorKind::usage, "would be replaced by its own output",
-                     "name another file with -o"};
+    Result<Input> input = open_input(request);
+    if (!input.ok()) {
+        return input.error();
     }
-    Result<std::unique_ptr<ByteSource>> source = open_source(request.file);
-    if (!source.ok()) {
-        return source.error();
-    }
-    const Result<Identity> identity = identify(*source.value());
-    if (!identity.ok()) {
-        return identity.error();
-    }
-    const Result<Module> module = find_module(request.module, PFSDOC_LIBRARY_DIRECTORY);
-    if (!module.ok()) {
-        return module.error();
-    }
-    Result<Document> document =
-        Document::from_source(std::move(source.value()), {&module.value(), source_offsets});
+    Result<Document> document = Document::from_source(std::move(input.value().source),
+                                                      {&input.value().module, source_offsets});
     if (!document.ok()) {
         return document.error();
     }
-    Result<std::unique_ptr<FileOutput>> output =
-        create_interruptible(request.output, request.max_output);
+    Result<std::unique_ptr<FileOutput>> output = make_output(request);
     if (!output.ok()) {
         return output.error();
     }
     return Job{std::move(document.value()), std::move(output.value())};
-}
-
-// Puts the output in its place if all went well, or as well as it can with a document that is
-// not whole. What has gone to standard output before any other error is out; a named file is
-// not made.
-Status settle(FileOutput &output, const Status &fault)
-{
-    if (fault && fault->kind != ErrorKind::damaged) {
-        output.flush();
-        return fault;
-    }
-    const Status unwritten = output.commit();
-    return unwritten ? unwritten : fault;
 }
 
 Status write_events(Job &job, EventWriter &writer, bool in_steps)
@@ -186,35 +143,6 @@ Status convert(Job &job, const ConvertRequest &request)
     return fault;
 }
 
-Result<Identity> identify_file(const std::string &file)
-{
-    const Result<std::unique_ptr<ByteSource>> source = open_source(file);
-    return source.ok() ? identify(*source.value()) : source.error();
-}
-
-std::string identity_line(const std::string &file, const Identity &identity)
-{
-    return printable(file)
-        .append(": ")
-        .append(display_name(identity.kind))
-        .append(", file id ")
-        .append(std::to_string(file_id(identity.kind)))
-        .append(", ")
-        .append(printable(identity.basis))
-        .append("\n");
-}
-
-int identify_into(FileOutput &output, const std::string &file)
-{
-    const Result<Identity> identity = identify_file(file);
-    if (!identity.ok()) {
-        return report(subject_of(file), identity.error());
-    }
-    output.write(identity_line(file, identity.value()));
-    output.flush(); // so that it stands in order among the lines on standard error
-    return 0;
-}
-
 } // namespace
 
 int report(const std::string &subject, const Error &error)
@@ -251,21 +179,6 @@ int run_convert(const ConvertRequest &request)
     }
     const Status fault = convert(job.value(), request);
     return fault ? report(subject_of(request.document.file), *fault) : 0;
-}
-
-int run_identify(const std::vector<std::string> &files)
-{
-    const Result<std::unique_ptr<FileOutput>> output = FileOutput::create("");
-    if (!output.ok()) {
-        return report("", output.error());
-    }
-    int first_failure = 0;
-    for (const std::string &file : files) {
-        const int code = identify_into(*output.value(), file);
-        first_failure = first_failure != 0 ? first_failure : code;
-    }
-    const Status fault = output.value()->commit();
-    return fault ? report("", *fault) : first_failure;
 }
 
 int run_print(std::string_view text)

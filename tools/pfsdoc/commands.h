@@ -3,10 +3,12 @@
 #pragma once
 
 #include "error.h"
+#include "explain_writers.h"
 #include "trace.h"
 #include "writer.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,11 +36,26 @@ struct ConvertRequest {
     bool report = false; // list on standard error what the format could not say
 };
 
+struct ExplainRequest {
+    DocumentRequest document;
+    bool json = false;
+    std::optional<Colours> colours; // unset: on a terminal only
+    const CodePage *code_page = &CodePage::ibm437();
+};
+
+enum class IdentifyForm { table, json_array, json_lines };
+
+struct IdentifyRequest {
+    std::vector<std::string> files;
+    IdentifyForm form = IdentifyForm::table;
+};
+
 // Each gives the program's exit code, and has told standard error why if it is not 0.
 int run_trace(const TraceRequest &request);
 int run_convert(const ConvertRequest &request);
-// Goes on after a file that fails; the exit code is that of the first one.
-int run_identify(const std::vector<std::string> &files);
+int run_explain(const ExplainRequest &request);
+// Goes on after a file that fails; with several files the exit code is then 1.
+int run_identify(const IdentifyRequest &request);
 
 // Writes a line, such as a help text, to standard output.
 int run_print(std::string_view text);

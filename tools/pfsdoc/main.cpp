@@ -2,6 +2,7 @@
 // is docs/man/pfsdoc.1; what is said here and there must agree. Test:
 // tests/host/command_test.cpp.
 #include "commands.h"
+#include "inspection_options.h"
 #include "interruption.h"
 
 #include <CLI/CLI.hpp>
@@ -26,6 +27,7 @@ constexpr const char *examples = R"(Examples:
   pfsdoc convert LETTER -o letter.html
                                as a page for the browser
   pfsdoc trace --fold LETTER   what the module reports, one event a line
+  pfsdoc explain LETTER        every byte of it, and what it was read as
   pfsdoc text - < LETTER       from standard input
 
 Exit codes:
@@ -39,12 +41,6 @@ Exit codes:
   7    the output cannot be written
   70   a fault of pfsdoc itself, or of its module
   130  interrupted)";
-
-constexpr const char *identify_examples =
-    R"(Goes on after a file that fails; the exit code is that of the first failure.
-
-Example:
-  pfsdoc identify letters/*)";
 
 constexpr const char *text_examples =
     R"(The text is UTF-8, wrapped to the document's margins; page breaks are form feeds.
@@ -66,7 +62,8 @@ Examples:
   pfsdoc convert -t text --wrap 72 --no-headers LETTER)";
 
 struct Requests {
-    std::vector<std::string> identify;
+    pfsdoc::IdentifyOptions identify;
+    pfsdoc::ExplainOptions explain;
     pfsdoc::ConvertRequest text;
     pfsdoc::ConvertRequest convert;
     std::string format;
@@ -108,16 +105,6 @@ void add_document_options(CLI::App &command, pfsdoc::DocumentRequest &request)
         .add_option("--module", request.module,
                     "the filter module to read with, or \"linked\" for the built-in one")
         ->option_text("PATH");
-}
-
-CLI::App *add_identify(CLI::App &app, Requests &requests)
-{
-    CLI::App *command = app.add_subcommand("identify", "Tell what files are, one line for each");
-    command->add_option("FILE", requests.identify, "the files; - is standard input")
-        ->required()
-        ->option_text("...");
-    command->footer(identify_examples);
-    return command;
 }
 
 void add_text_options(CLI::App &command, Requests &requests, pfsdoc::WriterOptions &options)
@@ -274,6 +261,9 @@ int run_command(const CLI::App &app, Requests &requests)
     if (command.get_name() == "identify") {
         return pfsdoc::run_identify(requests.identify);
     }
+    if (command.get_name() == "explain") {
+        return pfsdoc::run_explain(requests.explain);
+    }
     if (command.get_name() == "trace") {
         return pfsdoc::run_trace(requests.trace);
     }
@@ -296,10 +286,12 @@ int run(int argument_count, char **arguments)
     app.set_version_flag("--version", "pfsdoc " PFSDOC_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(examples);
-    add_identify(app, requests);
+    pfsdoc::add_identify(app, requests.identify);
     add_text(app, requests);
     add_convert(app, requests);
     add_trace(app, requests);
+    add_document_options(*pfsdoc::add_explain(app, requests.explain),
+                         requests.explain.request.document);
     try {
         app.parse(reversed_arguments(argument_count, arguments));
     } catch (const CLI::CallForHelp &) {
