@@ -9,14 +9,8 @@ namespace pfsdoc {
 namespace {
 
 constexpr std::array all_formats = {
-    &text_format,
-    &markdown_format,
-    &json_format,
-    &pandoc_format,
-    &html_format,
-    &odt_format,
-    &fodt_format,
-    &trace_format,
+    &text_format, &markdown_format, &json_format, &pandoc_format,
+    &html_format, &odt_format,      &fodt_format, &trace_format,
 };
 
 } // namespace
