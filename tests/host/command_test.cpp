@@ -408,20 +408,19 @@ TEST_F(Command, KeepsMessagesOutOfTheOutput)
     EXPECT_EQ(content_of(directory / "new"), output_of({"text", "a.pfs"}));
 }
 
-TEST_F(Command, ManualPageNamesEveryOption)
+// What belongs to one command stands in its own page; tests/manual_page.sh sees to those.
+TEST_F(Command, ManualPageNamesEveryCommandAndExitCode)
 {
     const std::string page = content_of(PFSDOC_MANUAL_PAGE);
-    for (const char *option : {"no-page-breaks", "commands", "offsets", "fold", "stop", "output",
-                               "module", "version", "help"}) {
-        std::string in_groff = option; // where a hyphen is written \-
-        for (std::size_t at = in_groff.find('-'); at != std::string::npos;
-             at = in_groff.find('-', at + 2)) {
-            in_groff.insert(at, "\\");
-        }
-        EXPECT_NE(page.find("\\-\\-" + in_groff), std::string::npos) << option;
-        const std::string helps =
-            output_of({"--help"}) + output_of({"text", "--help"}) + output_of({"trace", "--help"});
-        EXPECT_NE(helps.find(std::string("--") + option), std::string::npos) << option;
+    const std::string help = output_of({"--help"});
+    for (const char *command : {"identify", "text", "convert", "explain", "trace"}) {
+        EXPECT_NE(help.find(std::string("\n  ") + command + " "), std::string::npos) << command;
+        EXPECT_NE(page.find(std::string(".TP\n.B ") + command + "\n"), std::string::npos);
+        EXPECT_NE(page.find(std::string(".BR pfsdoc\\-") + command + " (1)"), std::string::npos);
+    }
+    for (const char *code : {"0", "1", "2", "3", "4", "5", "6", "7", "70", "130"}) {
+        EXPECT_NE(help.find(std::string("\n  ") + code + " "), std::string::npos) << code;
+        EXPECT_NE(page.find(std::string(".TP\n.B ") + code + "\n"), std::string::npos) << code;
     }
 }
 
