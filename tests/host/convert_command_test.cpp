@@ -148,7 +148,12 @@ TEST_F(Convert, EndsAtTheLimitOfTheOutput)
     EXPECT_EQ(outcome.output, output_of({"text", "a.pfs"}).substr(0, 10));
     expect_failure(run({"text", "--max-output", "10", "a.pfs", "-o", "new"}), 6, "pfsdoc: a.pfs: ");
     EXPECT_FALSE(fs::exists(directory / "new"));
+    for (const char *size : {"-3", "ten", "1x", "", "99999999999999999999"}) {
+        expect_failure(run({"text", "--max-output", size, "a.pfs"}), 2, "pfsdoc: ");
+    }
+    EXPECT_EQ(run({"text", "--max-output", "0.01kB", "a.pfs"}).exit_code, 2);
     const std::string whole = output_of({"text", "a.pfs"});
+    EXPECT_EQ(output_of({"text", "--max-output", "1kB", "a.pfs"}), whole);
     EXPECT_EQ(output_of({"text", "--max-output", std::to_string(whole.size()), "a.pfs"}), whole);
 }
 

@@ -1,0 +1,35 @@
+// The commands' own parts of the command line. main.cpp has the list of them, and gives options
+// to the one that is called only: most of what a small document costs is starting up.
+// Test: tests/host/command_test.cpp.
+#pragma once
+
+#include "commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace pfsdoc {
+
+class CommandLine {
+public:
+    virtual ~CommandLine() = default;
+
+    virtual const char *name() const = 0;
+    virtual const char *description() const = 0;
+    // Must stay where it is from here until the command line has been parsed.
+    virtual void add_options(CLI::App &command) = 0;
+    // Does what was parsed; the program's exit code.
+    virtual int run(const CLI::App &command) = 0;
+};
+
+std::unique_ptr<CommandLine> identify_command_line();
+std::unique_ptr<CommandLine> text_command_line();
+std::unique_ptr<CommandLine> convert_command_line();
+std::unique_ptr<CommandLine> trace_command_line();
+std::unique_ptr<CommandLine> explain_command_line();
+
+// What all commands for one document have: the document, the output, the module.
+void add_document_options(CLI::App &command, DocumentRequest &request);
+
+} // namespace pfsdoc
