@@ -242,6 +242,7 @@ const Format odt_format = {
     .make_event_writer = nullptr,
     .wants_offsets = false,
     .needs_plugin = true,
+    .is_binary = true,
 };
 
 const Format fodt_format = {

@@ -89,6 +89,7 @@ struct Format {
     bool wants_offsets;
     // Whether the writer stands in a library of its own, which need not be installed.
     bool needs_plugin = false;
+    bool is_binary = false; // nothing to be shown on a terminal
 
     bool reads_option(std::string_view option) const
     {

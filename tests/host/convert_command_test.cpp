@@ -77,6 +77,21 @@ TEST_F(Convert, RefusesFormatsThatThereAreNot)
     EXPECT_FALSE(fs::exists(directory / "letter.doc"));
 }
 
+TEST_F(Convert, KeepsBinaryFormatsFromTerminals)
+{
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(terminal, 0);
+    ASSERT_EQ(::grantpt(terminal), 0);
+    ASSERT_EQ(::unlockpt(terminal), 0);
+    const Streams on_terminal{.output = ::ptsname(terminal)};
+    expect_failure(run({"convert", "-t", "odt", "a.pfs"}, on_terminal), 2,
+                   "pfsdoc: odt is nothing to show on a terminal");
+    expect_failure(run({"convert", "-t", "odt", "a.pfs", "-o", "-"}, on_terminal), 2,
+                   "pfsdoc: odt is nothing to show on a terminal");
+    EXPECT_EQ(run({"convert", "-t", "text", "a.pfs"}, on_terminal).exit_code, 0);
+    ::close(terminal);
+}
+
 TEST_F(Convert, RefusesOptionsThatTheFormatDoesNotRead)
 {
     expect_failure(run({"convert", "-t", "trace", "--wrap", "60", "a.pfs"}), 2,

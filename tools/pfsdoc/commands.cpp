@@ -6,6 +6,7 @@
 #include "reading_stopped.h"
 
 #include <cstdio>
+#include <unistd.h>
 #include <utility>
 
 namespace pfsdoc {
@@ -171,6 +172,13 @@ int run_trace(const TraceRequest &request)
 
 int run_convert(const ConvertRequest &request)
 {
+    const bool to_standard_output =
+        request.document.output.empty() || request.document.output == "-";
+    if (request.format->is_binary && to_standard_output && ::isatty(STDOUT_FILENO) != 0) {
+        return report("", {ErrorKind::usage,
+                           std::string(request.format->name) + " is nothing to show on a terminal",
+                           "name a file with -o"});
+    }
     const bool source_offsets = request.format->wants_offsets || request.options.offsets ||
                                 request.options.raw_lines || request.report;
     Result<Job> job = begin(request.document, source_offsets);
