@@ -17,12 +17,14 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
     "converter of PFS: WRITE, Professional Write and First Choice files")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"The command pfsdoc identifies, explains and converts the documents of PFS: WRITE,
-Professional Write, IBM Writing Assistant and PFS: First Choice. It writes text,
-Markdown, HTML, OpenDocument, JSON and pandoc's tree.
+"The command pfsdoc identifies, explains and converts the documents of
+PFS: WRITE, Professional Write, IBM Writing Assistant and PFS: First
+Choice. It writes text, Markdown, HTML, OpenDocument, JSON and pandoc's
+tree.
 .
-The package also holds the library libpfsdoc and the filter module vs_pfs for
-programs, and lets the desktop, file(1), pandoc and Tika know the documents.")
+The package also holds the library libpfsdoc and the filter module vs_pfs
+for programs, and lets the desktop, file(1), pandoc and Tika know the
+documents.")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 # No mailbox is behind the name; the domain says so.
@@ -31,9 +33,13 @@ set(CPACK_DEBIAN_PACKAGE_SECTION text)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "file, pandoc, shared-mime-info")
-# Other packages may depend on the library, and installing it refreshes the linker's cache.
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+# The names of the two libraries, for packages that need them; and the trigger that has the
+# linker's cache made anew.
+configure_file(${CMAKE_CURRENT_LIST_DIR}/debian/shlibs.in
+    ${PROJECT_BINARY_DIR}/packaging/debian/shlibs @ONLY)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_BINARY_DIR}/packaging/debian/shlibs
+    ${CMAKE_CURRENT_LIST_DIR}/debian/triggers)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debian/complete.cmake)

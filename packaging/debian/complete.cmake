@@ -5,15 +5,17 @@
 set(share ${CPACK_TEMPORARY_DIRECTORY}${CPACK_PACKAGING_INSTALL_PREFIX}/share)
 set(documentation ${share}/doc/${CPACK_PACKAGE_NAME})
 
-# The licence, and the notices of what is compiled in, which come with LICENSE no more.
+# All licences in one file, where Debian looks for them.
 file(READ ${documentation}/LICENSE licence)
 file(READ ${documentation}/THIRD-PARTY-NOTICES.md notices)
-file(WRITE ${documentation}/copyright "${licence}\n${notices}")
+file(WRITE ${documentation}/copyright
+    "${licence}\n${notices}\n"
+    "The GNU licences named here are in /usr/share/common-licenses, as GPL-3, LGPL-2 and\n"
+    "LGPL-2.1.\n")
 file(REMOVE ${documentation}/LICENSE ${documentation}/THIRD-PARTY-NOTICES.md)
 
 # One entry, since the project tells its changes in CHANGELOG.md and the package has none of
 # its own.
-set(ENV{LC_ALL} C)
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 set(version ${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 file(WRITE ${documentation}/changelog.Debian
