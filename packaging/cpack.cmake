@@ -43,6 +43,7 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debian/complete.cmake)
-# For that script, which knows the package's variables only.
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debian/without_scripts.cmake)
+# For the first script, which knows the package's variables only.
 set(CPACK_PFSDOC_SOURCE ${PROJECT_SOURCE_DIR})
 include(CPack)

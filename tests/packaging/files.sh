@@ -30,7 +30,8 @@ make_others()
     printf '{\\rtf1\\ansi nothing of ours}\n' >"$directory/rich.doc"
     printf '\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1%1016s' '' >"$directory/compound.doc"
     printf '\x89PNG\r\n\x1A\n\0\0\0\rIHDR%40s' '' >"$directory/picture"
-    "$pfsdoc" convert "$write" -o "$directory/letter.odt"
+    printf 'PK\x03\x04\x14%600s' '' >"$directory/archive"
+    "$pfsdoc" convert -t json "$write" -o "$directory/letter.json"
     "$pfsdoc" convert -t html "$write" -o "$directory/letter.html"
     : >"$directory/empty"
 

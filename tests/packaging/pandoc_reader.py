@@ -27,15 +27,19 @@ end
 
 
 class Pandoc:
+    """Starts pandoc in the reader's folder: pandoc 2 changes capitals in the path of a reader
+    into small letters, and that of the folder may have some."""
+
     def __init__(self, reader, pfsdoc):
-        self.reader = reader
+        self.reader = pathlib.Path(reader).resolve()
         self.environment = dict(os.environ)
-        self.environment["PATH"] = f"{pathlib.Path(pfsdoc).parent}:{self.environment['PATH']}"
+        self.environment["PATH"] = f"{pathlib.Path(pfsdoc).resolve().parent}:{self.environment['PATH']}"
 
     def run(self, *files, given=b""):
         return subprocess.run(
-            ["pandoc", "-f", self.reader, "-t", "plain", "--wrap=none", *files],
-            input=given, capture_output=True, env=self.environment, check=False)
+            ["pandoc", "-f", self.reader.name, "-t", "plain", "--wrap=none", *files],
+            input=given, capture_output=True, env=self.environment, check=False,
+            cwd=self.reader.parent)
 
     def words(self, *files):
         done = self.run(*files)
@@ -52,7 +56,7 @@ def sample_faults(pandoc, checked):
     for sample in checked:
         difference = first_difference(expected(sample), pandoc.words(sample))
         if difference:
-            yield f"{sample.parent.name}/{sample.stem} by {pandoc.reader}: words {difference}"
+            yield f"{sample.parent.name}/{sample.stem} by {pandoc.reader.name}: words {difference}"
 
 
 def other_faults(pandoc, checked, work):
@@ -91,15 +95,15 @@ def input_faults(pandoc, sample):
 
 
 def main(reader, pfsdoc, directory):
-    checked = samples(directory)
+    checked = samples(pathlib.Path(directory).resolve())
     pandoc = Pandoc(reader, pfsdoc)
     with tempfile.TemporaryDirectory() as name:
         work = pathlib.Path(name)
         as_version_3 = work / "as_version_3.lua"
-        as_version_3.write_text(AS_VERSION_3.format(reader=reader))
+        as_version_3.write_text(AS_VERSION_3.format(reader=pandoc.reader))
         faults = [
             *sample_faults(pandoc, checked),
-            *sample_faults(Pandoc(str(as_version_3), pfsdoc), checked),
+            *sample_faults(Pandoc(as_version_3, pfsdoc), checked),
             *other_faults(pandoc, checked, work),
             *input_faults(pandoc, checked[0])]
     report("pandoc reader", faults, len(checked))
