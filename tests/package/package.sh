@@ -42,7 +42,7 @@ if dpkg-deb --field "$package" Depends | grep -E -- '-dev|libgtest'; then
     failed "depends on what only building needs"
 fi
 dpkg-deb --control "$package" "$work/control"
-files=$(ls "$work/control" | xargs)
+files=$(find "$work/control" -type f -printf '%f\n' | sort | xargs)
 [ "$files" = 'control md5sums shlibs triggers' ] || failed "control files: $files"
 
 # Unpacked.
@@ -65,7 +65,9 @@ for page in "$source"/docs/man/pfsdoc*.1; do
 done
 # All that LICENSE and the notices say is in the file "copyright".
 for text in LICENSE THIRD-PARTY-NOTICES.md; do
-    [ -z "$(grep -vxFf "$share/doc/pfsdoc/copyright" "$source/$text")" ] || failed "copyright: $text"
+    if grep -vxFf "$share/doc/pfsdoc/copyright" "$source/$text"; then
+        failed "is not in the file copyright, and in $text"
+    fi
 done
 zcat "$share/doc/pfsdoc/changelog.gz" | cmp - "$source/CHANGELOG.md" || failed "changelog.gz"
 entry=$(zcat "$share/doc/pfsdoc/changelog.Debian.gz" | dpkg-parsechangelog -l - -S Version)

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # For the tests of this folder, which source it: the samples with the types that they have for
 # the desktop, and files that are none of ours, some by very little.
 

@@ -59,7 +59,7 @@ def sample_faults(pandoc, checked):
             yield f"{sample.parent.name}/{sample.stem} by {pandoc.reader.name}: words {difference}"
 
 
-def other_faults(pandoc, checked, work):
+def other_faults(pandoc, pfsdoc, checked, work):
     """Names and files that are not as they should be."""
     first, second = checked[0], checked[-1]
     difference = first_difference(expected(first) + expected(second),
@@ -71,6 +71,12 @@ def other_faults(pandoc, checked, work):
     odd_name.write_bytes(first.read_bytes())
     if pandoc.words(odd_name) != expected(first):
         yield "a name with blanks and quotes is not read"
+
+    reader_beside = work / "pfsdoc.lua"
+    reader_beside.write_bytes(pandoc.reader.read_bytes())
+    (work / "--help").write_bytes(first.read_bytes())
+    if Pandoc(reader_beside, pfsdoc).words("--", "--help") != expected(first):
+        yield "a name that looks like an option is not read"
 
     cut = work / "CUT"
     cut.write_bytes(first.read_bytes()[:1500])
@@ -104,7 +110,7 @@ def main(reader, pfsdoc, directory):
         faults = [
             *sample_faults(pandoc, checked),
             *sample_faults(Pandoc(as_version_3, pfsdoc), checked),
-            *other_faults(pandoc, checked, work),
+            *other_faults(pandoc, pfsdoc, checked, work),
             *input_faults(pandoc, checked[0])]
     report("pandoc reader", faults, len(checked))
 
