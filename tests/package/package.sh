@@ -76,7 +76,8 @@ entry=$(zcat "$share/doc/pfsdoc/changelog.Debian.gz" | dpkg-parsechangelog -l - 
 # Each shared library is declared, by the name that the linker writes into programs.
 for library in "$libraries"/*.so; do
     soname=$(objdump -p "$library" | sed -n 's/^ *SONAME *//p')
-    grep -qF "${soname%.so.*} ${soname#*.so.} pfsdoc " "$work/control/shlibs" || failed "shlibs: $soname"
+    grep -qF "${soname%.so.*} ${soname#*.so.} pfsdoc " "$work/control/shlibs" ||
+        failed "shlibs: $soname"
 done
 
 # Nothing has symbols left, or knows where it was built.

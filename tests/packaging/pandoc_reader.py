@@ -33,7 +33,8 @@ class Pandoc:
     def __init__(self, reader, pfsdoc):
         self.reader = pathlib.Path(reader).resolve()
         self.environment = dict(os.environ)
-        self.environment["PATH"] = f"{pathlib.Path(pfsdoc).resolve().parent}:{self.environment['PATH']}"
+        programs = pathlib.Path(pfsdoc).resolve().parent
+        self.environment["PATH"] = f"{programs}:{self.environment['PATH']}"
 
     def run(self, *files, given=b""):
         return subprocess.run(
