@@ -2,8 +2,9 @@
 # demo:  installs what is missing, builds, shows one sample of each kind as text
 # check: installs what is missing, builds, passes all tests, again under sanitizers
 # qa:    the tests in every build and on every machine of scripts/qa: takes hours
+# package: installs what is missing, builds the Debian package in build/package, tests it
 # bench: installs what is missing, builds, measures, prints what was reached of each goal
-.PHONY: demo check qa bench lint coverage clean
+.PHONY: demo check qa package bench lint coverage clean
 
 demo:
 	@scripts/install-dependencies
@@ -15,6 +16,11 @@ check:
 
 qa:
 	@scripts/qa all
+
+package:
+	@scripts/install-dependencies
+	@scripts/package
+	@tests/package/package.sh build/package/pfsdoc_*.deb .
 
 bench:
 	@scripts/install-dependencies libbenchmark-dev valgrind catdoc antiword cmark libwpd-tools

@@ -2,22 +2,13 @@
 
 import json
 import pathlib
-import re
 import subprocess
 import sys
 import tempfile
-import unicodedata
 
-from sample_words import convert, first_difference, page_words, report, samples
+from sample_words import convert, first_difference, page_words, plain_words, report, samples
 
 ARCHIVES = ("docx", "epub")
-
-
-def plain_words(text):
-    """Plain text has H2O with a small 2, new^(est) where no small letters are to be had, and
-    lines for page breaks."""
-    even = re.sub(r"[_^]\(([^()]*)\)", r"\1", unicodedata.normalize("NFKC", text))
-    return [word for word in even.split() if not re.fullmatch("-{20,}", word)]
 
 
 class Judge:

@@ -3,8 +3,10 @@ samples/*/*.text has as the page shows them."""
 
 import json
 import pathlib
+import re
 import subprocess
 import sys
+import unicodedata
 
 
 def samples(directory):
@@ -16,6 +18,13 @@ def samples(directory):
 
 def page_words(sample):
     return sample.with_suffix(".text").read_text(encoding="utf-8").split()
+
+
+def plain_words(text):
+    """The words of pandoc's plain text, which has H2O with a small 2, new^(est) where no small
+    letters are to be had, and lines for page breaks."""
+    even = re.sub(r"[_^]\(([^()]*)\)", r"\1", unicodedata.normalize("NFKC", text))
+    return [word for word in even.split() if not re.fullmatch("-{20,}", word)]
 
 
 def convert(pfsdoc, sample, *options):

@@ -1,0 +1,155 @@
+#!/usr/bin/env bash
+# The Debian package from outside: what its fields say; what is in it, unpacked elsewhere; and
+# what dpkg installs to a system of its own and takes away again. The files for other programs
+# pass the tests of tests/packaging once more, as they are in the package.
+#   package.sh PACKAGE SOURCE
+# Run by "make package". Needs dpkg-dev and what tests/packaging needs; lintian is heard where it
+# is installed. Without root, dpkg's part takes place under fakeroot.
+set -euo pipefail
+package=$(realpath "$1")
+source=$(realpath "$2")
+samples=$source/samples
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failures=0
+
+failed()
+{
+    echo "$*"
+    failures=$((failures + 1))
+}
+
+# field NAME PATTERN: a field of the package is all as the extended pattern says.
+field()
+{
+    local value
+    value=$(dpkg-deb --field "$package" "$1")
+    grep -qxE "$2" <<<"$value" || failed "$1: $value"
+}
+version=$(sed -nE 's/^project\(vs_pfs VERSION ([0-9.]+) .*/\1/p' "$source/CMakeLists.txt")
+field Package pfsdoc
+field Version "${version//./\\.}-1"
+field Architecture "$(dpkg --print-architecture)"
+field Maintainer 'the vs_pfs authors <.*\.invalid>'
+# What the command, the libraries and the plug-in are linked with, and nothing of what building
+# needs.
+field Depends '.*libc6 \(>= [0-9.]+\).*'
+field Depends '.*libodfgen-0\.1-1.*'
+field Depends '.*librevenge-0\.0-0.*'
+field Depends '.*libminizip1.*'
+field Depends '.*libstdc\+\+6.*'
+if dpkg-deb --field "$package" Depends | grep -E -- '-dev|libgtest'; then
+    failed "depends on what only building needs"
+fi
+dpkg-deb --control "$package" "$work/control"
+files=$(find "$work/control" -type f -printf '%f\n' | sort | xargs)
+[ "$files" = 'control md5sums shlibs triggers' ] || failed "control files: $files"
+
+# Unpacked.
+root=$work/unpacked
+dpkg-deb --extract "$package" "$root"
+libraries=$root/usr/lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)
+share=$root/usr/share
+pfsdoc=$root/usr/bin/pfsdoc
+for file in "$libraries"/{libvs_pfs.so,libpfsdoc.so,libvs_pfs_static.a,pfsdoc/pfsdoc_odf.so} \
+    "$libraries"/cmake/{pfsdoc/pfsdocConfig,vs_pfs/vs_pfsConfig}.cmake \
+    "$libraries"/pkgconfig/{pfsdoc,vs_pfs}.pc "$root"/usr/include/{vs_pfs,pfsdoc/document}.h \
+    "$share"/bash-completion/completions/pfsdoc "$share/pfsdoc/pfsdoc.schema.json" \
+    "$share"/doc/pfsdoc/{copyright,changelog.gz,changelog.Debian.gz}; do
+    [ -s "$file" ] || failed "not in the package: ${file#"$root"}"
+done
+
+# The manual pages are there, all of them, compressed and whole.
+for page in "$source"/docs/man/pfsdoc*.1; do
+    zcat "$share/man/man1/$(basename "$page").gz" | cmp - "$page" || failed "$page"
+done
+# All that LICENSE and the notices say is in the file "copyright".
+for text in LICENSE THIRD-PARTY-NOTICES.md; do
+    if grep -vxFf "$share/doc/pfsdoc/copyright" "$source/$text"; then
+        failed "is not in the file copyright, and in $text"
+    fi
+done
+zcat "$share/doc/pfsdoc/changelog.gz" | cmp - "$source/CHANGELOG.md" || failed "changelog.gz"
+entry=$(zcat "$share/doc/pfsdoc/changelog.Debian.gz" | dpkg-parsechangelog -l - -S Version)
+[ "$entry" = "$version-1" ] || failed "changelog.Debian.gz is of version $entry"
+
+# Each shared library is declared, by the name that the linker writes into programs.
+for library in "$libraries"/*.so; do
+    soname=$(objdump -p "$library" | sed -n 's/^ *SONAME *//p')
+    grep -qF "${soname%.so.*} ${soname#*.so.} pfsdoc " "$work/control/shlibs" ||
+        failed "shlibs: $soname"
+done
+
+# Nothing has symbols left, or knows where it was built.
+for binary in "$pfsdoc" "$libraries"/*.so "$libraries"/pfsdoc/*.so; do
+    if readelf -SW "$binary" | grep -E ' \.(symtab|debug_info) '; then
+        failed "is not stripped: $binary"
+    fi
+    if readelf -d "$binary" | grep -E 'R(UN)?PATH'; then
+        failed "looks for libraries where it was built: $binary"
+    fi
+done
+if grep -rlF "$source" "$root"; then
+    failed "has a path of the machine that built it"
+fi
+
+# It runs where it was unpacked, with the module and the plug-in that are beside it.
+count=0
+for text in "$samples"/*/*.text; do
+    sample=${text%.text}.doc
+    "$pfsdoc" text "$sample" | cmp - "$text" || failed "text of $sample"
+    "$pfsdoc" convert -t html "$sample" -o "$work/sample.html"
+    if [ -e "${text%.text}.html" ]; then
+        cmp "$work/sample.html" "${text%.text}.html" || failed "html of $sample"
+    fi
+    "$pfsdoc" convert "$sample" -o "$work/sample.odt" || failed "odt of $sample"
+    unzip -tqq "$work/sample.odt" || failed "odt of $sample is no archive"
+    count=$((count + 1))
+done
+[ $count -ge 14 ] || failed "only $count samples"
+
+# The files for other programs.
+tests=$source/tests/packaging
+mime=$share/mime/packages/pfsdoc.xml
+"$tests/mime.sh" "$mime" "$pfsdoc" "$samples" || failed "mime"
+"$tests/magic.sh" "$share/pfsdoc/magic/pfsdoc" "$pfsdoc" "$samples" || failed "magic"
+"$tests/tika.sh" "$share/pfsdoc/tika" "$mime" "$pfsdoc" "$samples" || failed "tika"
+"$tests/pandoc.sh" "$share/pfsdoc/pandoc/pfsdoc.lua" "$pfsdoc" "$samples" || failed "pandoc"
+
+# dpkg installs it to a system with nothing in it, and leaves nothing behind. What the package
+# depends on is not there, so dpkg is told to take that as given.
+system=$work/system
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(fakeroot)
+mkdir -p "$system"/var/lib/dpkg/{info,updates,triggers}
+touch "$system"/var/lib/dpkg/{status,available}
+in_system()
+{
+    "${as_root[@]}" dpkg --root="$system" --force-depends --log="$work/dpkg.log" "$@" \
+        >>"$work/dpkg.output" 2>&1 || {
+        cat "$work/dpkg.output"
+        failed "dpkg $*"
+    }
+}
+in_system --install "$package"
+[ "$(dpkg-query --admindir="$system/var/lib/dpkg" -W -f='${Status}' pfsdoc)" = \
+    'install ok installed' ] || failed "is not installed"
+"$system/usr/bin/pfsdoc" text "$sample" | cmp - "$text" || failed "text, installed"
+in_system --purge pfsdoc
+left=$(find "$system" -path "$system/var/lib/dpkg" -prune -o ! -type d -print)
+[ -z "$left" ] || failed "is left behind: $left"
+[ ! -d "$system/usr" ] || failed "is left behind: $(find "$system/usr")"
+
+# Debian's own judge. It wants a package for each library, and one package is what this is.
+if command -v lintian >/dev/null; then
+    lintian --fail-on error --suppress-tags initial-upload-closes-no-bugs \
+        --suppress-tags link-to-shared-library-in-wrong-package,package-name-doesnt-match-sonames \
+        "$package" >"$work/lintian" 2>/dev/null || failed "lintian finds errors"
+    cat "$work/lintian"
+    if grep -q '^[EW]:' "$work/lintian"; then
+        failed "lintian is not content"
+    fi
+fi
+
+echo "$failures failures"
+[ $failures -eq 0 ]
