@@ -114,7 +114,7 @@ std::string_view span_kind_name(SpanKind kind)
 Status explain(const Module &module, ByteSource &source, DocumentKind kind, SpanSink &sink)
 {
     FileExplainer explainer(source, kind, sink);
-    const Status status = read_document(module, source, kind, explainer, {Offsets::wanted});
+    Status status = read_document(module, source, kind, explainer, {Offsets::wanted});
     if (!status || status->kind == ErrorKind::damaged) {
         explainer.finish();
     }

@@ -121,7 +121,7 @@ private:
 
     void write_paragraph(const Paragraph &paragraph);
     void show_piece(const Paragraph &paragraph, std::size_t index);
-    void write_part(const Paragraph &paragraph, LineGeometry geometry);
+    void write_part(const Paragraph &paragraph, const LineGeometry &geometry);
     void lay_out_tabs(const LineGeometry &geometry);
     void hide_outer_tabs();
 
@@ -292,7 +292,7 @@ void HtmlWriter::write_paragraph(const Paragraph &paragraph)
             show_piece(paragraph, i);
         }
     }
-    write_part(paragraph, std::move(geometry));
+    write_part(paragraph, geometry);
 }
 
 void HtmlWriter::show_piece(const Paragraph &paragraph, std::size_t index)
@@ -305,7 +305,7 @@ void HtmlWriter::show_piece(const Paragraph &paragraph, std::size_t index)
     }
 }
 
-void HtmlWriter::write_part(const Paragraph &paragraph, LineGeometry geometry)
+void HtmlWriter::write_part(const Paragraph &paragraph, const LineGeometry &geometry)
 {
     if (!shown_.has_word() && !is_text_only(paragraph)) {
         return;

@@ -136,7 +136,7 @@ Status convert(Job &job, const ConvertRequest &request)
     if (!writer.ok()) {
         return writer.error();
     }
-    const Status fault = write_blocks(job, *writer.value());
+    Status fault = write_blocks(job, *writer.value());
     if (request.report && (!fault || fault->kind == ErrorKind::damaged)) {
         report_losses(subject_of(request.document.file), *writer.value());
     }
