@@ -191,7 +191,7 @@ Status Document::read(BlockSink &sink)
     try {
         Status fault = read_document(state_->module, *state_->source, kind(), collector,
                                      {state_->offsets, Stops::for_margins});
-        if (!fault || fault->kind == ErrorKind::damaged) {
+        if (is_read_to_end(fault)) {
             collector.finish();
         }
         return fault;

@@ -115,7 +115,7 @@ Status explain(const Module &module, ByteSource &source, DocumentKind kind, Span
 {
     FileExplainer explainer(source, kind, sink);
     Status status = read_document(module, source, kind, explainer, {Offsets::wanted});
-    if (!status || status->kind == ErrorKind::damaged) {
+    if (is_read_to_end(status)) {
         explainer.finish();
     }
     return status;
