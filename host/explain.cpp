@@ -1,5 +1,6 @@
 #include "pfsdoc/explain.h"
 
+#include "body_bytes.h"
 #include "body_walker.h"
 #include "explain_header.h"
 #include "read_document.h"
@@ -87,10 +88,9 @@ void FileExplainer::begin_body()
 
 std::string_view padding_words(int32_t byte)
 {
-    constexpr int32_t transfer_fill = 0x1A;
     switch (byte) {
     case 0: return "behind the end: zeros";
-    case transfer_fill: return "behind the end: fill of file transfers";
+    case body_bytes::transfer_fill: return "behind the end: fill of file transfers";
     default: return "behind the end: left over";
     }
 }
