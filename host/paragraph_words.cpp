@@ -10,7 +10,6 @@ namespace {
 
 constexpr char tab_byte = '\t';
 constexpr char zero_blank = '\0';
-constexpr auto all_attributes = static_cast<AttributeSet>(~0U);
 
 constexpr bool is_blank(char byte)
 {
