@@ -77,7 +77,7 @@ Result<BlockPlace> BlockReader::place()
     if (!pending_.empty()) {
         return BlockPlace{*pending_.front().start, pending_.front().blocks_before};
     }
-    if (fault_ && fault_->kind != ErrorKind::damaged) {
+    if (!is_read_to_end(fault_)) {
         return *fault_;
     }
     return BlockPlace{*call_.start, call_.blocks};

@@ -25,4 +25,7 @@ inline constexpr int32_t professional_keeps_high_bit = 0x40;
 // Records of the Write family.
 inline constexpr int32_t record_mark = 0x07;
 
+// Behind the end of a document, where a file transfer has filled the last block.
+inline constexpr int32_t transfer_fill = 0x1A;
+
 } // namespace pfsdoc::body_bytes

@@ -189,9 +189,9 @@ Status Document::read(BlockSink &sink)
         collector.find_lines(*state_->source, kind());
     }
     try {
-        const Status fault = read_document(state_->module, *state_->source, kind(), collector,
-                                           {state_->offsets, Stops::for_margins});
-        if (!fault || fault->kind == ErrorKind::damaged) {
+        Status fault = read_document(state_->module, *state_->source, kind(), collector,
+                                     {state_->offsets, Stops::for_margins});
+        if (is_read_to_end(fault)) {
             collector.finish();
         }
         return fault;

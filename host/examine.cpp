@@ -27,8 +27,7 @@ constexpr int32_t last_column = 255;
 constexpr uint32_t most_fill = 65536;
 constexpr bool is_fill(int32_t byte)
 {
-    constexpr int32_t transfer_fill = 0x1A;
-    return byte == 0 || byte == transfer_fill;
+    return byte == 0 || byte == body_bytes::transfer_fill;
 }
 
 std::string at_offset(uint32_t offset)
@@ -167,7 +166,6 @@ bool Examiner::has_write_signature()
 
 RegistrySignature Examiner::registry_signature()
 {
-    constexpr uint32_t choice_signature_offset = 9;
     bool matches = false;
     switch (kind_) {
     case DocumentKind::write_a:

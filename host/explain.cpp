@@ -1,5 +1,6 @@
 #include "pfsdoc/explain.h"
 
+#include "body_bytes.h"
 #include "body_walker.h"
 #include "explain_header.h"
 #include "read_document.h"
@@ -87,10 +88,9 @@ void FileExplainer::begin_body()
 
 std::string_view padding_words(int32_t byte)
 {
-    constexpr int32_t transfer_fill = 0x1A;
     switch (byte) {
     case 0: return "behind the end: zeros";
-    case transfer_fill: return "behind the end: fill of file transfers";
+    case body_bytes::transfer_fill: return "behind the end: fill of file transfers";
     default: return "behind the end: left over";
     }
 }
@@ -114,8 +114,8 @@ std::string_view span_kind_name(SpanKind kind)
 Status explain(const Module &module, ByteSource &source, DocumentKind kind, SpanSink &sink)
 {
     FileExplainer explainer(source, kind, sink);
-    const Status status = read_document(module, source, kind, explainer, {Offsets::wanted});
-    if (!status || status->kind == ErrorKind::damaged) {
+    Status status = read_document(module, source, kind, explainer, {Offsets::wanted});
+    if (is_read_to_end(status)) {
         explainer.finish();
     }
     return status;

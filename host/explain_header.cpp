@@ -212,7 +212,8 @@ void HeaderExplainer::claim_ruler(const HeaderField &field)
         name.append(last == first * columns ? one : several);
         name.append(std::to_string(first * columns));
         name.append(last == first * columns ? "" : " to " + std::to_string(last));
-        builder_.claim_alone(SpanKind::field, (next - first) * unit, name + ": " + words);
+        name.append(": ").append(words);
+        builder_.claim_alone(SpanKind::field, (next - first) * unit, name);
         first = next;
     }
 }

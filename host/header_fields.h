@@ -43,6 +43,11 @@ struct HeaderField {
     KindSet kinds;
 };
 
+inline constexpr uint16_t choice_signature_offset = 9;
+inline constexpr uint16_t choice_generation_offset = 18;
+inline constexpr uint16_t write_signature_offset = 641;
+inline constexpr uint16_t write_variant_offset = 649;
+
 inline constexpr uint16_t ruler_kinds_offset = 16;
 inline constexpr uint16_t ruler_entries = 78;
 
@@ -53,6 +58,5 @@ std::span<const HeaderField> choice_header_fields(bool ruler_of_bytes);
 
 inline constexpr uint32_t write_header_size = 1024;
 inline constexpr uint32_t choice_header_size = 512;
-inline constexpr uint32_t choice_generation_offset = 18;
 
 } // namespace pfsdoc

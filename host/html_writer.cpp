@@ -27,6 +27,7 @@
 #include "html_style.h"
 #include "html_text.h"
 #include "page_geometry.h"
+#include "paragraph_pieces.h"
 #include "utf8_output.h"
 #include "vs_pfs.h"
 
@@ -38,17 +39,10 @@ namespace pfsdoc {
 
 namespace {
 
-constexpr std::string_view cut_mark = "...";
 constexpr std::string_view blanks{" \0", 2};
 constexpr std::string_view blanks_and_tabs{" \0\t", 3};
 constexpr std::size_t max_running_lines = 2; // header or footer
 constexpr std::size_t usual_running_rows = 2;
-
-bool is_text_only(const Paragraph &paragraph)
-{
-    return std::all_of(paragraph.pieces.begin(), paragraph.pieces.end(),
-                       [](const Piece &piece) { return piece.kind == PieceKind::text; });
-}
 
 // A style attribute, if it comes to hold anything.
 class StyleAttribute {
@@ -121,7 +115,7 @@ private:
 
     void write_paragraph(const Paragraph &paragraph);
     void show_piece(const Paragraph &paragraph, std::size_t index);
-    void write_part(const Paragraph &paragraph, LineGeometry geometry);
+    void write_part(const Paragraph &paragraph, const LineGeometry &geometry);
     void lay_out_tabs(const LineGeometry &geometry);
     void hide_outer_tabs();
 
@@ -292,20 +286,19 @@ void HtmlWriter::write_paragraph(const Paragraph &paragraph)
             show_piece(paragraph, i);
         }
     }
-    write_part(paragraph, std::move(geometry));
+    write_part(paragraph, geometry);
 }
 
 void HtmlWriter::show_piece(const Paragraph &paragraph, std::size_t index)
 {
     const Piece &piece = paragraph.pieces[index];
-    const bool is_command = piece.kind == PieceKind::command;
-    if (!is_command || options_.commands) {
+    if (piece.kind != PieceKind::command || options_.commands) {
         shown_.add(paragraph.piece_bytes(index), piece.attributes);
-        shown_.add(is_command && piece.cut ? cut_mark : std::string_view(), piece.attributes);
+        shown_.add(cut_mark(piece), piece.attributes);
     }
 }
 
-void HtmlWriter::write_part(const Paragraph &paragraph, LineGeometry geometry)
+void HtmlWriter::write_part(const Paragraph &paragraph, const LineGeometry &geometry)
 {
     if (!shown_.has_word() && !is_text_only(paragraph)) {
         return;

@@ -1,5 +1,6 @@
 #include "identify.h"
 
+#include "header_fields.h"
 #include "printable.h"
 
 #include <algorithm>
@@ -10,14 +11,10 @@ namespace pfsdoc {
 
 namespace {
 
-constexpr std::size_t magic_offset = 9;
-constexpr std::string_view choice_magic = "GERBILDOC";
-constexpr std::size_t generation_offset = 18;
+constexpr std::string_view choice_signature = "GERBILDOC";
 constexpr char generation_3 = '3';
 
-constexpr std::size_t signature_offset = 641;
-constexpr std::size_t variant_offset = 649;
-constexpr std::size_t examined_size = variant_offset + 1;
+constexpr std::size_t examined_size = write_variant_offset + 1;
 
 struct KindEntry {
     DocumentKind kind;
@@ -112,19 +109,19 @@ Error not_a_document(const std::string &what)
 
 Identity choice_identity(const Start &start)
 {
-    const bool is_3 = start.at(generation_offset, 1) == std::string_view(&generation_3, 1);
+    const bool is_3 = start.at(choice_generation_offset, 1) == std::string_view(&generation_3, 1);
     return {is_3 ? DocumentKind::first_choice_3 : DocumentKind::first_choice_2,
-            found_at(choice_magic, magic_offset) + ", generation " +
-                byte_text(start.at(generation_offset, 1)) + " at " +
-                std::to_string(generation_offset)};
+            found_at(choice_signature, choice_signature_offset) + ", generation " +
+                byte_text(start.at(choice_generation_offset, 1)) + " at " +
+                std::to_string(choice_generation_offset)};
 }
 
 // The two kinds of PFS: WRITE.
 Result<Identity> variant_identity(const Start &start, const Signature &signature)
 {
-    const std::string_view variant = start.at(variant_offset, 1);
-    const std::string basis = found_at(signature.text, signature_offset) + ", variant " +
-                              byte_text(variant) + " at " + std::to_string(variant_offset);
+    const std::string_view variant = start.at(write_variant_offset, 1);
+    const std::string basis = found_at(signature.text, write_signature_offset) + ", variant " +
+                              byte_text(variant) + " at " + std::to_string(write_variant_offset);
     if (variant == "1") {
         return Identity{DocumentKind::write_a, basis};
     }
@@ -140,9 +137,10 @@ Error unknown(const Start &start)
         return not_a_document("is empty");
     }
     for (const Relative &relative : relatives) {
-        if (start.has(magic_offset, relative.magic)) {
+        if (start.has(choice_signature_offset, relative.magic)) {
             return not_a_document("is " + std::string(relative.name) + " (" +
-                                  found_at(relative.magic, magic_offset) + "), not a document");
+                                  found_at(relative.magic, choice_signature_offset) +
+                                  "), not a document");
         }
     }
     return not_a_document("is not a document of a kind known here");
@@ -150,13 +148,13 @@ Error unknown(const Start &start)
 
 Result<Identity> identify_start(const Start &start)
 {
-    if (start.has(magic_offset, choice_magic)) {
+    if (start.has(choice_signature_offset, choice_signature)) {
         return choice_identity(start);
     }
     for (const Signature &signature : signatures) {
-        if (start.has(signature_offset, signature.text)) {
+        if (start.has(write_signature_offset, signature.text)) {
             return signature.kind
-                       ? Identity{*signature.kind, found_at(signature.text, signature_offset)}
+                       ? Identity{*signature.kind, found_at(signature.text, write_signature_offset)}
                        : variant_identity(start, signature);
         }
     }

@@ -3,6 +3,7 @@
 #include "formats.h"
 #include "json_text.h"
 #include "page_geometry.h"
+#include "paragraph_pieces.h"
 
 #include <algorithm>
 #include <array>
@@ -84,12 +85,6 @@ constexpr AlignmentNames names_of(LineAlignment alignment)
     case LineAlignment::left: break;
     }
     return {};
-}
-
-bool is_text_only(const Paragraph &paragraph)
-{
-    return std::all_of(paragraph.pieces.begin(), paragraph.pieces.end(),
-                       [](const Piece &piece) { return piece.kind == PieceKind::text; });
 }
 
 } // namespace

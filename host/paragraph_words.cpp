@@ -1,5 +1,7 @@
 #include "paragraph_words.h"
 
+#include "paragraph_pieces.h"
+
 #include <algorithm>
 
 namespace pfsdoc {
@@ -8,8 +10,6 @@ namespace {
 
 constexpr char tab_byte = '\t';
 constexpr char zero_blank = '\0';
-constexpr std::string_view cut_mark = "...";
-constexpr auto all_attributes = static_cast<AttributeSet>(~0U);
 
 constexpr bool is_blank(char byte)
 {
@@ -114,7 +114,7 @@ void tell_words(const Paragraph &paragraph, const WriterOptions &options, Attrib
             teller.text(paragraph.piece_bytes(i), attributes);
         } else if (piece.kind == PieceKind::command && options.commands) {
             teller.text(paragraph.piece_bytes(i), attributes);
-            teller.text(piece.cut ? cut_mark : std::string_view(), attributes);
+            teller.text(cut_mark(piece), attributes);
         } else if (piece.kind == PieceKind::page_break && options.page_breaks) {
             teller.page_break();
         }

@@ -36,6 +36,12 @@ struct ReadOptions {
 Status read_document(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
                      const ReadOptions &options = {});
 
+// Whether what such a call answers means that all there is of the document has been delivered.
+inline bool is_read_to_end(const Status &fault)
+{
+    return !fault || fault->kind == ErrorKind::damaged;
+}
+
 // An instance of the module that has opened the document. The file must outlive it.
 Result<std::unique_ptr<Session>> open_session(const Module &module, BlockFile &file,
                                               DocumentKind kind, Offsets offsets);

@@ -62,7 +62,7 @@ void SpanBuilder::claim(SpanKind kind, uint32_t length, std::string_view words)
     }
 }
 
-Span &SpanBuilder::claim_alone(SpanKind kind, uint32_t length, std::string words)
+Span &SpanBuilder::claim_alone(SpanKind kind, uint32_t length, std::string_view words)
 {
     begin(kind, words);
     take(length);

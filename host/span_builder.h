@@ -36,7 +36,7 @@ public:
     // Joined with what was claimed before if kind and words are the same.
     void claim(SpanKind kind, uint32_t length, std::string_view words);
     // Never joined; what follows is not joined to it either.
-    Span &claim_alone(SpanKind kind, uint32_t length, std::string words);
+    Span &claim_alone(SpanKind kind, uint32_t length, std::string_view words);
     // A character as it was reported, and the attribute bytes that follow it.
     void claim_character(uint8_t character, uint32_t attribute_bytes, AttributeSet attributes);
     // Up to a position.

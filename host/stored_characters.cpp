@@ -84,9 +84,7 @@ uint8_t attributed_character(DocumentKind kind, int32_t byte, int32_t attribute)
 
 bool has_second_attribute_byte(DocumentKind kind, int32_t attribute)
 {
-    const bool is_choice =
-        kind == DocumentKind::first_choice_2 || kind == DocumentKind::first_choice_3;
-    return is_choice && (attribute & choice_more_attributes) != 0;
+    return is_first_choice(kind) && (attribute & choice_more_attributes) != 0;
 }
 
 } // namespace pfsdoc

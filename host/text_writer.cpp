@@ -3,6 +3,7 @@
 #include "attribute_names.h"
 #include "formats.h"
 #include "page_geometry.h"
+#include "paragraph_pieces.h"
 #include "vs_pfs.h"
 
 #include <algorithm>
@@ -10,8 +11,6 @@
 namespace pfsdoc {
 
 namespace {
-
-constexpr std::string_view cut_mark = "...";
 
 // Wider than any line, and far from where sums of columns wrap around.
 constexpr std::size_t unlimited_columns = std::size_t{1} << 30;
@@ -36,12 +35,6 @@ LineGeometry wanted_geometry(const Paragraph &paragraph, const WriterOptions &op
     geometry.first_line_indent = std::min(geometry.first_line_indent, geometry.width - 1);
     geometry.indent = std::min(geometry.indent, geometry.width - 1);
     return geometry;
-}
-
-bool is_text_only(const Paragraph &paragraph)
-{
-    return std::all_of(paragraph.pieces.begin(), paragraph.pieces.end(),
-                       [](const Piece &piece) { return piece.kind == PieceKind::text; });
 }
 
 } // namespace
@@ -79,7 +72,7 @@ void TextBlockWriter::lay_out_piece(const Paragraph &paragraph, std::size_t inde
     case PieceKind::command:
         if (options_.commands) {
             lay_out_lines(paragraph, index, layout);
-            lay_out_text(piece.cut ? cut_mark : std::string_view(), layout);
+            lay_out_text(cut_mark(piece), layout);
         }
         break;
     case PieceKind::page_break:

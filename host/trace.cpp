@@ -17,6 +17,8 @@ namespace {
 constexpr int32_t special_type = 7;
 constexpr int32_t page_break_type = 4;
 constexpr int32_t header_footer_second = 3;
+constexpr int32_t header_block = 1;
+constexpr int32_t footer_block = 2;
 constexpr int32_t spacing_first = 1;
 constexpr uint16_t decimal_point = '.';
 
@@ -128,10 +130,11 @@ struct EventText {
     }
     std::string operator()(const HeaderFooter &e) const
     {
-        if (e.second == header_footer_second && (e.kind == 1 || e.kind == 2)) {
-            return e.kind == 1 ? "block header" : "block footer";
+        switch (e.second == header_footer_second ? e.kind : 0) {
+        case header_block: return "block header";
+        case footer_block: return "block footer";
+        default: return words("block kind", {e.kind, e.second});
         }
-        return words("block kind", {e.kind, e.second});
     }
     std::string operator()(const Break &e) const
     {

@@ -1,6 +1,7 @@
 #include "revenge_writer.h"
 
 #include "attribute_names.h"
+#include "paragraph_pieces.h"
 #include "vs_pfs.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@ namespace {
 using librevenge::RVNGPropertyList;
 using librevenge::RVNGString;
 
-constexpr std::string_view cut_mark = "...";
 constexpr char tab = '\t';
 constexpr std::string_view blank_bytes{" \0", 2};
 constexpr std::string_view gap_bytes{" \0\t", 3};
@@ -38,12 +38,6 @@ RVNGPropertyList on_all_pages()
 std::size_t lines_beside(std::size_t lines)
 {
     return lines < header_lines ? header_lines - lines : 1;
-}
-
-bool is_text_only(const Paragraph &paragraph)
-{
-    return std::all_of(paragraph.pieces.begin(), paragraph.pieces.end(),
-                       [](const Piece &piece) { return piece.kind == PieceKind::text; });
 }
 
 // Without the blanks that nobody sees at its end.
@@ -233,7 +227,7 @@ void RevengeWriter::write_piece(const Paragraph &paragraph, std::size_t index)
     case PieceKind::command:
         if (options_.commands) {
             write_text(bytes, attributes);
-            write_text(piece.cut ? cut_mark : std::string_view(), attributes);
+            write_text(cut_mark(piece), attributes);
         }
         break;
     case PieceKind::page_break:

@@ -3,11 +3,13 @@
 // Test: tests/host/command_test.cpp.
 #pragma once
 
+#include "code_page.h"
 #include "commands.h"
 
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <string>
 
 namespace pfsdoc {
 
@@ -31,5 +33,16 @@ std::unique_ptr<CommandLine> explain_command_line();
 
 // What all commands for one document have: the document, the output, the module.
 void add_document_options(CLI::App &command, DocumentRequest &request);
+
+// What commands that show characters have, too.
+class CharsetOption {
+public:
+    void add_to(CLI::App &command);
+    // Code page 437 unless another one was asked for.
+    Result<CodePage> page() const;
+
+private:
+    std::string name_;
+};
 
 } // namespace pfsdoc

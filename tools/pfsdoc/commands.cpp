@@ -3,6 +3,7 @@
 #include "document.h"
 #include "document_job.h"
 #include "printable.h"
+#include "read_document.h"
 #include "reading_stopped.h"
 
 #include <cstdio>
@@ -96,7 +97,7 @@ Status write_events(Job &job, EventWriter &writer, bool in_steps)
 {
     EventGuard guard(writer, *job.output);
     const Status fault = job.document.read_events(guard, in_steps);
-    if (!fault || fault->kind == ErrorKind::damaged) {
+    if (is_read_to_end(fault)) {
         writer.finish();
     }
     return settle(*job.output, fault);
@@ -137,8 +138,8 @@ Status convert(Job &job, const ConvertRequest &request)
     if (!writer.ok()) {
         return writer.error();
     }
-    const Status fault = write_blocks(job, *writer.value());
-    if (request.report && (!fault || fault->kind == ErrorKind::damaged)) {
+    Status fault = write_blocks(job, *writer.value());
+    if (request.report && is_read_to_end(fault)) {
         report_losses(subject_of(request.document.file), *writer.value());
     }
     return fault;

@@ -102,10 +102,7 @@ protected:
             .add_flag("--raw-lines", request_.options.raw_lines,
                       "end lines where they end in the file")
             ->excludes("--wrap");
-        command
-            .add_option("--charset", charset_,
-                        "the document's character set: 437 unless given, 850, ...")
-            ->option_text("NAME");
+        charset_.add_to(command);
     }
 
     int run_with(const CLI::App &command, const Format &format)
@@ -114,8 +111,7 @@ protected:
         if (misfit) {
             return report("", *misfit);
         }
-        const Result<CodePage> page =
-            charset_.empty() ? CodePage::ibm437() : CodePage::named(charset_);
+        const Result<CodePage> page = charset_.page();
         if (!page.ok()) {
             return report("", page.error());
         }
@@ -129,7 +125,7 @@ protected:
     ConvertRequest request_;
 
 private:
-    std::string charset_;
+    CharsetOption charset_;
     bool no_page_breaks_ = false;
     bool no_headers_ = false;
 };
@@ -257,6 +253,18 @@ void add_document_options(CLI::App &command, DocumentRequest &request)
         .add_option("--module", request.module,
                     "the filter module to read with, or \"linked\" for the built-in one")
         ->option_text("PATH");
+}
+
+void CharsetOption::add_to(CLI::App &command)
+{
+    command
+        .add_option("--charset", name_, "the document's character set: 437 unless given, 850, ...")
+        ->option_text("NAME");
+}
+
+Result<CodePage> CharsetOption::page() const
+{
+    return name_.empty() ? CodePage::ibm437() : CodePage::named(name_);
 }
 
 std::unique_ptr<CommandLine> text_command_line()

@@ -1,6 +1,7 @@
 #include "document_job.h"
 
 #include "interruption.h"
+#include "read_document.h"
 
 #include <sys/stat.h>
 #include <utility>
@@ -53,7 +54,7 @@ Result<std::unique_ptr<FileOutput>> make_output(const DocumentRequest &request)
 
 Status settle(FileOutput &output, const Status &fault)
 {
-    if (fault && fault->kind != ErrorKind::damaged) {
+    if (!is_read_to_end(fault)) {
         output.flush();
         return fault;
     }

@@ -74,10 +74,7 @@ public:
         command.add_option("--color", colours_, "auto (on a terminal), always or never")
             ->check(CLI::IsMember({"auto", "always", "never"}))
             ->option_text("WHEN");
-        command
-            .add_option("--charset", charset_,
-                        "the document's character set: 437 unless given, 850, ...")
-            ->option_text("NAME");
+        charset_.add_to(command);
         add_document_options(command, request_.document);
         command.footer(explain_examples);
     }
@@ -86,8 +83,7 @@ public:
         if (colours_ != "auto") {
             request_.colours = colours_ == "always" ? Colours::on : Colours::off;
         }
-        const Result<CodePage> page =
-            charset_.empty() ? CodePage::ibm437() : CodePage::named(charset_);
+        const Result<CodePage> page = charset_.page();
         if (!page.ok()) {
             return report("", page.error());
         }
@@ -98,7 +94,7 @@ public:
 private:
     ExplainRequest request_;
     std::string colours_ = "auto";
-    std::string charset_;
+    CharsetOption charset_;
 };
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "interruption.h"
 
+#include <algorithm>
 #include <array>
 #include <csignal>
-#include <cstring>
 #include <limits.h>
 #include <string_view>
 #include <unistd.h>
@@ -61,7 +61,8 @@ Result<std::unique_ptr<FileOutput>> create_interruptible(const std::string &path
     ::sigprocmask(SIG_BLOCK, &set, &before);
     Result<std::unique_ptr<FileOutput>> output = FileOutput::create(path, max_bytes);
     if (output.ok() && output.value()->temporary_path().size() < temporary_path.size()) {
-        std::strcpy(temporary_path.data(), output.value()->temporary_path().c_str());
+        const std::string &path_for_now = output.value()->temporary_path();
+        std::copy_n(path_for_now.c_str(), path_for_now.size() + 1, temporary_path.data());
     }
     ::sigprocmask(SIG_SETMASK, &before, nullptr);
     return output;
