@@ -1,13 +1,12 @@
 #include "flow_writer.h"
 
+#include "blank_bytes.h"
 #include "page_geometry.h"
 #include "vs_pfs.h"
 
 namespace pfsdoc {
 
 namespace {
-
-constexpr char tab_byte = '\t';
 
 bool has_tabs(const Paragraph &paragraph)
 {

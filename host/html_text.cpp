@@ -1,6 +1,7 @@
 #include "html_text.h"
 
 #include "attribute_names.h"
+#include "blank_bytes.h"
 
 #include <algorithm>
 
@@ -8,7 +9,6 @@ namespace pfsdoc {
 
 namespace {
 
-constexpr char tab_byte = '\t';
 constexpr char16_t first_beyond_ascii = 0x80;
 
 // From the outside in. The first is not an attribute's.
@@ -101,8 +101,7 @@ void ShownText::add(std::string_view bytes, AttributeSet attributes)
 
 bool ShownText::has_word() const
 {
-    constexpr std::string_view no_word{" \t\0", 3};
-    return bytes_.find_first_not_of(no_word) != std::string::npos;
+    return bytes_.find_first_not_of(gap_bytes) != std::string::npos;
 }
 
 // ----------------------------------------------------------------------- HtmlText -----

@@ -23,6 +23,7 @@
 //
 // Time is in proportion to the document. Held are one paragraph and the header and footer
 // lines. Tests: tests/writers/html_writer_test.cpp; tests/judges/html.sh prints pages.
+#include "blank_bytes.h"
 #include "formats.h"
 #include "html_style.h"
 #include "html_text.h"
@@ -39,8 +40,6 @@ namespace pfsdoc {
 
 namespace {
 
-constexpr std::string_view blanks{" \0", 2};
-constexpr std::string_view blanks_and_tabs{" \0\t", 3};
 constexpr std::size_t max_running_lines = 2; // header or footer
 constexpr std::size_t usual_running_rows = 2;
 
@@ -154,7 +153,7 @@ void HtmlWriter::paragraph(const Paragraph &paragraph)
 
 void HtmlWriter::keep_running_line(std::vector<Paragraph> &lines, const Paragraph &paragraph)
 {
-    const bool is_empty = paragraph.bytes.find_first_not_of(blanks) == std::string::npos;
+    const bool is_empty = paragraph.bytes.find_first_not_of(blank_bytes) == std::string::npos;
     if (!options_.headers || is_empty) {
         return;
     }
@@ -324,7 +323,7 @@ void HtmlWriter::write_part(const Paragraph &paragraph, const LineGeometry &geom
 void HtmlWriter::lay_out_tabs(const LineGeometry &geometry)
 {
     tabs_.clear();
-    if (shown_.bytes().find('\t') != std::string::npos) {
+    if (shown_.bytes().find(tab_byte) != std::string::npos) {
         layout_.begin(geometry);
         if (part_continues_) {
             layout_.end_line(); // which leaves out the blanks that come next
@@ -342,10 +341,11 @@ void HtmlWriter::lay_out_tabs(const LineGeometry &geometry)
 void HtmlWriter::hide_outer_tabs()
 {
     const std::string &bytes = shown_.bytes();
-    const std::size_t first = bytes.find_first_not_of(blanks_and_tabs); // npos: no words
-    const std::size_t last = bytes.find_last_not_of(blanks_and_tabs);
+    const std::size_t first = bytes.find_first_not_of(gap_bytes); // npos: no words
+    const std::size_t last = bytes.find_last_not_of(gap_bytes);
     std::size_t tab = 0;
-    for (std::size_t at = bytes.find('\t'); at < bytes.size(); at = bytes.find('\t', at + 1)) {
+    for (std::size_t at = bytes.find(tab_byte); at < bytes.size();
+         at = bytes.find(tab_byte, at + 1)) {
         if (at < first || at > last) {
             tabs_[tab] = {0, true};
         }

@@ -1,6 +1,7 @@
 #include "json_writer.h"
 
 #include "attribute_names.h"
+#include "blank_bytes.h"
 #include "formats.h"
 #include "json_text.h"
 #include "page_geometry.h"
@@ -16,7 +17,6 @@ constexpr std::string_view body_type = "paragraph";
 constexpr std::string_view header_type = "header";
 constexpr std::string_view footer_type = "footer";
 
-constexpr char tab_byte = '\t';
 // Large enough that a write is worth its cost.
 constexpr std::size_t chunk_size = 65536;
 

@@ -1,5 +1,7 @@
 #include "line_layout.h"
 
+#include "blank_bytes.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -7,8 +9,6 @@ namespace pfsdoc {
 
 namespace {
 
-constexpr char tab_byte = '\t';
-constexpr char zero_blank = '\0';
 constexpr char point = '.';
 
 // A word is taken in stretches of this size, so that a long one is never held whole.

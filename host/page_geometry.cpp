@@ -1,5 +1,6 @@
 #include "page_geometry.h"
 
+#include "blank_bytes.h"
 #include "text_commands.h"
 #include "vs_pfs.h"
 
@@ -11,8 +12,6 @@
 namespace pfsdoc {
 
 namespace {
-
-constexpr std::string_view blank_bytes{" \0", 2};
 
 // Of the commands in front of a paragraph's text.
 std::optional<int32_t> leading_alignment_command(const Paragraph &paragraph)

@@ -1,5 +1,6 @@
 #include "paragraph_words.h"
 
+#include "blank_bytes.h"
 #include "paragraph_pieces.h"
 
 #include <algorithm>
@@ -7,9 +8,6 @@
 namespace pfsdoc {
 
 namespace {
-
-constexpr char tab_byte = '\t';
-constexpr char zero_blank = '\0';
 
 constexpr bool is_blank(char byte)
 {

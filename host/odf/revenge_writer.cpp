@@ -1,6 +1,7 @@
 #include "revenge_writer.h"
 
 #include "attribute_names.h"
+#include "blank_bytes.h"
 #include "paragraph_pieces.h"
 #include "vs_pfs.h"
 
@@ -13,9 +14,6 @@ namespace {
 using librevenge::RVNGPropertyList;
 using librevenge::RVNGString;
 
-constexpr char tab = '\t';
-constexpr std::string_view blank_bytes{" \0", 2};
-constexpr std::string_view gap_bytes{" \0\t", 3};
 constexpr AttributeSet underline = attribute_bit(static_cast<int32_t>(AttributeCode::underline));
 
 constexpr AttributeSet known_attributes()
@@ -203,7 +201,7 @@ void RevengeWriter::write_paragraph(const Paragraph &paragraph)
 {
     current_ = &paragraph;
     start_ = {};
-    start_.has_tab = paragraph.bytes.find(tab) != std::string::npos;
+    start_.has_tab = paragraph.bytes.find(tab_byte) != std::string::npos;
     visible_end_ = visible_end(paragraph);
     held_blanks_ = 0;
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
@@ -332,7 +330,7 @@ std::string_view RevengeWriter::hold_blanks(std::string_view bytes, AttributeSet
 // The blanks, or the tab, that the bytes begin with.
 std::string_view RevengeWriter::write_gap(std::string_view bytes)
 {
-    if (bytes.starts_with(tab)) {
+    if (bytes.starts_with(tab_byte)) {
         flush_text();
         count_elements(1);
         document_.insertTab();
