@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <exception>
+#include <utility>
 
 namespace pfsdoc {
 
@@ -57,6 +59,23 @@ bool read_hex(const std::string &text, std::span<uint8_t> bytes)
     return true;
 }
 
+// What marks a token that parses and is none of ours.
+class NoToken : public std::exception {};
+
+// A whole number that fits; converting any other is not defined.
+template <typename Number> Number number(const json &value)
+{
+    const bool is_unsigned = value.is_number_unsigned();
+    const bool fits =
+        is_unsigned ? std::in_range<Number>(value.get<uint64_t>())
+                    : value.is_number_integer() && std::in_range<Number>(value.get<int64_t>());
+    if (!fits) {
+        throw NoToken();
+    }
+    return is_unsigned ? static_cast<Number>(value.get<uint64_t>())
+                       : static_cast<Number>(value.get<int64_t>());
+}
+
 json margins_json(const Margins &margins)
 {
     return {margins.left, margins.right};
@@ -64,7 +83,7 @@ json margins_json(const Margins &margins)
 
 Margins margins_of(const json &value)
 {
-    return {value.at(0).get<int32_t>(), value.at(1).get<int32_t>()};
+    return {number<int32_t>(value.at(0)), number<int32_t>(value.at(1))};
 }
 
 json tab_stops_json(const std::vector<TabStop> &stops)
@@ -80,8 +99,8 @@ std::vector<TabStop> tab_stops_of(const json &list)
 {
     std::vector<TabStop> stops;
     for (const json &stop : list) {
-        stops.push_back({stop.at(0).get<uint16_t>(), stop.at(1).get<uint16_t>(),
-                         stop.at(2).get<uint16_t>(), stop.at(3).get<uint32_t>()});
+        stops.push_back({number<uint16_t>(stop.at(0)), number<uint16_t>(stop.at(1)),
+                         number<uint16_t>(stop.at(2)), number<uint32_t>(stop.at(3))});
     }
     return stops;
 }
@@ -123,12 +142,12 @@ json collector_json(const CollectorContext &context)
 CollectorContext collector_of(const json &value)
 {
     CollectorContext context;
-    context.attributes = value.at("attributes").get<AttributeSet>();
-    context.alignment = value.at("alignment").get<int32_t>();
-    context.line_spacing = value.at("line_spacing").get<int32_t>();
+    context.attributes = number<AttributeSet>(value.at("attributes"));
+    context.alignment = number<int32_t>(value.at("alignment"));
+    context.line_spacing = number<int32_t>(value.at("line_spacing"));
     context.margins = margins_of(value.at("margins"));
     context.tab_stops = tab_stops_of(value.at("tab_stops"));
-    context.offset_before = value.at("offset_before").get<uint32_t>();
+    context.offset_before = number<uint32_t>(value.at("offset_before"));
     if (value.contains("block")) {
         context.block = value.at("block") == "header" ? BlockKind::header : BlockKind::footer;
     }
@@ -140,18 +159,18 @@ Error no_token()
     return {ErrorKind::usage, "the resume token cannot be read", "take one from place() again"};
 }
 
-// Throws json::exception where something is missing or of another type.
+// Throws json::exception where something is missing or of another type, and NoToken.
 MarkedPlace marked_place_of(const json &value)
 {
     MarkedPlace marked;
-    marked.document = {value.at("file_id").get<int32_t>(), value.at("size").get<uint32_t>(),
-                       value.at("start_hash").get<uint64_t>(),
+    marked.document = {number<int32_t>(value.at("file_id")), number<uint32_t>(value.at("size")),
+                       number<uint64_t>(value.at("start_hash")),
                        value.at("source_offsets").get<bool>()};
     ReadStart &start = marked.place.start;
-    marked.place.blocks_before = value.at("blocks_before").get<uint64_t>();
+    marked.place.blocks_before = number<uint64_t>(value.at("blocks_before"));
     start.at_beginning = !value.contains("position");
     if (!start.at_beginning) {
-        start.place.position = value.at("position").get<uint32_t>();
+        start.place.position = number<uint32_t>(value.at("position"));
         start.stitcher = stitcher_of(value.at("stitcher"));
         start.collector = collector_of(value.at("collector"));
     }
@@ -206,6 +225,8 @@ Result<MarkedPlace> parse_token(std::string_view text)
         }
         return marked;
     } catch (const json::exception &) {
+        return no_token();
+    } catch (const NoToken &) {
         return no_token();
     }
 }

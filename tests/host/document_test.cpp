@@ -461,6 +461,26 @@ TEST(ResumeToken, DoesNoHarmWhenItWasTamperedWith)
     EXPECT_LT(refused, text.size());
 }
 
+// Found by fuzzing: such numbers were converted, which is not defined.
+TEST(ResumeToken, IsRefusedWithNumbersThatDoNotFit)
+{
+    Document document = opened(tests::write_document(2, "\rOne\r\rTwo\r\x0E"));
+    ASSERT_TRUE(document.next().ok());
+    const std::string text = place_of(document).text();
+    for (const char *key : {"file_id", "size", "start_hash", "position", "blocks_before",
+                            "alignment", "attributes", "line_spacing", "offset_before"}) {
+        for (const char *number :
+             {"1e63", "-1e63", "0.5", "99999999999999999999", "-9223372036854775808", "\"1\""}) {
+            std::string changed = text;
+            const std::size_t begin = changed.find(std::string("\"") + key + "\":");
+            ASSERT_NE(begin, std::string::npos) << key;
+            const std::size_t value = changed.find(':', begin) + 1;
+            changed.replace(value, changed.find_first_of(",}", value) - value, number);
+            EXPECT_FALSE(ResumeToken::parse(changed).ok()) << key << " " << number;
+        }
+    }
+}
+
 TEST(ResumeToken, IsRefusedWhereItIsNone)
 {
     for (const char *text : {"", "[]", "{}", "null", "{\"pfsdoc_place\":2}",
