@@ -42,7 +42,7 @@ enum class SandboxMode {
 // What holds the process now.
 struct SandboxReport {
     bool seccomp = false;
-    int landlock = 0; // the ABI version that is used, 0 for none
+    int landlock = 0; // the ABI version that is used, which the kernel may be ahead of; 0 for none
     // "seccomp, Landlock 3" or "none".
     std::string words() const;
 };
