@@ -6,7 +6,8 @@
 // there is used.
 //
 // What is left:
-// - reading, writing, positioning, truncating, duplicating and closing descriptors;
+// - reading, writing, positioning, truncating, duplicating and closing descriptors, and pipes
+//   of its own;
 // - sending and receiving on sockets that are open, descriptors too, but to no address that
 //   send or sendto names;
 // - memory, but none that can be executed;
