@@ -6,7 +6,8 @@
 // and nowhere else if it is set; otherwise beside the program or library that this code is
 // part of, and where it is installed as seen from there. A name without a folder is never
 // handed to the loader, which would search the system's library folders. Once loaded it stays:
-// its code may be needed until the program ends.
+// its code may be needed until the program ends. It is not looked for again while the variable
+// stays the same: a process that has loaded it may have given up looking for files since.
 // Tests: tests/writers/odf_plugin_test.cpp.
 #include "formats.h"
 #include "odf_plugin.h"
@@ -17,6 +18,7 @@
 #include <filesystem>
 #include <link.h>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -54,13 +56,19 @@ std::filesystem::path own_directory()
     return std::filesystem::read_symlink("/proc/self/exe", failure).parent_path();
 }
 
-// Empty where there is none.
-std::filesystem::path find_plugin()
+// Empty where it is not set.
+std::string named_directory()
 {
     const char *variable = std::getenv(plugins_variable);
+    return variable != nullptr ? variable : "";
+}
+
+// Empty where there is none.
+std::filesystem::path find_plugin(const std::string &named)
+{
     std::vector<std::filesystem::path> directories;
-    if (variable != nullptr && *variable != '\0') {
-        directories = {std::filesystem::path(variable)};
+    if (!named.empty()) {
+        directories = {std::filesystem::path(named)};
     } else if (const std::filesystem::path own = own_directory(); !own.empty()) {
         directories = {own, own / PFSDOC_PLUGIN_DIRECTORY, own / "pfsdoc"};
     }
@@ -81,9 +89,9 @@ std::string last_load_error()
     return message != nullptr ? message : "unknown reason";
 }
 
-Result<const OdfPlugin *> load_plugin()
+Result<const OdfPlugin *> load_plugin(const std::string &named)
 {
-    const std::filesystem::path path = find_plugin();
+    const std::filesystem::path path = find_plugin(named);
     if (path.empty()) {
         return unfit(std::string("the plug-in for OpenDocument is not installed: there is no ") +
                      odf_plugin_file_name);
@@ -101,6 +109,29 @@ Result<const OdfPlugin *> load_plugin()
     const OdfPlugin *plugin = reinterpret_cast<GetOdfPlugin>(symbol)();
     if (std::string_view(plugin->build) != PFSDOC_PLUGIN_BUILD) {
         return unfit(path.string() + " belongs to another build of this program");
+    }
+    return plugin;
+}
+
+// The plug-in that was loaded last, and the folder that was named then.
+struct LoadedPlugin {
+    std::mutex mutex;
+    const OdfPlugin *plugin = nullptr;
+    std::string named;
+};
+
+Result<const OdfPlugin *> the_plugin()
+{
+    static LoadedPlugin loaded;
+    const std::string named = named_directory();
+    const std::lock_guard lock(loaded.mutex);
+    if (loaded.plugin != nullptr && loaded.named == named) {
+        return loaded.plugin;
+    }
+    Result<const OdfPlugin *> plugin = load_plugin(named);
+    if (plugin.ok()) {
+        loaded.plugin = plugin.value();
+        loaded.named = named;
     }
     return plugin;
 }
@@ -206,7 +237,7 @@ Result<std::unique_ptr<Writer>> make_odf_writer(OdfPackaging packaging, Output &
                                                 const DocumentInfo &info,
                                                 const WriterOptions &options)
 {
-    const Result<const OdfPlugin *> plugin = load_plugin();
+    const Result<const OdfPlugin *> plugin = the_plugin();
     if (!plugin.ok()) {
         return plugin.error();
     }

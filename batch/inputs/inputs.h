@@ -1,8 +1,13 @@
 // The files of a batch, one after the other in an order that depends on nothing but their
 // names: those of folders (below them too, sorted by name), of lists, of zip and tar
-// archives, and single ones. Tests: tests/batch/inputs_test.cpp.
+// archives, and single ones.
+//
+// Everything that was named is accounted for: what cannot be read comes as an input with an
+// error, in its place. Only folders have no input of their own. Tests:
+// tests/batch/inputs_test.cpp.
 #pragma once
 
+#include "../sandbox/sandbox.h"
 #include "error.h"
 
 #include <cstdint>
@@ -34,7 +39,9 @@ private:
 struct BatchInput {
     // The name that the manifest and the output go by: relative to the folder or archive that
     // it was found in, behind that one's own name; "/" between the parts, and never one that
-    // leads out of the output folder ("..", an absolute path, an empty part).
+    // leads out of the output folder ("..", an absolute path, an empty part). What a list names
+    // goes by the whole path there. No two inputs of a batch have the same name: later ones get
+    // " (2)", " (3)" before their ending.
     std::string name;
     OpenFile file;              // positioned at its start; can be positioned (regular or in memory)
     uint64_t size = 0;          // in bytes
@@ -45,19 +52,31 @@ struct InputOptions {
     std::vector<std::string> paths;         // files, folders, archives
     std::vector<std::string> list_files;    // --files-from; "-" is standard input
     uint64_t max_input = uint64_t{1} << 32; // larger ones get an error of ErrorKind::limit
+    // The bytes that the members of one archive may have together, those of members that were
+    // not wanted included; the rest of the archive gets one error of ErrorKind::limit.
+    uint64_t max_archive = uint64_t{1} << 36;
+    std::string exclude; // a folder that is passed over inside others: the output's; may be empty
+    SandboxMode sandbox = SandboxMode::available; // for reading archives
 };
 
 class BatchInputs {
 public:
     virtual ~BatchInputs() = default;
     // The next one, or nothing at the end. An error in place of an input ends nothing: it is
-    // the input's own. Memory does not grow with the number of files in lists and archives;
-    // one folder's names are held at a time, and its parents'.
+    // the input's own. To be called by a process of one thread: it may start a child.
+    //
+    // Of each name a number is kept, some 50 bytes, to tell when one comes again. Of files and
+    // paths nothing else is: one folder's names are held at a time, and its parents'.
     virtual std::optional<BatchInput> next() = 0;
 };
 
-// Archives are read in a process of their own, in the sandbox that is asked for
-// (batch/sandbox/sandbox.h): their bytes are strangers' too.
+// The paths come first, then what the lists name. Symbolic links are followed where a path or a
+// list names them, and are an error inside folders and archives: neither may lead elsewhere.
+//
+// A file is an archive by its ending: .zip, .tar, .tar.gz, .tgz, .tar.bz2, .tar.xz and .tar.zst,
+// in capitals too; but not as a member of another archive. Archives are read in a process of
+// their own, in the sandbox that is asked for (batch/sandbox/sandbox.h): their bytes are
+// strangers' too.
 std::unique_ptr<BatchInputs> open_inputs(const InputOptions &options);
 
 } // namespace pfsdoc

@@ -1,0 +1,13 @@
+// The process that reads an archive: libarchive in a sandbox. Tests:
+// tests/batch/inputs_test.cpp.
+#pragma once
+
+#include "inputs.h"
+
+namespace pfsdoc {
+
+// For a process of its own, which has one thread: it closes every other descriptor, reads the
+// archive and ends. What is in it goes to the output as archive_messages.h tells.
+[[noreturn]] void run_archive_reader(int archive, int output, const InputOptions &options);
+
+} // namespace pfsdoc

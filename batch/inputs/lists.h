@@ -1,0 +1,42 @@
+// Lists of paths: one a line, or with a NUL byte behind each as `find -print0` writes them.
+//
+// Lists can be longer than memory and come out of pipes, so they are read as they are used. No
+// path is longer than longest_path: a list with NUL bytes has one in its first bytes, and those
+// tell which sort it is. Tests: tests/batch/inputs_test.cpp.
+#pragma once
+
+#include "entries.h"
+
+#include <string_view>
+
+namespace pfsdoc {
+
+// What the system takes as a path.
+constexpr std::size_t longest_path = 4096;
+
+class PathList {
+public:
+    // "-" is standard input. Where the list cannot be read, next() says so.
+    explicit PathList(const std::string &name);
+
+    struct Line {
+        std::string path;           // or its beginning, where it has an error
+        std::optional<Error> error; // the list's own where path is the list's name
+    };
+    std::optional<Line> next();
+
+private:
+    void fill();
+    std::optional<std::string_view> raw_line();
+    Line too_long();
+
+    std::string name_;
+    OpenFile file_;
+    std::string buffer_;
+    std::size_t position_ = 0; // in buffer_, of what was not used yet
+    bool at_end_ = false;
+    char separator_ = '\n';
+    std::optional<Error> failure_; // to be told behind the lines that were read
+};
+
+} // namespace pfsdoc

@@ -1,0 +1,54 @@
+// Landlock goes first: seccomp would not let it through. Test: tests/batch/sandbox_test.cpp.
+#include "sandbox.h"
+
+#include "landlock.h"
+#include "system_calls.h"
+
+#include <sys/prctl.h>
+#include <system_error>
+
+namespace pfsdoc {
+
+namespace {
+
+Error lacking(const std::string &what, int error_number)
+{
+    return {ErrorKind::internal,
+            "the sandbox cannot be had: the kernel has no " + what + " (" +
+                std::generic_category().message(error_number) + ")",
+            "use a kernel that has it, or read without it with --no-sandbox"};
+}
+
+} // namespace
+
+std::string SandboxReport::words() const
+{
+    std::string words = seccomp ? "seccomp" : "";
+    if (landlock > 0) {
+        words += (seccomp ? ", Landlock " : "Landlock ") + std::to_string(landlock);
+    }
+    return words.empty() ? "none" : words;
+}
+
+Result<SandboxReport> enter_sandbox(SandboxMode mode)
+{
+    SandboxReport report;
+    if (mode == SandboxMode::off) {
+        return report;
+    }
+    // Both ask for this, and fail where it failed.
+    ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+    const Landlock landlock = restrict_by_landlock();
+    report.landlock = landlock.version;
+    if (mode == SandboxMode::required && landlock.version == 0) {
+        return lacking("Landlock", landlock.error_number);
+    }
+    const int seccomp_error = restrict_system_calls();
+    report.seccomp = seccomp_error == 0;
+    if (mode == SandboxMode::required && !report.seccomp) {
+        return lacking("seccomp", seccomp_error);
+    }
+    return report;
+}
+
+} // namespace pfsdoc

@@ -1,0 +1,11 @@
+// Which system calls a process in the sandbox may use, as a filter of seccomp. sandbox.h tells
+// the kinds, and system_calls.cpp has the lists. Test: tests/batch/sandbox_test.cpp.
+#pragma once
+
+namespace pfsdoc {
+
+// 0, or the number of the error for which there is no filter. The process must have given up
+// new privileges (PR_SET_NO_NEW_PRIVS).
+int restrict_system_calls();
+
+} // namespace pfsdoc
