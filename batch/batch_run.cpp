@@ -18,21 +18,6 @@ constexpr std::chrono::milliseconds between_looks{250};
 constexpr off_t probed_bytes = 65536;
 constexpr int some_failed = 1;
 
-uint64_t short_digest(const std::string &name)
-{
-    const Digest digest = sha256_of(name);
-    uint64_t part = 0;
-    std::memcpy(&part, digest.data(), sizeof part);
-    return part;
-}
-
-Outcome name_is_taken()
-{
-    return failed_outcome(FileStatus::name,
-                          {ErrorKind::usage, "another file of this run has the same name",
-                           "convert it in a run of its own"});
-}
-
 Job job_of(const RecordedFile &file, const std::optional<EarlierRecord> &earlier)
 {
     Job job;
@@ -61,22 +46,32 @@ Error unwritten(const Outcome &outcome)
             "make room; the next run goes on from here"};
 }
 
-// A folder that is read while it is written to would be read without an end.
-Status check_output_place(const BatchRequest &request)
+bool lies_in(const std::filesystem::path &inner, const std::filesystem::path &outer)
+{
+    const auto [end, rest] = std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end());
+    return end == outer.end();
+}
+
+// What is written must not be read: the run would not be the same when it is done again, or
+// have no end. Below the folders that are read, the output's own is passed over.
+Status check_places(const BatchRequest &request)
 {
     namespace fs = std::filesystem;
     std::error_code failure;
     const fs::path output = fs::weakly_canonical(fs::absolute(request.output), failure);
+    const fs::path manifest = fs::weakly_canonical(fs::absolute(request.manifest), failure);
     for (const std::string &path : request.inputs.paths) {
         const fs::path input = fs::canonical(path, failure);
         if (failure || !fs::is_directory(input, failure)) {
             continue;
         }
-        const auto [end, rest] =
-            std::mismatch(input.begin(), input.end(), output.begin(), output.end());
-        if (end == input.end()) {
-            return Error{ErrorKind::usage, "the output folder lies in " + path + ", which is read",
+        if (input == output) {
+            return Error{ErrorKind::usage, path + " would be read and written to",
                          "name another folder with -o"};
+        }
+        if (lies_in(manifest, input) && (lies_in(input, output) || !lies_in(manifest, output))) {
+            return Error{ErrorKind::usage, "the manifest lies in " + path + ", which is read",
+                         "name another place with --manifest"};
         }
     }
     return {};
@@ -179,10 +174,6 @@ Status BatchRun::take(BatchInput input)
         close(slot, failed_outcome(status_of(input.error->kind), *input.error));
         return {};
     }
-    if (!names_.insert(short_digest(input.name)).second) {
-        close(slot, name_is_taken());
-        return {};
-    }
     look_up(slot);
     return give_out(slot, input, number);
 }
@@ -280,7 +271,7 @@ Status BatchRun::write_lines()
 
 int run_batch(const BatchRequest &request)
 {
-    if (const Status misplaced = check_output_place(request)) {
+    if (const Status misplaced = check_places(request)) {
         return report_error(*misplaced);
     }
     const Result<int> wake = watch_interruptions();

@@ -2,8 +2,7 @@
 // writes the manifest, in the order of the files whatever order they are done in.
 //
 // The parent reads no byte of a document. At most `window` files are done or under way whose
-// lines wait for one before them. Of each name eight bytes are kept, so that two files of one
-// name do not replace each other's output. Test: tests/batch/batch_test.cpp.
+// lines wait for one before them. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include "inputs/inputs.h"
@@ -16,7 +15,6 @@
 #include <deque>
 #include <optional>
 #include <string>
-#include <unordered_set>
 
 namespace pfsdoc {
 
@@ -78,7 +76,6 @@ private:
     Manifest manifest_;
     Tally tally_;
     bool inputs_ended_ = false;
-    std::unordered_set<uint64_t> names_;
     uint64_t first_ = 0; // the number of the first slot's file
     std::deque<Slot> slots_;
     WorkerPool pool_; // is gone before the outputs are

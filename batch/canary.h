@@ -1,7 +1,7 @@
 // Where the tests put a reader that has been taken over: called with each document before it
 // is read, in the worker, behind the sandbox. The program that is installed has one that does
 // nothing (canary.cpp); that of the tests does what the document's text asks for
-// (tests/batch/canaries.cpp).
+// (tests/batch/run/canaries.cpp).
 #pragma once
 
 #include "byte_source.h"

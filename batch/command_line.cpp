@@ -149,6 +149,9 @@ void BatchCommandLine::add_limits()
     app_.add_option("-j,--jobs", jobs_, "how many files at a time; one for each processor")
         ->option_text("NUMBER")
         ->check(CLI::Range(1U, most_jobs));
+    app_.add_option("--max-input", inputs_.max_input, "leave larger files out: 4GB unless given")
+        ->option_text("SIZE")
+        ->transform(CLI::AsSizeValue(false));
     app_.add_option("--max-time", max_seconds_, "for each file: 30 unless given")
         ->option_text("SECONDS")
         ->check(CLI::Range(0.001, longest_time));
@@ -230,12 +233,14 @@ Result<BatchRequest> BatchCommandLine::request()
     if (!settings.ok()) {
         return settings.error();
     }
+    const SandboxMode mode = no_sandbox_ ? SandboxMode::off : sandbox_mode(sandbox_);
     BatchRequest request;
     request.inputs = inputs_;
+    request.inputs.exclude = output_;
+    request.inputs.sandbox = mode;
     request.output = output_;
     request.manifest = manifest_.empty() ? output_ + "/manifest.ndjson" : manifest_;
-    request.pool.worker = {settings.value(),
-                           no_sandbox_ ? SandboxMode::off : sandbox_mode(sandbox_), max_memory_};
+    request.pool.worker = {settings.value(), mode, max_memory_};
     request.pool.workers = jobs_ != 0 ? jobs_ : processors();
     request.pool.max_time =
         std::chrono::milliseconds(static_cast<int64_t>(std::ceil(max_seconds_ * 1000)));

@@ -1,5 +1,5 @@
 // Ctrl-C and requests to end: the first one asks the run to end in an orderly way, the second
-// one ends the program, and with it its workers, at once. Test: tests/batch/batch_test.cpp.
+// one ends the program, and with it its workers, at once. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include "error.h"

@@ -1,4 +1,4 @@
-// The program pfsdoc-batch, which `pfsdoc batch` becomes. Test: tests/batch/batch_test.cpp.
+// The program pfsdoc-batch, which `pfsdoc batch` becomes. Test: tests/batch/run/batch_test.cpp.
 #include "arguments.h"
 #include "command_line.h"
 #include "progress.h"

@@ -3,7 +3,7 @@
 // That process has read a stranger's bytes, and may be the stranger's by now. So what it says
 // is one record of a fixed size, without a pointer, a length to be believed or a text to be
 // parsed; whoever receives it checks each member that is used as more than a number. Test:
-// tests/batch/convert_file_test.cpp.
+// tests/batch/run/convert_file_test.cpp.
 #pragma once
 
 #include "error.h"
@@ -30,7 +30,7 @@ enum class FileStatus : uint32_t {
     memory,    // --max-memory
     timeout,   // --max-time
     crashed,   // the process that read it died
-    name,      // there can be no output of that name, or there is one already
+    name,      // there can be no output of that name
     internal,  // a fault of the program's own
     unchanged, // it is what it was in an earlier run; never in a manifest
     unwritten  // the output cannot be written, which ends the run; never in a manifest

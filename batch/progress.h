@@ -1,5 +1,5 @@
 // What a run says on standard error while it goes on: a bar that is drawn again and again on a
-// terminal, a line now and then elsewhere. Test: tests/batch/batch_test.cpp.
+// terminal, a line now and then elsewhere. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include "outcome.h"

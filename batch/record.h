@@ -1,6 +1,6 @@
 // A file's line in the manifest: one JSON object, and how it is read again by a later run.
 // Nothing in it depends on when or how fast the run was, so that the same files give the same
-// bytes. Test: tests/batch/record_test.cpp.
+// bytes. Test: tests/batch/run/record_test.cpp.
 #pragma once
 
 #include "outcome.h"

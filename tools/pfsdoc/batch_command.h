@@ -1,6 +1,6 @@
 // pfsdoc batch: a program of its own, pfsdoc-batch, which loads more than one document is
 // worth. It stands beside this one, or where programs stand that only programs call. Test:
-// tests/batch/batch_test.cpp.
+// tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include "command_line.h"
