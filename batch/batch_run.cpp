@@ -141,6 +141,9 @@ Status BatchRun::run(int wake, Progress &progress)
                 }
             }
         }
+        if (Status fault = is_time_to_put_in_place() ? put_in_place() : Status()) {
+            return fault;
+        }
         if (Status fault = write_lines()) {
             return fault;
         }
@@ -230,22 +233,37 @@ Status BatchRun::settle(const Finished &finished)
     if (outcome.status == FileStatus::unwritten) {
         return unwritten(outcome);
     }
-    if (Status fault = put_in_place(slot, outcome)) {
-        return fault;
+    if (has_output(outcome.status)) {
+        unsynced_.push_back({finished.file, outcome});
+        return {};
     }
     slot.output.reset();
     close(slot, outcome);
     return {};
 }
 
-Status BatchRun::put_in_place(Slot &slot, Outcome &outcome)
+bool BatchRun::is_time_to_put_in_place() const
 {
-    const Status fault = has_output(outcome.status) ? slot.output->commit() : Status();
-    if (fault && fault->kind == ErrorKind::usage) {
-        outcome = failed_outcome(FileStatus::name, *fault);
-        return {};
+    return unsynced_.size() >= synced_at_once || (inputs_ended_ && !pool_.has_busy()) ||
+           slots_.size() >= window || Clock::now() - synced_ >= longest_unsynced;
+}
+
+Status BatchRun::put_in_place()
+{
+    synced_ = Clock::now();
+    if (Status fault = unsynced_.empty() ? Status() : folder_.sync()) {
+        return fault;
     }
-    return fault;
+    for (const Finished &finished : std::exchange(unsynced_, {})) {
+        Slot &slot = slots_[finished.file - first_];
+        const Status fault = slot.output->commit();
+        if (fault && fault->kind != ErrorKind::usage) {
+            return fault;
+        }
+        slot.output.reset();
+        close(slot, fault ? failed_outcome(FileStatus::name, *fault) : finished.outcome);
+    }
+    return {};
 }
 
 void BatchRun::close(Slot &slot, const Outcome &outcome) const

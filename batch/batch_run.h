@@ -12,9 +12,11 @@
 #include "record.h"
 #include "worker_pool.h"
 
+#include <chrono>
 #include <deque>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace pfsdoc {
 
@@ -49,7 +51,11 @@ public:
     }
 
 private:
+    using Clock = std::chrono::steady_clock;
     static constexpr std::size_t window = 1024;
+    // Outputs are brought to the disk together: this many, or what there is after this time.
+    static constexpr std::size_t synced_at_once = 128;
+    static constexpr std::chrono::seconds longest_unsynced{1};
 
     // A file whose line has not been written yet.
     struct Slot {
@@ -66,7 +72,8 @@ private:
     void look_up(Slot &slot) const;
     Status give_out(Slot &slot, const BatchInput &input, uint64_t number);
     Status settle(const Finished &finished);
-    Status put_in_place(Slot &slot, Outcome &outcome);
+    Status put_in_place();
+    bool is_time_to_put_in_place() const;
     void close(Slot &slot, const Outcome &outcome) const;
     Status write_lines();
 
@@ -78,6 +85,8 @@ private:
     bool inputs_ended_ = false;
     uint64_t first_ = 0; // the number of the first slot's file
     std::deque<Slot> slots_;
+    std::vector<Finished> unsynced_; // whose outputs are whole and not in their places
+    Clock::time_point synced_ = Clock::now();
     WorkerPool pool_; // is gone before the outputs are
 };
 

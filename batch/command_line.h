@@ -1,5 +1,5 @@
 // The command line of `pfsdoc batch`. The manual page is docs/man/pfsdoc-batch.1; what is said
-// here and there must agree. Test: tests/batch/run/command_line_test.cpp.
+// here and there must agree. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include "batch_run.h"

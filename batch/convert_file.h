@@ -1,5 +1,5 @@
 // One file from descriptor to descriptor: what a worker does, and all that it does. Nothing
-// is opened here. Test: tests/batch/run/convert_file_test.cpp.
+// is opened here. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include "inputs/inputs.h"

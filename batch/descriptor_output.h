@@ -1,5 +1,5 @@
 // A worker's output: buffered, limited, and hashed on its way. Test:
-// tests/batch/run/convert_file_test.cpp.
+// tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include "error.h"

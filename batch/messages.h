@@ -1,6 +1,6 @@
 // What goes between the parent and a worker: one message for a file, with its descriptors, and
 // one back. Each is a record of a fixed size over a socket that keeps messages apart. Test:
-// tests/batch/run/messages_test.cpp.
+// tests/batch/run/canary_test.cpp.
 #pragma once
 
 #include "outcome.h"

@@ -3,7 +3,7 @@
 // That process has read a stranger's bytes, and may be the stranger's by now. So what it says
 // is one record of a fixed size, without a pointer, a length to be believed or a text to be
 // parsed; whoever receives it checks each member that is used as more than a number. Test:
-// tests/batch/run/convert_file_test.cpp.
+// tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include "error.h"

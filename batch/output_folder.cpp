@@ -60,7 +60,7 @@ PendingOutput::PendingOutput(PendingOutput &&other) noexcept
 
 Status PendingOutput::commit()
 {
-    if (::fsync(file_.get()) != 0 || ::rename(temporary_.c_str(), target_.c_str()) != 0) {
+    if (::rename(temporary_.c_str(), target_.c_str()) != 0) {
         return not_written(target_, errno);
     }
     temporary_.clear();
@@ -75,7 +75,12 @@ Result<OutputFolder> OutputFolder::open(const std::string &path)
         return Error{ErrorKind::output, path + " cannot be made: " + failure.message(),
                      "check the folder and the right to write there"};
     }
-    return OutputFolder(path);
+    OpenFile folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.get() < 0) {
+        return Error{ErrorKind::output, path + " cannot be opened: " + std::strerror(errno),
+                     "check the folder and the right to write there"};
+    }
+    return OutputFolder(path, std::move(folder));
 }
 
 Result<PendingOutput> OutputFolder::create(const std::string &name) const
@@ -95,6 +100,11 @@ Result<PendingOutput> OutputFolder::create(const std::string &name) const
         return not_written(target, errno);
     }
     return PendingOutput(std::move(file), temporary, target);
+}
+
+Status OutputFolder::sync() const
+{
+    return ::syncfs(folder_.get()) == 0 ? Status() : not_written(path_, errno);
 }
 
 OpenFile OutputFolder::open_existing(const std::string &name, uint64_t size) const

@@ -1,7 +1,7 @@
 // The folder that a batch writes to. Each output has a temporary name beside its own until it
 // is whole and on the disk. The temporary name follows from the file's own, so that one that
 // was left behind, by a run that was killed, is replaced by the next run. Test:
-// tests/batch/run/output_folder_test.cpp.
+// tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include "error.h"
@@ -26,7 +26,8 @@ public:
     {
         return file_.get();
     }
-    // Errors as those of OutputFolder::create.
+    // Gives it its name. What it holds must be on the disk: OutputFolder::sync. Errors as those
+    // of OutputFolder::create.
     Status commit();
 
 private:
@@ -45,11 +46,18 @@ public:
     Result<PendingOutput> create(const std::string &name) const;
     // For reading; not open where it is not there, or is no file of that size.
     OpenFile open_existing(const std::string &name, uint64_t size) const;
+    // Brings all that was written to the disk: for many files at once, since the disk takes
+    // about as long for one.
+    Status sync() const;
 
 private:
-    explicit OutputFolder(std::string path) : path_(std::move(path)) {}
+    OutputFolder(std::string path, OpenFile folder)
+        : path_(std::move(path)), folder_(std::move(folder))
+    {
+    }
 
     std::string path_;
+    OpenFile folder_;
 };
 
 } // namespace pfsdoc

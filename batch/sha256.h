@@ -1,4 +1,4 @@
-// SHA-256, by which a manifest knows a file again. Test: tests/batch/run/convert_file_test.cpp.
+// SHA-256, by which a manifest knows a file again. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include <array>

@@ -1,5 +1,5 @@
 // A worker process: takes one file after the other from its parent, and answers with what
-// became of it. Test: tests/batch/run/batch_test.cpp.
+// became of it. Test: tests/batch/run/canary_test.cpp.
 #pragma once
 
 #include "convert_file.h"

@@ -1,6 +1,6 @@
 // The workers of a run, as their parent sees them: each is a process with a socket, and has
 // one file at a time. One that dies, or takes too long and is killed, costs that file its
-// conversion; the next file gets a new process. Test: tests/batch/run/batch_test.cpp.
+// conversion; the next file gets a new process. Test: tests/batch/run/canary_test.cpp.
 #pragma once
 
 #include "messages.h"
