@@ -125,7 +125,7 @@ BatchRun::BatchRun(const BatchRequest &request, BatchInputs &inputs, OutputFolde
 {
 }
 
-Status BatchRun::run(int wake, Progress &progress)
+Status BatchRun::convert_all(int wake, Progress &progress)
 {
     while (!inputs_ended_ || !slots_.empty()) {
         if (was_interrupted()) {
@@ -149,7 +149,17 @@ Status BatchRun::run(int wake, Progress &progress)
         }
         progress.show(tally_);
     }
-    return manifest_.finish();
+    return {};
+}
+
+// What has been converted when something ends the run is kept, as far as that can be done.
+Status BatchRun::run(int wake, Progress &progress)
+{
+    const Status fault = convert_all(wake, progress);
+    if (fault && !put_in_place()) {
+        static_cast<void>(write_lines());
+    }
+    return fault ? fault : manifest_.finish();
 }
 
 // Inputs are opened when somebody is there to read them.

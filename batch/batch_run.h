@@ -67,6 +67,7 @@ private:
         std::string line;
     };
 
+    Status convert_all(int wake, Progress &progress);
     Status feed();
     Status take(BatchInput input);
     void look_up(Slot &slot) const;

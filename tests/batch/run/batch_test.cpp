@@ -169,11 +169,11 @@ TEST_F(Batch, EndsWhereNothingCanBeWritten)
 TEST_F(Batch, EndsWhereThereIsNoRoom)
 {
     write_letter("in/a", "small");
-    write_letter("in/b", std::string(50000, 'x'));
+    write_letter("in/b", std::string(3000, 'x'));
     write_letter("in/c", "small");
     rlimit before{};
     ::getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit tight{20000, before.rlim_max};
+    const rlimit tight{2000, before.rlim_max};
     ::setrlimit(RLIMIT_FSIZE, &tight);
     const pid_t child = start({"batch", "in", "-o", "out", "-t", "text", "-j", "1"});
     ::setrlimit(RLIMIT_FSIZE, &before);
