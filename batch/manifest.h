@@ -7,7 +7,7 @@
 // on FILE.partial is the run that is going on.
 //
 // Of earlier lines only their places are kept in memory, sixteen bytes each. Test:
-// tests/batch/run/manifest_test.cpp.
+// tests/batch/run/record_test.cpp.
 #pragma once
 
 #include "error.h"

@@ -35,7 +35,7 @@ void limit(__rlimit_resource resource, uint64_t value)
 {
     rlimit now{};
     ::getrlimit(resource, &now);
-    now.rlim_cur = std::min<rlim_t>(now.rlim_max, value);
+    now.rlim_cur = std::min<rlim_t>(now.rlim_cur, value);
     now.rlim_max = now.rlim_cur;
     ::setrlimit(resource, &now);
 }
