@@ -5,7 +5,7 @@
 //
 // The reader may be in a stranger's hands: whoever receives this believes nothing but lengths
 // that it can take. So the messages bring no words, only which of our own sentences is true.
-// Tests: tests/batch/inputs_test.cpp.
+// Tests: tests/batch/archive_messages_test.cpp.
 #pragma once
 
 #include <cstdint>

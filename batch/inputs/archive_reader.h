@@ -1,5 +1,5 @@
 // The process that reads an archive: libarchive in a sandbox. Tests:
-// tests/batch/inputs_test.cpp.
+// tests/batch/archive_inputs_test.cpp.
 #pragma once
 
 #include "inputs.h"

@@ -4,7 +4,7 @@
 // are encrypted members and devices; folders have no input. When the reader dies or the archive
 // breaks off, one error with the archive's name stands for the rest. A member is not known to
 // be whole before its end, so each is kept until then (member_store.h). Tests:
-// tests/batch/inputs_test.cpp.
+// tests/batch/archive_inputs_test.cpp.
 #pragma once
 
 #include "archive_messages.h"

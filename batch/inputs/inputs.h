@@ -4,7 +4,7 @@
 //
 // Everything that was named is accounted for: what cannot be read comes as an input with an
 // error, in its place. Only folders have no input of their own. Tests:
-// tests/batch/inputs_test.cpp.
+// tests/batch/inputs_test.cpp and archive_inputs_test.cpp.
 #pragma once
 
 #include "../sandbox/sandbox.h"

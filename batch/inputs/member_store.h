@@ -1,5 +1,5 @@
 // Keeps the bytes of an archive's member while they come: in memory, and from some size on in a
-// file that has no name and goes with its descriptor. Test: tests/batch/inputs_test.cpp.
+// file that has no name and goes with its descriptor. Test: tests/batch/archive_inputs_test.cpp.
 #pragma once
 
 #include "inputs.h"

@@ -11,11 +11,9 @@ namespace pfsdoc {
 
 namespace {
 
-Error lacking(const std::string &what, int error_number)
+Error lacking(const std::string &what)
 {
-    return {ErrorKind::internal,
-            "the sandbox cannot be had: the kernel has no " + what + " (" +
-                std::generic_category().message(error_number) + ")",
+    return {ErrorKind::internal, "the sandbox cannot be had: the kernel " + what,
             "use a kernel that has it, or read without it with --no-sandbox"};
 }
 
@@ -41,12 +39,12 @@ Result<SandboxReport> enter_sandbox(SandboxMode mode)
     const Landlock landlock = restrict_by_landlock();
     report.landlock = landlock.version;
     if (mode == SandboxMode::required && landlock.version == 0) {
-        return lacking("Landlock", landlock.error_number);
+        return lacking("has no Landlock (" +
+                       std::generic_category().message(landlock.error_number) + ")");
     }
-    const int seccomp_error = restrict_system_calls();
-    report.seccomp = seccomp_error == 0;
+    report.seccomp = restrict_system_calls();
     if (mode == SandboxMode::required && !report.seccomp) {
-        return lacking("seccomp", seccomp_error);
+        return lacking("takes no filter for seccomp");
     }
     return report;
 }

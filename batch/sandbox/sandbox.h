@@ -6,7 +6,8 @@
 // there is used.
 //
 // What is left:
-// - reading, writing, positioning, truncating, duplicating and closing descriptors;
+// - reading, writing, positioning, truncating, duplicating and closing descriptors, and pipes
+//   of its own;
 // - sending and receiving on sockets that are open, descriptors too, but to no address that
 //   send or sendto names;
 // - memory, but none that can be executed;
@@ -42,7 +43,7 @@ enum class SandboxMode {
 // What holds the process now.
 struct SandboxReport {
     bool seccomp = false;
-    int landlock = 0; // the ABI version that is used, 0 for none
+    int landlock = 0; // the ABI version that is used, which the kernel may be ahead of; 0 for none
     // "seccomp, Landlock 3" or "none".
     std::string words() const;
 };

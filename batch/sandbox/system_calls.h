@@ -4,8 +4,8 @@
 
 namespace pfsdoc {
 
-// 0, or the number of the error for which there is no filter. The process must have given up
-// new privileges (PR_SET_NO_NEW_PRIVS).
-int restrict_system_calls();
+// False where the kernel takes no filter; libseccomp does not tell why. The process must have
+// given up new privileges (PR_SET_NO_NEW_PRIVS).
+bool restrict_system_calls();
 
 } // namespace pfsdoc

@@ -13,8 +13,10 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <netinet/in.h>
 #include <sched.h>
 #include <string>
@@ -60,7 +62,7 @@ template <typename Address> const sockaddr *plain(const Address &address)
 
 void listen_on_tcp(Surroundings &here)
 {
-    here.tcp = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    here.tcp = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     here.tcp_address.sin_family = AF_INET;
     here.tcp_address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     ASSERT_EQ(::bind(here.tcp, plain(here.tcp_address), sizeof here.tcp_address), 0);
@@ -363,7 +365,7 @@ constexpr const char *no_landlock =
     "the sandbox cannot be had: the kernel has no Landlock (Function not implemented); use a "
     "kernel that has it, or read without it with --no-sandbox; exit code 70";
 constexpr const char *no_seccomp =
-    "the sandbox cannot be had: the kernel has no seccomp (Function not implemented); use a "
+    "the sandbox cannot be had: the kernel takes no filter for seccomp; use a "
     "kernel that has it, or read without it with --no-sandbox; exit code 70";
 
 TEST_F(Sandbox, TellsWhatIsInForce)
