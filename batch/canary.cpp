@@ -1,0 +1,7 @@
+#include "canary.h"
+
+namespace pfsdoc {
+
+void sing(ByteSource &, Output &) {}
+
+} // namespace pfsdoc

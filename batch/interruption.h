@@ -1,0 +1,14 @@
+// Ctrl-C and requests to end: the first one asks the run to end in an orderly way, the second
+// one ends the program, and with it its workers, at once. Test: tests/batch/run/batch_test.cpp.
+#pragma once
+
+#include "error.h"
+
+namespace pfsdoc {
+
+// A descriptor that can be read from once there has been one. To be called once. A signal that
+// was ignored when the program began stays ignored.
+Result<int> watch_interruptions();
+bool was_interrupted();
+
+} // namespace pfsdoc

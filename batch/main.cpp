@@ -1,0 +1,68 @@
+// The program pfsdoc-batch, which `pfsdoc batch` becomes. Test: tests/batch/run/batch_test.cpp.
+#include "arguments.h"
+#include "command_line.h"
+#include "progress.h"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <new>
+#include <system_error>
+
+namespace {
+
+constexpr const char *plugins_variable = "PFSDOC_PLUGINS";
+
+// Plug-ins are looked for as seen from the program, and this one does not stand where pfsdoc
+// does.
+void find_plugins()
+{
+    std::error_code failure;
+    const std::filesystem::path own =
+        std::filesystem::read_symlink("/proc/self/exe", failure).parent_path();
+    const std::filesystem::path plugins = own / PFSDOC_PLUGIN_DIRECTORY;
+    if (!failure && std::filesystem::is_directory(plugins, failure)) {
+        ::setenv(plugins_variable, plugins.c_str(), 0);
+    }
+}
+
+int run(int argument_count, char **arguments)
+{
+    pfsdoc::BatchCommandLine line;
+    try {
+        line.app().parse(pfsdoc::reversed_arguments(argument_count, arguments));
+    } catch (const CLI::CallForHelp &) {
+        return std::fputs(line.app().help().c_str(), stdout) >= 0 && std::fflush(stdout) == 0
+                   ? 0
+                   : pfsdoc::report_error(
+                         {pfsdoc::ErrorKind::output, "standard output cannot be written", ""});
+    } catch (const CLI::ParseError &error) {
+        return pfsdoc::report_error(
+            {pfsdoc::ErrorKind::usage, error.what(), "see pfsdoc batch --help"});
+    }
+    const pfsdoc::Result<pfsdoc::BatchRequest> request = line.request();
+    return request.ok() ? pfsdoc::run_batch(request.value())
+                        : pfsdoc::report_error(request.error());
+}
+
+} // namespace
+
+int main(int argument_count, char **arguments)
+{
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        static_cast<void>(std::signal(signal, SIG_IGN));
+    }
+    pfsdoc::occupy_standard_streams();
+    find_plugins();
+    try {
+        return run(argument_count, arguments);
+    } catch (const std::bad_alloc &) {
+        return pfsdoc::report_error({pfsdoc::ErrorKind::internal, "there is not enough memory",
+                                     "end other programs and try again"});
+    } catch (const std::exception &fault) {
+        return pfsdoc::report_error(
+            {pfsdoc::ErrorKind::internal, fault.what(), "please report this as a fault of pfsdoc"});
+    }
+}

@@ -1,0 +1,63 @@
+// The folder that a batch writes to. Each output has a temporary name beside its own until it
+// is whole and on the disk. The temporary name follows from the file's own, so that one that
+// was left behind, by a run that was killed, is replaced by the next run. Test:
+// tests/batch/run/batch_test.cpp.
+#pragma once
+
+#include "error.h"
+#include "inputs/inputs.h"
+
+#include <string>
+
+namespace pfsdoc {
+
+// An output that is being written; without commit it is gone.
+class PendingOutput {
+public:
+    PendingOutput(OpenFile file, std::string temporary, std::string target)
+        : file_(std::move(file)), temporary_(std::move(temporary)), target_(std::move(target))
+    {
+    }
+    ~PendingOutput();
+    PendingOutput(PendingOutput &&other) noexcept;
+    PendingOutput &operator=(PendingOutput &&) = delete;
+
+    int descriptor() const
+    {
+        return file_.get();
+    }
+    // Gives it its name. What it holds must be on the disk: OutputFolder::sync. Errors as those
+    // of OutputFolder::create.
+    Status commit();
+
+private:
+    OpenFile file_;
+    std::string temporary_; // empty when it is no longer there
+    std::string target_;
+};
+
+class OutputFolder {
+public:
+    // Makes it, and the folders above it, where they are missing.
+    static Result<OutputFolder> open(const std::string &path);
+
+    // For a name with "/" between its parts; makes the folders. Errors: output (nothing can be
+    // written here), usage (this one cannot, because of its name).
+    Result<PendingOutput> create(const std::string &name) const;
+    // For reading; not open where it is not there, or is no file of that size.
+    OpenFile open_existing(const std::string &name, uint64_t size) const;
+    // Brings all that was written to the disk: for many files at once, since the disk takes
+    // about as long for one.
+    Status sync() const;
+
+private:
+    OutputFolder(std::string path, OpenFile folder)
+        : path_(std::move(path)), folder_(std::move(folder))
+    {
+    }
+
+    std::string path_;
+    OpenFile folder_;
+};
+
+} // namespace pfsdoc

@@ -1,0 +1,129 @@
+#include "worker.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <new>
+#include <optional>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/types.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace pfsdoc {
+
+namespace {
+
+constexpr int first_own_descriptor = STDERR_FILENO + 1;
+
+#if defined(__SANITIZE_ADDRESS__)
+// Its shadow memory is larger than any limit.
+constexpr bool memory_can_be_limited = false;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool memory_can_be_limited = false;
+#else
+constexpr bool memory_can_be_limited = true;
+#endif
+#else
+constexpr bool memory_can_be_limited = true;
+#endif
+
+void limit(__rlimit_resource resource, uint64_t value)
+{
+    rlimit now{};
+    ::getrlimit(resource, &now);
+    now.rlim_cur = std::min<rlim_t>(now.rlim_cur, value);
+    now.rlim_max = now.rlim_cur;
+    ::setrlimit(resource, &now);
+}
+
+// Ctrl-C reaches all processes of the terminal; it is the parent's to say what that means.
+void leave_signals_to_parent(pid_t parent)
+{
+    for (const int signal : {SIGINT, SIGHUP, SIGXFSZ, SIGPIPE}) {
+        static_cast<void>(std::signal(signal, SIG_IGN));
+    }
+    static_cast<void>(std::signal(SIGTERM, SIG_DFL));
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent) {
+        ::_exit(EXIT_FAILURE);
+    }
+}
+
+void close_others(int socket)
+{
+    const auto kept = static_cast<unsigned>(socket);
+    ::close_range(kept + 1, ~0U, 0);
+    if (kept > first_own_descriptor) {
+        ::close_range(first_own_descriptor, kept - 1, 0);
+    }
+}
+
+// The counter of the output's bytes may be out of order in a process that was taken over; the
+// system's is not. A dump of memory would be a file nobody asked for.
+void limit_resources(const WorkerSettings &settings)
+{
+    limit(RLIMIT_FSIZE, settings.conversion.max_output);
+    limit(RLIMIT_CORE, 0);
+    if (memory_can_be_limited) {
+        limit(RLIMIT_AS, settings.max_memory);
+    }
+}
+
+Hello enter(SandboxMode mode)
+{
+    Hello hello;
+    const Result<SandboxReport> report = enter_sandbox(mode);
+    hello.failed = report.ok() ? 0 : 1;
+    hello.words.set(report.ok() ? report.value().words() : report.error().what);
+    hello.remedy.set(report.ok() ? "" : report.error().remedy);
+    return hello;
+}
+
+JobFiles files_of(const Job &job, const std::vector<int> &descriptors)
+{
+    const auto at = [&descriptors](std::size_t index) {
+        return OpenFile(index < descriptors.size() ? descriptors[index] : -1);
+    };
+    return {at(0), at(1), job.has_earlier_output != 0 ? at(2) : OpenFile()};
+}
+
+Outcome outcome_of(const Job &job, const std::vector<int> &descriptors,
+                   const ConversionSettings &settings)
+{
+    try {
+        return convert_file(job, files_of(job, descriptors), settings);
+    } catch (const std::bad_alloc &) {
+        return failed_outcome(FileStatus::memory,
+                              {ErrorKind::limit, "needs more memory than is allowed",
+                               "allow more with --max-memory"});
+    } catch (const std::exception &fault) {
+        return failed_outcome(FileStatus::internal, {ErrorKind::internal, fault.what(),
+                                                     "please report this as a fault of pfsdoc"});
+    }
+}
+
+} // namespace
+
+void run_worker(int socket, pid_t parent, const WorkerSettings &settings)
+{
+    leave_signals_to_parent(parent);
+    close_others(socket);
+    limit_resources(settings);
+    const Hello hello = enter(settings.sandbox);
+    if (!send_record(socket, hello) || hello.failed != 0) {
+        ::_exit(EXIT_FAILURE);
+    }
+    for (;;) {
+        std::vector<int> descriptors;
+        const std::optional<Job> job = receive_record<Job>(socket, &descriptors);
+        if (!job || !send_record(socket, outcome_of(*job, descriptors, settings.conversion))) {
+            ::_exit(job ? EXIT_FAILURE : EXIT_SUCCESS);
+        }
+    }
+}
+
+} // namespace pfsdoc

@@ -1,0 +1,23 @@
+// A worker process: takes one file after the other from its parent, and answers with what
+// became of it. Test: tests/batch/run/canary_test.cpp.
+#pragma once
+
+#include "convert_file.h"
+#include "sandbox/sandbox.h"
+
+#include <cstdint>
+#include <sys/types.h>
+
+namespace pfsdoc {
+
+struct WorkerSettings {
+    ConversionSettings conversion;
+    SandboxMode sandbox = SandboxMode::available;
+    uint64_t max_memory = UINT64_MAX; // bytes
+};
+
+// What a process that was just forked goes on with; never returns. It keeps the socket and the
+// standard error stream, and closes all else. It dies when its parent does.
+[[noreturn]] void run_worker(int socket, pid_t parent, const WorkerSettings &settings);
+
+} // namespace pfsdoc

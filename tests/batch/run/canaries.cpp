@@ -1,0 +1,117 @@
+// A reader that has been taken over by the document: it does what a mark in the text asks for.
+// What a sandbox should have kept it from leaves a word in the output, for the tests to find.
+#include "canary.h"
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <string>
+#include <string_view>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <vector>
+
+namespace pfsdoc {
+
+namespace {
+
+constexpr std::string_view escaped = "escaped";
+
+void crash(Output &)
+{
+    static_cast<void>(std::raise(SIGSEGV));
+}
+
+void hang(Output &)
+{
+    const volatile bool forever = true;
+    while (forever) {
+    }
+}
+
+// Round the writer's own limit, as far as the program lets it.
+void flood(Output &output)
+{
+    const std::string much(1 << 16, 'x');
+    for (int i = 0; i < 1 << 12; ++i) {
+        output.write(much);
+    }
+}
+
+void eat_memory(Output &)
+{
+    for (std::vector<std::string> meals;;) {
+        meals.emplace_back(std::size_t{1} << 24, 'x');
+    }
+}
+
+void exit_at_once(Output &)
+{
+    ::_exit(3);
+}
+
+// What must not work. Where it does not, the reader gives up.
+void end_unless(bool works, Output &output)
+{
+    if (!works) {
+        std::abort();
+    }
+    output.write(escaped);
+}
+
+void open_file(Output &output)
+{
+    end_unless(::open("/etc/passwd", O_RDONLY | O_CLOEXEC) >= 0, output);
+}
+
+void connect_socket(Output &output)
+{
+    end_unless(::socket(AF_UNIX, SOCK_STREAM, 0) >= 0, output);
+}
+
+void fork_process(Output &output)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::_exit(0);
+    }
+    end_unless(child > 0, output);
+}
+
+void kill_parent(Output &output)
+{
+    end_unless(::kill(::getppid(), 0) == 0, output);
+}
+
+struct Canary {
+    std::string_view mark;
+    void (*deed)(Output &);
+};
+constexpr std::array<Canary, 9> canaries = {{
+    {"canary crash", crash},
+    {"canary hang", hang},
+    {"canary flood", flood},
+    {"canary memory", eat_memory},
+    {"canary exit", exit_at_once},
+    {"canary open", open_file},
+    {"canary connect", connect_socket},
+    {"canary fork", fork_process},
+    {"canary kill", kill_parent},
+}};
+
+} // namespace
+
+void sing(ByteSource &document, Output &output)
+{
+    std::vector<uint8_t> bytes(document.size());
+    document.read_at(0, bytes);
+    const std::string_view text(reinterpret_cast<const char *>(bytes.data()), bytes.size());
+    for (const Canary &canary : canaries) {
+        if (text.find(canary.mark) != std::string_view::npos) {
+            canary.deed(output);
+        }
+    }
+}
+
+} // namespace pfsdoc

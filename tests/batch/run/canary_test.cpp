@@ -1,0 +1,79 @@
+// Readers that have been taken over: each costs its own file, and gets nowhere.
+#include "batch_bench.h"
+
+namespace tests {
+
+namespace {
+
+struct Deed {
+    std::string_view mark;
+    std::string_view status;
+};
+// In the order of their names, as the files are read.
+constexpr std::array<Deed, 9> deeds = {{
+    {"connect", "crashed, the process that read it was ended by SIGABRT"},
+    {"crash", "crashed, the process that read it was ended by SIGSEGV"},
+    {"exit", "crashed, the process that read it was ended with code 3"},
+    {"flood", "limit, gives more output than the 1048576 bytes that are allowed"},
+    {"fork", "crashed, the process that read it was ended by SIGABRT"},
+    {"hang", "timeout, takes longer than 0.5 seconds"},
+    {"kill", "crashed, the process that read it was ended by SIGSYS"},
+    {"memory", "memory, needs more memory than is allowed"},
+    {"open", "crashed, the process that read it was ended by SIGABRT"},
+}};
+
+class Canary : public Batch {
+protected:
+    void SetUp() override
+    {
+        Batch::SetUp();
+        for (const Deed &deed : deeds) {
+            write_letter("in/" + std::string(deed.mark), "canary " + std::string(deed.mark));
+            write_letter("in/" + std::string(deed.mark) + ".next", "Hello");
+        }
+    }
+    std::vector<std::string> arguments(const std::string &output, const std::string &jobs) const
+    {
+        return {"in",         "-o",  output,         "-t",    "text",         "-j", jobs,
+                "--max-time", "0.5", "--max-memory", "256MB", "--max-output", "1MB"};
+    }
+};
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool sanitized = true;
+#else
+constexpr bool sanitized = false;
+#endif
+
+TEST_F(Canary, CostsItsOwnFileOnly)
+{
+    if (sanitized) {
+        GTEST_SKIP() << "the sanitizer's memory is not limited, and its faults are its own";
+    }
+    std::string expected;
+    for (const Deed &deed : deeds) {
+        expected += "in/" + std::string(deed.mark) + ": " + std::string(deed.status) + "\n";
+        expected += "in/" + std::string(deed.mark) + ".next: converted\n";
+    }
+    EXPECT_EQ(run(arguments("out", "1")).exit_code, 1);
+    EXPECT_EQ(statuses(), expected);
+    EXPECT_EQ(files().size(), deeds.size() + 1) << names();
+    // Again, with more workers: what crashed is tried again, and ends in the same way.
+    EXPECT_EQ(run(arguments("out", "3")).exit_code, 1);
+    EXPECT_EQ(statuses(), expected);
+    run(arguments("other", "3"));
+    EXPECT_EQ(files("other"), files());
+}
+
+// What the sandbox keeps it from would work: the reader tries in earnest.
+TEST_F(Canary, GetsOutWithoutASandbox)
+{
+    for (const std::string name : {"open", "connect", "fork", "kill"}) {
+        EXPECT_EQ(run({"in/" + name, "-o", "out", "-t", "text", "--no-sandbox"}).exit_code, 0);
+        EXPECT_EQ(content_of(directory / "out" / (name + ".txt")).substr(0, 7), "escaped");
+    }
+}
+
+} // namespace
+
+} // namespace tests
