@@ -50,7 +50,7 @@ unsigned processors()
 
 SandboxMode sandbox_mode(const std::string &name)
 {
-    if (name == "required") {
+    if (name == "require") {
         return SandboxMode::required;
     }
     return name == "off" ? SandboxMode::off : SandboxMode::available;
@@ -162,9 +162,9 @@ void BatchCommandLine::add_limits()
         ->option_text("SIZE")
         ->transform(CLI::AsSizeValue(false));
     CLI::Option *mode =
-        app_.add_option("--sandbox", sandbox_, "off, available (as far as it can be had), required")
+        app_.add_option("--sandbox", sandbox_, "off, available (as far as it can be had), require")
             ->option_text("MODE")
-            ->check(CLI::IsMember({"off", "available", "required"}));
+            ->check(CLI::IsMember({"off", "available", "require"}));
     app_.add_flag("--no-sandbox", no_sandbox_, "the same as --sandbox=off")->excludes(mode);
     app_.add_option("--module", module_path_,
                     "the filter module to read with, or \"linked\" for the built-in one")

@@ -413,7 +413,7 @@ TEST_F(Command, ManualPageNamesEveryCommandAndExitCode)
 {
     const std::string page = content_of(PFSDOC_MANUAL_PAGE);
     const std::string help = output_of({"--help"});
-    for (const char *command : {"identify", "text", "convert", "explain", "trace"}) {
+    for (const char *command : {"identify", "text", "convert", "batch", "explain", "trace"}) {
         EXPECT_NE(help.find(std::string("\n  ") + command + " "), std::string::npos) << command;
         EXPECT_NE(page.find(std::string(".TP\n.B ") + command + "\n"), std::string::npos);
         EXPECT_NE(page.find(std::string(".BR pfsdoc\\-") + command + " (1)"), std::string::npos);

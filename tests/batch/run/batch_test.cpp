@@ -226,7 +226,7 @@ TEST_F(Batch, KeepsToLimits)
 TEST_F(Batch, WritesEveryFormat)
 {
     for (const char *format : {"text", "markdown", "json", "pandoc", "html", "trace"}) {
-        run({"batch", "a.pfs", "-o", format, "-t", format, "-q", "--sandbox=required"});
+        run({"batch", "a.pfs", "-o", format, "-t", format, "-q", "--sandbox=require"});
         const std::string name =
             nlohmann::json::parse(manifest(std::string(format) + "/manifest.ndjson"))
                 .at("output")
