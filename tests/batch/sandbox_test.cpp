@@ -264,7 +264,7 @@ const Attempt deadly[] = {
      }},
     {"read_memory_of_another",
      [](const Surroundings &here) -> long {
-         return ::syscall(SYS_process_vm_readv, here.parent, nullptr, 0, nullptr, 0, 0);
+         return ::syscall(SYS_process_vm_readv, here.parent, nullptr, 0UL, nullptr, 0UL, 0UL);
      }},
     {"lift_a_limit",
      [](const Surroundings &) -> long {
