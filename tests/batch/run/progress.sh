@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# What a batch says while it goes on: a bar on a terminal, which is gone in the end, and plain
+# lines elsewhere.
+#   progress.sh PROGRAM SAMPLES
+set -euo pipefail
+program=$(realpath "$1")
+letter=$(realpath "$2")/1012-pfs-write-a/letter.doc
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+mkdir in
+for number in $(seq 3000); do
+    ln "$letter" "in/LETTER.$number" 2>/dev/null || cp "$letter" "in/LETTER.$number"
+done
+failures=0
+
+expect()
+{
+    grep -qP "$1" "$2" || { echo "not in $2: $1"; failures=$((failures + 1)); }
+}
+
+expect_no()
+{
+    ! grep -qP "$1" "$2" || { echo "in $2: $1"; failures=$((failures + 1)); }
+}
+
+script -qec "$program batch in -o shown -t text" /dev/null >terminal
+expect '\r\x1b\[K\[#+\.+\] \d+ of 3000 files, \d+ a second, \d:\d\d:\d\d left, 0 not converted' terminal
+expect '\r\x1b\[Kpfsdoc: sandbox: ' terminal
+expect 'pfsdoc: 3000 files: 3000 converted\r$' terminal
+
+"$program" batch in -o plain -t text >output 2>errors
+expect '^pfsdoc: 3000 files: 3000 converted$' errors
+expect_no '[\r\x1b]' errors
+[ ! -s output ] || { echo "standard output is not empty"; failures=$((failures + 1)); }
+
+"$program" batch in -o quiet -t text --quiet >output 2>errors
+[ ! -s errors ] || { echo "said with --quiet: $(cat errors)"; failures=$((failures + 1)); }
+diff -r shown quiet || failures=$((failures + 1))
+
+echo "$failures failures"
+[ $failures -eq 0 ]
