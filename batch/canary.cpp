@@ -2,6 +2,8 @@
 
 namespace pfsdoc {
 
+void add_canary_option(CLI::App &) {}
+
 void sing(ByteSource &, Output &) {}
 
 } // namespace pfsdoc

@@ -1,14 +1,17 @@
 // Where the tests put a reader that has been taken over: called with each document before it
 // is read, in the worker, behind the sandbox. The program that is installed has one that does
-// nothing (canary.cpp); that of the tests does what the document's text asks for
-// (tests/batch/run/canaries.cpp).
+// nothing (canary.cpp); that of the tests does what the document's text asks for, or what the
+// option --canary says (tests/batch/run/canaries.cpp).
 #pragma once
 
 #include "byte_source.h"
 #include "output.h"
 
+#include <CLI/CLI.hpp>
+
 namespace pfsdoc {
 
+void add_canary_option(CLI::App &app);
 void sing(ByteSource &document, Output &output);
 
 } // namespace pfsdoc

@@ -1,5 +1,7 @@
 #include "command_line.h"
 
+#include "canary.h"
+#include "format_options.h"
 #include "output.h"
 
 #include <algorithm>
@@ -56,30 +58,6 @@ SandboxMode sandbox_mode(const std::string &name)
     return name == "off" ? SandboxMode::off : SandboxMode::available;
 }
 
-// An option of the command line and the names that formats list it by.
-struct FormatOption {
-    std::string_view option;
-    std::string_view name;
-};
-constexpr FormatOption format_options[] = {
-    {"--no-page-breaks", "page_breaks"}, {"--no-headers", "headers"},
-    {"--commands", "commands"},          {"--wrap", "wrap"},
-    {"--raw-lines", "raw_lines"},        {"--lines", "lines"},
-};
-
-Status check_format_options(const CLI::App &app, const Format &format)
-{
-    for (const FormatOption &entry : format_options) {
-        if (app.count(std::string(entry.option)) > 0 && !format.reads_option(entry.name)) {
-            return Error{ErrorKind::usage,
-                         std::string(entry.option) + " means nothing for " +
-                             std::string(format.name),
-                         "leave it out"};
-        }
-    }
-    return {};
-}
-
 // A writer's plug-in is loaded with its first writer.
 Status load_writer(const ConversionSettings &settings)
 {
@@ -106,6 +84,7 @@ BatchCommandLine::BatchCommandLine() : app_(description, "pfsdoc batch")
     add_files();
     add_text_options();
     add_limits();
+    add_canary_option(app_);
     app_.footer(examples);
 }
 

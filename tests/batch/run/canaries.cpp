@@ -1,4 +1,5 @@
-// A reader that has been taken over by the document: it does what a mark in the text asks for.
+// A reader that has been taken over by the document: it does what a mark in the text asks for,
+// or with --canary that to each document that has the word.
 // What a sandbox should have kept it from leaves a word in the output, for the tests to find.
 #include "canary.h"
 
@@ -85,22 +86,35 @@ void kill_parent(Output &output)
 }
 
 struct Canary {
-    std::string_view mark;
+    std::string_view name;
     void (*deed)(Output &);
 };
 constexpr std::array<Canary, 9> canaries = {{
-    {"canary crash", crash},
-    {"canary hang", hang},
-    {"canary flood", flood},
-    {"canary memory", eat_memory},
-    {"canary exit", exit_at_once},
-    {"canary open", open_file},
-    {"canary connect", connect_socket},
-    {"canary fork", fork_process},
-    {"canary kill", kill_parent},
+    {"crash", crash},
+    {"hang", hang},
+    {"flood", flood},
+    {"memory", eat_memory},
+    {"exit", exit_at_once},
+    {"open", open_file},
+    {"connect", connect_socket},
+    {"fork", fork_process},
+    {"kill", kill_parent},
 }};
 
+constexpr std::string_view mark = "canary";
+
+std::string chosen; // by --canary
+
 } // namespace
+
+void add_canary_option(CLI::App &app)
+{
+    std::vector<std::string> names;
+    for (const Canary &canary : canaries) {
+        names.emplace_back(canary.name);
+    }
+    app.add_option("--canary", chosen)->check(CLI::IsMember(names));
+}
 
 void sing(ByteSource &document, Output &output)
 {
@@ -108,7 +122,9 @@ void sing(ByteSource &document, Output &output)
     document.read_at(0, bytes);
     const std::string_view text(reinterpret_cast<const char *>(bytes.data()), bytes.size());
     for (const Canary &canary : canaries) {
-        if (text.find(canary.mark) != std::string_view::npos) {
+        const std::string wanted = std::string(mark) + " " + std::string(canary.name);
+        const bool is_chosen = chosen == canary.name && text.find(mark) != std::string_view::npos;
+        if (is_chosen || text.find(wanted) != std::string_view::npos) {
             canary.deed(output);
         }
     }

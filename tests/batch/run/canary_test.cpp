@@ -74,6 +74,24 @@ TEST_F(Canary, CostsItsOwnFileOnly)
     EXPECT_EQ(files("other"), files());
 }
 
+TEST_F(Canary, DoesWhatTheOptionSays)
+{
+    write_letter("one/bird", "a canary");
+    write_letter("one/letter", "Hello");
+    for (const auto &[name, status] : deeds) {
+        if (name == "memory") {
+            continue; // its status depends on what the limit is
+        }
+        const std::string deed(name);
+        EXPECT_EQ(run({"one", "-o", deed, "-t", "text", "--canary", deed, "--max-time", "0.5",
+                       "--max-output", "1MB"})
+                      .exit_code,
+                  1);
+        EXPECT_EQ(statuses(deed + "/manifest.ndjson"),
+                  "one/bird: " + std::string(status) + "\none/letter: converted\n");
+    }
+}
+
 // What the sandbox keeps it from would work: the reader tries in earnest.
 TEST_F(Canary, GetsOutWithoutASandbox)
 {
