@@ -11,19 +11,19 @@ demo:
 	@scripts/demo
 
 check:
-	@scripts/install-dependencies
+	@scripts/install-dependencies --tests
 	@scripts/check
 
 qa:
 	@scripts/qa all
 
 package:
-	@scripts/install-dependencies
+	@scripts/install-dependencies --tests
 	@scripts/package
 	@tests/package/package.sh build/package/pfsdoc_*.deb .
 
 bench:
-	@scripts/install-dependencies libbenchmark-dev valgrind catdoc antiword cmark libwpd-tools
+	@scripts/install-dependencies --tests libbenchmark-dev valgrind catdoc antiword cmark libwpd-tools
 	@scripts/bench
 
 lint:
