@@ -21,7 +21,9 @@ constexpr const char *plain = "\033[0m";
 std::string bar_of(uint64_t done, uint64_t total)
 {
     const uint64_t full = bar_width * done / total;
-    return "[" + std::string(full, '#') + std::string(bar_width - full, '.') + "] ";
+    std::string bar = "[";
+    bar.append(full, '#').append(bar_width - full, '.').append("] ");
+    return bar;
 }
 
 std::string duration_words(double seconds)
