@@ -1,65 +1,100 @@
 #include "record.h"
 
+#include "json_text.h"
 #include "printable.h"
 
-#include <array>
 #include <nlohmann/json.hpp>
 
 namespace pfsdoc {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using nlohmann::json;
 
-Json error_of(const Outcome &outcome)
+void append_null(std::string &line, std::string_view name)
+{
+    append_json_name(line, name);
+    line += "null";
+}
+
+// A worker's texts may be anything.
+void append_text(std::string &line, std::string_view name, std::string_view text)
+{
+    append_json_member(line, name, printable(text));
+}
+
+// Begins a member that is an object.
+void open_object(std::string &line, std::string_view name)
+{
+    append_json_name(line, name);
+    line += '{';
+}
+
+void append_kind(std::string &line, const Outcome &outcome)
+{
+    if (outcome.kind == no_kind) {
+        append_null(line, "kind");
+        append_null(line, "file_id");
+        append_null(line, "basis");
+        return;
+    }
+    const auto kind = static_cast<DocumentKind>(outcome.kind);
+    append_json_member(line, "kind", display_name(kind));
+    append_json_member(line, "file_id", file_id(kind));
+    append_text(line, "basis", outcome.basis.get());
+}
+
+void append_error(std::string &line, const Outcome &outcome)
 {
     if (outcome.what.get().empty()) {
-        return nullptr;
+        append_null(line, "error");
+        return;
     }
-    Json error = {{"words", printable(outcome.what.get())},
-                  {"remedy", printable(outcome.remedy.get())}};
+    open_object(line, "error");
+    append_text(line, "words", outcome.what.get());
+    append_text(line, "remedy", outcome.remedy.get());
     if (outcome.error_offset != no_offset) {
-        error["offset"] = outcome.error_offset;
+        append_json_member(line, "offset", outcome.error_offset);
     }
-    return error;
+    line += '}';
 }
 
-Json counts_of(const Outcome &outcome)
+void append_counts(std::string &line, const Outcome &outcome)
 {
     if (outcome.has_counts == 0) {
-        return nullptr;
+        append_null(line, "counts");
+        return;
     }
-    return {{"paragraphs", outcome.counts.paragraphs},
-            {"characters", outcome.counts.characters},
-            {"page_breaks", outcome.counts.page_breaks},
-            {"header_lines", outcome.counts.header_lines}};
+    open_object(line, "counts");
+    append_json_member(line, "paragraphs", outcome.counts.paragraphs);
+    append_json_member(line, "characters", outcome.counts.characters);
+    append_json_member(line, "page_breaks", outcome.counts.page_breaks);
+    append_json_member(line, "header_lines", outcome.counts.header_lines);
+    line += '}';
 }
 
-Json losses_of(const Outcome &outcome)
+void append_losses(std::string &line, const Outcome &outcome)
 {
-    Json losses = Json::object();
+    open_object(line, "losses");
     for (std::size_t i = 0; i < outcome.losses.size(); ++i) {
         if (outcome.losses[i] != 0) {
-            losses[std::string(loss_name(static_cast<Loss>(i)))] = outcome.losses[i];
+            append_json_member(line, loss_name(static_cast<Loss>(i)), outcome.losses[i]);
         }
     }
-    return losses;
+    line += '}';
 }
 
-Json output_of(const RecordedFile &file, const Outcome &outcome)
+void append_output(std::string &line, const RecordedFile &file, const Outcome &outcome)
 {
     if (!has_output(outcome.status)) {
-        return nullptr;
+        append_null(line, "output");
+        return;
     }
-    return {{"name", printable(file.output)},
-            {"size", outcome.output_size},
-            {"sha256", hex_of(outcome.output_digest)}};
-}
-
-// A worker's texts were cut to size, maybe within a character.
-std::string dumped(const Json &json)
-{
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+    open_object(line, "output");
+    append_text(line, "name", file.output);
+    append_json_member(line, "size", outcome.output_size);
+    append_json_member(line, "sha256", hex_of(outcome.output_digest));
+    line += '}';
 }
 
 std::optional<FileStatus> status_of_name(const std::string &name)
@@ -73,28 +108,28 @@ std::optional<FileStatus> status_of_name(const std::string &name)
 }
 
 // Throws what the library throws where a member is missing or of another type.
-std::optional<EarlierRecord> usable(const Json &json, const RecordedFile &file,
+std::optional<EarlierRecord> usable(const json &members, const RecordedFile &file,
                                     const RecordedRequest &request)
 {
-    const auto status = status_of_name(json.at("status").get<std::string>());
-    const bool is_same = json.at("name").get<std::string>() == printable(file.name) &&
-                         json.at("size").get<uint64_t>() == file.size &&
-                         json.at("format").get<std::string>() == request.format &&
-                         json.at("options").get<std::string>() == request.options &&
-                         json.at("pfsdoc").get<std::string>() == PFSDOC_VERSION;
-    if (!is_same || !status || !is_final(*status) || json.at("sha256").is_null()) {
+    const auto status = status_of_name(members.at("status").get<std::string>());
+    const bool is_same = members.at("name").get<std::string>() == printable(file.name) &&
+                         members.at("size").get<uint64_t>() == file.size &&
+                         members.at("format").get<std::string>() == request.format &&
+                         members.at("options").get<std::string>() == request.options &&
+                         members.at("pfsdoc").get<std::string>() == PFSDOC_VERSION;
+    if (!is_same || !status || !is_final(*status) || members.at("sha256").is_null()) {
         return std::nullopt;
     }
     EarlierRecord record{*status, {}, {}, 0, {}};
-    const auto input = digest_of_hex(json.at("sha256").get<std::string>());
+    const auto input = digest_of_hex(members.at("sha256").get<std::string>());
     if (!input || !has_output(*status)) {
         record.input = input.value_or(Digest{});
         return input ? std::optional(record) : std::nullopt;
     }
     record.input = *input;
-    record.output = json.at("output").at("name").get<std::string>();
-    record.output_size = json.at("output").at("size").get<uint64_t>();
-    const auto digest = digest_of_hex(json.at("output").at("sha256").get<std::string>());
+    record.output = members.at("output").at("name").get<std::string>();
+    record.output_size = members.at("output").at("size").get<uint64_t>();
+    const auto digest = digest_of_hex(members.at("output").at("sha256").get<std::string>());
     record.output_digest = digest.value_or(Digest{});
     return digest ? std::optional(record) : std::nullopt;
 }
@@ -104,32 +139,32 @@ std::optional<EarlierRecord> usable(const Json &json, const RecordedFile &file,
 std::string record_line(const RecordedFile &file, const RecordedRequest &request,
                         const Outcome &outcome)
 {
-    Json json;
-    json["name"] = printable(file.name);
-    json["size"] = file.size;
-    json["sha256"] = outcome.has_input_digest != 0 ? Json(hex_of(outcome.input_digest)) : nullptr;
-    const bool is_known = outcome.kind != no_kind;
-    const auto kind = static_cast<DocumentKind>(outcome.kind);
-    json["kind"] = is_known ? Json(display_name(kind)) : nullptr;
-    json["file_id"] = is_known ? Json(file_id(kind)) : nullptr;
-    json["basis"] = is_known ? Json(printable(outcome.basis.get())) : nullptr;
-    json["status"] = status_name(outcome.status);
-    json["error"] = error_of(outcome);
-    json["counts"] = counts_of(outcome);
-    json["losses"] = losses_of(outcome);
-    json["output"] = output_of(file, outcome);
-    json["format"] = request.format;
-    json["options"] = request.options;
-    json["pfsdoc"] = PFSDOC_VERSION;
-    return dumped(json);
+    std::string line = "{";
+    append_text(line, "name", file.name);
+    append_json_member(line, "size", file.size);
+    if (outcome.has_input_digest != 0) {
+        append_json_member(line, "sha256", hex_of(outcome.input_digest));
+    } else {
+        append_null(line, "sha256");
+    }
+    append_kind(line, outcome);
+    append_json_member(line, "status", status_name(outcome.status));
+    append_error(line, outcome);
+    append_counts(line, outcome);
+    append_losses(line, outcome);
+    append_output(line, file, outcome);
+    append_json_member(line, "format", request.format);
+    append_json_member(line, "options", request.options);
+    append_json_member(line, "pfsdoc", std::string_view(PFSDOC_VERSION));
+    return line + "}\n";
 }
 
 std::optional<EarlierRecord> usable_record(std::string_view line, const RecordedFile &file,
                                            const RecordedRequest &request)
 {
     try {
-        return usable(Json::parse(line), file, request);
-    } catch (const Json::exception &) {
+        return usable(json::parse(line), file, request);
+    } catch (const json::exception &) {
         return std::nullopt;
     }
 }
@@ -137,8 +172,8 @@ std::optional<EarlierRecord> usable_record(std::string_view line, const Recorded
 std::optional<std::string> recorded_name(std::string_view line)
 {
     try {
-        return Json::parse(line).at("name").get<std::string>();
-    } catch (const Json::exception &) {
+        return json::parse(line).at("name").get<std::string>();
+    } catch (const json::exception &) {
         return std::nullopt;
     }
 }

@@ -19,12 +19,6 @@ std::string hex_of(std::string_view bytes)
     return hex;
 }
 
-void append_string(std::string &json, std::string_view member, std::string_view value)
-{
-    json.append(",\"").append(member).append("\":");
-    append_json_string(json, value);
-}
-
 void append_attributes(std::string &json, AttributeSet attributes)
 {
     std::string_view before = ",\"attributes\":[";
@@ -44,13 +38,13 @@ void ExplainJsonWriter::span(const Span &span)
 {
     std::string json = "{\"offset\":" + std::to_string(span.offset) +
                        ",\"length\":" + std::to_string(span.bytes.size());
-    append_string(json, "kind", span_kind_name(span.kind));
-    append_string(json, "words", span.words);
-    append_string(json, "hex", hex_of(span.bytes));
+    append_json_member(json, "kind", span_kind_name(span.kind));
+    append_json_member(json, "words", span.words);
+    append_json_member(json, "hex", hex_of(span.bytes));
     if (!span.characters.empty()) {
         std::string text;
         code_page_.append_utf8(text, span.characters);
-        append_string(json, "text", text);
+        append_json_member(json, "text", text);
     }
     if (span.attributes != 0) {
         append_attributes(json, span.attributes);
@@ -59,7 +53,7 @@ void ExplainJsonWriter::span(const Span &span)
         json.append(",\"attribute_bytes\":").append(std::to_string(span.attribute_bytes));
     }
     if (span.line_end != LineEnd::none) {
-        append_string(json, "line_end", span.line_end == LineEnd::hard ? "hard" : "soft");
+        append_json_member(json, "line_end", span.line_end == LineEnd::hard ? "hard" : "soft");
     }
     json.append(span.disputed ? ",\"disputed\":true}\n" : "}\n");
     output_.write(json);

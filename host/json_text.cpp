@@ -49,4 +49,15 @@ void append_json_string(std::string &json, std::string_view utf8)
     json.push_back('"');
 }
 
+void append_json_name(std::string &json, std::string_view name)
+{
+    json.append(json.back() == '{' ? "\"" : ",\"").append(name).append("\":");
+}
+
+void append_json_member(std::string &json, std::string_view name, std::string_view utf8)
+{
+    append_json_name(json, name);
+    append_json_string(json, utf8);
+}
+
 } // namespace pfsdoc

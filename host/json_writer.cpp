@@ -7,8 +7,6 @@
 #include "page_geometry.h"
 #include "vs_pfs.h"
 
-#include <concepts>
-
 namespace pfsdoc {
 
 namespace {
@@ -19,25 +17,6 @@ constexpr std::string_view footer_type = "footer";
 
 // Large enough that a write is worth its cost.
 constexpr std::size_t chunk_size = 65536;
-
-// ,"name":
-void append_name(std::string &json, std::string_view name)
-{
-    json.append(",\"").append(name).append("\":");
-}
-
-template <std::integral Number>
-void append_number(std::string &json, std::string_view name, Number value)
-{
-    append_name(json, name);
-    json.append(std::to_string(value));
-}
-
-void append_string(std::string &json, std::string_view name, std::string_view utf8)
-{
-    append_name(json, name);
-    append_json_string(json, utf8);
-}
 
 // An item of a list that was begun with '['.
 void append_separator(std::string &json)
@@ -60,7 +39,7 @@ std::string_view alignment_name(LineAlignment alignment)
 // A code without a known meaning is named by its number.
 void append_attributes(std::string &json, AttributeSet attributes)
 {
-    append_name(json, "attributes");
+    append_json_name(json, "attributes");
     json.push_back('[');
     for (int32_t code = 0; code < attribute_codes_end; ++code) {
         if ((attributes & attribute_bit(code)) == 0) {
@@ -87,9 +66,9 @@ void JsonWriter::append_document(const DocumentInfo &info)
     json_.append("{\"pfsdoc\":").append(std::to_string(json_schema_version));
     json_.append(",\"document\":{\"kind\":");
     append_json_string(json_, display_name(info.kind));
-    append_number(json_, "file_id", file_id(info.kind));
-    append_string(json_, "title", info.title);
-    append_string(json_, "charset", options_.code_page->name());
+    append_json_member(json_, "file_id", file_id(info.kind));
+    append_json_member(json_, "title", info.title);
+    append_json_member(json_, "charset", options_.code_page->name());
     json_.append(options_.lines ? "}}\n" : "},\n\"blocks\":[\n");
 }
 
@@ -122,7 +101,7 @@ void JsonWriter::page_break(uint32_t source)
 {
     if (options_.page_breaks) {
         begin_block("page_break");
-        append_number(json_, "source", source);
+        append_json_member(json_, "source", source);
         end_block();
     }
 }
@@ -146,7 +125,7 @@ void JsonWriter::paragraph(const Paragraph &paragraph)
     add_common_losses(paragraph, options_);
     begin_block(paragraph_type_);
     append_layout(paragraph);
-    append_name(json_, "runs");
+    append_json_name(json_, "runs");
     json_.push_back('[');
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         append_run(paragraph, i);
@@ -157,14 +136,14 @@ void JsonWriter::paragraph(const Paragraph &paragraph)
 
 void JsonWriter::append_layout(const Paragraph &paragraph)
 {
-    append_number(json_, "source_begin", paragraph.source_begin);
-    append_number(json_, "source_end", paragraph.source_end);
-    append_string(json_, "alignment", alignment_name(line_alignment(paragraph)));
-    append_number(json_, "left_indent", paragraph.left_indent);
-    append_number(json_, "first_line_indent", paragraph.first_line_indent);
-    append_number(json_, "line_spacing", paragraph.line_spacing);
-    append_number(json_, "left_margin", paragraph.margins.left);
-    append_number(json_, "right_margin", paragraph.margins.right);
+    append_json_member(json_, "source_begin", paragraph.source_begin);
+    append_json_member(json_, "source_end", paragraph.source_end);
+    append_json_member(json_, "alignment", alignment_name(line_alignment(paragraph)));
+    append_json_member(json_, "left_indent", paragraph.left_indent);
+    append_json_member(json_, "first_line_indent", paragraph.first_line_indent);
+    append_json_member(json_, "line_spacing", paragraph.line_spacing);
+    append_json_member(json_, "left_margin", paragraph.margins.left);
+    append_json_member(json_, "right_margin", paragraph.margins.right);
     append_tab_stops(paragraph, "tab_stops", VW_TAB_LEFT);
     append_tab_stops(paragraph, "decimal_tab_stops", VW_TAB_DECIMAL);
 }
@@ -172,7 +151,7 @@ void JsonWriter::append_layout(const Paragraph &paragraph)
 // Numbers in two lists: each paragraph has them, and there may be thirty.
 void JsonWriter::append_tab_stops(const Paragraph &paragraph, std::string_view name, VwTabKind kind)
 {
-    append_name(json_, name);
+    append_json_name(json_, name);
     json_.push_back('[');
     for (const TabStop &stop : paragraph.tab_stops) {
         if ((stop.kind == VW_TAB_DECIMAL) == (kind == VW_TAB_DECIMAL)) {
@@ -205,7 +184,7 @@ void JsonWriter::append_run(const Paragraph &paragraph, std::size_t index)
     if (piece.cut) {
         json_.append(",\"cut\":true");
     }
-    append_number(json_, "source", piece.source);
+    append_json_member(json_, "source", piece.source);
     json_.push_back('}');
 }
 
@@ -221,21 +200,21 @@ void JsonWriter::append_text(std::string_view bytes)
             bytes.remove_prefix(1);
         }
     }
-    append_string(json_, "text", utf8_);
+    append_json_member(json_, "text", utf8_);
 }
 
 // ----------------------------------------------------------------------- end ----------
 
 void JsonWriter::append_losses()
 {
-    append_name(json_, "losses");
+    append_json_name(json_, "losses");
     json_.push_back('[');
     for (const LossEntry &entry : losses_.entries()) {
         append_separator(json_);
         json_.append("{\"what\":");
         append_json_string(json_, loss_name(entry.loss));
-        append_number(json_, "count", entry.count);
-        append_number(json_, "first_source", entry.first_source);
+        append_json_member(json_, "count", entry.count);
+        append_json_member(json_, "first_source", entry.first_source);
         json_.push_back('}');
     }
     json_.push_back(']');
@@ -245,7 +224,7 @@ void JsonWriter::end_of_document()
 {
     if (options_.lines) {
         json_.append("{\"type\":\"end\"");
-        append_number(json_, "blocks", blocks_);
+        append_json_member(json_, "blocks", blocks_);
     } else {
         json_.append("\n]");
     }

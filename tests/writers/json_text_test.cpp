@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -49,6 +50,23 @@ TEST(JsonText, IsReadAgainAsItWas)
             EXPECT_EQ(nlohmann::json::parse(json_string(text)).get<std::string>(), text);
         }
     }
+}
+
+TEST(JsonText, HasMembersOfObjects)
+{
+    std::string json = "{";
+    pfsdoc::append_json_member(json, "words", "a \"{\"");
+    pfsdoc::append_json_member(json, "number", -7);
+    pfsdoc::append_json_member(json, "large", UINT64_MAX);
+    pfsdoc::append_json_name(json, "object");
+    json += "{";
+    pfsdoc::append_json_member(json, "first", 0);
+    json += "}";
+    pfsdoc::append_json_member(json, "last", "{");
+    json += "}";
+    EXPECT_EQ(json, R"({"words":"a \"{\"","number":-7,"large":18446744073709551615,)"
+                    R"("object":{"first":0},"last":"{"})");
+    EXPECT_TRUE(nlohmann::json::accept(json));
 }
 
 } // namespace
