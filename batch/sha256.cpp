@@ -19,6 +19,13 @@ void expect(int answer)
     }
 }
 
+// EVP_sha256() is a name, which the library would look up for each digest.
+const EVP_MD *algorithm()
+{
+    static const EVP_MD *const fetched = EVP_MD_fetch(nullptr, "SHA256", nullptr);
+    return fetched;
+}
+
 } // namespace
 
 void Sha256::Free::operator()(evp_md_ctx_st *context) const
@@ -31,7 +38,7 @@ Sha256::Sha256() : context_(EVP_MD_CTX_new())
     if (context_ == nullptr) {
         throw std::bad_alloc();
     }
-    expect(EVP_DigestInit_ex(context_.get(), EVP_sha256(), nullptr));
+    expect(EVP_DigestInit_ex(context_.get(), algorithm(), nullptr));
 }
 
 void Sha256::update(std::string_view bytes)
