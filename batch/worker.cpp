@@ -48,6 +48,7 @@ void leave_signals_to_parent(pid_t parent)
     }
     static_cast<void>(std::signal(SIGTERM, SIG_DFL));
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    ::prctl(PR_SET_NAME, "pfsdoc-worker");
     if (::getppid() != parent) {
         ::_exit(EXIT_FAILURE);
     }
