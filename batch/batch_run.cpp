@@ -121,8 +121,15 @@ int report_end(const BatchRequest &request, const BatchRun &run, const Status &f
 BatchRun::BatchRun(const BatchRequest &request, BatchInputs &inputs, OutputFolder folder,
                    Manifest manifest)
     : request_(request), inputs_(inputs), folder_(std::move(folder)),
-      manifest_(std::move(manifest)), pool_(request.pool)
+      manifest_(std::move(manifest)), placement_(folder_), pool_(pool_settings())
 {
+}
+
+PoolSettings BatchRun::pool_settings() const
+{
+    PoolSettings settings = request_.pool;
+    settings.before_fork = [this] { placement_.pause(); };
+    return settings;
 }
 
 Status BatchRun::convert_all(int wake, Progress &progress)
@@ -134,15 +141,15 @@ Status BatchRun::convert_all(int wake, Progress &progress)
         if (Status fault = feed()) {
             return fault;
         }
+        if (Status fault = place()) {
+            return fault;
+        }
         if (pool_.has_busy()) {
             for (const Finished &finished : pool_.wait(wake, between_looks)) {
                 if (Status fault = settle(finished)) {
                     return fault;
                 }
             }
-        }
-        if (Status fault = is_time_to_put_in_place() ? put_in_place() : Status()) {
-            return fault;
         }
         if (Status fault = write_lines()) {
             return fault;
@@ -156,7 +163,7 @@ Status BatchRun::convert_all(int wake, Progress &progress)
 Status BatchRun::run(int wake, Progress &progress)
 {
     const Status fault = convert_all(wake, progress);
-    if (fault && !put_in_place()) {
+    if (fault && !place_all()) {
         static_cast<void>(write_lines());
     }
     return fault ? fault : manifest_.finish();
@@ -244,36 +251,62 @@ Status BatchRun::settle(const Finished &finished)
         return unwritten(outcome);
     }
     if (has_output(outcome.status)) {
-        unsynced_.push_back({finished.file, outcome});
-        return {};
+        slot.line = record_line(slot.file, request_.recorded, outcome);
+        placement_.gather({finished.file, outcome.status, std::move(*slot.output)});
+    } else {
+        close(slot, outcome);
     }
     slot.output.reset();
-    close(slot, outcome);
     return {};
 }
 
-bool BatchRun::is_time_to_put_in_place() const
+// Called when every worker has been given what there is: if none is busy, there is nothing else
+// to do than to wait for the disk.
+Status BatchRun::place()
 {
-    return unsynced_.size() >= synced_at_once || (inputs_ended_ && !pool_.has_busy()) ||
-           slots_.size() >= window || Clock::now() - synced_ >= longest_unsynced;
-}
-
-Status BatchRun::put_in_place()
-{
-    synced_ = Clock::now();
-    if (Status fault = unsynced_.empty() ? Status() : folder_.sync()) {
-        return fault;
-    }
-    for (const Finished &finished : std::exchange(unsynced_, {})) {
-        Slot &slot = slots_[finished.file - first_];
-        const Status fault = slot.output->commit();
-        if (fault && fault->kind != ErrorKind::usage) {
+    if (placement_.is_under_way() && (placement_.is_over() || !pool_.has_busy())) {
+        if (Status fault = finish_placing()) {
             return fault;
         }
-        slot.output.reset();
-        close(slot, fault ? failed_outcome(FileStatus::name, *fault) : finished.outcome);
+    }
+    if (!placement_.is_under_way() && is_time_to_place()) {
+        placed_ = Clock::now();
+        placement_.begin();
     }
     return {};
+}
+
+bool BatchRun::is_time_to_place() const
+{
+    return placement_.gathered() > 0 &&
+           (placement_.gathered() >= placed_at_once || !pool_.has_busy() ||
+            Clock::now() - placed_ >= longest_unplaced);
+}
+
+Status BatchRun::finish_placing()
+{
+    for (const PlacedOutput &placed : placement_.finish()) {
+        Slot &slot = slots_[placed.file - first_];
+        if (!placed.fault) {
+            slot.status = placed.status;
+        } else if (placed.fault->kind == ErrorKind::usage) {
+            close(slot, failed_outcome(FileStatus::name, *placed.fault));
+        } else {
+            return placed.fault;
+        }
+    }
+    return {};
+}
+
+Status BatchRun::place_all()
+{
+    if (placement_.is_under_way()) {
+        if (Status fault = finish_placing()) {
+            return fault;
+        }
+    }
+    placement_.begin();
+    return finish_placing();
 }
 
 void BatchRun::close(Slot &slot, const Outcome &outcome) const
@@ -286,15 +319,13 @@ void BatchRun::close(Slot &slot, const Outcome &outcome) const
 
 Status BatchRun::write_lines()
 {
-    while (!slots_.empty() && slots_.front().status) {
-        if (Status fault = manifest_.add(slots_.front().line)) {
-            return fault;
-        }
+    std::string lines;
+    for (; !slots_.empty() && slots_.front().status; ++first_) {
+        lines += slots_.front().line;
         tally_.add(*slots_.front().status);
         slots_.pop_front();
-        ++first_;
     }
-    return {};
+    return lines.empty() ? Status() : manifest_.add(lines);
 }
 
 int run_batch(const BatchRequest &request)

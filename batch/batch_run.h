@@ -1,13 +1,15 @@
 // A run over many files: gives them to the workers, puts the outputs in their places and
 // writes the manifest, in the order of the files whatever order they are done in.
 //
-// The parent reads no byte of a document. At most `window` files are done or under way whose
+// The parent reads no byte of a document, and does not wait for the disk while there is a file
+// to give out. At most `window` files are done or under way whose
 // lines wait for one before them. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
 #include "inputs/inputs.h"
 #include "manifest.h"
 #include "output_folder.h"
+#include "placement.h"
 #include "progress.h"
 #include "record.h"
 #include "worker_pool.h"
@@ -16,7 +18,6 @@
 #include <deque>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace pfsdoc {
 
@@ -53,9 +54,9 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
     static constexpr std::size_t window = 1024;
-    // Outputs are brought to the disk together: this many, or what there is after this time.
-    static constexpr std::size_t synced_at_once = 128;
-    static constexpr std::chrono::seconds longest_unsynced{1};
+    // Outputs are placed together: this many, or what there is after this time.
+    static constexpr std::size_t placed_at_once = 256;
+    static constexpr std::chrono::seconds longest_unplaced{1};
 
     // A file whose line has not been written yet.
     struct Slot {
@@ -67,14 +68,17 @@ private:
         std::string line;
     };
 
+    PoolSettings pool_settings() const;
     Status convert_all(int wake, Progress &progress);
     Status feed();
     Status take(BatchInput input);
     void look_up(Slot &slot) const;
     Status give_out(Slot &slot, const BatchInput &input, uint64_t number);
     Status settle(const Finished &finished);
-    Status put_in_place();
-    bool is_time_to_put_in_place() const;
+    Status place();
+    bool is_time_to_place() const;
+    Status finish_placing();
+    Status place_all();
     void close(Slot &slot, const Outcome &outcome) const;
     Status write_lines();
 
@@ -86,9 +90,9 @@ private:
     bool inputs_ended_ = false;
     uint64_t first_ = 0; // the number of the first slot's file
     std::deque<Slot> slots_;
-    std::vector<Finished> unsynced_; // whose outputs are whole and not in their places
-    Clock::time_point synced_ = Clock::now();
-    WorkerPool pool_; // is gone before the outputs are
+    Placement placement_;
+    Clock::time_point placed_ = Clock::now(); // when that was begun last
+    WorkerPool pool_;                         // is gone before the outputs are
 };
 
 } // namespace pfsdoc

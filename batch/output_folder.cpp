@@ -43,6 +43,11 @@ Error not_written(const std::string &target, int error_number)
                 : "check the folder and the right to write there"};
 }
 
+OpenFile open_new(const std::string &path)
+{
+    return OpenFile(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, new_file_mode));
+}
+
 } // namespace
 
 PendingOutput::~PendingOutput()
@@ -83,19 +88,25 @@ Result<OutputFolder> OutputFolder::open(const std::string &path)
     return OutputFolder(path, std::move(folder));
 }
 
+// The folders are there, but for the first file in each; what a killed run left is not.
 Result<PendingOutput> OutputFolder::create(const std::string &name) const
 {
     const std::filesystem::path target = std::filesystem::path(path_) / name;
-    std::error_code failure;
-    std::filesystem::create_directories(target.parent_path(), failure);
-    if (failure) {
-        return not_written(target, failure.value());
-    }
     const std::string digits = hex_of(sha256_of(name)).substr(0, temporary_digits);
     const std::string temporary = target.parent_path() / (".pfsdoc-" + digits);
-    ::unlink(temporary.c_str());
-    OpenFile file(
-        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, new_file_mode));
+    OpenFile file = open_new(temporary);
+    if (file.get() < 0 && errno == ENOENT) {
+        std::error_code failure;
+        std::filesystem::create_directories(target.parent_path(), failure);
+        if (failure) {
+            return not_written(target, failure.value());
+        }
+        file = open_new(temporary);
+    }
+    if (file.get() < 0 && errno == EEXIST) {
+        ::unlink(temporary.c_str());
+        file = open_new(temporary);
+    }
     if (file.get() < 0) {
         return not_written(target, errno);
     }

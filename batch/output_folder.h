@@ -22,9 +22,15 @@ public:
     PendingOutput(PendingOutput &&other) noexcept;
     PendingOutput &operator=(PendingOutput &&) = delete;
 
+    // -1 when closed.
     int descriptor() const
     {
         return file_.get();
+    }
+    // When it is whole.
+    void close()
+    {
+        file_ = OpenFile();
     }
     // Gives it its name. What it holds must be on the disk: OutputFolder::sync. Errors as those
     // of OutputFolder::create.
@@ -47,7 +53,7 @@ public:
     // For reading; not open where it is not there, or is no file of that size.
     OpenFile open_existing(const std::string &name, uint64_t size) const;
     // Brings all that was written to the disk: for many files at once, since the disk takes
-    // about as long for one.
+    // about as long for one. May be called on any thread.
     Status sync() const;
 
 private:

@@ -97,6 +97,7 @@ Status WorkerPool::start(Worker &worker)
     OpenFile own(ends[0]);
     OpenFile other(ends[1]);
     const pid_t parent = ::getpid();
+    settings_.before_fork();
     const pid_t process = ::fork();
     if (process < 0) {
         return no_worker(errno);

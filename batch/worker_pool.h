@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -20,6 +21,8 @@ struct PoolSettings {
     WorkerSettings worker;
     unsigned workers = 1;
     std::chrono::milliseconds max_time{30000}; // for a file
+    // Ends the program's other threads: a process is forked only where there are none.
+    std::function<void()> before_fork = [] {};
 };
 
 struct Finished {
