@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
+#include <cstring>
 #include <iconv.h>
 #include <optional>
 
@@ -33,6 +34,33 @@ constexpr bool is_ascii(char byte)
 constexpr bool is_ascii(unsigned byte)
 {
     return byte >= first_printable && byte < delete_byte;
+}
+
+// Whether eight bytes all stand for themselves, which most text does: looked at together, as
+// one number. Every other byte gets its highest bit when one is added, or a blank's value taken
+// away; one that carries into its neighbour or borrows from it has got its own.
+bool is_ascii_word(const char *bytes)
+{
+    constexpr uint64_t each_byte = 0x0101010101010101;
+    constexpr uint64_t highest_bits = each_byte * 0x80;
+    uint64_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    const uint64_t less = word - each_byte * first_printable;
+    const uint64_t more = word + each_byte;
+    return ((less | more) & highest_bits) == 0;
+}
+
+// How many stand for themselves before the first that does not.
+std::size_t count_ascii(std::string_view bytes)
+{
+    std::size_t count = 0;
+    while (count + sizeof(uint64_t) <= bytes.size() && is_ascii_word(bytes.data() + count)) {
+        count += sizeof(uint64_t);
+    }
+    while (count < bytes.size() && is_ascii(bytes[count])) {
+        ++count;
+    }
+    return count;
 }
 
 // The bytes that DOS shows as graphics, whatever the code page.
@@ -162,18 +190,14 @@ CodePage::Encoded CodePage::encode(unsigned character)
 
 void CodePage::append_utf8(std::string &utf8, std::string_view bytes) const
 {
-    const char *at = bytes.data();
-    const char *const end = at + bytes.size();
-    while (at != end) {
-        const char *const others =
-            std::find_if_not(at, end, [](char byte) { return is_ascii(byte); });
-        utf8.append(at, others);
-        at = others;
-        if (at != end) {
-            const Encoded &encoded = encoded_[static_cast<unsigned char>(*at)];
+    while (!bytes.empty()) {
+        const std::size_t count = count_ascii(bytes);
+        utf8.append(bytes, 0, count);
+        if (count < bytes.size()) {
+            const Encoded &encoded = encoded_[static_cast<unsigned char>(bytes[count])];
             utf8.append(encoded.bytes.data(), encoded.length);
-            ++at;
         }
+        bytes.remove_prefix(std::min(count + 1, bytes.size()));
     }
 }
 

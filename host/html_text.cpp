@@ -165,11 +165,11 @@ void HtmlText::write_visible(const Range &range, const std::vector<TabGap> &tabs
 
 std::size_t HtmlText::next_stop(std::size_t at) const
 {
-    const std::string &bytes = text_->bytes();
-    while (at < bytes.size() && !is_stop_[static_cast<uint8_t>(bytes[at])]) {
-        ++at;
-    }
-    return at;
+    const std::string_view rest = std::string_view(text_->bytes()).substr(at);
+    const auto stop = std::find_if(rest.begin(), rest.end(), [this](char byte) {
+        return is_stop_[static_cast<uint8_t>(byte)];
+    });
+    return at + static_cast<std::size_t>(stop - rest.begin());
 }
 
 // ------------------------------------------------------------------- line breaking ----

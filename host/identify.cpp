@@ -181,7 +181,7 @@ Result<Identity> identify(ByteSource &source)
         const Status failure = source.failure();
         return failure ? *failure : Error{ErrorKind::input, "cannot be read", ""};
     }
-    return identify_start(Start(std::string(bytes.begin(), bytes.begin() + *count)));
+    return identify_start(Start(std::string(reinterpret_cast<const char *>(bytes.data()), *count)));
 }
 
 } // namespace pfsdoc

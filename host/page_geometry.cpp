@@ -37,6 +37,7 @@ std::size_t indent_columns(int32_t twips, int32_t width)
 std::vector<TabColumn> tab_columns(const std::vector<TabStop> &stops, const PageColumns &page)
 {
     std::vector<TabColumn> columns;
+    columns.reserve(stops.size());
     const auto left = static_cast<uint32_t>(page.left);
     const auto right = static_cast<uint32_t>(page.right);
     for (const TabStop &stop : stops) {

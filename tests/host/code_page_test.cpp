@@ -69,6 +69,22 @@ TEST(CodePage437, TakesTheZeroByteForItsBlankCell)
     EXPECT_EQ(utf8(std::string_view("\0", 1)), " ");
 }
 
+// Bytes are looked at in eights: no byte may be missed in any place of them, nor be taken for
+// another because of what its neighbours are.
+TEST(CodePage437, TakesAByteForTheSameWhereverItStands)
+{
+    const std::string around = " AZaz~! ~ ";
+    for (unsigned byte = 0; byte < code_page_437.size(); ++byte) {
+        const std::string one(1, static_cast<char>(byte));
+        for (std::size_t before = 0; before <= around.size(); ++before) {
+            const std::string front = around.substr(0, before);
+            const std::string back = around.substr(before) + around;
+            EXPECT_EQ(utf8(front + one + back), front + utf8(one) + back);
+            EXPECT_EQ(utf8(front + one + one + back), front + utf8(one) + utf8(one) + back);
+        }
+    }
+}
+
 TEST(CodePage437, HasNoCharacterTwiceButTheBlank)
 {
     const std::set<char16_t> distinct(code_page_437.begin(), code_page_437.end());

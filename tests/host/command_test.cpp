@@ -48,6 +48,77 @@ TEST_F(Command, UsageErrorsAreTwo)
     expect_failure(run({"trace", "a.pfs", "-o"}), 2, "pfsdoc: ");
 }
 
+// The options as a help text lists them, long and short: "  -o,--output FILE   write to ...".
+std::vector<std::string> options_in(const std::string &help)
+{
+    std::vector<std::string> options;
+    std::istringstream lines(help);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("  -")) {
+            std::istringstream names(line.substr(2, line.find(' ', 2) - 2));
+            for (std::string name; std::getline(names, name, ',');) {
+                options.push_back(name);
+            }
+        }
+    }
+    return options;
+}
+
+// Options are set up only where the arguments may name them.
+TEST_F(Command, KnowsEveryOptionOfItsHelp)
+{
+    struct Expectation {
+        const char *command;
+        std::vector<std::string> some;
+    };
+    for (const auto &[command, some] :
+         {Expectation{"identify", {"-h", "--json", "--lines"}},
+          Expectation{"text", {"-o", "--output", "--max-output", "--wrap", "--charset"}},
+          Expectation{"convert", {"-t", "--to", "--no-headers", "--fold", "--report"}},
+          Expectation{"explain", {"--color", "--module", "--json", "-o"}},
+          Expectation{"trace", {"--stop", "--offsets", "--help"}}}) {
+        const std::vector<std::string> options = options_in(output_of({command, "--help"}));
+        for (const std::string &option : some) {
+            EXPECT_EQ(std::count(options.begin(), options.end(), option), 1) << option;
+        }
+        for (const std::string &option : options) {
+            const Outcome outcome = run({command, option});
+            EXPECT_EQ(outcome.errors.find("not expected"), std::string::npos)
+                << command << ": " << outcome.errors;
+        }
+        expect_failure(run({command, "--none"}), 2, "pfsdoc: FILE is required");
+        expect_failure(run({command, "a.pfs", "--none"}), 2,
+                       "pfsdoc: The following argument was not expected: --none");
+    }
+}
+
+TEST_F(Command, TakesOutputAndFormatInEveryForm)
+{
+    const std::string page = output_of({"convert", "-t", "html", "a.pfs"});
+    for (const std::vector<std::string> &arguments : std::vector<std::vector<std::string>>{
+             {"convert", "-thtml", "a.pfs", "-o", "page"},
+             {"convert", "a.pfs", "--to", "html", "-opage"},
+             {"convert", "--to=html", "--output=page", "a.pfs"},
+             {"convert", "a.pfs", "--output", "page", "--no-headers", "-thtml"}}) {
+        fs::remove(directory / "page");
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.errors, "");
+        EXPECT_EQ(content_of(directory / "page"), page);
+    }
+    expect_failure(run({"text", "-t", "html", "a.pfs"}), 2, "pfsdoc: The following arg");
+    expect_failure(run({"identify", "-o", "page", "a.pfs"}), 2, "pfsdoc: The following arg");
+}
+
+TEST_F(Command, IsWhatTheFirstWordSays)
+{
+    expect_failure(run({"text", "identify"}), 3, "pfsdoc: identify: cannot be read");
+    expect_failure(run({"text", "a.pfs", "convert"}), 2, "pfsdoc: The following argument");
+    EXPECT_EQ(output_of({"--", "text", "a.pfs"}), output_of({"text", "a.pfs"}));
+    EXPECT_EQ(output_of({"--help", "convert"}), output_of({"convert", "--help"}));
+    expect_failure(run({"--none", "text", "a.pfs"}), 2, "pfsdoc: The following argument");
+    expect_failure(run({"-t", "html", "convert", "a.pfs"}), 2, "pfsdoc: ");
+}
+
 TEST_F(Command, IdentifyTellsKindNumberConfidenceAndBasis)
 {
     EXPECT_EQ(output_of({"identify", "a.pfs"}),

@@ -24,7 +24,7 @@ public:
         return "Write many documents in another format";
     }
     // It was not the first word, so nothing of it can be meant.
-    void add_options(CLI::App &) override {}
+    void add_options(CLI::App &, OptionSet) override {}
     int run(const CLI::App &) override
     {
         return report(

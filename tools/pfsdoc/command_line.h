@@ -1,10 +1,12 @@
-// The commands' own parts of the command line. main.cpp has the list of them, and gives options
-// to the one that is called only: most of what a small document costs is starting up.
+// The commands' own parts of the command line. main.cpp has the list of them, and sets up the
+// one that is called only, with the options that its arguments need: most of what a small
+// document costs is starting up.
 // Test: tests/host/command_test.cpp.
 #pragma once
 
 #include "code_page.h"
 #include "commands.h"
+#include "option_set.h"
 
 #include <CLI/CLI.hpp>
 
@@ -19,8 +21,9 @@ public:
 
     virtual const char *name() const = 0;
     virtual const char *description() const = 0;
-    // Must stay where it is from here until the command line has been parsed.
-    virtual void add_options(CLI::App &command) = 0;
+    // Adds at least those that are wanted. Must stay where it is from here until the command
+    // line has been parsed.
+    virtual void add_options(CLI::App &command, OptionSet wanted) = 0;
     // Does what was parsed; the program's exit code.
     virtual int run(const CLI::App &command) = 0;
 };
@@ -32,7 +35,7 @@ std::unique_ptr<CommandLine> trace_command_line();
 std::unique_ptr<CommandLine> explain_command_line();
 
 // What all commands for one document have: the document, the output, the module.
-void add_document_options(CLI::App &command, DocumentRequest &request);
+void add_document_options(CLI::App &command, DocumentRequest &request, OptionSet wanted);
 
 // What commands that show characters have, too.
 class CharsetOption {

@@ -112,9 +112,12 @@ public:
     {
         return "Write a document as plain text: convert -t text";
     }
-    void add_options(CLI::App &command) override
+    void add_options(CLI::App &command, OptionSet wanted) override
     {
-        add_document_options(command, request_.document);
+        add_document_options(command, request_.document, wanted);
+        if (wanted == OptionSet::usual) {
+            return;
+        }
         add_text_options(command);
         command.footer(text_examples);
     }
@@ -134,10 +137,13 @@ public:
     {
         return "Write a document in another format";
     }
-    void add_options(CLI::App &command) override
+    void add_options(CLI::App &command, OptionSet wanted) override
     {
-        add_document_options(command, request_.document);
+        add_document_options(command, request_.document, wanted);
         command.add_option("-t,--to", format_, format_list())->option_text("FORMAT");
+        if (wanted == OptionSet::usual) {
+            return;
+        }
         add_text_options(command);
         command.add_flag("--lines", request_.options.lines, "json: one object a line");
         command.add_flag("--offsets", request_.options.offsets,
@@ -186,9 +192,12 @@ public:
     {
         return "Write what the module reports, one event a line";
     }
-    void add_options(CLI::App &command) override
+    void add_options(CLI::App &command, OptionSet wanted) override
     {
-        add_document_options(command, request_.document);
+        add_document_options(command, request_.document, wanted);
+        if (wanted == OptionSet::usual) {
+            return;
+        }
         command.add_flag("--offsets", request_.options.offsets,
                          "put the position in the file before each event");
         command.add_flag("--fold", request_.options.fold,
@@ -208,13 +217,16 @@ private:
 
 } // namespace
 
-void add_document_options(CLI::App &command, DocumentRequest &request)
+void add_document_options(CLI::App &command, DocumentRequest &request, OptionSet wanted)
 {
     command.add_option("FILE", request.file, "the document; - is standard input")
         ->required()
         ->option_text(" ");
     command.add_option("-o,--output", request.output, "write to this file, whole or not at all")
         ->option_text("FILE");
+    if (wanted == OptionSet::usual) {
+        return;
+    }
     command
         .add_option_function<std::string>(
             "--max-output",

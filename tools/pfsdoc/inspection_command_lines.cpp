@@ -32,11 +32,14 @@ public:
     {
         return "Tell what files are, one line for each";
     }
-    void add_options(CLI::App &command) override
+    void add_options(CLI::App &command, OptionSet wanted) override
     {
         command.add_option("FILE", request_.files, "the files; - is standard input")
             ->required()
             ->option_text("...");
+        if (wanted == OptionSet::usual) {
+            return;
+        }
         command.add_flag("--json", json_array_, "write an array of JSON objects");
         command.add_flag("--lines", json_lines_, "write JSON objects, one a line")
             ->excludes("--json");
@@ -68,14 +71,16 @@ public:
     {
         return "Tell of every byte of a document what it was read as";
     }
-    void add_options(CLI::App &command) override
+    void add_options(CLI::App &command, OptionSet wanted) override
     {
-        command.add_flag("--json", request_.json, "write JSON objects, one a line");
-        command.add_option("--color", colours_, "auto (on a terminal), always or never")
-            ->check(CLI::IsMember({"auto", "always", "never"}))
-            ->option_text("WHEN");
-        charset_.add_to(command);
-        add_document_options(command, request_.document);
+        if (wanted == OptionSet::all) {
+            command.add_flag("--json", request_.json, "write JSON objects, one a line");
+            command.add_option("--color", colours_, "auto (on a terminal), always or never")
+                ->check(CLI::IsMember({"auto", "always", "never"}))
+                ->option_text("WHEN");
+            charset_.add_to(command);
+        }
+        add_document_options(command, request_.document, wanted);
         command.footer(explain_examples);
     }
     int run(const CLI::App &) override

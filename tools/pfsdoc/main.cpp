@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <csignal>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -56,6 +57,17 @@ std::vector<std::unique_ptr<pfsdoc::CommandLine>> all_command_lines()
     return lines;
 }
 
+// The one that is called. All where the first argument is none: as for help.
+std::vector<std::unique_ptr<pfsdoc::CommandLine>> command_lines_for(const std::string &first)
+{
+    std::vector<std::unique_ptr<pfsdoc::CommandLine>> lines = all_command_lines();
+    const auto is_called = [&first](const auto &line) { return line->name() == first; };
+    if (std::any_of(lines.begin(), lines.end(), is_called)) {
+        std::erase_if(lines, std::not_fn(is_called));
+    }
+    return lines;
+}
+
 int run(int argument_count, char **arguments)
 {
     if (argument_count > 1 && std::string_view(arguments[1]) == pfsdoc::batch_command) {
@@ -66,11 +78,12 @@ int run(int argument_count, char **arguments)
     app.require_subcommand(1);
     app.footer(examples);
     std::vector<std::string> reversed = pfsdoc::reversed_arguments(argument_count, arguments);
-    const auto command_lines = all_command_lines();
+    const pfsdoc::OptionSet wanted = pfsdoc::wanted_options(reversed);
+    const auto command_lines = command_lines_for(reversed.empty() ? "" : reversed.back());
     for (const auto &line : command_lines) {
         CLI::App *command = app.add_subcommand(line->name(), line->description());
         if (std::find(reversed.begin(), reversed.end(), line->name()) != reversed.end()) {
-            line->add_options(*command);
+            line->add_options(*command, wanted);
         }
     }
     try {
