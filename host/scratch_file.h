@@ -1,6 +1,7 @@
-// Files for what a writer has to put aside and memory should not hold: without a name, so that
-// nothing of them is left however the process ends. They are made in the folder that the
-// environment variable TMPDIR names, or in /tmp. Test: tests/writers/scratch_test.cpp.
+// Files for what must be put aside and memory should not hold: without a name, so that nothing
+// of them is left however the process ends. They are made in the folder that the environment
+// variable TMPDIR names, or in /tmp. Tests: tests/writers/scratch_test.cpp and
+// tests/host/block_files_test.cpp.
 #pragma once
 
 #include "error.h"
@@ -10,7 +11,7 @@ namespace pfsdoc {
 // A new descriptor, for reading and writing, or -1: errno tells why.
 int open_scratch_file();
 
-// What an error number of opening, reading or writing one means to the user.
+// What an error number of opening, reading or writing one means to the user of a writer.
 Error scratch_error(int error_number);
 
 } // namespace pfsdoc
