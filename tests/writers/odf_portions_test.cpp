@@ -19,6 +19,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -266,6 +267,47 @@ std::string sample_name(const ::testing::TestParamInfo<fs::path> &sample)
 }
 
 INSTANTIATE_TEST_SUITE_P(Odf, OdfPortionsSample, ::testing::ValuesIn(samples()), sample_name);
+
+// Whatever can be reported, in any order.
+TypedEvents at_random(unsigned seed)
+{
+    std::minstd_rand random(seed);
+    const auto below = [&random](unsigned end) { return static_cast<int32_t>(random() % end); };
+    const auto column = [&random] { return static_cast<uint32_t>(random() % 80); };
+    TypedEvents events;
+    for (int count = below(200); count > 0; --count) {
+        switch (below(16)) {
+        case 0: events.margins(below(30), 40 + below(60)); break;
+        case 1: events.indents(below(9), below(9)); break;
+        case 2: events.tabs({column()}, {column()}); break;
+        case 3: events.tabs({}); break;
+        case 4: events.alignment(static_cast<VwAlignment>(1 + below(3))); break;
+        case 5: events.spacing(below(2) == 0 ? VW_SINGLE_SPACING : VW_DOUBLE_SPACING); break;
+        case 6: events.attribute(below(12), below(2) == 0); break;
+        case 7: events.page_break(); break;
+        case 8: events.header(); break;
+        case 9: events.footer(); break;
+        case 10: events.close_block(); break;
+        case 11: events.special("*NEW PAGE*"); break;
+        case 12: events.text("\t "); break;
+        case 13: events.text("   "); break;
+        case 14: events.text("<a> & word"); break;
+        default: events.paragraph(); break;
+        }
+    }
+    return events.end();
+}
+
+TEST(OdfPortions, AreTheSameForDocumentsAtRandom)
+{
+    constexpr unsigned documents = 200;
+    for (unsigned seed = 1; seed <= documents; ++seed) {
+        SCOPED_TRACE(seed);
+        const TellBlocks blocks = blocks_of(at_random(seed));
+        const Told whole = told(blocks, OdfPackaging::flat, GeneratorTraits::unlimited);
+        EXPECT_EQ(told(blocks, OdfPackaging::flat, 1 + seed % 40).bytes, whole.bytes);
+    }
+}
 
 // ------------------------------------------------------------------- how portions come -----
 
