@@ -15,10 +15,13 @@
 
 #include <librevenge-generators/librevenge-generators.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <random>
 #include <string>
 #include <string_view>
@@ -110,6 +113,11 @@ TellBlocks blocks_of(const TypedEvents &events)
 struct Example {
     const char *name;
     TypedEvents events;
+
+    friend void PrintTo(const Example &example, std::ostream *out)
+    {
+        *out << example.name;
+    }
 };
 
 TypedEvents &words(TypedEvents &events, int count)
@@ -236,37 +244,37 @@ TEST_P(OdfPortionsExample, IsTheSameInPortions)
 INSTANTIATE_TEST_SUITE_P(Odf, OdfPortionsExample, ::testing::ValuesIn(examples()),
                          [](const auto &example) { return example.param.name; });
 
-class OdfPortionsSample : public ::testing::TestWithParam<fs::path> {};
+// By their names below the samples' folder, without the extension.
+class OdfPortionsSample : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(OdfPortionsSample, IsTheSameInPortions)
 {
     expect_the_same_in_portions([](pfsdoc::BlockSink &sink) {
-        auto document = pfsdoc::Document::open(GetParam().string());
+        const fs::path path = fs::path(SAMPLES_DIRECTORY) / (GetParam() + ".doc");
+        auto document = pfsdoc::Document::open(path.string());
         ASSERT_TRUE(document.ok());
         EXPECT_FALSE(document.value().read(sink));
     });
 }
 
-std::vector<fs::path> samples()
+std::vector<std::string> samples()
 {
-    std::vector<fs::path> found;
+    std::vector<std::string> found;
     for (const auto &entry : fs::recursive_directory_iterator(SAMPLES_DIRECTORY)) {
         if (entry.path().extension() == ".doc") {
-            found.push_back(entry.path());
+            found.push_back(fs::relative(entry.path(), SAMPLES_DIRECTORY).replace_extension());
         }
     }
+    std::sort(found.begin(), found.end());
     return found;
 }
 
-// "1012-pfs-write-a/letter.doc" is 1012letter.
-std::string sample_name(const ::testing::TestParamInfo<fs::path> &sample)
-{
-    constexpr std::size_t file_id_digits = 4;
-    return sample.param.parent_path().filename().string().substr(0, file_id_digits) +
-           sample.param.stem().string();
-}
-
-INSTANTIATE_TEST_SUITE_P(Odf, OdfPortionsSample, ::testing::ValuesIn(samples()), sample_name);
+INSTANTIATE_TEST_SUITE_P(Odf, OdfPortionsSample, ::testing::ValuesIn(samples()),
+                         [](const auto &sample) {
+                             std::string name = sample.param;
+                             std::erase_if(name, [](unsigned char c) { return !std::isalnum(c); });
+                             return name;
+                         });
 
 // Whatever can be reported, in any order.
 TypedEvents at_random(unsigned seed)
