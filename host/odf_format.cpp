@@ -213,7 +213,7 @@ private:
     OdfWriter *writer_ = nullptr;
 };
 
-Error too_large()
+Error too_large_for_odf()
 {
     return {ErrorKind::limit, "is too large to be written as OpenDocument",
             "write it as another format"};
@@ -225,13 +225,13 @@ void PluginWriter::check() const
     switch (writer_->failure()) {
     case OdfFailure::none: break;
     case OdfFailure::too_large:
-    case OdfFailure::out_of_memory: throw ReadingStopped(too_large());
+    case OdfFailure::out_of_memory: throw ReadingStopped(too_large_for_odf());
     case OdfFailure::scratch: throw ReadingStopped(scratch_error(writer_->system_error()));
     case OdfFailure::other:
         throw ReadingStopped({ErrorKind::internal, "cannot be written as OpenDocument", ""});
     }
     if (output_.failed()) {
-        throw ReadingStopped(too_large());
+        throw ReadingStopped(too_large_for_odf());
     }
 }
 
@@ -245,7 +245,7 @@ Result<std::unique_ptr<Writer>> make_odf_writer(OdfPackaging packaging, Output &
     }
     auto writer = std::make_unique<PluginWriter>(output);
     if (!writer->open(*plugin.value(), packaging, info, options)) {
-        return too_large();
+        return too_large_for_odf();
     }
     return std::unique_ptr<Writer>(std::move(writer));
 }

@@ -25,6 +25,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -377,6 +378,28 @@ TEST(OdfPortions, MayBeManyWhereOneWouldBeTooLarge)
     const TellBlocks blocks = blocks_of(events.end());
     EXPECT_GT(told(blocks, OdfPackaging::flat, 50, 100).portions, 50U);
     EXPECT_THROW(told(blocks, OdfPackaging::flat, 200, 100), pfsdoc::TooManyElements);
+}
+
+// Each document has its own generators, scratches and numbers.
+TEST(OdfPortions, OfManyDocumentsAreIndependent)
+{
+    constexpr unsigned documents = 8;
+    std::vector<std::string> alone(documents);
+    std::vector<std::string> together(documents);
+    const auto tell = [](unsigned seed, std::string &bytes) {
+        bytes = told(blocks_of(at_random(seed + 1)), OdfPackaging::zip, 2).bytes;
+    };
+    for (unsigned seed = 0; seed < documents; ++seed) {
+        tell(seed, alone[seed]);
+    }
+    std::vector<std::thread> threads;
+    for (unsigned seed = 0; seed < documents; ++seed) {
+        threads.emplace_back(tell, seed, std::ref(together[seed]));
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+    EXPECT_TRUE(together == alone); // too long to be shown
 }
 
 // ---------------------------------------------------------------------- what is told -----
