@@ -49,6 +49,8 @@ librevenge::RVNGPropertyList page_properties(const PageColumns &page, bool has_h
 class RevengeStyles {
 public:
     explicit RevengeStyles(bool generator_keeps_styles);
+    RevengeStyles(const RevengeStyles &) = delete;
+    RevengeStyles &operator=(const RevengeStyles &) = delete;
 
     // The headers and footers follow. The generator must outlive the styles, or the next call.
     void begin_generator(librevenge::RVNGTextInterface &generator);
