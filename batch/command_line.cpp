@@ -3,8 +3,10 @@
 #include "canary.h"
 #include "format_options.h"
 #include "output.h"
+#include "scratch_file.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <sched.h>
@@ -67,6 +69,16 @@ Status load_writer(const ConversionSettings &settings)
     StringOutput nowhere;
     const auto writer = settings.format->make_writer(nowhere, {}, settings.options);
     return writer.ok() ? Status() : Status(writer.error());
+}
+
+// Every worker will need such files, and better fails now than at the first one's start.
+Status check_scratch_files(const Format &format)
+{
+    if (format.scratch_files == 0) {
+        return {};
+    }
+    const OpenFile file(open_scratch_file());
+    return file.get() < 0 ? Status(scratch_error(errno)) : Status();
 }
 
 ProgressForm progress_form(bool quiet)
@@ -198,7 +210,8 @@ Result<ConversionSettings> BatchCommandLine::conversion()
     options_.page_breaks = !no_page_breaks_;
     options_.headers = !no_headers_;
     const ConversionSettings settings{format, options_, &*module_, max_output_};
-    const Status unfit = load_writer(settings);
+    Status unfit = load_writer(settings);
+    unfit = unfit ? unfit : check_scratch_files(*format);
     return unfit ? Result<ConversionSettings>(*unfit) : settings;
 }
 

@@ -158,9 +158,17 @@ Status write_document(Document &document, std::string_view title, DescriptorOutp
     return unwritten ? unwritten : fault;
 }
 
+// A temporary file that cannot be written is no reason to end the run, as an output is: other
+// files may need none.
+FileStatus status_of(const Error &fault, const DescriptorOutput &output)
+{
+    return fault.kind == ErrorKind::output && !output.failed() ? FileStatus::internal
+                                                               : status_of(fault.kind);
+}
+
 void settle(const Status &fault, DescriptorOutput &output, Outcome &outcome)
 {
-    outcome.status = fault ? status_of(fault->kind) : FileStatus::converted;
+    outcome.status = fault ? status_of(*fault, output) : FileStatus::converted;
     if (fault) {
         outcome.set_error(*fault);
     }

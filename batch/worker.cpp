@@ -1,6 +1,9 @@
 #include "worker.h"
 
+#include "scratch_file.h"
+
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <new>
@@ -74,13 +77,36 @@ void limit_resources(const WorkerSettings &settings)
     }
 }
 
-Hello enter(SandboxMode mode)
+// What cannot be opened in the sandbox.
+Result<std::vector<int>> open_scratch_files(std::size_t count)
+{
+    std::vector<int> files;
+    while (files.size() < count) {
+        files.push_back(open_scratch_file());
+        if (files.back() < 0) {
+            return scratch_error(errno);
+        }
+    }
+    return files;
+}
+
+Hello failed_hello(const Error &error)
 {
     Hello hello;
+    hello.failed = 1;
+    hello.words.set(error.what);
+    hello.remedy.set(error.remedy);
+    return hello;
+}
+
+Hello enter(SandboxMode mode)
+{
     const Result<SandboxReport> report = enter_sandbox(mode);
-    hello.failed = report.ok() ? 0 : 1;
-    hello.words.set(report.ok() ? report.value().words() : report.error().what);
-    hello.remedy.set(report.ok() ? "" : report.error().remedy);
+    if (!report.ok()) {
+        return failed_hello(report.error());
+    }
+    Hello hello;
+    hello.words.set(report.value().words());
     return hello;
 }
 
@@ -114,14 +140,17 @@ void run_worker(int socket, pid_t parent, const WorkerSettings &settings)
     leave_signals_to_parent(parent);
     close_others(socket);
     limit_resources(settings);
-    const Hello hello = enter(settings.sandbox);
+    const auto files = open_scratch_files(settings.conversion.format->scratch_files);
+    const Hello hello = files.ok() ? enter(settings.sandbox) : failed_hello(files.error());
     if (!send_record(socket, hello) || hello.failed != 0) {
         ::_exit(EXIT_FAILURE);
     }
+    ConversionSettings conversion = settings.conversion;
+    conversion.options.scratch_files = files.value();
     for (;;) {
         std::vector<int> descriptors;
         const std::optional<Job> job = receive_record<Job>(socket, &descriptors);
-        if (!job || !send_record(socket, outcome_of(*job, descriptors, settings.conversion))) {
+        if (!job || !send_record(socket, outcome_of(*job, descriptors, conversion))) {
             ::_exit(job ? EXIT_FAILURE : EXIT_SUCCESS);
         }
     }

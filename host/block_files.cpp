@@ -1,9 +1,10 @@
 #include "block_files.h"
 
+#include "scratch_file.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -74,19 +75,6 @@ Error not_spooled(int error_number)
             "make room there, or name another directory in the environment variable TMPDIR"};
 }
 
-// A file that has no name any more, so that nothing is left behind however we end.
-int open_nameless_file()
-{
-    const char *directory = std::getenv("TMPDIR");
-    std::string name = directory != nullptr && *directory != '\0' ? directory : "/tmp";
-    name += "/pfsdoc-XXXXXX";
-    const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);
-    if (descriptor >= 0) {
-        ::unlink(name.c_str());
-    }
-    return descriptor;
-}
-
 ssize_t read_some(int descriptor, std::span<uint8_t> destination)
 {
     ssize_t count = 0;
@@ -141,7 +129,7 @@ SourceResult positioned_source(Descriptor &descriptor, uint64_t size, uint64_t l
 
 SourceResult spooled_source(Descriptor &descriptor, uint64_t limit)
 {
-    Descriptor spool(open_nameless_file());
+    Descriptor spool(open_scratch_file());
     if (spool.get() < 0) {
         return not_spooled(errno);
     }

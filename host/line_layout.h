@@ -25,6 +25,7 @@
 
 #include "utf8_output.h"
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -39,6 +40,8 @@ enum class LineAlignment { left, centre, right };
 struct TabColumn {
     std::size_t column; // from the left margin
     bool decimal;
+
+    auto operator<=>(const TabColumn &) const = default;
 };
 
 // What became of a tab, for hosts that draw it as a space of its own.
@@ -57,6 +60,8 @@ struct LineGeometry {
     std::size_t indent = 0;
     LineAlignment alignment = LineAlignment::left;
     std::vector<TabColumn> tab_stops; // in any order; those beyond the width are not used
+
+    auto operator<=>(const LineGeometry &) const = default;
 };
 
 class LineLayout {

@@ -12,6 +12,7 @@
 #include "formats.h"
 #include "odf_plugin.h"
 #include "reading_stopped.h"
+#include "scratch_file.h"
 
 #include <cstdlib>
 #include <dlfcn.h>
@@ -212,9 +213,9 @@ private:
     OdfWriter *writer_ = nullptr;
 };
 
-Error no_memory()
+Error too_large_for_odf()
 {
-    return {ErrorKind::limit, "is too large to be held in memory as OpenDocument",
+    return {ErrorKind::limit, "is too large to be written as OpenDocument",
             "write it as another format"};
 }
 
@@ -224,12 +225,13 @@ void PluginWriter::check() const
     switch (writer_->failure()) {
     case OdfFailure::none: break;
     case OdfFailure::too_large:
-    case OdfFailure::out_of_memory: throw ReadingStopped(no_memory());
+    case OdfFailure::out_of_memory: throw ReadingStopped(too_large_for_odf());
+    case OdfFailure::scratch: throw ReadingStopped(scratch_error(writer_->system_error()));
     case OdfFailure::other:
         throw ReadingStopped({ErrorKind::internal, "cannot be written as OpenDocument", ""});
     }
     if (output_.failed()) {
-        throw ReadingStopped(no_memory());
+        throw ReadingStopped(too_large_for_odf());
     }
 }
 
@@ -243,7 +245,7 @@ Result<std::unique_ptr<Writer>> make_odf_writer(OdfPackaging packaging, Output &
     }
     auto writer = std::make_unique<PluginWriter>(output);
     if (!writer->open(*plugin.value(), packaging, info, options)) {
-        return no_memory();
+        return too_large_for_odf();
     }
     return std::unique_ptr<Writer>(std::move(writer));
 }
@@ -274,6 +276,7 @@ const Format odt_format = {
     .wants_offsets = false,
     .needs_plugin = true,
     .is_binary = true,
+    .scratch_files = 2,
 };
 
 const Format fodt_format = {
@@ -285,6 +288,7 @@ const Format fodt_format = {
     .make_event_writer = nullptr,
     .wants_offsets = false,
     .needs_plugin = true,
+    .scratch_files = 1,
 };
 
 } // namespace pfsdoc

@@ -21,7 +21,7 @@ namespace pfsdoc {
 
 enum class OdfPackaging : uint32_t { zip, flat };
 
-enum class OdfFailure : uint32_t { none, too_large, out_of_memory, other };
+enum class OdfFailure : uint32_t { none, too_large, out_of_memory, scratch, other };
 
 // Of the program.
 class OdfOutput {
@@ -42,6 +42,8 @@ public:
     virtual void end_of_document() noexcept = 0;
 
     virtual OdfFailure failure() const noexcept = 0;
+    // Of OdfFailure::scratch: why a temporary file cannot be used.
+    virtual int system_error() const noexcept = 0;
     virtual const LossReport &losses() const noexcept = 0;
     // The writer is gone after it.
     virtual void release() noexcept = 0;

@@ -1,10 +1,10 @@
 #include "member_store.h"
 
+#include "scratch_file.h"
+
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -13,23 +13,6 @@ namespace pfsdoc {
 namespace {
 
 constexpr std::size_t part_size = 65536;
-
-// Some file systems know no files without names: there it loses its name at once.
-OpenFile unnamed_file()
-{
-    const char *set = std::getenv("TMPDIR");
-    const std::string folder = set != nullptr && *set != '\0' ? set : "/tmp";
-    OpenFile file(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (file.get() >= 0) {
-        return file;
-    }
-    std::string path = folder + "/pfsdoc-XXXXXX";
-    OpenFile named(::mkostemp(path.data(), O_CLOEXEC));
-    if (named.get() >= 0) {
-        ::unlink(path.c_str());
-    }
-    return named;
-}
 
 } // namespace
 
@@ -56,7 +39,7 @@ void MemberStore::move_to_disk()
 {
     on_disk_ = true;
     const OpenFile memory = std::move(file_);
-    file_ = unnamed_file();
+    file_ = OpenFile(open_scratch_file());
     if (file_.get() < 0) {
         error_number_ = errno;
         return;

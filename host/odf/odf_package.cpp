@@ -2,8 +2,6 @@
 
 #include <minizip/zip.h>
 
-#include <algorithm>
-#include <cstring>
 #include <new>
 
 namespace pfsdoc {
@@ -14,77 +12,69 @@ constexpr std::string_view mimetype_entry = "mimetype";
 constexpr std::string_view mimetype = "application/vnd.oasis.opendocument.text";
 constexpr uLong first_of_january_1980 = 1U << 21U | 1U << 16U; // as DOS writes dates
 
-OdfPackage::Memory &memory_of(voidpf opaque)
+OdfPackage::Archive &archive_of(voidpf opaque)
 {
-    return *static_cast<OdfPackage::Memory *>(opaque);
+    return *static_cast<OdfPackage::Archive *>(opaque);
 }
 
-voidpf open_memory(voidpf opaque, const char *, int)
+voidpf open_archive(voidpf opaque, const void *, int)
 {
     return opaque;
 }
 
-uLong read_memory(voidpf, voidpf, void *, uLong)
+uLong read_archive(voidpf, voidpf, void *, uLong)
 {
     return 0; // a new archive is never read
 }
 
 // Exceptions must not pass through minizip: a short count tells it of the failure.
-uLong write_memory(voidpf opaque, voidpf, const void *bytes, uLong size)
+uLong write_archive(voidpf opaque, voidpf, const void *bytes, uLong size)
 {
-    OdfPackage::Memory &memory = memory_of(opaque);
+    OdfPackage::Archive &archive = archive_of(opaque);
     try {
-        const std::size_t end = memory.position + size;
-        memory.bytes.resize(std::max(memory.bytes.size(), end));
+        archive.scratch.write_at(archive.position, {static_cast<const char *>(bytes), size});
     } catch (...) {
+        archive.failure = std::current_exception();
         return 0;
     }
-    std::memcpy(memory.bytes.data() + memory.position, bytes, size);
-    memory.position += size;
+    archive.position += size;
     return size;
 }
 
-long tell_memory(voidpf opaque, voidpf)
+ZPOS64_T tell_archive(voidpf opaque, voidpf)
 {
-    return static_cast<long>(memory_of(opaque).position);
+    return archive_of(opaque).position;
 }
 
-long seek_memory(voidpf opaque, voidpf, uLong offset, int origin)
+long seek_archive(voidpf opaque, voidpf, ZPOS64_T offset, int origin)
 {
-    OdfPackage::Memory &memory = memory_of(opaque);
+    OdfPackage::Archive &archive = archive_of(opaque);
     switch (origin) {
-    case ZLIB_FILEFUNC_SEEK_SET: memory.position = offset; break;
-    case ZLIB_FILEFUNC_SEEK_CUR: memory.position += offset; break;
-    default: memory.position = memory.bytes.size() + offset; break;
+    case ZLIB_FILEFUNC_SEEK_SET: archive.position = offset; break;
+    case ZLIB_FILEFUNC_SEEK_CUR: archive.position += offset; break;
+    default: archive.position = archive.scratch.size() + offset; break;
     }
     return 0;
 }
 
-int close_memory(voidpf, voidpf)
+int close_archive(voidpf, voidpf)
 {
     return 0;
 }
 
-int memory_error(voidpf, voidpf)
+int archive_error(voidpf, voidpf)
 {
     return 0;
-}
-
-void check(int result)
-{
-    if (result != ZIP_OK) {
-        throw std::bad_alloc();
-    }
 }
 
 } // namespace
 
-OdfPackage::OdfPackage()
+OdfPackage::OdfPackage(Scratch &scratch) : archive_{scratch, 0, nullptr}
 {
-    zlib_filefunc_def functions{open_memory, read_memory,  write_memory, tell_memory,
-                                seek_memory, close_memory, memory_error, &memory_};
-    archive_ = zipOpen2("", APPEND_STATUS_CREATE, nullptr, &functions);
-    if (archive_ == nullptr) {
+    zlib_filefunc64_def functions{open_archive, read_archive,  write_archive, tell_archive,
+                                  seek_archive, close_archive, archive_error, &archive_};
+    zip_ = zipOpen2_64("", APPEND_STATUS_CREATE, nullptr, &functions);
+    if (zip_ == nullptr) {
         throw std::bad_alloc();
     }
     begin_entry(mimetype_entry, false);
@@ -93,8 +83,8 @@ OdfPackage::OdfPackage()
 
 OdfPackage::~OdfPackage()
 {
-    if (archive_ != nullptr) {
-        zipClose(archive_, nullptr);
+    if (zip_ != nullptr) {
+        zipClose(zip_, nullptr);
     }
 }
 
@@ -104,16 +94,16 @@ void OdfPackage::write(std::string_view entry, std::string_view bytes)
         end_entry();
         begin_entry(entry, true);
     }
-    check(zipWriteInFileInZip(archive_, bytes.data(), static_cast<unsigned>(bytes.size())));
+    check(zipWriteInFileInZip(zip_, bytes.data(), static_cast<unsigned>(bytes.size())));
 }
 
 void OdfPackage::finish(Output &output)
 {
     end_entry();
-    const int result = zipClose(archive_, nullptr);
-    archive_ = nullptr;
+    const int result = zipClose(zip_, nullptr);
+    zip_ = nullptr;
     check(result);
-    output.write(memory_.bytes);
+    archive_.scratch.copy_to(output);
 }
 
 void OdfPackage::begin_entry(std::string_view entry, bool compressed)
@@ -121,14 +111,24 @@ void OdfPackage::begin_entry(std::string_view entry, bool compressed)
     entry_ = entry;
     zip_fileinfo info{};
     info.dosDate = first_of_january_1980;
-    check(zipOpenNewFileInZip(archive_, entry_.c_str(), &info, nullptr, 0, nullptr, 0, nullptr,
+    check(zipOpenNewFileInZip(zip_, entry_.c_str(), &info, nullptr, 0, nullptr, 0, nullptr,
                               compressed ? Z_DEFLATED : 0,
                               compressed ? Z_DEFAULT_COMPRESSION : Z_NO_COMPRESSION));
 }
 
+void OdfPackage::check(int result) const
+{
+    if (archive_.failure) {
+        std::rethrow_exception(archive_.failure);
+    }
+    if (result != ZIP_OK) {
+        throw std::bad_alloc();
+    }
+}
+
 void OdfPackage::end_entry()
 {
-    check(zipCloseFileInZip(archive_));
+    check(zipCloseFileInZip(zip_));
 }
 
 } // namespace pfsdoc

@@ -1,11 +1,11 @@
-// The plug-in's side of the border: blocks go through RevengeWriter into libodfgen, which
-// keeps the document until its end and then writes one XML stream after the other. Exceptions
-// end here and become the writer's failure. Tests: tests/writers/odf_plugin_test.cpp.
+// The plug-in's side of the border: blocks go through RevengeWriter into libodfgen, portion by
+// portion. Exceptions end here and become the writer's failure. Tests:
+// tests/writers/odf_plugin_test.cpp.
 #include "odf_plugin.h"
 
-#include "odf_package.h"
-#include "odf_xml.h"
+#include "odf_portions.h"
 #include "revenge_writer.h"
+#include "scratch.h"
 
 #include <memory>
 #include <new>
@@ -14,10 +14,20 @@ namespace pfsdoc {
 
 namespace {
 
-// libodfgen holds some hundred bytes for each of these, so a hostile document, such as one of
-// nothing but tabs, would take hundreds of times its own size. A book of a thousand pages has
-// some hundred thousand.
-constexpr GeneratorTraits traits{.most_elements = 4'000'000, .keeps_styles = true};
+// libodfgen holds some hundred bytes for each element. A portion of these many takes a
+// megabyte or two, and much more time than is lost between two.
+constexpr uint64_t portion_elements = 4096;
+// A portion holds a paragraph at least, and all styles of the document. A hostile one, such as
+// of nothing but tabs, would take hundreds of times its own size.
+constexpr uint64_t most_elements = 4'000'000;
+
+GeneratorTraits traits_of(Portions &portions)
+{
+    return {.most_elements = most_elements,
+            .keeps_styles = true,
+            .portions = &portions,
+            .portion_elements = portion_elements};
+}
 
 // What the program's output looks like on this side.
 class BorderedOutput final : public Output {
@@ -33,65 +43,12 @@ private:
     OdfOutput &output_;
 };
 
-// Takes libodfgen's streams to where the packaging wants them.
-class Packaging {
-public:
-    virtual ~Packaging() = default;
-    // After the last stream has ended.
-    virtual void finish() = 0;
-};
-
-class FlatPackaging final : public Packaging {
-public:
-    FlatPackaging(OdtGenerator &generator, OdfOutput &output) : output_(output), xml_(output_)
-    {
-        generator.addDocumentHandler(&xml_, ODF_FLAT_XML);
-    }
-
-    void finish() override {}
-
-private:
-    BorderedOutput output_;
-    XmlStream xml_;
-};
-
-class ZipPackaging final : public Packaging {
-public:
-    ZipPackaging(OdtGenerator &generator, OdfOutput &output) : output_(output)
-    {
-        generator.addDocumentHandler(&manifest_.xml, ODF_MANIFEST_XML);
-        generator.addDocumentHandler(&content_.xml, ODF_CONTENT_XML);
-        generator.addDocumentHandler(&styles_.xml, ODF_STYLES_XML);
-        generator.addDocumentHandler(&meta_.xml, ODF_META_XML);
-        generator.addDocumentHandler(&settings_.xml, ODF_SETTINGS_XML);
-    }
-
-    void finish() override
-    {
-        package_.finish(output_);
-    }
-
-private:
-    struct Stream {
-        Stream(OdfPackage &package, std::string_view name) : entry(package, name), xml(entry) {}
-        PackageEntry entry;
-        XmlStream xml;
-    };
-
-    BorderedOutput output_;
-    OdfPackage package_;
-    Stream manifest_{package_, "META-INF/manifest.xml"};
-    Stream content_{package_, "content.xml"};
-    Stream styles_{package_, "styles.xml"};
-    Stream meta_{package_, "meta.xml"};
-    Stream settings_{package_, "settings.xml"};
-};
-
 class OdfDocument final : public OdfWriter {
 public:
     OdfDocument(OdfPackaging packaging, OdfOutput &output, const DocumentInfo &info,
                 const WriterOptions &options)
-        : packaging_(make_packaging(packaging, output)), writer_(generator_, info, options, traits)
+        : output_(output), portions_(make_odf_portions(packaging, options.scratch_files)),
+          writer_(portions_->next(0), info, options, traits_of(*portions_))
     {
     }
     OdfDocument(const OdfDocument &) = delete;
@@ -117,12 +74,16 @@ public:
     {
         guarded([&] {
             writer_.end_of_document();
-            packaging_->finish();
+            portions_->finish(output_);
         });
     }
     OdfFailure failure() const noexcept override
     {
         return failure_;
+    }
+    int system_error() const noexcept override
+    {
+        return system_error_;
     }
     const LossReport &losses() const noexcept override
     {
@@ -134,14 +95,6 @@ public:
     }
 
 private:
-    std::unique_ptr<Packaging> make_packaging(OdfPackaging packaging, OdfOutput &output)
-    {
-        if (packaging == OdfPackaging::flat) {
-            return std::make_unique<FlatPackaging>(generator_, output);
-        }
-        return std::make_unique<ZipPackaging>(generator_, output);
-    }
-
     template <typename Action> void guarded(Action action) noexcept
     {
         if (failure_ != OdfFailure::none) {
@@ -151,6 +104,9 @@ private:
             action();
         } catch (const TooManyElements &) {
             failure_ = OdfFailure::too_large;
+        } catch (const ScratchFailure &fault) {
+            failure_ = OdfFailure::scratch;
+            system_error_ = fault.error_number;
         } catch (const std::bad_alloc &) {
             failure_ = OdfFailure::out_of_memory;
         } catch (...) {
@@ -158,10 +114,11 @@ private:
         }
     }
 
-    OdtGenerator generator_;
-    std::unique_ptr<Packaging> packaging_;
+    BorderedOutput output_;
+    std::unique_ptr<OdfPortions> portions_;
     RevengeWriter writer_;
     OdfFailure failure_ = OdfFailure::none;
+    int system_error_ = 0;
 };
 
 OdfWriter *open_writer(OdfPackaging packaging, OdfOutput &output, const DocumentInfo &info,

@@ -35,6 +35,12 @@ void XmlStream::endDocument()
 {
     end_tag();
     buffer_.push_back('\n');
+    flush();
+}
+
+void XmlStream::flush()
+{
+    end_tag();
     output_.write(buffer_);
     buffer_.clear();
 }

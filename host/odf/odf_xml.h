@@ -22,6 +22,9 @@ public:
     void startElement(const char *name, const librevenge::RVNGPropertyList &attributes) override;
     void endElement(const char *name) override;
     void characters(const librevenge::RVNGString &text) override;
+    // Everything so far is with the output after it. The element that was started last can
+    // have no end of one tag any more.
+    void flush();
 
 private:
     void end_tag();

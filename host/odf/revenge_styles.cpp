@@ -4,6 +4,7 @@
 #include "vs_pfs.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace pfsdoc {
 
@@ -24,6 +25,8 @@ constexpr const char *font = "Courier New";
 constexpr double spare_width = 0.01;
 
 constexpr const char *tab_stops_property = "style:tab-stops";
+constexpr const char *paragraph_number = "librevenge:paragraph-id";
+constexpr const char *span_number = "librevenge:span-id";
 // As measured with libodfgen, where an element takes 300 bytes, a style 3000 and a tab stop of
 // a style 850.
 constexpr uint64_t style_elements = 10;
@@ -116,23 +119,6 @@ bool has(AttributeSet attributes, AttributeCode code)
     return (attributes & attribute_bit(static_cast<int32_t>(code))) != 0;
 }
 
-RVNGPropertyList make_paragraph_properties(const Paragraph &paragraph, const PageColumns &page,
-                                           const ParagraphStart &start)
-{
-    const LineGeometry geometry = line_geometry(paragraph);
-    const bool is_double = paragraph.line_spacing == VW_DOUBLE_SPACING;
-    RVNGPropertyList properties;
-    properties.insert("fo:text-align", alignment_name(geometry.alignment));
-    properties.insert("fo:line-height", is_double ? 2 * line_points : line_points,
-                      librevenge::RVNG_POINT);
-    insert_margins(properties, geometry, page, start.continues);
-    insert_tab_stops(properties, geometry, start.has_tab);
-    if (start.page_break_before) {
-        properties.insert("fo:break-before", "page");
-    }
-    return properties;
-}
-
 RVNGPropertyList make_span_properties(AttributeSet attributes)
 {
     RVNGPropertyList properties;
@@ -174,46 +160,99 @@ RVNGPropertyList page_properties(const PageColumns &page, bool has_header, bool 
     return properties;
 }
 
-RevengeStyles::RevengeStyles(librevenge::RVNGTextInterface &generator, bool generator_keeps_styles)
-    : generator_(generator), generator_keeps_styles_(generator_keeps_styles)
+RevengeStyles::RevengeStyles(bool generator_keeps_styles)
+    : generator_keeps_styles_(generator_keeps_styles)
 {
+}
+
+void RevengeStyles::begin_generator(librevenge::RVNGTextInterface &generator)
+{
+    generator_ = &generator;
+    elements_ = 0;
+    header_ = {};
+    place_ = &header_;
+}
+
+void RevengeStyles::begin_body()
+{
+    place_ = &body_;
+}
+
+RVNGPropertyList RevengeStyles::make_properties(const ParagraphLook &look, const PageColumns &page)
+{
+    const bool is_double = look.line_spacing == VW_DOUBLE_SPACING;
+    RVNGPropertyList properties;
+    properties.insert("fo:text-align", alignment_name(look.geometry.alignment));
+    properties.insert("fo:line-height", is_double ? 2 * line_points : line_points,
+                      librevenge::RVNG_POINT);
+    insert_margins(properties, look.geometry, page, look.start.continues);
+    insert_tab_stops(properties, look.geometry, look.start.has_tab);
+    if (look.start.page_break_before) {
+        properties.insert("fo:break-before", "page");
+    }
+    return properties;
 }
 
 const RVNGPropertyList &RevengeStyles::paragraph_properties(const Paragraph &paragraph,
                                                             const PageColumns &page,
                                                             const ParagraphStart &start)
 {
-    const ParagraphLook look{paragraph.left_indent,  paragraph.first_line_indent,
-                             paragraph.line_spacing, line_alignment(paragraph),
-                             paragraph.margins,      start,
-                             paragraph.tab_stops};
-    const auto known = std::find_if(looks_.begin(), looks_.end(),
-                                    [&look](const KnownLook &entry) { return entry.look == look; });
-    if (known != looks_.end()) {
-        return known->properties;
+    ParagraphLook look{line_geometry(paragraph), paragraph.line_spacing, start};
+    auto known = place_->looks.find(look);
+    if (known == place_->looks.end()) {
+        if (!generator_keeps_styles_ && place_->looks.size() == looks_kept) {
+            place_->looks.clear();
+        }
+        KnownLook added{defined_paragraph(make_properties(look, page))};
+        known = place_->looks.emplace(std::move(look), std::move(added)).first;
     }
-    KnownLook added{look, defined_paragraph(make_paragraph_properties(paragraph, page, start))};
-    if (looks_.size() < looks_kept) {
-        return looks_.emplace_back(std::move(added)).properties;
+    note_use(known->first, known->second);
+    return known->second.properties;
+}
+
+void RevengeStyles::note_use(const ParagraphLook &look, KnownLook &known)
+{
+    if (!generator_keeps_styles_ || known.is_in_order) {
+        return;
     }
-    oldest_look_ = (oldest_look_ + 1) % looks_kept;
-    return (looks_[oldest_look_] = std::move(added)).properties;
+    known.is_in_order = !place_->looks_in_order.empty();
+    place_->looks_in_order.push_back(&look);
 }
 
 const RVNGPropertyList &RevengeStyles::span_properties(AttributeSet attributes)
 {
-    const auto known = spans_.find(attributes);
-    return known != spans_.end()
-               ? known->second
-               : spans_.emplace(attributes, defined_span(make_span_properties(attributes)))
-                     .first->second;
+    const auto known = place_->spans.find(attributes);
+    if (known != place_->spans.end()) {
+        return known->second;
+    }
+    place_->spans_in_order.push_back(attributes);
+    return place_->spans.emplace(attributes, defined_span(make_span_properties(attributes)))
+        .first->second;
 }
 
-void RevengeStyles::begin_body()
+void RevengeStyles::repeat_body(const PageColumns &page)
 {
-    looks_.clear();
-    oldest_look_ = 0;
-    spans_.clear();
+    for (const auto &[look, known] : body_.looks) {
+        define_paragraph(make_properties(look, page), known.properties[paragraph_number]->getInt());
+    }
+    bool is_first = true;
+    for (const ParagraphLook *look : body_.looks_in_order) {
+        generator_->openParagraph(body_.looks.at(*look).properties);
+        if (std::exchange(is_first, false)) {
+            repeat_spans();
+        }
+        generator_->closeParagraph();
+    }
+}
+
+void RevengeStyles::repeat_spans()
+{
+    for (const AttributeSet attributes : body_.spans_in_order) {
+        const RVNGPropertyList &reference = body_.spans.at(attributes);
+        define_span(make_span_properties(attributes), reference[span_number]->getInt());
+        generator_->openSpan(reference);
+        generator_->closeSpan();
+    }
 }
 
 // What to tell of a style that has these properties.
@@ -222,12 +261,9 @@ RVNGPropertyList RevengeStyles::defined_paragraph(RVNGPropertyList properties)
     if (!generator_keeps_styles_) {
         return properties;
     }
+    define_paragraph(std::move(properties), ++last_number_);
     RVNGPropertyList reference;
-    reference.insert("librevenge:paragraph-id", ++last_number_);
-    properties.insert("librevenge:paragraph-id", last_number_);
-    generator_.defineParagraphStyle(properties);
-    const RVNGPropertyListVector *stops = properties.child(tab_stops_property);
-    elements_ += style_elements + (stops != nullptr ? stops->count() * tab_stop_elements : 0);
+    reference.insert(paragraph_number, last_number_);
     return reference;
 }
 
@@ -236,12 +272,25 @@ RVNGPropertyList RevengeStyles::defined_span(RVNGPropertyList properties)
     if (!generator_keeps_styles_) {
         return properties;
     }
+    define_span(std::move(properties), ++last_number_);
     RVNGPropertyList reference;
-    reference.insert("librevenge:span-id", ++last_number_);
-    properties.insert("librevenge:span-id", last_number_);
-    generator_.defineCharacterStyle(properties);
-    elements_ += style_elements;
+    reference.insert(span_number, last_number_);
     return reference;
+}
+
+void RevengeStyles::define_paragraph(RVNGPropertyList properties, int number)
+{
+    properties.insert(paragraph_number, number);
+    generator_->defineParagraphStyle(properties);
+    const RVNGPropertyListVector *stops = properties.child(tab_stops_property);
+    elements_ += style_elements + (stops != nullptr ? stops->count() * tab_stop_elements : 0);
+}
+
+void RevengeStyles::define_span(RVNGPropertyList properties, int number)
+{
+    properties.insert(span_number, number);
+    generator_->defineCharacterStyle(properties);
+    elements_ += style_elements;
 }
 
 } // namespace pfsdoc

@@ -13,6 +13,7 @@
 
 #include <librevenge/librevenge.h>
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -32,7 +33,7 @@ struct ParagraphStart {
     bool continues = false; // lines of the paragraph stand before it
     bool has_tab = false;
 
-    bool operator==(const ParagraphStart &) const = default;
+    auto operator<=>(const ParagraphStart &) const = default;
 };
 
 librevenge::RVNGPropertyList page_properties(const PageColumns &page, bool has_header,
@@ -41,14 +42,28 @@ librevenge::RVNGPropertyList page_properties(const PageColumns &page, bool has_h
 // Property lists take longer to make than the text between them to convert, and most
 // paragraphs look like one of the last few: those are kept. To a generator that keeps styles
 // a list is told once, with a number that stands for it from then on.
+//
+// A document may be told to several such generators, a portion of its body to each, and all
+// are to give a style the same name. They name styles in the order in which they are used, so
+// each is first told all that the body has used before.
 class RevengeStyles {
 public:
-    // The generator must outlive the styles.
-    RevengeStyles(librevenge::RVNGTextInterface &generator, bool generator_keeps_styles);
+    explicit RevengeStyles(bool generator_keeps_styles);
+    RevengeStyles(const RevengeStyles &) = delete;
+    RevengeStyles &operator=(const RevengeStyles &) = delete;
 
-    // The body follows the headers and footers. A generator keeps the styles of the two in
-    // different places, so nothing is kept from one for the other.
+    // The headers and footers follow. The generator must outlive the styles, or the next call.
+    void begin_generator(librevenge::RVNGTextInterface &generator);
+    // The body follows. A generator keeps the styles of the two in different places, so
+    // nothing is kept from one for the other.
     void begin_body();
+    // Tells a generator that keeps styles what the body has used in others before it, in
+    // paragraphs without text: as many as repeated_paragraphs says.
+    void repeat_body(const PageColumns &page);
+    std::size_t repeated_paragraphs() const
+    {
+        return body_.looks_in_order.size();
+    }
 
     // The answers are valid until the next call. All calls are for the same page.
     const librevenge::RVNGPropertyList &paragraph_properties(const Paragraph &paragraph,
@@ -56,42 +71,55 @@ public:
                                                              const ParagraphStart &start);
     const librevenge::RVNGPropertyList &span_properties(AttributeSet attributes);
 
-    // How many elements of a document take as much memory as the styles defined so far.
+    // How many elements of a document take as much memory as the styles that this generator
+    // has been told.
     uint64_t elements() const
     {
         return elements_;
     }
 
 private:
+    // Where a generator does not keep them.
     static constexpr std::size_t looks_kept = 32;
 
     // All of a paragraph that its properties depend on.
     struct ParagraphLook {
-        int32_t left_indent;
-        int32_t first_line_indent;
+        LineGeometry geometry;
         int32_t line_spacing;
-        LineAlignment alignment;
-        Margins margins;
         ParagraphStart start;
-        std::vector<TabStop> tab_stops;
 
-        bool operator==(const ParagraphLook &) const = default;
+        auto operator<=>(const ParagraphLook &) const = default;
     };
     struct KnownLook {
-        ParagraphLook look;
-        librevenge::RVNGPropertyList properties;
+        librevenge::RVNGPropertyList properties; // as they are told
+        bool is_in_order = false;
+    };
+    // The headers and footers, or the body.
+    struct Place {
+        std::map<ParagraphLook, KnownLook> looks;
+        // As generators name them. The place's first paragraph has a name of its own, since
+        // it begins the page too: its look comes first here, and again when it is used again.
+        std::vector<const ParagraphLook *> looks_in_order;
+        std::map<AttributeSet, librevenge::RVNGPropertyList> spans;
+        std::vector<AttributeSet> spans_in_order;
     };
 
+    static librevenge::RVNGPropertyList make_properties(const ParagraphLook &look,
+                                                        const PageColumns &page);
+    void note_use(const ParagraphLook &look, KnownLook &known);
     librevenge::RVNGPropertyList defined_paragraph(librevenge::RVNGPropertyList properties);
     librevenge::RVNGPropertyList defined_span(librevenge::RVNGPropertyList properties);
+    void define_paragraph(librevenge::RVNGPropertyList properties, int number);
+    void define_span(librevenge::RVNGPropertyList properties, int number);
+    void repeat_spans();
 
-    librevenge::RVNGTextInterface &generator_;
+    librevenge::RVNGTextInterface *generator_ = nullptr;
     bool generator_keeps_styles_;
     int last_number_ = 0;
     uint64_t elements_ = 0;
-    std::vector<KnownLook> looks_;
-    std::size_t oldest_look_ = 0;
-    std::map<AttributeSet, librevenge::RVNGPropertyList> spans_;
+    Place header_;
+    Place body_;
+    Place *place_ = &header_;
 };
 
 } // namespace pfsdoc

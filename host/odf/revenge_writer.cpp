@@ -6,6 +6,7 @@
 #include "vs_pfs.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace pfsdoc {
 
@@ -13,6 +14,9 @@ namespace {
 
 using librevenge::RVNGPropertyList;
 using librevenge::RVNGString;
+
+// What takes as much memory as one of the other elements.
+constexpr std::size_t element_text_bytes = 256;
 
 constexpr AttributeSet underline = attribute_bit(static_cast<int32_t>(AttributeCode::underline));
 
@@ -56,16 +60,13 @@ std::size_t visible_end(const Paragraph &paragraph)
 
 RevengeWriter::RevengeWriter(librevenge::RVNGTextInterface &document, const DocumentInfo &info,
                              const WriterOptions &options, const GeneratorTraits &traits)
-    : document_(document), options_(options), styles_(document, traits.keeps_styles),
-      traits_(traits)
+    : document_(&document), options_(options), styles_(traits.keeps_styles), traits_(traits)
 {
-    RVNGPropertyList metadata;
-    metadata.insert("meta:generator", "pfsdoc " PFSDOC_VERSION);
+    metadata_.insert("meta:generator", "pfsdoc " PFSDOC_VERSION);
     if (!info.title.empty()) {
-        metadata.insert("dc:title", info.title.c_str());
+        metadata_.insert("dc:title", info.title.c_str());
     }
-    document_.setDocumentMetaData(metadata);
-    document_.startDocument(RVNGPropertyList());
+    begin_document();
 }
 
 // -------------------------------------------------------------------- the document -----
@@ -78,7 +79,7 @@ void RevengeWriter::paragraph(const Paragraph &paragraph)
         return;
     }
     add_common_losses(paragraph, options_);
-    begin_page();
+    begin_body();
     write_paragraph(paragraph);
 }
 
@@ -116,26 +117,66 @@ void RevengeWriter::block_end()
 
 void RevengeWriter::end_of_document()
 {
-    begin_page();
+    begin_body();
     if (breaks_pending_ != 0) {
         end_pages_pending();
         write_empty_paragraph(true);
     }
-    document_.closePageSpan();
-    document_.endDocument();
+    end_document();
 }
 
-void RevengeWriter::begin_page()
+void RevengeWriter::begin_document()
 {
-    if (in_body_) {
-        return;
+    document_->setDocumentMetaData(metadata_);
+    document_->startDocument(RVNGPropertyList());
+    styles_.begin_generator(*document_);
+}
+
+void RevengeWriter::end_document()
+{
+    document_->closePageSpan();
+    document_->endDocument();
+}
+
+void RevengeWriter::begin_body()
+{
+    if (!in_body_) {
+        page_ = page_.value_or(PageColumns());
+        open_page();
     }
-    page_ = page_.value_or(PageColumns());
-    document_.openPageSpan(page_properties(*page_, !headers_.empty(), !footers_.empty()));
+}
+
+void RevengeWriter::open_page()
+{
+    document_->openPageSpan(page_properties(*page_, !headers_.empty(), !footers_.empty()));
     write_header();
     write_footer();
     styles_.begin_body();
     in_body_ = true;
+}
+
+bool RevengeWriter::portion_is_full() const
+{
+    return traits_.portions != nullptr && in_body_ &&
+           elements() - repeated_elements_ >=
+               std::max(traits_.portion_elements, repeated_elements_);
+}
+
+// Between paragraphs, of which the one to be opened next may be a part of one that a page
+// break has cut.
+void RevengeWriter::begin_portion()
+{
+    const InParagraph interrupted = std::exchange(now_, {});
+    end_document();
+    document_ = &traits_.portions->next(styles_.repeated_paragraphs());
+    in_body_ = false;
+    elements_ = 0;
+    begin_document();
+    open_page();
+    count_elements(styles_.repeated_paragraphs());
+    styles_.repeat_body(*page_);
+    repeated_elements_ = elements();
+    now_ = interrupted;
 }
 
 void RevengeWriter::write_header()
@@ -143,12 +184,12 @@ void RevengeWriter::write_header()
     if (headers_.empty()) {
         return;
     }
-    document_.openHeader(on_all_pages());
+    document_->openHeader(on_all_pages());
     for (const Paragraph &line : headers_) {
         write_paragraph(line);
     }
     write_empty_lines(lines_beside(headers_.size()));
-    document_.closeHeader();
+    document_->closeHeader();
 }
 
 void RevengeWriter::write_footer()
@@ -156,12 +197,12 @@ void RevengeWriter::write_footer()
     if (footers_.empty()) {
         return;
     }
-    document_.openFooter(on_all_pages());
+    document_->openFooter(on_all_pages());
     write_empty_lines(lines_beside(footers_.size()));
     for (const Paragraph &line : footers_) {
         write_paragraph(line);
     }
-    document_.closeFooter();
+    document_->closeFooter();
 }
 
 void RevengeWriter::write_empty_lines(std::size_t count)
@@ -189,25 +230,33 @@ void RevengeWriter::write_empty_paragraph(bool page_break_before)
     empty.line_spacing = VW_SINGLE_SPACING;
     ParagraphStart start;
     start.page_break_before = page_break_before;
-    count_elements(1);
-    document_.openParagraph(styles_.paragraph_properties(empty, *page_, start));
-    document_.closeParagraph();
+    tell_paragraph(empty, start);
+    document_->closeParagraph();
     body_is_empty_ = body_is_empty_ && !in_body_;
+}
+
+void RevengeWriter::tell_paragraph(const Paragraph &paragraph, ParagraphStart start)
+{
+    if (portion_is_full()) {
+        begin_portion();
+    }
+    count_elements(1);
+    document_->openParagraph(styles_.paragraph_properties(paragraph, *page_, start));
 }
 
 // ------------------------------------------------------------------- one paragraph -----
 
 void RevengeWriter::write_paragraph(const Paragraph &paragraph)
 {
-    current_ = &paragraph;
-    start_ = {};
-    start_.has_tab = paragraph.bytes.find(tab_byte) != std::string::npos;
-    visible_end_ = visible_end(paragraph);
-    held_blanks_ = 0;
+    now_.paragraph = &paragraph;
+    now_.start = {};
+    now_.start.has_tab = paragraph.bytes.find(tab_byte) != std::string::npos;
+    now_.visible_end = visible_end(paragraph);
+    now_.held_blanks = 0;
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         write_piece(paragraph, i);
     }
-    if (!paragraph_open_ && is_text_only(paragraph)) {
+    if (!now_.is_open && is_text_only(paragraph)) {
         open_paragraph();
     }
     close_paragraph();
@@ -220,7 +269,8 @@ void RevengeWriter::write_piece(const Paragraph &paragraph, std::size_t index)
     const std::string_view bytes = paragraph.piece_bytes(index);
     switch (piece.kind) {
     case PieceKind::text:
-        write_text(bytes.substr(0, std::max(visible_end_, piece.begin) - piece.begin), attributes);
+        write_text(bytes.substr(0, std::max(now_.visible_end, piece.begin) - piece.begin),
+                   attributes);
         break;
     case PieceKind::command:
         if (options_.commands) {
@@ -238,9 +288,9 @@ void RevengeWriter::write_piece(const Paragraph &paragraph, std::size_t index)
 
 void RevengeWriter::break_paragraph()
 {
-    start_.continues = start_.continues || paragraph_open_;
+    now_.start.continues = now_.start.continues || now_.is_open;
     close_paragraph();
-    held_blanks_ = 0;
+    now_.held_blanks = 0;
     ++breaks_pending_;
 }
 
@@ -249,11 +299,10 @@ void RevengeWriter::open_paragraph()
     if (in_body_ && breaks_pending_ != 0) {
         end_pages_pending();
     }
-    start_.page_break_before = in_body_ && breaks_pending_ != 0;
-    count_elements(1);
-    document_.openParagraph(styles_.paragraph_properties(*current_, *page_, start_));
-    paragraph_open_ = true;
-    after_gap_ = true;
+    now_.start.page_break_before = in_body_ && breaks_pending_ != 0;
+    tell_paragraph(*now_.paragraph, now_.start);
+    now_.is_open = true;
+    now_.after_gap = true;
     if (in_body_) {
         breaks_pending_ = 0;
         body_is_empty_ = false;
@@ -262,29 +311,29 @@ void RevengeWriter::open_paragraph()
 
 void RevengeWriter::close_paragraph()
 {
-    if (paragraph_open_) {
+    if (now_.is_open) {
         close_span();
-        document_.closeParagraph();
-        paragraph_open_ = false;
+        document_->closeParagraph();
+        now_.is_open = false;
     }
 }
 
 void RevengeWriter::open_span(AttributeSet attributes)
 {
-    if (span_ != attributes) {
+    if (now_.span != attributes) {
         close_span();
         count_elements(1);
-        document_.openSpan(styles_.span_properties(attributes));
-        span_ = attributes;
+        document_->openSpan(styles_.span_properties(attributes));
+        now_.span = attributes;
     }
 }
 
 void RevengeWriter::close_span()
 {
-    if (span_) {
+    if (now_.span) {
         flush_text();
-        document_.closeSpan();
-        span_.reset();
+        document_->closeSpan();
+        now_.span.reset();
     }
 }
 
@@ -292,24 +341,24 @@ void RevengeWriter::close_span()
 
 void RevengeWriter::write_text(std::string_view bytes, AttributeSet attributes)
 {
-    if (!paragraph_open_) {
+    if (!now_.is_open) {
         bytes = hold_blanks(bytes, attributes);
     }
     if (bytes.empty()) {
         return;
     }
-    if (!paragraph_open_) {
+    if (!now_.is_open) {
         open_paragraph();
-        if (held_blanks_ != 0) {
+        if (now_.held_blanks != 0) {
             open_span(0);
-            write_spaces(held_blanks_);
+            write_spaces(now_.held_blanks);
         }
     }
     open_span(attributes);
     while (!bytes.empty()) {
         const std::size_t word = std::min(bytes.find_first_of(gap_bytes), bytes.size());
-        options_.code_page->append_utf8(text_, bytes.substr(0, word));
-        after_gap_ = after_gap_ && word == 0;
+        options_.code_page->append_utf8(now_.text, bytes.substr(0, word));
+        now_.after_gap = now_.after_gap && word == 0;
         bytes = write_gap(bytes.substr(word));
     }
 }
@@ -322,8 +371,9 @@ std::string_view RevengeWriter::hold_blanks(std::string_view bytes, AttributeSet
         return bytes;
     }
     const std::size_t count = std::min(bytes.find_first_not_of(blank_bytes), bytes.size());
-    const bool are_kept = !start_.continues && line_alignment(*current_) == LineAlignment::left;
-    held_blanks_ += are_kept ? count : 0;
+    const bool are_kept =
+        !now_.start.continues && line_alignment(*now_.paragraph) == LineAlignment::left;
+    now_.held_blanks += are_kept ? count : 0;
     return bytes.substr(count);
 }
 
@@ -333,16 +383,16 @@ std::string_view RevengeWriter::write_gap(std::string_view bytes)
     if (bytes.starts_with(tab_byte)) {
         flush_text();
         count_elements(1);
-        document_.insertTab();
-        after_gap_ = true;
+        document_->insertTab();
+        now_.after_gap = true;
         return bytes.substr(1);
     }
     std::size_t blanks = std::min(bytes.find_first_not_of(blank_bytes), bytes.size());
     bytes.remove_prefix(blanks);
-    if (blanks != 0 && !after_gap_) {
-        text_.push_back(' ');
+    if (blanks != 0 && !now_.after_gap) {
+        now_.text.push_back(' ');
         --blanks;
-        after_gap_ = true;
+        now_.after_gap = true;
     }
     write_spaces(blanks);
     return bytes;
@@ -355,22 +405,23 @@ void RevengeWriter::write_spaces(std::size_t count)
         count_elements(count);
     }
     for (std::size_t i = 0; i < count; ++i) {
-        document_.insertSpace();
+        document_->insertSpace();
     }
 }
 
 void RevengeWriter::flush_text()
 {
-    if (!text_.empty()) {
-        document_.insertText(RVNGString(text_.c_str()));
-        text_.clear();
+    if (!now_.text.empty()) {
+        count_elements(now_.text.size() / element_text_bytes);
+        document_->insertText(RVNGString(now_.text.c_str()));
+        now_.text.clear();
     }
 }
 
 void RevengeWriter::count_elements(std::size_t count)
 {
     elements_ += count;
-    if (elements_ + styles_.elements() > traits_.most_elements) {
+    if (elements() > traits_.most_elements) {
         throw TooManyElements();
     }
 }

@@ -15,7 +15,14 @@
 //   commands      hidden unless WriterOptions::commands asks for them. A paragraph of nothing
 //                 but hidden commands is left out, and so is an empty header or footer line.
 //
-// Calls balance whatever the blocks are. Tests: tests/writers/revenge_writer_test.cpp.
+// A generator that holds what it is told until the document ends would hold the document, so
+// it can be given a portion of the body only: when that is full, the next paragraph goes to
+// another generator. Each is told a whole document, the page with its header and footer as
+// much as the first, and then the styles of the body so far: what comes out are documents
+// that differ in their text alone, and use the same names.
+//
+// Calls balance whatever the blocks are. Tests: tests/writers/revenge_writer_test.cpp and,
+// for the portions, tests/writers/odf_portions_test.cpp.
 #pragma once
 
 #include "page_geometry.h"
@@ -34,14 +41,31 @@
 
 namespace pfsdoc {
 
-// What to know of a generator.
+// Gives a writer one generator after the other.
+class Portions {
+public:
+    virtual ~Portions() = default;
+    // The generator for the next portion; the one before it has been told its endDocument.
+    // The body's first paragraphs, this many, are there for their styles, and not part of the
+    // document.
+    virtual librevenge::RVNGTextInterface &next(std::size_t repeated_paragraphs) = 0;
+};
+
+// What to know of a generator. It may hold what it is told in memory, which is counted in
+// elements: paragraphs, runs of text that look alike, tabs and blanks that are told one by
+// one, and every 256 bytes of text. Styles count as several.
 struct GeneratorTraits {
-    // It holds the document in memory, so that TooManyElements is thrown at more than these:
-    // paragraphs, runs of text that look alike, and tabs and blanks that are told one by one.
-    // Styles count as several.
-    uint64_t most_elements = std::numeric_limits<uint64_t>::max();
+    static constexpr uint64_t unlimited = std::numeric_limits<uint64_t>::max();
+
+    // TooManyElements is thrown where one generator would be told more.
+    uint64_t most_elements = unlimited;
     // Properties need not be told again once a style with a number has been defined.
     bool keeps_styles = false;
+    // For generators that keep styles. Where these many elements have been told, the next
+    // paragraph goes to the next generator, unless as many had to be repeated: documents of
+    // nothing but styles cost what their size says too.
+    Portions *portions = nullptr;
+    uint64_t portion_elements = unlimited;
 };
 
 class TooManyElements {};
@@ -51,7 +75,7 @@ public:
     // A document has two lines of each; more than this are not held.
     static constexpr std::size_t max_block_lines = 16;
 
-    // The document must outlive the writer.
+    // The document must outlive the writer, or the call for the next portion.
     RevengeWriter(librevenge::RVNGTextInterface &document, const DocumentInfo &info,
                   const WriterOptions &options, const GeneratorTraits &traits = {});
     RevengeWriter(const RevengeWriter &) = delete;
@@ -65,12 +89,18 @@ public:
 
 private:
     void hold_line(const Paragraph &paragraph);
-    void begin_page();
+    void begin_document();
+    void end_document();
+    void begin_body();
+    void open_page();
+    bool portion_is_full() const;
+    void begin_portion();
     void write_header();
     void write_footer();
     void write_empty_lines(std::size_t count);
     void end_pages_pending();
     void write_empty_paragraph(bool page_break_before);
+    void tell_paragraph(const Paragraph &paragraph, ParagraphStart start);
 
     void write_paragraph(const Paragraph &paragraph);
     void write_piece(const Paragraph &paragraph, std::size_t index);
@@ -86,12 +116,20 @@ private:
     void write_spaces(std::size_t count);
     void flush_text();
     void count_elements(std::size_t count);
+    uint64_t elements() const
+    {
+        return elements_ + styles_.elements();
+    }
 
-    librevenge::RVNGTextInterface &document_;
+    librevenge::RVNGTextInterface *document_;
+    librevenge::RVNGPropertyList metadata_;
     WriterOptions options_;
     RevengeStyles styles_;
     GeneratorTraits traits_;
-    uint64_t elements_ = 0; // so far
+
+    // The portion.
+    uint64_t elements_ = 0;          // without styles
+    uint64_t repeated_elements_ = 0; // with styles
 
     // The document.
     std::optional<BlockKind> block_; // that lines belong to
@@ -102,15 +140,17 @@ private:
     bool body_is_empty_ = true;
     uint64_t breaks_pending_ = 0; // before the next paragraph
 
-    // The paragraph.
-    const Paragraph *current_ = nullptr;
-    ParagraphStart start_;
-    std::size_t visible_end_ = 0; // of its bytes, without the blanks that nobody sees
-    bool paragraph_open_ = false;
-    std::size_t held_blanks_ = 0; // before its first character
-    bool after_gap_ = false;      // or at its start
-    std::optional<AttributeSet> span_;
-    std::string text_; // not told yet, UTF-8
+    struct InParagraph {
+        const Paragraph *paragraph = nullptr;
+        ParagraphStart start;
+        std::size_t visible_end = 0; // of its bytes, without the blanks that nobody sees
+        bool is_open = false;
+        std::size_t held_blanks = 0; // before its first character
+        bool after_gap = false;      // or at its start
+        std::optional<AttributeSet> span;
+        std::string text; // not told yet, UTF-8
+    };
+    InParagraph now_;
 };
 
 } // namespace pfsdoc

@@ -2,7 +2,8 @@
 //
 // A format is one file: it implements Writer and is listed in host/formats.cpp. Writers take
 // blocks as they come and hold one paragraph at most, with the header and footer lines where
-// a format wants them elsewhere. Tests: tests/host/*_writer_test.cpp.
+// a format wants them elsewhere; what else must wait is put aside in files. Tests:
+// tests/host/*_writer_test.cpp.
 #pragma once
 
 #include "block_sink.h"
@@ -13,6 +14,7 @@
 #include "loss_report.h"
 #include "output.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -44,6 +46,10 @@ struct WriterOptions {
     bool lines = false;     // one JSON object a line
     bool offsets = false;   // with the source offset of each event
     bool fold = false;      // characters that follow each other on one line
+    // Descriptors of files to read and write, as many as the format says, for a writer that
+    // could open none where it works. They are that writer's until it is gone, and then
+    // empty; the span outlives it. Without them it opens files when it needs them.
+    std::span<const int> scratch_files;
 };
 
 // Takes a document's blocks; its output is complete when end_of_document has been called.
@@ -90,6 +96,9 @@ struct Format {
     // Whether the writer stands in a library of its own, which need not be installed.
     bool needs_plugin = false;
     bool is_binary = false; // nothing to be shown on a terminal
+    // In how many files its writer puts bytes aside that need not fit in memory. Short
+    // documents need none.
+    std::size_t scratch_files = 0;
 
     bool reads_option(std::string_view option) const
     {

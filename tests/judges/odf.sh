@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # odf.sh PFSDOC SAMPLES: has LibreOffice read every sample as odt and as fodt, and compares
-# the text and the pages that it makes of them with the samples' own texts: odf_pages.py.
+# the text and the pages that it makes of them with the samples' own texts: odf_pages.py. So it
+# does with a long document, whose text is what `pfsdoc text` makes of it.
 # Before that, packages must be packed as OpenDocument demands, and all XML well-formed.
 set -euo pipefail
 pfsdoc=$1
@@ -31,17 +32,35 @@ check_package() {
 }
 
 count=0
+# add NAME DOCUMENT TEXT
+add() {
+    "$pfsdoc" convert -o "$work/$1.package.odt" "$2"
+    "$pfsdoc" convert -o "$work/$1.flat.fodt" "$2"
+    check_package "$work/$1.package.odt"
+    xmllint --noout "$work/$1.flat.fodt" || fail "$1.flat.fodt is not well-formed"
+    cp "$3" "$work/$1.text"
+    count=$((count + 1))
+}
+
 for document in "$samples"/*/*.doc; do
     kind=$(basename "$(dirname "$document")")
-    name=$kind.$(basename "$document" .doc)
-    "$pfsdoc" convert -o "$work/$name.package.odt" "$document"
-    "$pfsdoc" convert -o "$work/$name.flat.fodt" "$document"
-    check_package "$work/$name.package.odt"
-    xmllint --noout "$work/$name.flat.fodt" || fail "$name.flat.fodt is not well-formed"
-    cp "${document%.doc}.text" "$work/$name.text"
-    count=$((count + 1))
+    add "$kind.$(basename "$document" .doc)" "$document" "${document%.doc}.text"
 done
 [ "$count" -gt 0 ] || fail "there are no samples in $samples"
+
+# A document that is written in several portions, and does not fit in memory meanwhile: prose
+# thirty times over. In its kind the body follows a header of fixed size.
+prose=$samples/1012-pfs-write-a/prose.doc
+header_size=1025
+{
+    head -c "$header_size" "$prose"
+    for ((i = 0; i < 30; ++i)); do
+        tail -c +$((header_size + 1)) "$prose" | head -c -1
+    done
+    tail -c 1 "$prose"
+} >"$work/long.doc"
+"$pfsdoc" text "$work/long.doc" >"$work/long.expected"
+add long "$work/long.doc" "$work/long.expected"
 
 # One start for all files, and a profile of its own.
 convert() {

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
 #include <string_view>
 #include <unistd.h>
@@ -17,6 +18,8 @@ namespace {
 
 using pfsdoc::OdfPackage;
 using pfsdoc::PackageEntry;
+using pfsdoc::Scratch;
+using pfsdoc::ScratchFailure;
 using pfsdoc::StringOutput;
 
 struct Entry {
@@ -57,9 +60,20 @@ std::vector<Entry> unpacked(const std::string &package)
     return entries;
 }
 
+std::string hard_to_compress(std::size_t size)
+{
+    std::minstd_rand random;
+    std::string digits;
+    while (digits.size() < size) {
+        digits.append(std::to_string(random()));
+    }
+    return digits;
+}
+
 std::string package_of(std::string_view content)
 {
-    OdfPackage package;
+    Scratch scratch;
+    OdfPackage package(scratch);
     PackageEntry(package, "content.xml").write(content);
     StringOutput output;
     package.finish(output);
@@ -78,7 +92,8 @@ TEST(OdfPackage, BeginsWithTheMimeTypeAsItIs)
 
 TEST(OdfPackage, HoldsTheEntriesInOrder)
 {
-    OdfPackage package;
+    Scratch scratch;
+    OdfPackage package(scratch);
     PackageEntry content(package, "content.xml");
     PackageEntry manifest(package, "META-INF/manifest.xml");
     content.write("<a>");
@@ -102,6 +117,37 @@ TEST(OdfPackage, CompressesWhatItHolds)
     EXPECT_EQ(unpacked(package).back().content, content);
 }
 
+// What is larger than a scratch holds in memory is written to a file, and entries are gone
+// back to there.
+TEST(OdfPackage, HoldsWhatDoesNotFitInMemory)
+{
+    const std::string content = hard_to_compress(3'000'000);
+    Scratch scratch;
+    OdfPackage package(scratch);
+    PackageEntry(package, "content.xml").write(content);
+    PackageEntry(package, "styles.xml").write("<b/>");
+    StringOutput output;
+    package.finish(output);
+    EXPECT_FALSE(scratch.is_in_memory());
+    const std::vector<Entry> expected = {
+        {"mimetype", "application/vnd.oasis.opendocument.text"},
+        {"content.xml", content},
+        {"styles.xml", "<b/>"},
+    };
+    EXPECT_TRUE(unpacked(output.text) == expected); // too long to be shown
+}
+
+// minizip gets a short count, and whoever asked for the package the exception.
+TEST(OdfPackage, HandsOnWhatTheScratchThrows)
+{
+    const int closed = ::dup(0);
+    ::close(closed);
+    Scratch scratch(closed);
+    OdfPackage package(scratch);
+    const std::string content = hard_to_compress(3'000'000);
+    EXPECT_THROW(package.write("content.xml", content), ScratchFailure);
+}
+
 TEST(OdfPackage, IsTheSameAtAnyTime)
 {
     const std::string package = package_of("<a/>");
@@ -112,7 +158,8 @@ TEST(OdfPackage, IsTheSameAtAnyTime)
 
 TEST(OdfPackage, CanBeLeftUnfinished)
 {
-    OdfPackage package;
+    Scratch scratch;
+    OdfPackage package(scratch);
     EXPECT_NO_THROW(PackageEntry(package, "content.xml").write("<a>"));
 }
 

@@ -290,7 +290,7 @@ TEST_F(OdfCommand, MakesNoFileOfADocumentThatIsTooLarge)
     std::ofstream(source / "tabs.doc", std::ios::binary) << document;
     const Outcome outcome = run("convert source/tabs.doc -o tabs.odt");
     EXPECT_EQ(outcome.exit_code, 6);
-    EXPECT_TRUE(contains(outcome.said, "is too large to be held in memory as OpenDocument"));
+    EXPECT_TRUE(contains(outcome.said, "is too large to be written as OpenDocument"));
     EXPECT_FALSE(fs::exists(directory / "tabs.odt"));
 }
 

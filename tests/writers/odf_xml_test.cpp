@@ -64,6 +64,24 @@ TEST(XmlStream, LeavesOutWhatIsNoAttribute)
     EXPECT_EQ(output.text, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<p/>\n");
 }
 
+// So that what follows can go elsewhere.
+TEST(XmlStream, FlushesAllThatItWasTold)
+{
+    StringOutput output;
+    XmlStream xml(output);
+    xml.startDocument();
+    xml.startElement("p", RVNGPropertyList());
+    xml.flush();
+    EXPECT_EQ(output.text, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<p>");
+    output.text.clear();
+    xml.endElement("p");
+    xml.flush();
+    EXPECT_EQ(output.text, "</p>");
+    output.text.clear();
+    xml.endDocument();
+    EXPECT_EQ(output.text, "\n");
+}
+
 // What is held is bounded: a long stream goes out in parts.
 TEST(XmlStream, WritesLongStreamsInParts)
 {
