@@ -5,6 +5,7 @@
 #include "explain.h"
 
 #include <random>
+#include <sys/resource.h>
 
 namespace {
 
@@ -386,6 +387,24 @@ TEST_F(Command, ClosedPipeIsSeven)
         run({"trace", "a.pfs"}, {.output = "/dev/fd/" + std::to_string(ends[1])});
     ::close(ends[1]);
     expect_failure(outcome, 7, "pfsdoc: a.pfs: the output cannot be written: Broken pipe");
+}
+
+// So would the signal that a file brings which grows beyond what the system allows.
+TEST_F(Command, LimitOfTheSystemIsSeven)
+{
+    write("long",
+          document_of(DocumentKind::write_b, bytes("0D '" + std::string(3000, 'x') + "' 0D 0E")));
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit tight{2000, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tight), 0);
+    const Outcome outcome = run({"text", "long", "-o", "new"});
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    expect_failure(outcome, 7, "pfsdoc: long: the output new cannot be written: File too large");
+    for (const auto &entry : fs::directory_iterator(directory)) {
+        EXPECT_FALSE(entry.path().filename().string().starts_with(".pfsdoc-")) << entry.path();
+        EXPECT_NE(entry.path().filename(), "new");
+    }
 }
 
 TEST_F(Command, OutputFileHoldsWhatStandardOutputWould)

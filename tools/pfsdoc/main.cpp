@@ -106,8 +106,11 @@ int run(int argument_count, char **arguments)
 
 int main(int argument_count, char **arguments)
 {
-    // A reader that goes away is an output that cannot be written, with a message of its own.
-    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    // A reader that goes away, or a file that may not grow, is an output that cannot be written,
+    // with a message of its own.
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        static_cast<void>(std::signal(signal, SIG_IGN));
+    }
     pfsdoc::occupy_standard_streams();
     pfsdoc::handle_interruptions();
     try {
