@@ -34,6 +34,8 @@ make_others()
     printf 'PK\x03\x04\x14%600s' '' >"$directory/archive"
     "$pfsdoc" convert -t json "$write" -o "$directory/letter.json"
     "$pfsdoc" convert -t html "$write" -o "$directory/letter.html"
+    printf '.TH PAGE 1\n.SH NAME\npage \\- nothing of ours\n' >"$directory/page.1"
+    printf 'nothing of ours\n' >"$directory/notes.2"
     : >"$directory/empty"
 
     head -c 646 "$write" >"$directory/cut-in-the-signature"

@@ -40,7 +40,7 @@ diff "$work/before" "$work/after" || failed "files of others have other types th
 count=0
 for sample in "$samples"/*/*.doc; do
     expected=$(type_of "$sample")
-    for name in LETTER LETTER.12 LETTER.DOC letter.doc letter.pfs letter.pw; do
+    for name in LETTER LETTER.1 LETTER.9 LETTER.12 LETTER.DOC letter.doc letter.pfs letter.pw; do
         cp "$sample" "$work/$name"
         type=$(told "$work/$name")
         [ "$type" = "$expected" ] || failed "$sample as $name: $type instead of $expected"
