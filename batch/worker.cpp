@@ -1,6 +1,7 @@
 #include "worker.h"
 
 #include "scratch_file.h"
+#include "shadow_memory.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -20,19 +21,6 @@ namespace pfsdoc {
 namespace {
 
 constexpr int first_own_descriptor = STDERR_FILENO + 1;
-
-#if defined(__SANITIZE_ADDRESS__)
-// Its shadow memory is larger than any limit.
-constexpr bool memory_can_be_limited = false;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr bool memory_can_be_limited = false;
-#else
-constexpr bool memory_can_be_limited = true;
-#endif
-#else
-constexpr bool memory_can_be_limited = true;
-#endif
 
 void limit(__rlimit_resource resource, uint64_t value)
 {
@@ -72,7 +60,7 @@ void limit_resources(const WorkerSettings &settings)
 {
     limit(RLIMIT_FSIZE, settings.conversion.max_output);
     limit(RLIMIT_CORE, 0);
-    if (memory_can_be_limited) {
+    if (!memory_is_shadowed) {
         limit(RLIMIT_AS, settings.max_memory);
     }
 }

@@ -1,0 +1,17 @@
+// Whether a sanitizer watches the memory: its shadow of it is larger than any limit, and it
+// ends a process that crashes in its own way. Test: tests/batch/run/canary_test.cpp.
+#pragma once
+
+namespace pfsdoc {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool memory_is_shadowed = true;
+#elif defined(__has_feature)
+inline constexpr bool memory_is_shadowed = __has_feature(address_sanitizer) ||
+                                           __has_feature(memory_sanitizer) ||
+                                           __has_feature(thread_sanitizer);
+#else
+inline constexpr bool memory_is_shadowed = false;
+#endif
+
+} // namespace pfsdoc
