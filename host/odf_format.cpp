@@ -276,7 +276,7 @@ const Format odt_format = {
     .wants_offsets = false,
     .needs_plugin = true,
     .is_binary = true,
-    .scratch_files = 2,
+    .scratch_files = 3,
 };
 
 const Format fodt_format = {
@@ -288,7 +288,7 @@ const Format fodt_format = {
     .make_event_writer = nullptr,
     .wants_offsets = false,
     .needs_plugin = true,
-    .scratch_files = 1,
+    .scratch_files = 2,
 };
 
 } // namespace pfsdoc

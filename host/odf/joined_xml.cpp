@@ -1,21 +1,70 @@
 #include "joined_xml.h"
 
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
 namespace pfsdoc {
 
 namespace {
 
+using librevenge::RVNGProperty;
+using librevenge::RVNGPropertyList;
+
 constexpr std::string_view body_element = "office:text";
+constexpr std::string_view style_element = "style:style";
+constexpr const char *style_name = "style:name";
+constexpr std::string_view empty_name = " style:name=\"\"";
+constexpr std::string_view paragraph_family = "paragraph";
+constexpr const char *paragraph_style_name = "text:style-name";
+// Behind it stands the number.
+constexpr char name_prefix = 'S';
+
+std::string value_of(const RVNGPropertyList &attributes, const char *name)
+{
+    const RVNGProperty *attribute = attributes[name];
+    return attribute != nullptr ? attribute->getStr().cstr() : std::string();
+}
+
+// Those of headers and footers, and the ones that every document has, have other names.
+bool is_body_style(std::string_view element, const RVNGPropertyList &attributes)
+{
+    if (element != style_element || value_of(attributes, "style:family") != paragraph_family) {
+        return false;
+    }
+    const std::string name = value_of(attributes, style_name);
+    return name.size() > 1 && name.front() == name_prefix &&
+           name.find_first_not_of("0123456789", 1) == std::string::npos;
+}
+
+std::string name_of(uint64_t number)
+{
+    return name_prefix + std::to_string(number);
+}
+
+uint64_t number_of(std::string_view name)
+{
+    uint64_t number = 0;
+    std::from_chars(name.data() + 1, name.data() + name.size(), number);
+    return number;
+}
 
 } // namespace
 
-void JoinedXml::begin_portion(std::size_t repeated_paragraphs)
+void JoinedXml::begin_portion()
 {
-    head_.clear();
+    ++portions_;
+    before_styles_.clear();
+    behind_styles_.clear();
     tail_.clear();
-    part_ = Part::head;
+    part_ = Part::before_styles;
+    new_names_.clear();
     depth_ = 0;
-    repeated_paragraphs_ = repeated_paragraphs;
     paragraphs_ = 0;
+    if (remembered_bytes_ > most_remembered) {
+        remembered_.clear();
+        remembered_bytes_ = 0;
+    }
 }
 
 void JoinedXml::startDocument()
@@ -28,12 +77,13 @@ void JoinedXml::endDocument()
     xml_.endDocument();
 }
 
-void JoinedXml::startElement(const char *name, const librevenge::RVNGPropertyList &attributes)
+void JoinedXml::startElement(const char *name, const RVNGPropertyList &attributes)
 {
     if (depth_ == 1) {
-        begin_paragraph();
-    }
-    if (!is_left_out()) {
+        start_paragraph(name, attributes);
+    } else if (is_body_style(name, attributes)) {
+        begin_style(attributes);
+    } else if (!is_left_out()) {
         xml_.startElement(name, attributes);
     }
     depth_ += depth_ != 0 || name == body_element ? 1 : 0;
@@ -49,6 +99,9 @@ void JoinedXml::endElement(const char *name)
     if (!is_left_out()) {
         xml_.endElement(name);
     }
+    if (part_ == Part::style && name == style_element) {
+        end_style();
+    }
 }
 
 void JoinedXml::characters(const librevenge::RVNGString &text)
@@ -58,26 +111,78 @@ void JoinedXml::characters(const librevenge::RVNGString &text)
     }
 }
 
-void JoinedXml::begin_paragraph()
+// ------------------------------------------------------------------------- styles -----
+
+void JoinedXml::begin_style(const RVNGPropertyList &attributes)
 {
-    ++paragraphs_;
-    if (part_ == Part::head && paragraphs_ > repeated_paragraphs_) {
-        xml_.flush();
-        part_ = Part::body;
+    xml_.flush();
+    part_ = Part::style;
+    style_ = {
+        value_of(attributes, style_name), attributes["style:master-page-name"] != nullptr, {}};
+    RVNGPropertyList unnamed(attributes);
+    unnamed.insert(style_name, "");
+    xml_.startElement(style_element.data(), unnamed);
+}
+
+void JoinedXml::end_style()
+{
+    xml_.flush();
+    part_ = Part::behind_styles;
+    if (is_first_portion()) {
+        add_style(number_of(style_.portion_name));
+    } else if (!style_.begins_page) {
+        const auto known = remembered_.find(style_.definition);
+        const uint64_t number =
+            known != remembered_.end() ? known->second : add_style(next_number_);
+        new_names_.emplace(style_.portion_name, name_of(number));
     }
 }
 
-// Paragraphs that are repeated stand before all others, so nothing of the body has been
-// written while they last.
+uint64_t JoinedXml::add_style(uint64_t number)
+{
+    const std::size_t size = style_.definition.size();
+    const std::size_t name_at = style_.definition.find(empty_name) + empty_name.size() - 1;
+    styles_.append(std::string(style_.definition).insert(name_at, name_of(number)));
+    next_number_ = std::max(next_number_, number + 1);
+    if (remembered_.emplace(std::move(style_.definition), number).second) {
+        remembered_bytes_ += size;
+    }
+    return number;
+}
+
+// --------------------------------------------------------------------------- body -----
+
+void JoinedXml::start_paragraph(const char *name, const RVNGPropertyList &attributes)
+{
+    ++paragraphs_;
+    if (is_left_out()) {
+        return;
+    }
+    if (part_ != Part::body) {
+        xml_.flush();
+        part_ = Part::body;
+    }
+    const auto renamed = new_names_.find(value_of(attributes, paragraph_style_name));
+    if (renamed == new_names_.end()) {
+        xml_.startElement(name, attributes);
+        return;
+    }
+    RVNGPropertyList changed(attributes);
+    changed.insert(paragraph_style_name, renamed->second.c_str());
+    xml_.startElement(name, changed);
+}
+
 bool JoinedXml::is_left_out() const
 {
-    return part_ == Part::head && paragraphs_ != 0;
+    return !is_first_portion() && depth_ != 0 && paragraphs_ == 1;
 }
 
 void JoinedXml::write(std::string_view bytes)
 {
     switch (part_) {
-    case Part::head: head_.append(bytes); break;
+    case Part::before_styles: before_styles_.append(bytes); break;
+    case Part::style: style_.definition.append(bytes); break;
+    case Part::behind_styles: behind_styles_.append(bytes); break;
     case Part::body: body_.append(bytes); break;
     case Part::tail: tail_.append(bytes); break;
     }
@@ -85,7 +190,9 @@ void JoinedXml::write(std::string_view bytes)
 
 void JoinedXml::copy_to(Output &output) const
 {
-    output.write(head_);
+    output.write(before_styles_);
+    styles_.copy_to(output);
+    output.write(behind_styles_);
     body_.copy_to(output);
     output.write(tail_);
 }

@@ -1,11 +1,18 @@
 // One XML stream of an OpenDocument document whose body was told in portions, each of them a
 // whole document of its own.
 //
-// What stands before the body names the styles that the body uses, and each portion names all
-// that the ones before it have used, by the same names: so it is kept of the last portion
-// only, and so is what stands behind the body. The bodies follow each other in a scratch, as
-// they must wait for what stands before them. The first paragraphs of a portion can be there
-// for their styles alone; those are left out. Test: tests/writers/joined_xml_test.cpp.
+// What stands before the body is kept of the last portion only, and so is what stands behind
+// it: a portion names there what the ones before it have used, by the same names. The styles
+// of the body's paragraphs are the exception, as there can be as many of them as paragraphs: a
+// portion has those that it uses, and numbers them from the start, S0, S1, S2. So the first
+// portion's keep their names, and the others' get new ones, or the name of a style before
+// that looks alike. How styles look is remembered for some of them only: one that comes again
+// much later may be written twice, by two names.
+//
+// Styles, and bodies, follow each other in a scratch each, as they must wait for what stands
+// before them. Portions after the first begin with a paragraph that the document does not
+// have, whose style begins the page; both are left out.
+// Test: tests/writers/joined_xml_test.cpp.
 #pragma once
 
 #include "odf_xml.h"
@@ -15,6 +22,9 @@
 #include <libodfgen/libodfgen.hxx>
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -22,12 +32,14 @@ namespace pfsdoc {
 
 class JoinedXml final : public OdfDocumentHandler, private Output {
 public:
-    // The scratch must outlive the stream.
-    explicit JoinedXml(Scratch &body) : body_(body) {}
+    // Bytes of styles that are remembered from one portion for the next. A letter or a book
+    // has fewer.
+    static constexpr std::size_t most_remembered = std::size_t{256} << 10;
 
-    // A portion whose body begins with these many paragraphs that are to be left out, and has
-    // others too, unless it is the only one.
-    void begin_portion(std::size_t repeated_paragraphs);
+    // The scratches must outlive the stream.
+    JoinedXml(Scratch &styles, Scratch &body) : styles_(styles), body_(body) {}
+
+    void begin_portion();
     void startDocument() override;
     void endDocument() override;
     void startElement(const char *name, const librevenge::RVNGPropertyList &attributes) override;
@@ -38,21 +50,44 @@ public:
     void copy_to(Output &output) const;
 
 private:
-    enum class Part { head, body, tail };
+    enum class Part { before_styles, style, behind_styles, body, tail };
+
+    // A style of the body's paragraphs.
+    struct Style {
+        std::string portion_name;
+        bool begins_page;
+        std::string definition; // with an empty name
+    };
 
     void write(std::string_view bytes) override;
-    void begin_paragraph();
+    void begin_style(const librevenge::RVNGPropertyList &attributes);
+    void end_style();
+    uint64_t add_style(uint64_t number);
+    void start_paragraph(const char *name, const librevenge::RVNGPropertyList &attributes);
+    bool is_first_portion() const
+    {
+        return portions_ == 1;
+    }
     bool is_left_out() const;
 
-    std::string head_;
+    std::string before_styles_;
+    Scratch &styles_;
+    std::string behind_styles_;
     Scratch &body_;
     std::string tail_;
     XmlStream xml_{*this};
 
+    // By their definitions.
+    std::map<std::string, uint64_t> remembered_;
+    std::size_t remembered_bytes_ = 0;
+    uint64_t next_number_ = 0;
+    std::size_t portions_ = 0;
+
     // The portion.
-    Part part_ = Part::head;
-    std::size_t depth_ = 0; // of the elements that are open, the body the outermost
-    std::size_t repeated_paragraphs_ = 0;
+    Part part_ = Part::before_styles;
+    Style style_;
+    std::map<std::string, std::string, std::less<>> new_names_; // by the portion's
+    std::size_t depth_ = 0;      // of the elements that are open, the body the outermost
     std::size_t paragraphs_ = 0; // so far
 };
 

@@ -17,8 +17,8 @@ namespace {
 // libodfgen holds some hundred bytes for each element. A portion of these many takes a
 // megabyte or two, and much more time than is lost between two.
 constexpr uint64_t portion_elements = 4096;
-// A portion holds a paragraph at least, and all styles of the document. A hostile one, such as
-// of nothing but tabs, would take hundreds of times its own size.
+// A portion holds a paragraph at least. A hostile one, such as of nothing but tabs, would take
+// hundreds of times its own size.
 constexpr uint64_t most_elements = 4'000'000;
 
 GeneratorTraits traits_of(Portions &portions)
@@ -48,7 +48,7 @@ public:
     OdfDocument(OdfPackaging packaging, OdfOutput &output, const DocumentInfo &info,
                 const WriterOptions &options)
         : output_(output), portions_(make_odf_portions(packaging, options.scratch_files)),
-          writer_(portions_->next(0), info, options, traits_of(*portions_))
+          writer_(portions_->next(), info, options, traits_of(*portions_))
     {
     }
     OdfDocument(const OdfDocument &) = delete;

@@ -21,11 +21,14 @@ std::unique_ptr<Scratch> make_scratch(std::span<const int> files, std::size_t in
 
 class FlatPortions final : public OdfPortions {
 public:
-    explicit FlatPortions(std::span<const int> files) : body_(make_scratch(files, 0)) {}
-
-    librevenge::RVNGTextInterface &next(std::size_t repeated_paragraphs) override
+    explicit FlatPortions(std::span<const int> files)
+        : styles_(make_scratch(files, 0)), body_(make_scratch(files, 1))
     {
-        xml_.begin_portion(repeated_paragraphs);
+    }
+
+    librevenge::RVNGTextInterface &next() override
+    {
+        xml_.begin_portion();
         generator_ = std::make_unique<OdtGenerator>();
         generator_->addDocumentHandler(&xml_, ODF_FLAT_XML);
         return *generator_;
@@ -37,8 +40,9 @@ public:
     }
 
 private:
+    std::unique_ptr<Scratch> styles_;
     std::unique_ptr<Scratch> body_;
-    JoinedXml xml_{*body_};
+    JoinedXml xml_{*styles_, *body_};
     std::unique_ptr<OdtGenerator> generator_;
 };
 
@@ -51,13 +55,14 @@ struct LastStream {
 class PackagedPortions final : public OdfPortions {
 public:
     explicit PackagedPortions(std::span<const int> files)
-        : body_(make_scratch(files, 0)), archive_(make_scratch(files, 1))
+        : paragraph_styles_(make_scratch(files, 0)), body_(make_scratch(files, 1)),
+          archive_(make_scratch(files, 2))
     {
     }
 
-    librevenge::RVNGTextInterface &next(std::size_t repeated_paragraphs) override
+    librevenge::RVNGTextInterface &next() override
     {
-        content_.begin_portion(repeated_paragraphs);
+        content_.begin_portion();
         generator_ = std::make_unique<OdtGenerator>();
         generator_->addDocumentHandler(&content_, ODF_CONTENT_XML);
         attach(styles_, ODF_STYLES_XML);
@@ -86,9 +91,10 @@ private:
         generator_->addDocumentHandler(&stream.xml, type);
     }
 
+    std::unique_ptr<Scratch> paragraph_styles_;
     std::unique_ptr<Scratch> body_;
     std::unique_ptr<Scratch> archive_;
-    JoinedXml content_{*body_};
+    JoinedXml content_{*paragraph_styles_, *body_};
     LastStream styles_;
     LastStream settings_;
     LastStream meta_;

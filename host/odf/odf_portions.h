@@ -18,7 +18,8 @@ public:
     virtual void finish(Output &output) = 0;
 };
 
-// The files are those of WriterOptions: one for the body, and one for the package.
+// The files are those of WriterOptions: one for the styles of paragraphs, one for the body, and
+// one for the package.
 std::unique_ptr<OdfPortions> make_odf_portions(OdfPackaging packaging, std::span<const int> files);
 
 } // namespace pfsdoc

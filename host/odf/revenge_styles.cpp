@@ -170,6 +170,7 @@ void RevengeStyles::begin_generator(librevenge::RVNGTextInterface &generator)
     generator_ = &generator;
     elements_ = 0;
     header_ = {};
+    body_.looks.clear();
     place_ = &header_;
 }
 
@@ -203,20 +204,10 @@ const RVNGPropertyList &RevengeStyles::paragraph_properties(const Paragraph &par
         if (!generator_keeps_styles_ && place_->looks.size() == looks_kept) {
             place_->looks.clear();
         }
-        KnownLook added{defined_paragraph(make_properties(look, page))};
-        known = place_->looks.emplace(std::move(look), std::move(added)).first;
+        RVNGPropertyList properties = defined_paragraph(make_properties(look, page));
+        known = place_->looks.emplace(std::move(look), std::move(properties)).first;
     }
-    note_use(known->first, known->second);
-    return known->second.properties;
-}
-
-void RevengeStyles::note_use(const ParagraphLook &look, KnownLook &known)
-{
-    if (!generator_keeps_styles_ || known.is_in_order) {
-        return;
-    }
-    known.is_in_order = !place_->looks_in_order.empty();
-    place_->looks_in_order.push_back(&look);
+    return known->second;
 }
 
 const RVNGPropertyList &RevengeStyles::span_properties(AttributeSet attributes)
@@ -230,29 +221,16 @@ const RVNGPropertyList &RevengeStyles::span_properties(AttributeSet attributes)
         .first->second;
 }
 
-void RevengeStyles::repeat_body(const PageColumns &page)
-{
-    for (const auto &[look, known] : body_.looks) {
-        define_paragraph(make_properties(look, page), known.properties[paragraph_number]->getInt());
-    }
-    bool is_first = true;
-    for (const ParagraphLook *look : body_.looks_in_order) {
-        generator_->openParagraph(body_.looks.at(*look).properties);
-        if (std::exchange(is_first, false)) {
-            repeat_spans();
-        }
-        generator_->closeParagraph();
-    }
-}
-
 void RevengeStyles::repeat_spans()
 {
+    generator_->openParagraph(RVNGPropertyList());
     for (const AttributeSet attributes : body_.spans_in_order) {
         const RVNGPropertyList &reference = body_.spans.at(attributes);
         define_span(make_span_properties(attributes), reference[span_number]->getInt());
         generator_->openSpan(reference);
         generator_->closeSpan();
     }
+    generator_->closeParagraph();
 }
 
 // What to tell of a style that has these properties.

@@ -43,9 +43,10 @@ librevenge::RVNGPropertyList page_properties(const PageColumns &page, bool has_h
 // paragraphs look like one of the last few: those are kept. To a generator that keeps styles
 // a list is told once, with a number that stands for it from then on.
 //
-// A document may be told to several such generators, a portion of its body to each, and all
-// are to give a style the same name. They name styles in the order in which they are used, so
-// each is first told all that the body has used before.
+// A document may be told to several such generators, a portion of its body to each. The styles
+// of paragraphs are defined for each anew, so no more are kept than a portion has. Those of
+// runs are few, and all generators are to give them the same names: they name styles in the
+// order in which they are used, so each is first told what the body has used before.
 class RevengeStyles {
 public:
     explicit RevengeStyles(bool generator_keeps_styles);
@@ -57,13 +58,9 @@ public:
     // The body follows. A generator keeps the styles of the two in different places, so
     // nothing is kept from one for the other.
     void begin_body();
-    // Tells a generator that keeps styles what the body has used in others before it, in
-    // paragraphs without text: as many as repeated_paragraphs says.
-    void repeat_body(const PageColumns &page);
-    std::size_t repeated_paragraphs() const
-    {
-        return body_.looks_in_order.size();
-    }
+    // Tells a generator that keeps styles what the runs of the body have used in others before
+    // it, in a paragraph without text.
+    void repeat_spans();
 
     // The answers are valid until the next call. All calls are for the same page.
     const librevenge::RVNGPropertyList &paragraph_properties(const Paragraph &paragraph,
@@ -90,28 +87,19 @@ private:
 
         auto operator<=>(const ParagraphLook &) const = default;
     };
-    struct KnownLook {
-        librevenge::RVNGPropertyList properties; // as they are told
-        bool is_in_order = false;
-    };
     // The headers and footers, or the body.
     struct Place {
-        std::map<ParagraphLook, KnownLook> looks;
-        // As generators name them. The place's first paragraph has a name of its own, since
-        // it begins the page too: its look comes first here, and again when it is used again.
-        std::vector<const ParagraphLook *> looks_in_order;
+        std::map<ParagraphLook, librevenge::RVNGPropertyList> looks; // as they are told
         std::map<AttributeSet, librevenge::RVNGPropertyList> spans;
-        std::vector<AttributeSet> spans_in_order;
+        std::vector<AttributeSet> spans_in_order; // of their first use
     };
 
     static librevenge::RVNGPropertyList make_properties(const ParagraphLook &look,
                                                         const PageColumns &page);
-    void note_use(const ParagraphLook &look, KnownLook &known);
     librevenge::RVNGPropertyList defined_paragraph(librevenge::RVNGPropertyList properties);
     librevenge::RVNGPropertyList defined_span(librevenge::RVNGPropertyList properties);
     void define_paragraph(librevenge::RVNGPropertyList properties, int number);
     void define_span(librevenge::RVNGPropertyList properties, int number);
-    void repeat_spans();
 
     librevenge::RVNGTextInterface *generator_ = nullptr;
     bool generator_keeps_styles_;

@@ -153,6 +153,7 @@ void RevengeWriter::open_page()
     write_footer();
     styles_.begin_body();
     in_body_ = true;
+    repeated_elements_ = elements();
 }
 
 bool RevengeWriter::portion_is_full() const
@@ -168,13 +169,13 @@ void RevengeWriter::begin_portion()
 {
     const InParagraph interrupted = std::exchange(now_, {});
     end_document();
-    document_ = &traits_.portions->next(styles_.repeated_paragraphs());
+    document_ = &traits_.portions->next();
     in_body_ = false;
     elements_ = 0;
     begin_document();
     open_page();
-    count_elements(styles_.repeated_paragraphs());
-    styles_.repeat_body(*page_);
+    count_elements(1);
+    styles_.repeat_spans();
     repeated_elements_ = elements();
     now_ = interrupted;
 }

@@ -18,8 +18,8 @@
 // A generator that holds what it is told until the document ends would hold the document, so
 // it can be given a portion of the body only: when that is full, the next paragraph goes to
 // another generator. Each is told a whole document, the page with its header and footer as
-// much as the first, and then the styles of the body so far: what comes out are documents
-// that differ in their text alone, and use the same names.
+// much as the first, and then a paragraph that the document does not have, in which the styles
+// of runs so far are repeated.
 //
 // Calls balance whatever the blocks are. Tests: tests/writers/revenge_writer_test.cpp and,
 // for the portions, tests/writers/odf_portions_test.cpp.
@@ -46,9 +46,9 @@ class Portions {
 public:
     virtual ~Portions() = default;
     // The generator for the next portion; the one before it has been told its endDocument.
-    // The body's first paragraphs, this many, are there for their styles, and not part of the
-    // document.
-    virtual librevenge::RVNGTextInterface &next(std::size_t repeated_paragraphs) = 0;
+    // In all but the first the body begins with a paragraph that is not part of the document:
+    // it begins the page, and its runs have the styles that runs have had before.
+    virtual librevenge::RVNGTextInterface &next() = 0;
 };
 
 // What to know of a generator. It may hold what it is told in memory, which is counted in
@@ -61,9 +61,9 @@ struct GeneratorTraits {
     uint64_t most_elements = unlimited;
     // Properties need not be told again once a style with a number has been defined.
     bool keeps_styles = false;
-    // For generators that keep styles. Where these many elements have been told, the next
-    // paragraph goes to the next generator, unless as many had to be repeated: documents of
-    // nothing but styles cost what their size says too.
+    // For generators that keep styles. Where these many elements of the body have been told,
+    // the next paragraph goes to the next generator, unless there is more than these to be
+    // repeated in it: a document with a large header costs what its size says too.
     Portions *portions = nullptr;
     uint64_t portion_elements = unlimited;
 };
@@ -128,8 +128,9 @@ private:
     GeneratorTraits traits_;
 
     // The portion.
-    uint64_t elements_ = 0;          // without styles
-    uint64_t repeated_elements_ = 0; // with styles
+    uint64_t elements_ = 0; // without styles
+    // With styles, what stands in the other portions too: the header and footer first of all.
+    uint64_t repeated_elements_ = 0;
 
     // The document.
     std::optional<BlockKind> block_; // that lines belong to
