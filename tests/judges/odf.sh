@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # odf.sh PFSDOC SAMPLES: has LibreOffice read every sample as odt and as fodt, and compares
 # the text and the pages that it makes of them with the samples' own texts: odf_pages.py. So it
-# does with a long document, whose text is what `pfsdoc text` makes of it.
+# does with two long documents, whose text is what `pfsdoc text` makes of them.
 # Before that, packages must be packed as OpenDocument demands, and all XML well-formed.
 set -euo pipefail
 pfsdoc=$1
@@ -61,6 +61,30 @@ header_size=1025
 } >"$work/long.doc"
 "$pfsdoc" text "$work/long.doc" >"$work/long.expected"
 add long "$work/long.doc" "$work/long.expected"
+
+# Another one, in which each paragraph has tab stops of its own, and so a style: stop n of a
+# paragraph is there if bit n of its number is set. A wrong style puts a line elsewhere. It goes on
+# where a letter ends, and is compared as one.
+letter=$samples/1058-pfs-first-choice-3/letter.doc
+paragraphs=1000
+page_paragraphs=40
+stops=10
+{
+    head -c -1 "$letter"
+    for ((i = 0; i < paragraphs; ++i)); do
+        [ $((i % page_paragraphs)) -ne 0 ] || printf '\bpage\r'
+        ruler=
+        for ((stop = 0; stop < stops; ++stop)); do
+            [ $((i >> stop & 1)) -eq 1 ] && ruler+=---T- || ruler+=-----
+        done
+        printf '\f\0\0\0          [%s------------]\rP\001\ta\t%d\r' "$ruler" "$i"
+    done
+    tail -c 1 "$letter"
+} >"$work/rulers.doc"
+"$pfsdoc" text "$work/rulers.doc" >"$work/rulers.expected"
+add long-letter "$work/rulers.doc" "$work/rulers.expected"
+styles=$(grep -o 'style:name="S[0-9]*"' "$work/long-letter.flat.fodt" | sort -u | wc -l)
+[ "$styles" -ge "$paragraphs" ] || fail "$styles styles for $paragraphs paragraphs"
 
 # One start for all files, and a profile of its own.
 convert() {
