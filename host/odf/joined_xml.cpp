@@ -16,7 +16,7 @@ constexpr std::string_view style_element = "style:style";
 constexpr const char *style_name = "style:name";
 constexpr std::string_view empty_name = " style:name=\"\"";
 constexpr std::string_view paragraph_family = "paragraph";
-constexpr const char *paragraph_style_name = "text:style-name";
+constexpr std::string_view paragraph_style_name = "text:style-name";
 // Behind it stands the number.
 constexpr char name_prefix = 'S';
 
@@ -58,7 +58,7 @@ void JoinedXml::begin_portion()
     behind_styles_.clear();
     tail_.clear();
     part_ = Part::before_styles;
-    new_names_.clear();
+    new_names_ = {paragraph_style_name, {}};
     depth_ = 0;
     paragraphs_ = 0;
     if (remembered_bytes_ > most_remembered) {
@@ -119,9 +119,8 @@ void JoinedXml::begin_style(const RVNGPropertyList &attributes)
     part_ = Part::style;
     style_ = {
         value_of(attributes, style_name), attributes["style:master-page-name"] != nullptr, {}};
-    RVNGPropertyList unnamed(attributes);
-    unnamed.insert(style_name, "");
-    xml_.startElement(style_element.data(), unnamed);
+    const NewValues unnamed = {style_name, {{style_.portion_name, ""}}};
+    xml_.start_element(style_element.data(), attributes, unnamed);
 }
 
 void JoinedXml::end_style()
@@ -134,7 +133,7 @@ void JoinedXml::end_style()
         const auto known = remembered_.find(style_.definition);
         const uint64_t number =
             known != remembered_.end() ? known->second : add_style(next_number_);
-        new_names_.emplace(style_.portion_name, name_of(number));
+        new_names_.values.emplace(style_.portion_name, name_of(number));
     }
 }
 
@@ -162,14 +161,7 @@ void JoinedXml::start_paragraph(const char *name, const RVNGPropertyList &attrib
         xml_.flush();
         part_ = Part::body;
     }
-    const auto renamed = new_names_.find(value_of(attributes, paragraph_style_name));
-    if (renamed == new_names_.end()) {
-        xml_.startElement(name, attributes);
-        return;
-    }
-    RVNGPropertyList changed(attributes);
-    changed.insert(paragraph_style_name, renamed->second.c_str());
-    xml_.startElement(name, changed);
+    xml_.start_element(name, attributes, new_names_);
 }
 
 bool JoinedXml::is_left_out() const

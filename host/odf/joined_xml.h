@@ -23,7 +23,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -86,7 +85,7 @@ private:
     // The portion.
     Part part_ = Part::before_styles;
     Style style_;
-    std::map<std::string, std::string, std::less<>> new_names_; // by the portion's
+    NewValues new_names_;        // of styles
     std::size_t depth_ = 0;      // of the elements that are open, the body the outermost
     std::size_t paragraphs_ = 0; // so far
 };

@@ -24,6 +24,15 @@ std::string_view entity(char special)
 
 } // namespace
 
+std::string_view NewValues::value_of(std::string_view name, std::string_view value) const
+{
+    if (name != attribute) {
+        return value;
+    }
+    const auto found = values.find(value);
+    return found != values.end() ? found->second : value;
+}
+
 XmlStream::XmlStream(Output &output) : output_(output) {}
 
 void XmlStream::startDocument()
@@ -47,19 +56,30 @@ void XmlStream::flush()
 
 void XmlStream::startElement(const char *name, const librevenge::RVNGPropertyList &attributes)
 {
+    start_element(name, attributes, {});
+}
+
+void XmlStream::start_element(const char *name, const librevenge::RVNGPropertyList &attributes,
+                              const NewValues &changed)
+{
     end_tag();
     buffer_.append("<").append(name);
     librevenge::RVNGPropertyList::Iter attribute(attributes);
     for (attribute.rewind(); attribute.next();) {
-        if (attribute.child() != nullptr ||
-            std::string_view(attribute.key()).starts_with(private_prefix)) {
+        const std::string_view key = attribute.key();
+        if (attribute.child() != nullptr || key.starts_with(private_prefix)) {
             continue;
         }
-        buffer_.append(" ").append(attribute.key()).append("=\"");
-        append_escaped(attribute()->getStr().cstr());
-        buffer_.push_back('"');
+        append_attribute(key, changed.value_of(key, attribute()->getStr().cstr()));
     }
     tag_open_ = true;
+}
+
+void XmlStream::append_attribute(std::string_view name, std::string_view value)
+{
+    buffer_.append(" ").append(name).append("=\"");
+    append_escaped(value);
+    buffer_.push_back('"');
 }
 
 void XmlStream::endElement(const char *name)

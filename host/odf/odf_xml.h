@@ -7,10 +7,20 @@
 
 #include <libodfgen/libodfgen.hxx>
 
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 
 namespace pfsdoc {
+
+// Values that an attribute has, and what is written in their place.
+struct NewValues {
+    std::string_view attribute;
+    std::map<std::string, std::string, std::less<>> values;
+
+    std::string_view value_of(std::string_view name, std::string_view value) const;
+};
 
 class XmlStream final : public OdfDocumentHandler {
 public:
@@ -20,6 +30,8 @@ public:
     void startDocument() override;
     void endDocument() override;
     void startElement(const char *name, const librevenge::RVNGPropertyList &attributes) override;
+    void start_element(const char *name, const librevenge::RVNGPropertyList &attributes,
+                       const NewValues &changed);
     void endElement(const char *name) override;
     void characters(const librevenge::RVNGString &text) override;
     // Everything so far is with the output after it. The element that was started last can
@@ -28,6 +40,7 @@ public:
 
 private:
     void end_tag();
+    void append_attribute(std::string_view name, std::string_view value);
     void append_escaped(std::string_view text);
     void write_if_full();
 

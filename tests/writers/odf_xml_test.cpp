@@ -64,6 +64,25 @@ TEST(XmlStream, LeavesOutWhatIsNoAttribute)
     EXPECT_EQ(output.text, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<p/>\n");
 }
 
+TEST(XmlStream, WritesOtherValuesOfOneAttribute)
+{
+    StringOutput output;
+    XmlStream xml(output);
+    const pfsdoc::NewValues changed = {"a", {{"one", "1"}, {"two", "<2>"}}};
+    xml.startDocument();
+    for (const char *value : {"one", "two", "three", ""}) {
+        RVNGPropertyList attributes;
+        attributes.insert("a", value);
+        attributes.insert("b", "one");
+        xml.start_element("p", attributes, changed);
+        xml.endElement("p");
+    }
+    xml.endDocument();
+    EXPECT_EQ(output.text, R"(<?xml version="1.0" encoding="UTF-8"?>
+<p a="1" b="one"/><p a="&lt;2&gt;" b="one"/><p a="three" b="one"/><p a="" b="one"/>
+)");
+}
+
 // So that what follows can go elsewhere.
 TEST(XmlStream, FlushesAllThatItWasTold)
 {
