@@ -38,6 +38,21 @@ protected:
         }
         write(name, document_of(pfsdoc::DocumentKind::write_b, body + '\x0E'));
     }
+    // Each paragraph with tab stops of its own, where the bits of its number are: 2000 styles are
+    // more than a megabyte of XML.
+    void write_rulers(const std::string &name, unsigned paragraphs) const
+    {
+        constexpr unsigned columns = 16;
+        std::string body;
+        for (unsigned number = 0; number < paragraphs; ++number) {
+            body.append("\f\0\0\0[", 5);
+            for (unsigned column = 0; column < columns; ++column) {
+                body += (number >> column & 1U) != 0 ? 'T' : '-';
+            }
+            body += "]\rP\x01word\r";
+        }
+        write(name, document_of(pfsdoc::DocumentKind::first_choice_3, body + '\x0E'));
+    }
     bool left_nothing() const
     {
         return fs::is_empty(directory / "temporary");
@@ -50,13 +65,15 @@ TEST_F(LargeDocument, IsConvertedInTheSandbox)
     write_large("in/1", 20'000);
     write_letter("in/2", "Hello");
     write_large("in/3", 6'000);
-    write_large("in/4", 18'000);
+    write_rulers("in/4", 2'000);
+    write_large("in/5", 18'000);
+    write_rulers("in/6", 1'900);
     for (const std::string format : {"odt", "fodt"}) {
         SCOPED_TRACE(format);
         const Outcome outcome =
             run({"batch", "in", "-o", format, "-t", format, "-q", "-j", "1", "--sandbox=require"});
         EXPECT_EQ(outcome.exit_code, 0) << outcome.errors;
-        for (const std::string name : {"1", "2", "3", "4"}) {
+        for (const std::string name : {"1", "2", "3", "4", "5", "6"}) {
             const std::string path = format + "/in/" + name + "." + format;
             const std::string alone = output_of({"convert", "-t", format, "in/" + name});
             EXPECT_TRUE(content_of(directory / path) == alone) << path; // too long to be shown
