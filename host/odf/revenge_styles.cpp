@@ -239,7 +239,10 @@ RVNGPropertyList RevengeStyles::defined_paragraph(RVNGPropertyList properties)
     if (!generator_keeps_styles_) {
         return properties;
     }
-    define_paragraph(std::move(properties), ++last_number_);
+    properties.insert(paragraph_number, ++last_number_);
+    generator_->defineParagraphStyle(properties);
+    const RVNGPropertyListVector *stops = properties.child(tab_stops_property);
+    elements_ += style_elements + (stops != nullptr ? stops->count() * tab_stop_elements : 0);
     RVNGPropertyList reference;
     reference.insert(paragraph_number, last_number_);
     return reference;
@@ -254,14 +257,6 @@ RVNGPropertyList RevengeStyles::defined_span(RVNGPropertyList properties)
     RVNGPropertyList reference;
     reference.insert(span_number, last_number_);
     return reference;
-}
-
-void RevengeStyles::define_paragraph(RVNGPropertyList properties, int number)
-{
-    properties.insert(paragraph_number, number);
-    generator_->defineParagraphStyle(properties);
-    const RVNGPropertyListVector *stops = properties.child(tab_stops_property);
-    elements_ += style_elements + (stops != nullptr ? stops->count() * tab_stop_elements : 0);
 }
 
 void RevengeStyles::define_span(RVNGPropertyList properties, int number)

@@ -98,7 +98,6 @@ private:
                                                         const PageColumns &page);
     librevenge::RVNGPropertyList defined_paragraph(librevenge::RVNGPropertyList properties);
     librevenge::RVNGPropertyList defined_span(librevenge::RVNGPropertyList properties);
-    void define_paragraph(librevenge::RVNGPropertyList properties, int number);
     void define_span(librevenge::RVNGPropertyList properties, int number);
 
     librevenge::RVNGTextInterface *generator_ = nullptr;

@@ -2,8 +2,8 @@
 //
 // A format is one file: it implements Writer and is listed in host/formats.cpp. Writers take
 // blocks as they come and hold one paragraph at most, with the header and footer lines where
-// a format wants them elsewhere, and OpenDocument the styles; what else must wait is put aside
-// in files. Tests: tests/host/*_writer_test.cpp.
+// a format wants them elsewhere; what else must wait is put aside in files. Tests:
+// tests/host/*_writer_test.cpp.
 #pragma once
 
 #include "block_sink.h"
