@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <sys/socket.h>
@@ -40,10 +41,11 @@ void flood(Output &output)
     }
 }
 
+// Asking is enough to come to the limit, and quicker than using it.
 void eat_memory(Output &)
 {
-    for (std::vector<std::string> meals;;) {
-        meals.emplace_back(std::size_t{1} << 24, 'x');
+    for (std::vector<std::unique_ptr<char[]>> meals;;) {
+        meals.push_back(std::make_unique_for_overwrite<char[]>(std::size_t{1} << 24));
     }
 }
 
