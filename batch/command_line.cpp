@@ -232,9 +232,9 @@ Result<BatchRequest> BatchCommandLine::request()
     request.inputs.sandbox = mode;
     request.output = output_;
     request.manifest = manifest_.empty() ? output_ + "/manifest.ndjson" : manifest_;
-    request.pool.worker = {settings.value(), mode, max_memory_};
-    request.pool.workers = jobs_ != 0 ? jobs_ : processors();
-    request.pool.max_time =
+    request.worker = {settings.value(), mode, max_memory_};
+    request.workers = jobs_ != 0 ? jobs_ : processors();
+    request.max_time =
         std::chrono::milliseconds(static_cast<int64_t>(std::ceil(max_seconds_ * 1000)));
     request.recorded = {format_, std::string(settings.value().format->extension),
                         options_that_matter()};

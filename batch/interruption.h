@@ -2,13 +2,10 @@
 // one ends the program, and with it its workers, at once. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
-#include "error.h"
-
 namespace pfsdoc {
 
-// A descriptor that can be read from once there has been one. To be called once. A signal that
-// was ignored when the program began stays ignored.
-Result<int> watch_interruptions();
+// To be called once. A signal that was ignored when the program began stays ignored.
+void watch_interruptions();
 bool was_interrupted();
 
 } // namespace pfsdoc

@@ -1,7 +1,7 @@
 // The folder that a batch writes to. Each output has a temporary name beside its own until it
 // is whole and on the disk. The temporary name follows from the file's own, so that one that
 // was left behind, by a run that was killed, is replaced by the next run. Test:
-// tests/batch/run/batch_test.cpp.
+// tests/batch/run/output_folder_test.cpp.
 #pragma once
 
 #include "error.h"

@@ -1,17 +1,17 @@
 #include "worker.h"
 
+#include "messages.h"
+#include "processes/records.h"
 #include "scratch_file.h"
 #include "shadow_memory.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <new>
 #include <optional>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/types.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -29,20 +29,6 @@ void limit(__rlimit_resource resource, uint64_t value)
     now.rlim_cur = std::min<rlim_t>(now.rlim_cur, value);
     now.rlim_max = now.rlim_cur;
     ::setrlimit(resource, &now);
-}
-
-// Ctrl-C reaches all processes of the terminal; it is the parent's to say what that means.
-void leave_signals_to_parent(pid_t parent)
-{
-    for (const int signal : {SIGINT, SIGHUP, SIGXFSZ, SIGPIPE}) {
-        static_cast<void>(std::signal(signal, SIG_IGN));
-    }
-    static_cast<void>(std::signal(SIGTERM, SIG_DFL));
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    ::prctl(PR_SET_NAME, "pfsdoc-worker");
-    if (::getppid() != parent) {
-        ::_exit(EXIT_FAILURE);
-    }
 }
 
 void close_others(int socket)
@@ -82,6 +68,7 @@ Hello failed_hello(const Error &error)
 {
     Hello hello;
     hello.failed = 1;
+    hello.kind = error.kind;
     hello.words.set(error.what);
     hello.remedy.set(error.remedy);
     return hello;
@@ -123,9 +110,9 @@ Outcome outcome_of(const Job &job, const std::vector<int> &descriptors,
 
 } // namespace
 
-void run_worker(int socket, pid_t parent, const WorkerSettings &settings)
+void run_worker(int socket, const WorkerSettings &settings)
 {
-    leave_signals_to_parent(parent);
+    ::prctl(PR_SET_NAME, "pfsdoc-worker");
     close_others(socket);
     limit_resources(settings);
     const auto files = open_scratch_files(settings.conversion.format->scratch_files);

@@ -1,12 +1,11 @@
-// A worker process: takes one file after the other from its parent, and answers with what
-// became of it. Test: tests/batch/run/canary_test.cpp.
+// A worker process: takes one file after the other from its lane, and answers with what became
+// of it. Test: tests/batch/run/canary_test.cpp.
 #pragma once
 
 #include "convert_file.h"
 #include "sandbox/sandbox.h"
 
 #include <cstdint>
-#include <sys/types.h>
 
 namespace pfsdoc {
 
@@ -17,7 +16,7 @@ struct WorkerSettings {
 };
 
 // What a process that was just forked goes on with; never returns. It keeps the socket and the
-// standard error stream, and closes all else. It dies when its parent does.
-[[noreturn]] void run_worker(int socket, pid_t parent, const WorkerSettings &settings);
+// standard streams, and closes all else.
+[[noreturn]] void run_worker(int socket, const WorkerSettings &settings);
 
 } // namespace pfsdoc

@@ -18,6 +18,7 @@
 #include <ctime>
 #include <memory>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -215,6 +216,7 @@ void prepare_process(int output)
     // Names in UTF-8 shall come as they are. Both read files, so they cannot be left for later.
     std::setlocale(LC_CTYPE, "C.UTF-8");
     ::tzset();
+    ::prctl(PR_SET_NAME, "pfsdoc-archive");
 }
 
 } // namespace

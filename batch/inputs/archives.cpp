@@ -1,15 +1,13 @@
 #include "archives.h"
 
-#include "archive_reader.h"
 #include "member_store.h"
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace pfsdoc {
 
@@ -70,8 +68,8 @@ Error error_of_archive(Outcome outcome, const InputOptions &options)
 } // namespace
 
 ArchiveMembers::ArchiveMembers(const OpenFile &archive, std::string name,
-                               const InputOptions &options, NameSet &names)
-    : name_(std::move(name)), options_(options), names_(names)
+                               const InputOptions &options, NameSet &names, ForkServer &server)
+    : name_(std::move(name)), options_(options), names_(names), server_(server)
 {
     start(archive);
 }
@@ -90,23 +88,20 @@ void ArchiveMembers::start(const OpenFile &archive)
     }
     messages_ = OpenFile(ends[0]);
     const OpenFile output(ends[1]);
-    reader_ = ::fork();
-    if (reader_ == 0) {
-        run_archive_reader(archive.get(), output.get(), options_);
+    const std::array<int, 2> descriptors = {archive.get(), output.get()};
+    const Result<pid_t> reader = server_.fork(ProcessRole::archive_reader, descriptors);
+    if (!reader.ok()) {
+        error_ = reader.error();
+        return;
     }
-    if (reader_ < 0) {
-        error_ = no_reader(errno);
-    }
+    reader_ = reader.value();
 }
 
 void ArchiveMembers::stop()
 {
     messages_ = OpenFile();
     if (reader_ > 0) {
-        ::kill(reader_, SIGKILL);
-        while (::waitpid(reader_, nullptr, 0) < 0 && errno == EINTR) {
-        }
-        reader_ = -1;
+        server_.end(std::exchange(reader_, -1));
     }
 }
 

@@ -21,8 +21,9 @@ constexpr uint64_t most_members = 1'000'000;
 
 class ArchiveMembers {
 public:
+    // All but the archive must outlive this.
     ArchiveMembers(const OpenFile &archive, std::string name, const InputOptions &options,
-                   NameSet &names);
+                   NameSet &names, ForkServer &server);
     // Ends the reader.
     ~ArchiveMembers();
     ArchiveMembers(const ArchiveMembers &) = delete;
@@ -39,6 +40,7 @@ private:
     std::string name_;
     const InputOptions &options_;
     NameSet &names_;
+    ForkServer &server_;
     OpenFile messages_;
     pid_t reader_ = -1; // or none
     uint64_t members_ = 0;

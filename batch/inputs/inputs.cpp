@@ -36,8 +36,8 @@ std::string own_name(const std::string &path)
 
 class AllInputs : public BatchInputs {
 public:
-    explicit AllInputs(const InputOptions &options)
-        : options_(options), exclude_(identity_of(options.exclude))
+    AllInputs(const InputOptions &options, ForkServer &server)
+        : options_(options), server_(server), exclude_(identity_of(options.exclude))
     {
     }
     std::optional<BatchInput> next() override;
@@ -56,6 +56,7 @@ private:
     std::optional<BatchInput> use(FoundFile found);
 
     InputOptions options_;
+    ForkServer &server_;
     std::optional<Identity> exclude_;
     NameSet names_;
     std::size_t next_path_ = 0;
@@ -69,7 +70,7 @@ std::optional<AllInputs::Named> AllInputs::next_of_lists()
 {
     while (list_ != nullptr || next_list_ < options_.list_files.size()) {
         if (list_ == nullptr) {
-            list_ = std::make_unique<PathList>(options_.list_files[next_list_++]);
+            list_ = std::make_unique<PathList>(options_.list_files[next_list_++], options_.stop);
         }
         if (std::optional<PathList::Line> line = list_->next()) {
             std::string name = safe_name(line->path, Separators::slash);
@@ -94,8 +95,8 @@ std::optional<BatchInput> AllInputs::use(FoundFile found)
 {
     BatchInput &input = found.input;
     if (found.is_archive) {
-        archive_ =
-            std::make_unique<ArchiveMembers>(input.file, std::move(input.name), options_, names_);
+        archive_ = std::make_unique<ArchiveMembers>(input.file, std::move(input.name), options_,
+                                                    names_, server_);
         return std::nullopt;
     }
     if (!input.error && input.size > options_.max_input) {
@@ -164,9 +165,9 @@ std::optional<BatchInput> AllInputs::next()
 
 } // namespace
 
-std::unique_ptr<BatchInputs> open_inputs(const InputOptions &options)
+std::unique_ptr<BatchInputs> open_inputs(const InputOptions &options, ForkServer &server)
 {
-    return std::make_unique<AllInputs>(options);
+    return std::make_unique<AllInputs>(options, server);
 }
 
 } // namespace pfsdoc

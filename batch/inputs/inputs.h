@@ -7,6 +7,8 @@
 // tests/batch/inputs_test.cpp and archive_inputs_test.cpp.
 #pragma once
 
+#include "../processes/fork_server.h"
+#include "../processes/open_file.h"
 #include "../sandbox/sandbox.h"
 #include "error.h"
 
@@ -17,24 +19,6 @@
 #include <vector>
 
 namespace pfsdoc {
-
-// A descriptor that is closed with its object.
-class OpenFile {
-public:
-    explicit OpenFile(int descriptor = -1) : descriptor_(descriptor) {}
-    ~OpenFile();
-    OpenFile(OpenFile &&other) noexcept : descriptor_(other.release()) {}
-    OpenFile &operator=(OpenFile &&other) noexcept;
-
-    int get() const
-    {
-        return descriptor_;
-    }
-    int release();
-
-private:
-    int descriptor_;
-};
 
 struct BatchInput {
     // The name that the manifest and the output go by: relative to the folder or archive that
@@ -57,13 +41,16 @@ struct InputOptions {
     uint64_t max_archive = uint64_t{1} << 36;
     std::string exclude; // a folder that is passed over inside others: the output's; may be empty
     SandboxMode sandbox = SandboxMode::available; // for reading archives
+    // Can be read from when no more inputs are wanted: a list that comes out of a pipe is waited
+    // for no longer. -1 for none.
+    int stop = -1;
 };
 
 class BatchInputs {
 public:
     virtual ~BatchInputs() = default;
     // The next one, or nothing at the end. An error in place of an input ends nothing: it is
-    // the input's own. To be called by a process of one thread: it may start a child.
+    // the input's own. May be called on any thread, but on one at a time.
     //
     // Of each name a number is kept, some 50 bytes, to tell when one comes again. Of files and
     // paths nothing else is: one folder's names are held at a time, and its parents'.
@@ -76,7 +63,8 @@ public:
 // A file is an archive by its ending: .zip, .tar, .tar.gz, .tgz, .tar.bz2, .tar.xz and .tar.zst,
 // in capitals too; but not as a member of another archive. Archives are read in a process of
 // their own, in the sandbox that is asked for (batch/sandbox/sandbox.h): their bytes are
-// strangers' too.
-std::unique_ptr<BatchInputs> open_inputs(const InputOptions &options);
+// strangers' too. The server forks it; its role there is run_archive_reader, with these
+// options. The server must outlive the inputs.
+std::unique_ptr<BatchInputs> open_inputs(const InputOptions &options, ForkServer &server);
 
 } // namespace pfsdoc

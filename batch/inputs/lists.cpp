@@ -1,8 +1,10 @@
 #include "lists.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace pfsdoc {
@@ -12,10 +14,21 @@ namespace {
 constexpr std::size_t part_size = 65536;
 constexpr std::size_t shown_of_long_path = 100;
 
+// A pipe's other end need not be open yet.
 int open_list(const std::string &name)
 {
     return name == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
-                       : ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+                       : ::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+}
+
+// Waits until there is something to be read from either; whoever writes a list may take its
+// time.
+bool is_stopped(int list, int stop)
+{
+    std::array<pollfd, 2> polled = {pollfd{list, POLLIN, 0}, pollfd{stop, POLLIN, 0}};
+    while (::poll(polled.data(), polled.size(), -1) < 0 && errno == EINTR) {
+    }
+    return polled[1].revents != 0;
 }
 
 Error long_path()
@@ -33,7 +46,8 @@ Error no_path()
 
 } // namespace
 
-PathList::PathList(const std::string &name) : name_(name), file_(open_list(name))
+PathList::PathList(const std::string &name, int stop)
+    : name_(name), file_(open_list(name)), stop_(stop)
 {
     if (file_.get() < 0) {
         failure_ = cannot_be_read(errno);
@@ -51,12 +65,17 @@ void PathList::fill()
 {
     buffer_.erase(0, std::exchange(position_, 0));
     while (!at_end_ && buffer_.size() <= longest_path) {
+        if (is_stopped(file_.get(), stop_)) {
+            buffer_.clear(); // its last line may be cut
+            at_end_ = true;
+            return;
+        }
         const std::size_t used = buffer_.size();
         buffer_.resize(used + part_size);
         const ssize_t count = ::read(file_.get(), buffer_.data() + used, part_size);
         const int error_number = errno;
         buffer_.resize(used + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-        if (count < 0 && error_number != EINTR) {
+        if (count < 0 && error_number != EINTR && error_number != EAGAIN) {
             failure_ = cannot_be_read(error_number);
         }
         at_end_ = count == 0 || failure_.has_value();

@@ -16,8 +16,9 @@ constexpr std::size_t longest_path = 4096;
 
 class PathList {
 public:
-    // "-" is standard input. Where the list cannot be read, next() says so.
-    explicit PathList(const std::string &name);
+    // "-" is standard input. Where the list cannot be read, next() says so. It has come to its
+    // end when the other descriptor can be read from while this one is waited for; -1 for none.
+    PathList(const std::string &name, int stop);
 
     struct Line {
         std::string path;           // or its beginning, where it has an error
@@ -32,6 +33,7 @@ private:
 
     std::string name_;
     OpenFile file_;
+    int stop_;
     std::string buffer_;
     std::size_t position_ = 0; // in buffer_, of what was not used yet
     bool at_end_ = false;

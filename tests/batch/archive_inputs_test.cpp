@@ -364,8 +364,8 @@ TEST_F(Archives, hold_large_members_outside_memory)
     write_zeros("a.tar.gz", tar_gz, size);
     pfsdoc::InputOptions options;
     options.paths = {"a.tar.gz"};
-    const auto inputs = pfsdoc::open_inputs(options);
-    const std::optional<pfsdoc::BatchInput> input = inputs->next();
+    tests::ServedInputs inputs(options);
+    const std::optional<pfsdoc::BatchInput> input = inputs.next();
     ASSERT_TRUE(input.has_value() && !input->error);
     EXPECT_EQ(input->size, size);
     EXPECT_EQ(tests::content_of(input->file), std::string(size, '\0'));
@@ -387,13 +387,6 @@ TEST_F(Archives, may_have_many_members)
     EXPECT_LT(most_memory(RUSAGE_SELF) - before_it, uint64_t{16} << 20);
 }
 
-pid_t only_child()
-{
-    pid_t child = 0;
-    std::ifstream("/proc/thread-self/children") >> child;
-    return child;
-}
-
 // More than a pipe holds, so that the reader waits to be ended.
 TEST_F(Archives, whose_reader_dies_give_one_error_for_the_rest)
 {
@@ -402,15 +395,15 @@ TEST_F(Archives, whose_reader_dies_give_one_error_for_the_rest)
     write("z", "2");
     pfsdoc::InputOptions options;
     options.paths = {"a.tar", "z"};
-    const auto inputs = pfsdoc::open_inputs(options);
-    EXPECT_EQ(line_of(*inputs->next()), "a.tar/a = 1\n");
-    const pid_t reader = only_child();
+    tests::ServedInputs inputs(options);
+    EXPECT_EQ(line_of(*inputs.next()), "a.tar/a = 1\n");
+    const pid_t reader = inputs.archive_reader();
     ASSERT_GT(reader, 1) << "this kernel does not tell a process's children";
     ASSERT_EQ(::kill(reader, SIGKILL), 0);
-    EXPECT_EQ(line_of(*inputs->next()),
+    EXPECT_EQ(line_of(*inputs.next()),
               "a.tar !damaged made its reader end; the rest is not read\n");
-    EXPECT_EQ(line_of(*inputs->next()), "z = 2\n");
-    EXPECT_FALSE(inputs->next().has_value());
+    EXPECT_EQ(line_of(*inputs.next()), "z = 2\n");
+    EXPECT_FALSE(inputs.next().has_value());
 }
 
 TEST_F(Archives, are_read_without_a_sandbox_where_that_is_asked_for)
@@ -428,12 +421,11 @@ TEST_F(Archives, that_nobody_reads_on_leave_no_process)
     write_archive("a.tar", tar, {{"a", "1"}, {"b", large}});
     pfsdoc::InputOptions options;
     options.paths = {"a.tar"};
-    {
-        const auto inputs = pfsdoc::open_inputs(options);
-        EXPECT_TRUE(inputs->next().has_value());
-        EXPECT_GT(only_child(), 1);
-    }
-    EXPECT_EQ(only_child(), 0);
+    tests::ServedInputs inputs(options);
+    EXPECT_TRUE(inputs.next().has_value());
+    EXPECT_GT(inputs.archive_reader(), 1);
+    inputs.close();
+    EXPECT_EQ(inputs.archive_reader(), 0);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // its name, and its content or its error.
 #pragma once
 
+#include "archive_reader.h"
 #include "inputs.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <unistd.h>
 
@@ -54,14 +58,50 @@ inline std::string line_of(const pfsdoc::BatchInput &input)
     return input.name + " = " + content + "\n";
 }
 
+// With a server for the archives among them.
+class ServedInputs {
+public:
+    explicit ServedInputs(const pfsdoc::InputOptions &options)
+    {
+        auto started = pfsdoc::ForkServer::start(
+            {.archive_reader =
+                 [&options](std::span<const int> descriptors) {
+                     pfsdoc::run_archive_reader(descriptors[0], descriptors[1], options);
+                 },
+             .worker = {}});
+        server_ = std::move(started.value());
+        inputs_ = pfsdoc::open_inputs(options, *server_);
+    }
+    std::optional<pfsdoc::BatchInput> next()
+    {
+        return inputs_->next();
+    }
+    void close()
+    {
+        inputs_.reset();
+    }
+    // 0 where there is none.
+    pid_t archive_reader() const
+    {
+        const std::string process = std::to_string(server_->process());
+        pid_t child = 0;
+        std::ifstream("/proc/" + process + "/task/" + process + "/children") >> child;
+        return child;
+    }
+
+private:
+    std::unique_ptr<pfsdoc::ForkServer> server_;
+    std::unique_ptr<pfsdoc::BatchInputs> inputs_;
+};
+
 inline std::string lines_of(const pfsdoc::InputOptions &options)
 {
     std::string lines;
-    const auto inputs = pfsdoc::open_inputs(options);
-    while (const std::optional<pfsdoc::BatchInput> input = inputs->next()) {
+    ServedInputs inputs(options);
+    while (const std::optional<pfsdoc::BatchInput> input = inputs.next()) {
         lines += line_of(*input);
     }
-    EXPECT_FALSE(inputs->next().has_value()) << "there is more behind the end";
+    EXPECT_FALSE(inputs.next().has_value()) << "there is more behind the end";
     return lines;
 }
 

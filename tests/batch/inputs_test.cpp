@@ -2,10 +2,13 @@
 // them. Archives are in archive_inputs_test.cpp.
 #include "batch_folder.h"
 
+#include <array>
+#include <chrono>
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <thread>
 
 namespace {
 
@@ -14,6 +17,18 @@ using tests::lines_of;
 namespace fs = std::filesystem;
 
 class Inputs : public BatchFolder {};
+
+struct Pipe {
+    Pipe()
+    {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+        reading = pfsdoc::OpenFile(ends[0]);
+        writing = pfsdoc::OpenFile(ends[1]);
+    }
+    pfsdoc::OpenFile reading;
+    pfsdoc::OpenFile writing;
+};
 
 TEST_F(Inputs, come_in_the_order_of_the_command_line)
 {
@@ -327,6 +342,24 @@ TEST_F(Lists, come_from_standard_input)
     options.list_files = {"-"};
     EXPECT_EQ(lines_of(options), "in/a = 1\n");
     ::dup2(saved.get(), STDIN_FILENO);
+}
+
+// Whoever writes it may take as long as a person.
+TEST_F(Lists, are_waited_for_until_no_more_is_wanted)
+{
+    const Pipe list;
+    const Pipe stop;
+    pfsdoc::InputOptions options;
+    options.list_files = {"/proc/self/fd/" + std::to_string(list.reading.get())};
+    options.stop = stop.reading.get();
+    tests::ServedInputs inputs(options);
+    std::thread person([&] {
+        EXPECT_EQ(::write(list.writing.get(), "in/a\nin/", 8), 8);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_EQ(::write(stop.writing.get(), "", 1), 1);
+    });
+    EXPECT_FALSE(inputs.next().has_value()) << "what was written may be cut";
+    person.join();
 }
 
 TEST_F(Lists, do_not_lead_out_of_the_output)

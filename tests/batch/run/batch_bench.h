@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <csignal>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -99,15 +100,22 @@ protected:
     // Until a run has written that many lines.
     void wait_for_lines(std::size_t count) const
     {
+        wait_until([&] { return lines_of(manifest(partial)).size() >= count; });
+    }
+    void wait_for_manifest() const
+    {
+        wait_until([&] { return fs::exists(directory / partial); });
+    }
+    static void wait_until(const std::function<bool()> &is_so)
+    {
         constexpr int longest_wait = 20000;
-        for (int waited = 0; waited < longest_wait; ++waited) {
-            if (lines_of(manifest("out/manifest.ndjson.partial")).size() >= count) {
-                return;
-            }
+        for (int waited = 0; waited < longest_wait && !is_so(); ++waited) {
             ::usleep(1000);
         }
-        FAIL() << "there are not " << count << " lines";
+        EXPECT_TRUE(is_so());
     }
+
+    static constexpr const char *partial = "out/manifest.ndjson.partial";
 };
 
 } // namespace tests

@@ -3,6 +3,7 @@
 
 #include <sys/file.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace tests {
 
@@ -108,6 +109,35 @@ TEST_F(Batch, IsInterruptedInOrder)
     EXPECT_EQ(files(), files("fresh"));
 }
 
+// Whoever writes a list may take as long as a person, or never come.
+TEST_F(Batch, IsInterruptedWhileItWaitsForAList)
+{
+    const std::string list = directory / "list";
+    ASSERT_EQ(::mkfifo(list.c_str(), 0600), 0);
+    for (const bool has_writer : {false, true}) {
+        const pid_t child = start({"batch", "--files-from", "list", "-o", "out", "-t", "text"});
+        std::ofstream writer;
+        if (has_writer) {
+            writer.open(list);
+        }
+        wait_for_manifest();
+        ::kill(child, SIGTERM);
+        EXPECT_EQ(outcome_of(child).exit_code, 130);
+        fs::remove_all(directory / "out");
+    }
+}
+
+TEST_F(Batch, WaitsForAListThatComesLate)
+{
+    write_letter("in/a", "Hello");
+    ASSERT_EQ(::mkfifo((directory / "list").c_str(), 0600), 0);
+    const pid_t child = start({"batch", "--files-from", "list", "-o", "out", "-t", "text"});
+    wait_for_manifest();
+    write("list", "in/a\n");
+    EXPECT_EQ(outcome_of(child).exit_code, 0);
+    EXPECT_EQ(statuses(), "in/a: converted\n");
+}
+
 TEST_F(Batch, ConvertsAgainWhatIsNotAsItWas)
 {
     for (const char *name : {"same", "changed", "missing", "spoilt"}) {
@@ -190,11 +220,10 @@ TEST_F(Batch, EndsWhereThereIsNoRoom)
 TEST_F(Batch, KeepsToOneRunAtATime)
 {
     fs::create_directories(directory / "out");
-    const int partial = ::open((directory / "out/manifest.ndjson.partial").c_str(),
-                               O_CREAT | O_RDWR | O_CLOEXEC, 0600);
-    ASSERT_EQ(::flock(partial, LOCK_EX), 0);
+    const int other = ::open((directory / partial).c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
+    ASSERT_EQ(::flock(other, LOCK_EX), 0);
     expect_failure(run({"batch", "in", "-o", "out", "-t", "text"}), 7, "pfsdoc: another run is");
-    ::close(partial);
+    ::close(other);
 }
 
 TEST_F(Batch, GivesAFileThatHasNoPlaceAStatus)

@@ -3,6 +3,7 @@
 #include "batch_bench.h"
 
 #include <random>
+#include <sys/stat.h>
 
 namespace tests {
 
@@ -111,6 +112,46 @@ TEST_F(LargeDocument, WantsAFolderForTemporaryFilesBeforeTheRun)
     std::vector<std::string> whole = arguments;
     whole.emplace_back("text");
     EXPECT_EQ(run(whole).exit_code, 0) << "the format needs none";
+}
+
+pid_t first_child(pid_t process)
+{
+    const std::string name = std::to_string(process);
+    pid_t child = 0;
+    std::ifstream("/proc/" + name + "/task/" + name + "/children") >> child;
+    return child;
+}
+
+bool has_ended(pid_t process)
+{
+    return content_of("/proc/" + std::to_string(process) + "/status").find("State:\tZ") !=
+           std::string::npos;
+}
+
+// Some lines of the list come late: the worker is ended in between.
+TEST_F(LargeDocument, WantsAFolderForTemporaryFilesForEachWorker)
+{
+    write_letter("in/a", "Hello");
+    write_letter("in/b", "Hello");
+    ASSERT_EQ(::mkfifo((directory / "list").c_str(), 0600), 0);
+    const pid_t child =
+        start({"batch", "--files-from", "list", "-o", "out", "-t", "odt", "-q", "-j", "1"});
+    std::ofstream list(directory / "list");
+    list << "in/a\n" << std::string(5000, '\n') << std::flush;
+    wait_for_lines(1);
+    const pid_t worker = first_child(first_child(child));
+    ASSERT_GT(worker, 1) << "this kernel does not tell a process's children";
+    fs::remove(directory / "temporary");
+    ::kill(worker, SIGKILL);
+    wait_until([worker] { return has_ended(worker); });
+    list << "in/b\n";
+    list.close();
+    const Outcome outcome = outcome_of(child);
+    EXPECT_EQ(outcome.exit_code, 7);
+    EXPECT_NE(outcome.errors.find("a temporary file cannot be written"), std::string::npos)
+        << outcome.errors;
+    EXPECT_EQ(statuses(partial), "in/a: converted\n");
+    fs::create_directories(directory / "temporary");
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "messages.h"
+#include "records.h"
 
 #include <array>
 #include <cerrno>
@@ -56,8 +56,7 @@ bool send_message(int socket, std::span<const std::byte> bytes, std::span<const 
     return sent == static_cast<ssize_t>(bytes.size());
 }
 
-// A worker that wants to give the parent descriptors gives it nothing: without room for them
-// they are closed on arrival.
+// Who wants no descriptors is given none: without room for them they are closed on arrival.
 bool receive_message(int socket, std::span<std::byte> bytes, std::vector<int> *descriptors)
 {
     iovec part{bytes.data(), bytes.size()};

@@ -1,4 +1,4 @@
-#include "inputs.h"
+#include "open_file.h"
 
 #include <unistd.h>
 #include <utility>
