@@ -112,7 +112,7 @@ bool is_end_of_document(const Event &event)
 } // namespace
 
 Session::Session(const Module &module, Offsets offsets)
-    : module_(module), offsets_(offsets), held_limit_(limit_of(offsets))
+    : module_(module), offsets_(offsets), held_count_(held_at_first(offsets))
 {
 }
 
@@ -168,7 +168,7 @@ template <typename Call> void Session::run(EventSink &sink, Call call)
     guarded([] { return 0; });
     sink_ = nullptr;
     if (failure_ != nullptr) {
-        held_limit_ = limit_of(offsets_);
+        held_count_ = held_at_first(offsets_);
         std::rethrow_exception(std::exchange(failure_, nullptr));
     }
 }
@@ -194,14 +194,14 @@ template <typename Call> int32_t Session::guarded(Call call)
         return call();
     } catch (...) {
         failure_ = std::current_exception();
-        held_limit_ = 0;
+        held_count_ = none_is_held;
         return stop;
     }
 }
 
 void Session::deliver_held()
 {
-    if (held_count_ > 0) {
+    if (held_count_ > 0 && held_count_ <= most_held) {
         sink_->on_characters({held_.data(), std::exchange(held_count_, 0)});
     }
 }

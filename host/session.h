@@ -72,25 +72,27 @@ public:
     int32_t deliver(const Event &event);
     int32_t deliver_character(int32_t byte)
     {
-        return held_count_ < held_limit_ && is_byte(byte) ? hold(byte)
-                                                          : deliver_character_slowly(byte);
+        return held_count_ < most_held && is_byte(byte) ? hold(byte)
+                                                        : deliver_character_slowly(byte);
     }
 
 private:
     static constexpr std::size_t most_held = 1024;
+    static constexpr std::size_t none_is_held = most_held + 1; // for now
 
     static constexpr bool is_byte(int32_t value)
     {
         return value >= 0 && value <= UINT8_MAX;
     }
-    static constexpr std::size_t limit_of(Offsets offsets)
+    static constexpr std::size_t held_at_first(Offsets offsets)
     {
-        return offsets == Offsets::wanted ? 0 : most_held;
+        return offsets == Offsets::wanted ? none_is_held : 0;
     }
     int32_t hold(int32_t byte)
     {
-        held_[held_count_] = static_cast<char>(byte);
-        ++held_count_;
+        const std::size_t count = held_count_; // for all the compiler knows, the byte changes it
+        held_[count] = static_cast<char>(byte);
+        held_count_ = count + 1;
         return 0;
     }
     int32_t deliver_character_slowly(int32_t byte);
@@ -112,8 +114,7 @@ private:
     // Characters that have come and not been handed on. Most events are characters, and
     // most sinks want text. None are held for a sink that wants offsets or has failed.
     std::array<char, most_held> held_;
-    std::size_t held_count_ = 0;
-    std::size_t held_limit_;
+    std::size_t held_count_; // or none_is_held
 };
 
 } // namespace pfsdoc
