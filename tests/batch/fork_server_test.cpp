@@ -1,6 +1,7 @@
 // Processes that are forked by another one: they begin where they are told to, and none outlives
 // its server or the process that started that.
 #include "fork_server.h"
+#include "pipe.h"
 #include "records.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +10,6 @@
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
@@ -19,8 +19,8 @@
 namespace {
 
 using pfsdoc::ForkServer;
-using pfsdoc::OpenFile;
 using pfsdoc::ProcessRole;
+using tests::Pipe;
 
 constexpr int exit_code = 3;
 
@@ -47,34 +47,6 @@ pfsdoc::ProcessRoles roles()
                     }
                 }};
 }
-
-struct Pipe {
-    Pipe()
-    {
-        std::array<int, 2> ends{};
-        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
-        reading = OpenFile(ends[0]);
-        writing = OpenFile(ends[1]);
-    }
-    std::string read_some() const
-    {
-        std::array<char, 100> buffer{};
-        const ssize_t count = ::read(reading.get(), buffer.data(), buffer.size());
-        return count < 0 ? "nothing" : std::string(buffer.data(), static_cast<std::size_t>(count));
-    }
-    // Waits until nobody can write any more.
-    std::string read_all()
-    {
-        writing = OpenFile();
-        std::string all;
-        for (std::string some = read_some(); !some.empty(); some = read_some()) {
-            all += some;
-        }
-        return all;
-    }
-    OpenFile reading;
-    OpenFile writing;
-};
 
 class Forks : public testing::Test {
 protected:

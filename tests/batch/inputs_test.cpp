@@ -1,8 +1,8 @@
 // Folders, lists and single files of a batch: their order, their names and what is wrong with
 // them. Archives are in archive_inputs_test.cpp.
 #include "batch_folder.h"
+#include "pipe.h"
 
-#include <array>
 #include <chrono>
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -17,18 +17,6 @@ using tests::lines_of;
 namespace fs = std::filesystem;
 
 class Inputs : public BatchFolder {};
-
-struct Pipe {
-    Pipe()
-    {
-        std::array<int, 2> ends{};
-        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
-        reading = pfsdoc::OpenFile(ends[0]);
-        writing = pfsdoc::OpenFile(ends[1]);
-    }
-    pfsdoc::OpenFile reading;
-    pfsdoc::OpenFile writing;
-};
 
 TEST_F(Inputs, come_in_the_order_of_the_command_line)
 {
@@ -347,8 +335,8 @@ TEST_F(Lists, come_from_standard_input)
 // Whoever writes it may take as long as a person.
 TEST_F(Lists, are_waited_for_until_no_more_is_wanted)
 {
-    const Pipe list;
-    const Pipe stop;
+    const tests::Pipe list;
+    const tests::Pipe stop;
     pfsdoc::InputOptions options;
     options.list_files = {"/proc/self/fd/" + std::to_string(list.reading.get())};
     options.stop = stop.reading.get();
