@@ -180,6 +180,12 @@ void JoinedXml::write(std::string_view bytes)
     }
 }
 
+uint64_t JoinedXml::size() const
+{
+    return before_styles_.size() + styles_.size() + behind_styles_.size() + body_.size() +
+           tail_.size();
+}
+
 void JoinedXml::copy_to(Output &output) const
 {
     output.write(before_styles_);

@@ -46,6 +46,7 @@ public:
     void characters(const librevenge::RVNGString &text) override;
 
     // Of the portions so far.
+    uint64_t size() const;
     void copy_to(Output &output) const;
 
 private:

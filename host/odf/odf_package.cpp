@@ -8,7 +8,9 @@ namespace pfsdoc {
 
 namespace {
 
-constexpr std::string_view mimetype_entry = "mimetype";
+// That 32 bits can tell the size of; all bits set say that 64 others do.
+constexpr uint64_t most_short_bytes = 0xFFFFFFFE;
+constexpr const char *mimetype_entry = "mimetype";
 constexpr std::string_view mimetype = "application/vnd.oasis.opendocument.text";
 constexpr uLong first_of_january_1980 = 1U << 21U | 1U << 16U; // as DOS writes dates
 
@@ -77,8 +79,8 @@ OdfPackage::OdfPackage(Scratch &scratch) : archive_{scratch, 0, nullptr}
     if (zip_ == nullptr) {
         throw std::bad_alloc();
     }
-    begin_entry(mimetype_entry, false);
-    write(mimetype_entry, mimetype);
+    begin_entry(mimetype_entry, mimetype.size(), false);
+    write(mimetype);
 }
 
 OdfPackage::~OdfPackage()
@@ -88,12 +90,14 @@ OdfPackage::~OdfPackage()
     }
 }
 
-void OdfPackage::write(std::string_view entry, std::string_view bytes)
+void OdfPackage::begin(std::string_view entry, uint64_t most_bytes)
 {
-    if (entry != entry_) {
-        end_entry();
-        begin_entry(entry, true);
-    }
+    end_entry();
+    begin_entry(std::string(entry), most_bytes, true);
+}
+
+void OdfPackage::write(std::string_view bytes)
+{
     check(zipWriteInFileInZip(zip_, bytes.data(), static_cast<unsigned>(bytes.size())));
 }
 
@@ -106,14 +110,14 @@ void OdfPackage::finish(Output &output)
     archive_.scratch.copy_to(output);
 }
 
-void OdfPackage::begin_entry(std::string_view entry, bool compressed)
+void OdfPackage::begin_entry(const std::string &entry, uint64_t most_bytes, bool compressed)
 {
-    entry_ = entry;
     zip_fileinfo info{};
     info.dosDate = first_of_january_1980;
-    check(zipOpenNewFileInZip(zip_, entry_.c_str(), &info, nullptr, 0, nullptr, 0, nullptr,
-                              compressed ? Z_DEFLATED : 0,
-                              compressed ? Z_DEFAULT_COMPRESSION : Z_NO_COMPRESSION));
+    check(zipOpenNewFileInZip64(zip_, entry.c_str(), &info, nullptr, 0, nullptr, 0, nullptr,
+                                compressed ? Z_DEFLATED : 0,
+                                compressed ? Z_DEFAULT_COMPRESSION : Z_NO_COMPRESSION,
+                                most_bytes > most_short_bytes ? 1 : 0));
 }
 
 void OdfPackage::check(int result) const

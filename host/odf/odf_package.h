@@ -15,17 +15,27 @@
 
 namespace pfsdoc {
 
-class OdfPackage {
+class OdfPackage final : public Output {
 public:
     // The scratch must outlive the package.
     explicit OdfPackage(Scratch &scratch);
-    ~OdfPackage();
+    ~OdfPackage() override;
     OdfPackage(const OdfPackage &) = delete;
     OdfPackage &operator=(const OdfPackage &) = delete;
 
-    // Entries are written one after the other; one that has ended is not gone back to. Throws
-    // what the scratch throws, and std::bad_alloc, for an entry that comes to 4 GB too.
-    void write(std::string_view entry, std::string_view bytes);
+    // All of these throw what the scratch throws, and std::bad_alloc.
+
+    // The next entry, of so many bytes at most: where these are 4 GB or more its size has to be
+    // kept in another way, and room for that lies before its content. What is written goes into
+    // it until the next one begins.
+    void begin(std::string_view entry, uint64_t most_bytes);
+    void write(std::string_view bytes) override;
+    // A whole one.
+    void add(std::string_view entry, std::string_view bytes)
+    {
+        begin(entry, bytes.size());
+        write(bytes);
+    }
     // Completes the package and writes it out.
     void finish(Output &output);
 
@@ -37,28 +47,12 @@ public:
     };
 
 private:
-    void begin_entry(std::string_view entry, bool compressed);
+    void begin_entry(const std::string &entry, uint64_t most_bytes, bool compressed);
     void end_entry();
     void check(int result) const;
 
     Archive archive_;
     void *zip_; // null when complete
-    std::string entry_;
-};
-
-// One entry of a package, as an output.
-class PackageEntry final : public Output {
-public:
-    PackageEntry(OdfPackage &package, std::string_view name) : package_(package), name_(name) {}
-
-    void write(std::string_view bytes) override
-    {
-        package_.write(name_, bytes);
-    }
-
-private:
-    OdfPackage &package_;
-    std::string_view name_;
 };
 
 } // namespace pfsdoc

@@ -75,12 +75,12 @@ public:
     void finish(Output &output) override
     {
         OdfPackage package(*archive_);
-        PackageEntry content(package, "content.xml");
-        content_.copy_to(content);
-        package.write("styles.xml", styles_.output.text);
-        package.write("settings.xml", settings_.output.text);
-        package.write("meta.xml", meta_.output.text);
-        package.write("META-INF/manifest.xml", manifest_.output.text);
+        package.begin("content.xml", content_.size());
+        content_.copy_to(package);
+        package.add("styles.xml", styles_.output.text);
+        package.add("settings.xml", settings_.output.text);
+        package.add("meta.xml", meta_.output.text);
+        package.add("META-INF/manifest.xml", manifest_.output.text);
         package.finish(output);
     }
 

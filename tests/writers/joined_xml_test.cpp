@@ -91,6 +91,7 @@ std::string joined(const std::vector<std::string> &portions)
     }
     StringOutput output;
     joined.copy_to(output);
+    EXPECT_EQ(joined.size(), output.text.size());
     constexpr std::string_view declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     EXPECT_TRUE(output.text.starts_with(declaration));
     EXPECT_TRUE(output.text.ends_with(">\n"));

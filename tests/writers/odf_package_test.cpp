@@ -14,7 +14,6 @@
 namespace {
 
 using pfsdoc::OdfPackage;
-using pfsdoc::PackageEntry;
 using pfsdoc::Scratch;
 using pfsdoc::ScratchFailure;
 using pfsdoc::StringOutput;
@@ -35,7 +34,7 @@ std::string package_of(std::string_view content)
 {
     Scratch scratch;
     OdfPackage package(scratch);
-    PackageEntry(package, "content.xml").write(content);
+    package.add("content.xml", content);
     StringOutput output;
     package.finish(output);
     return output.text;
@@ -55,11 +54,10 @@ TEST(OdfPackage, HoldsTheEntriesInOrder)
 {
     Scratch scratch;
     OdfPackage package(scratch);
-    PackageEntry content(package, "content.xml");
-    PackageEntry manifest(package, "META-INF/manifest.xml");
-    content.write("<a>");
-    content.write("</a>");
-    manifest.write("<b/>");
+    package.begin("content.xml", 7);
+    package.write("<a>");
+    package.write("</a>");
+    package.add("META-INF/manifest.xml", "<b/>");
     StringOutput output;
     package.finish(output);
     const std::vector<Entry> expected = {
@@ -78,6 +76,28 @@ TEST(OdfPackage, CompressesWhatItHolds)
     EXPECT_EQ(unpacked(package).back().content, content);
 }
 
+// Of an entry that may have 4 GB the size is kept in an extra field, before the content and in
+// the directory: what is written without it others take for damaged.
+TEST(OdfPackage, HasRoomForLongSizesWhereTheyMayBeNeeded)
+{
+    constexpr uint64_t four_gigabytes = uint64_t{1} << 32;
+    const std::string long_size("\x01\x00\x10\x00", 4); // its kind, and 16 bytes
+    for (const uint64_t most_bytes : {four_gigabytes - 1, four_gigabytes, four_gigabytes - 2}) {
+        Scratch scratch;
+        OdfPackage package(scratch);
+        package.begin("content.xml", most_bytes);
+        package.write("<a/>");
+        StringOutput output;
+        package.finish(output);
+        const std::string name = "content.xml";
+        const std::size_t behind_name = output.text.find(name) + name.size();
+        EXPECT_EQ(output.text.substr(behind_name, long_size.size()) == long_size,
+                  most_bytes >= four_gigabytes - 1)
+            << most_bytes;
+        EXPECT_EQ(unpacked(output.text).back(), (Entry{name, "<a/>"}));
+    }
+}
+
 // What is larger than a scratch holds in memory is written to a file, and entries are gone
 // back to there.
 TEST(OdfPackage, HoldsWhatDoesNotFitInMemory)
@@ -85,8 +105,8 @@ TEST(OdfPackage, HoldsWhatDoesNotFitInMemory)
     const std::string content = hard_to_compress(3'000'000);
     Scratch scratch;
     OdfPackage package(scratch);
-    PackageEntry(package, "content.xml").write(content);
-    PackageEntry(package, "styles.xml").write("<b/>");
+    package.add("content.xml", content);
+    package.add("styles.xml", "<b/>");
     StringOutput output;
     package.finish(output);
     EXPECT_FALSE(scratch.is_in_memory());
@@ -106,7 +126,7 @@ TEST(OdfPackage, HandsOnWhatTheScratchThrows)
     Scratch scratch(closed);
     OdfPackage package(scratch);
     const std::string content = hard_to_compress(3'000'000);
-    EXPECT_THROW(package.write("content.xml", content), ScratchFailure);
+    EXPECT_THROW(package.add("content.xml", content), ScratchFailure);
 }
 
 TEST(OdfPackage, IsTheSameAtAnyTime)
@@ -121,7 +141,7 @@ TEST(OdfPackage, CanBeLeftUnfinished)
 {
     Scratch scratch;
     OdfPackage package(scratch);
-    EXPECT_NO_THROW(PackageEntry(package, "content.xml").write("<a>"));
+    EXPECT_NO_THROW(package.add("content.xml", "<a>"));
 }
 
 } // namespace
