@@ -2,6 +2,7 @@
 
 #include "inputs/archive_reader.h"
 #include "interruption.h"
+#include "sha256.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -91,8 +92,11 @@ int report_end(const BatchRequest &request, const BatchRun &run, const Status &f
     return has_failures ? some_failed : 0;
 }
 
+// The library behind the digests reads files when it is first used: that comes before the
+// processes that cannot.
 Result<std::unique_ptr<ForkServer>> start_server(const BatchRequest &request)
 {
+    static_cast<void>(sha256_of(""));
     return ForkServer::start({.archive_reader =
                                   [&request](std::span<const int> descriptors) {
                                       run_archive_reader(descriptors[0], descriptors[1],

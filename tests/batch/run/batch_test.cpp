@@ -237,6 +237,22 @@ TEST_F(Batch, GivesAFileThatHasNoPlaceAStatus)
     EXPECT_EQ(names(), "in/b.txt\nmanifest.ndjson\n");
 }
 
+// The library behind the digests reads its settings when it is first used, which must not be in
+// a sandbox. A pipe has them for one process only: another would wait for them.
+TEST_F(Batch, NeedsNoFileForDigestsInAWorker)
+{
+    write_letter("in/a", "Hello");
+    const std::string settings = directory / "settings";
+    ASSERT_EQ(::mkfifo(settings.c_str(), 0600), 0);
+    ::setenv("OPENSSL_CONF", settings.c_str(), 1);
+    const pid_t child =
+        start({"batch", "in", "-o", "out", "-t", "text", "--no-sandbox", "--max-time", "1", "-q"});
+    ::unsetenv("OPENSSL_CONF");
+    write("settings", "\n");
+    EXPECT_EQ(outcome_of(child).exit_code, 0);
+    EXPECT_EQ(statuses(), "in/a: converted\n");
+}
+
 // ------------------------------------------------------------------ limits and usage -----
 
 TEST_F(Batch, KeepsToLimits)
