@@ -1,6 +1,7 @@
 # Brings the staged tree of the package into the form that Debian asks for: the manual pages and
-# changelogs compressed, the licences as the file "copyright". CPack runs it after the
-# installation and before it builds the package. SOURCE_DATE_EPOCH sets the date.
+# changelogs compressed, the licences as the file "copyright", no debugging symbols in static
+# libraries either, which CPack passes over. CPack runs it after the installation and before it
+# builds the package. SOURCE_DATE_EPOCH sets the date.
 # Test: tests/package.
 set(share ${CPACK_TEMPORARY_DIRECTORY}${CPACK_PACKAGING_INSTALL_PREFIX}/share)
 set(documentation ${share}/doc/${CPACK_PACKAGE_NAME})
@@ -29,3 +30,7 @@ file(CHMOD ${documentation}/changelog ${documentation}/changelog.Debian
     ${documentation}/copyright
     PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 execute_process(COMMAND gzip -9n ${compressed} COMMAND_ERROR_IS_FATAL ANY)
+
+file(GLOB_RECURSE static_libraries ${CPACK_TEMPORARY_DIRECTORY}${CPACK_PACKAGING_INSTALL_PREFIX}/*.a)
+execute_process(COMMAND strip --strip-debug --enable-deterministic-archives ${static_libraries}
+    COMMAND_ERROR_IS_FATAL ANY)

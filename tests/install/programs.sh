@@ -40,7 +40,7 @@ libraries=$(dirname "$(find "$prefix" -name libvs_pfs.so)")
 for file in bin/pfsdoc include/vs_pfs.h include/pfsdoc/document.h include/pfsdoc/writer.h \
     share/man/man1/pfsdoc.1 share/man/man1/pfsdoc-convert.1 \
     share/bash-completion/completions/pfsdoc share/pfsdoc/pfsdoc.schema.json \
-    share/doc/vs_pfs/LICENSE share/doc/vs_pfs/THIRD-PARTY-NOTICES.md; do
+    share/doc/pfsdoc/LICENSE share/doc/pfsdoc/THIRD-PARTY-NOTICES.md; do
     [ -s "$prefix/$file" ] || failed "$file is not installed"
 done
 find "$prefix" -name '*.cmake' -o -name '*.pc' -o -name '*.h' >"$work/texts"

@@ -3,8 +3,9 @@
 # what dpkg installs to a system of its own and takes away again. The files for other programs
 # pass the tests of tests/packaging once more, as they are in the package.
 #   package.sh PACKAGE SOURCE
-# Run by "make package". Needs dpkg-dev and what tests/packaging needs; lintian is heard where it
-# is installed. Without root, dpkg's part takes place under fakeroot.
+# "make package" runs it on the release, build.sh on the build that is tested. Needs dpkg-dev and
+# what tests/packaging needs; lintian is heard where it is installed. Without root, dpkg's part
+# takes place under fakeroot.
 set -euo pipefail
 package=$(realpath "$1")
 source=$(realpath "$2")
@@ -37,6 +38,9 @@ field Depends '.*libc6 \(>= [0-9.]+\).*'
 field Depends '.*libodfgen-0\.1-1.*'
 field Depends '.*librevenge-0\.0-0.*'
 field Depends '.*libminizip1.*'
+field Depends '.*libarchive13.*'
+field Depends '.*libseccomp2.*'
+field Depends '.*libssl3.*'
 field Depends '.*libstdc\+\+6.*'
 if dpkg-deb --field "$package" Depends | grep -E -- '-dev|libgtest'; then
     failed "depends on what only building needs"
@@ -51,7 +55,8 @@ dpkg-deb --extract "$package" "$root"
 libraries=$root/usr/lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)
 share=$root/usr/share
 pfsdoc=$root/usr/bin/pfsdoc
-for file in "$libraries"/{libvs_pfs.so,libpfsdoc.so,libvs_pfs_static.a,pfsdoc/pfsdoc_odf.so} \
+for file in "$root/usr/libexec/pfsdoc/pfsdoc-batch" \
+    "$libraries"/{libvs_pfs.so,libpfsdoc.so,libvs_pfs_static.a,pfsdoc/pfsdoc_odf.so} \
     "$libraries"/cmake/{pfsdoc/pfsdocConfig,vs_pfs/vs_pfsConfig}.cmake \
     "$libraries"/pkgconfig/{pfsdoc,vs_pfs}.pc "$root"/usr/include/{vs_pfs,pfsdoc/document}.h \
     "$share"/bash-completion/completions/pfsdoc "$share/pfsdoc/pfsdoc.schema.json" \
@@ -97,6 +102,7 @@ fi
 count=0
 for text in "$samples"/*/*.text; do
     sample=${text%.text}.doc
+    echo "$sample" >>"$work/list"
     "$pfsdoc" text "$sample" | cmp - "$text" || failed "text of $sample"
     "$pfsdoc" convert -t html "$sample" -o "$work/sample.html"
     if [ -e "${text%.text}.html" ]; then
@@ -107,6 +113,9 @@ for text in "$samples"/*/*.text; do
     count=$((count + 1))
 done
 [ $count -ge 14 ] || failed "only $count samples"
+"$pfsdoc" batch --files-from "$work/list" -t odt -o "$work/batch" --quiet || failed "batch: code $?"
+converted=$(jq -r .status "$work/batch/manifest.ndjson" | grep -cx converted)
+[ "$converted" -eq $count ] || failed "batch: $converted converted"
 
 # The files for other programs.
 tests=$source/tests/packaging
