@@ -1,5 +1,7 @@
 #include "lane.h"
 
+#include "printable.h"
+
 #include <algorithm>
 #include <array>
 #include <exception>
@@ -20,7 +22,7 @@ Job job_of(const RecordedFile &file, const std::optional<EarlierRecord> &earlier
 {
     Job job;
     job.size = file.size;
-    job.title.set(std::string_view(file.name).substr(file.name.rfind('/') + 1));
+    job.title.set(base_name(file.name));
     if (earlier) {
         job.has_earlier = 1;
         job.has_earlier_output = earlier->output.empty() ? 0 : 1;

@@ -153,7 +153,8 @@ void Choice3Walker::read_ruler()
     int stops = 0;
     int32_t byte = next_byte();
     while (byte >= 0 && byte != carriage_return && stops < most_tab_stops) {
-        read_ruler_column(byte, column++);
+        read_ruler_column(byte, column);
+        column = static_cast<uint8_t>(column + 1);
         stops += byte == ruler_tab_stop ? 1 : 0;
         byte = next_byte();
     }

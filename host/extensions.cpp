@@ -10,6 +10,8 @@
 // First Choice, and no other kind here. Test: tests/host/examine_test.cpp.
 #include "pfsdoc/examine.h"
 
+#include "printable.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -66,7 +68,7 @@ char lower_case(char letter)
 // Without its dot, in lower case; empty where there is none.
 std::string extension_of(std::string_view file_name)
 {
-    const std::string_view name = file_name.substr(file_name.rfind('/') + 1);
+    const std::string_view name = base_name(file_name);
     const std::size_t dot = name.rfind('.');
     if (dot == std::string_view::npos || dot == 0) {
         return {};

@@ -116,8 +116,12 @@ std::size_t LineLayout::put_words(std::string_view bytes)
     if (end == std::string_view::npos) {
         return 0;
     }
-    const std::string_view words = bytes.substr(0, bytes.find_last_not_of(' ', end) + 1);
-    if (words.empty() || words.find(tab_byte) != std::string_view::npos ||
+    const std::size_t last = bytes.find_last_not_of(' ', end);
+    if (last == std::string_view::npos) {
+        return 0;
+    }
+    const std::string_view words = bytes.substr(0, last + 1);
+    if (words.find(tab_byte) != std::string_view::npos ||
         words.find(zero_blank) != std::string_view::npos) {
         return 0;
     }

@@ -60,7 +60,7 @@ void NextWord::scan(uint32_t position)
         }
         if (token == Token::word) {
             leading = false;
-            ++length_;
+            length_ = static_cast<uint16_t>(length_ + 1);
         }
     }
 }

@@ -58,6 +58,12 @@ std::size_t shown_length(std::string_view text)
 
 } // namespace
 
+std::string_view base_name(std::string_view path)
+{
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
 std::string hex_byte(unsigned value)
 {
     constexpr std::string_view digits = "0123456789ABCDEF";

@@ -11,6 +11,9 @@ namespace pfsdoc {
 // not part of valid UTF-8 written as \xNN. Other text is left as it is.
 std::string printable(std::string_view text);
 
+// The last part of a path: a file's name without its folders.
+std::string_view base_name(std::string_view path);
+
 // Two hexadecimal digits, upper case.
 std::string hex_byte(unsigned value);
 

@@ -5,6 +5,7 @@
 
 namespace {
 
+using pfsdoc::base_name;
 using pfsdoc::hex_byte;
 using pfsdoc::printable;
 
@@ -56,6 +57,14 @@ TEST(Printable, WritesTwoHexadecimalDigits)
 {
     EXPECT_EQ(hex_byte(0), "00");
     EXPECT_EQ(hex_byte(0xAF), "AF");
+}
+
+TEST(Printable, NamesAFileWithoutItsFolders)
+{
+    EXPECT_EQ(base_name("letter.pfs"), "letter.pfs");
+    EXPECT_EQ(base_name("/mnt/a/letter.pfs"), "letter.pfs");
+    EXPECT_EQ(base_name("letters/"), "");
+    EXPECT_EQ(base_name(""), "");
 }
 
 } // namespace

@@ -113,7 +113,7 @@ Status write_blocks(Job &job, Writer &writer)
 // The name that a document is known by: its file's, without the folders.
 std::string title_of(const std::string &file)
 {
-    return file == "-" ? "" : printable(file.substr(file.rfind('/') + 1));
+    return file == "-" ? "" : printable(base_name(file));
 }
 
 void report_losses(const std::string &subject, const Writer &writer)
