@@ -105,7 +105,8 @@ void BatchCommandLine::add_files()
     app_.add_option("IN", inputs_.paths, "files, folders, and zip and tar archives")
         ->option_text(" ");
     app_.add_option("--files-from", inputs_.list_files,
-                    "read names of files from this file, one a line; - is standard input")
+                    "read names of files from this file, one a line or each with a NUL byte\n"
+                    "behind it; - is standard input")
         ->option_text("FILE")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);

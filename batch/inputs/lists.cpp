@@ -53,52 +53,54 @@ PathList::PathList(const std::string &name, int stop)
         failure_ = cannot_be_read(errno);
         at_end_ = true;
     }
-    fill();
-    const std::string_view beginning = std::string_view(buffer_).substr(0, longest_path + 1);
-    if (beginning.find('\0') != std::string_view::npos) {
-        separator_ = '\0';
+    while (!at_end_ && separator_ == '\n' && buffer_.size() <= longest_path) {
+        read_part();
+        if (beginning().find('\0') != std::string_view::npos) {
+            separator_ = '\0';
+        }
     }
 }
 
-// Afterwards the longest path and its end are there, or all that is left.
-void PathList::fill()
+// What comes next, as far as a path and its end can reach.
+std::string_view PathList::beginning() const
 {
-    buffer_.erase(0, std::exchange(position_, 0));
-    while (!at_end_ && buffer_.size() <= longest_path) {
-        if (is_stopped(file_.get(), stop_)) {
-            buffer_.clear(); // its last line may be cut
-            at_end_ = true;
-            return;
-        }
-        const std::size_t used = buffer_.size();
-        buffer_.resize(used + part_size);
-        const ssize_t count = ::read(file_.get(), buffer_.data() + used, part_size);
-        const int error_number = errno;
-        buffer_.resize(used + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-        if (count < 0 && error_number != EINTR && error_number != EAGAIN) {
-            failure_ = cannot_be_read(error_number);
-        }
-        at_end_ = count == 0 || failure_.has_value();
+    return std::string_view(buffer_).substr(position_, longest_path + 1);
+}
+
+// No more than there is: who writes a list into a pipe may wait for what becomes of its files.
+void PathList::read_part()
+{
+    if (is_stopped(file_.get(), stop_)) {
+        position_ = buffer_.size(); // the last line may be cut
+        at_end_ = true;
+        return;
     }
+    buffer_.erase(0, std::exchange(position_, 0));
+    const std::size_t used = buffer_.size();
+    buffer_.resize(used + part_size);
+    const ssize_t count = ::read(file_.get(), buffer_.data() + used, part_size);
+    const int error_number = errno;
+    buffer_.resize(used + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    if (count < 0 && error_number != EINTR && error_number != EAGAIN) {
+        failure_ = cannot_be_read(error_number);
+    }
+    at_end_ = count == 0 || failure_.has_value();
 }
 
 // Nothing for a line that is too long: what there is of it stays.
 std::optional<std::string_view> PathList::raw_line()
 {
-    if (buffer_.size() - position_ <= longest_path) {
-        fill();
+    std::size_t end = beginning().find(separator_);
+    while (end == std::string_view::npos && !at_end_ && beginning().size() <= longest_path) {
+        read_part();
+        end = beginning().find(separator_);
     }
-    const std::string_view rest = std::string_view(buffer_).substr(position_);
-    const std::size_t end = rest.substr(0, longest_path + 1).find(separator_);
-    if (end != std::string_view::npos) {
-        position_ += end + 1;
-        return rest.substr(0, end);
-    }
-    if (rest.size() > longest_path) {
+    const std::string_view line = beginning().substr(0, end);
+    if (line.size() > longest_path) {
         return std::nullopt;
     }
-    position_ = buffer_.size();
-    return rest;
+    position_ += line.size() + (end == std::string_view::npos ? 0 : 1);
+    return line;
 }
 
 // Goes behind the end of the line.
@@ -111,7 +113,7 @@ PathList::Line PathList::too_long()
         if (end != std::string::npos || at_end_) {
             return line;
         }
-        fill();
+        read_part();
     }
 }
 

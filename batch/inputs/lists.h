@@ -2,7 +2,9 @@
 //
 // Lists can be longer than memory and come out of pipes, so they are read as they are used. No
 // path is longer than longest_path: a list with NUL bytes has one in its first bytes, and those
-// tell which sort it is. Tests: tests/batch/inputs_test.cpp.
+// tell which sort it is. So a list of lines is waited for until there is as much of it; from
+// then on, and with NUL bytes at once, each path is told as soon as it is there. Tests:
+// tests/batch/inputs_test.cpp.
 #pragma once
 
 #include "entries.h"
@@ -27,7 +29,8 @@ public:
     std::optional<Line> next();
 
 private:
-    void fill();
+    std::string_view beginning() const;
+    void read_part();
     std::optional<std::string_view> raw_line();
     Line too_long();
 

@@ -350,6 +350,23 @@ TEST_F(Lists, are_waited_for_until_no_more_is_wanted)
     person.join();
 }
 
+// Which does not end while these are read.
+TEST_F(Lists, tell_each_path_as_soon_as_it_is_there)
+{
+    using namespace std::string_literals;
+    for (const std::string &path : {"in/a\0"s, std::string(4092, '/') + "in/a\n"}) {
+        const tests::Pipe list;
+        pfsdoc::InputOptions options;
+        options.list_files = {"/proc/self/fd/" + std::to_string(list.reading.get())};
+        const auto size = static_cast<ssize_t>(path.size());
+        EXPECT_EQ(::write(list.writing.get(), path.data(), path.size()), size);
+        tests::ServedInputs inputs(options);
+        EXPECT_EQ(inputs.next()->name, "in/a");
+        EXPECT_EQ(::write(list.writing.get(), path.data(), path.size()), size);
+        EXPECT_EQ(inputs.next()->name, "in/a (2)");
+    }
+}
+
 TEST_F(Lists, do_not_lead_out_of_the_output)
 {
     EXPECT_EQ(listed("../" + directory.filename().string() + "/in/a\n"),
