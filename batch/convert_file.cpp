@@ -120,7 +120,7 @@ Status write_blocks(Document &document, const DocumentInfo &info, DescriptorOutp
         return writer.error();
     }
     CountingSink sink(*writer.value(), output);
-    const Status fault = document.read(sink);
+    Status fault = document.read(sink);
     if (!fault || fault->kind == ErrorKind::damaged) {
         outcome.has_counts = 1;
         outcome.counts = sink.counts;
@@ -136,7 +136,7 @@ Status write_events(Document &document, DescriptorOutput &output,
 {
     const auto writer = settings.format->make_event_writer(output, settings.options);
     GuardedEvents sink(*writer, output);
-    const Status fault = document.read_events(sink);
+    Status fault = document.read_events(sink);
     if (!fault || fault->kind == ErrorKind::damaged) {
         writer->finish();
     }

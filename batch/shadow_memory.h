@@ -1,5 +1,5 @@
-// Whether a sanitizer watches the memory: its shadow of it is larger than any limit, and it
-// ends a process that crashes in its own way. Test: tests/batch/run/canary_test.cpp.
+// Whether a sanitizer watches the memory: its shadow of it is larger than any limit. Test:
+// tests/batch/run/canary_test.cpp.
 #pragma once
 
 namespace pfsdoc {

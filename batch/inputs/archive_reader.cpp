@@ -207,14 +207,14 @@ std::optional<Outcome> MemberSender::send_all()
 // A terminal's signal is for the process that waits for this one, which ends it.
 void prepare_process(int output)
 {
-    std::signal(SIGINT, SIG_IGN);
-    std::signal(SIGTERM, SIG_DFL);
-    std::signal(SIGPIPE, SIG_DFL);
+    static_cast<void>(std::signal(SIGINT, SIG_IGN));
+    static_cast<void>(std::signal(SIGTERM, SIG_DFL));
+    static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
     ::dup2(output, STDOUT_FILENO);
     ::closefrom(STDERR_FILENO + 1);
     ::close(STDIN_FILENO);
     // Names in UTF-8 shall come as they are. Both read files, so they cannot be left for later.
-    std::setlocale(LC_CTYPE, "C.UTF-8");
+    static_cast<void>(std::setlocale(LC_CTYPE, "C.UTF-8"));
     ::tzset();
     ::prctl(PR_SET_NAME, "pfsdoc-archive");
 }

@@ -111,7 +111,7 @@ bool is_archive_name(std::string_view name)
 
 std::string NameSet::unique(const std::string &name)
 {
-    const std::string wanted = name.empty() ? std::string(unnamed) : name;
+    std::string wanted = name.empty() ? std::string(unnamed) : name;
     const std::hash<std::string> hash;
     const auto [entry, is_new] = next_number_.try_emplace(hash(wanted), second);
     if (is_new) {

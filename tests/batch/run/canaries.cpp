@@ -20,8 +20,10 @@ namespace {
 
 constexpr std::string_view escaped = "escaped";
 
+// By the signal itself, also where a sanitizer would make an error message of it.
 void crash(Output &)
 {
+    static_cast<void>(std::signal(SIGSEGV, SIG_DFL));
     static_cast<void>(std::raise(SIGSEGV));
 }
 

@@ -13,12 +13,12 @@ struct Deed {
     std::string_view status;
 };
 
-// In the order of their names, as the files are read. A sanitizer ends a process that crashes
-// in a way of its own, and its memory is not limited.
+// In the order of their names, as the files are read. A sanitizer's memory is not limited.
 std::vector<Deed> all_deeds()
 {
     std::vector<Deed> deeds = {
         {"connect", "crashed, the process that read it was ended by SIGABRT"},
+        {"crash", "crashed, the process that read it was ended by SIGSEGV"},
         {"exit", "crashed, the process that read it was ended with code 3"},
         {"flood", "limit, gives more output than the 1048576 bytes that are allowed"},
         {"fork", "crashed, the process that read it was ended by SIGABRT"},
@@ -27,7 +27,6 @@ std::vector<Deed> all_deeds()
         {"open", "crashed, the process that read it was ended by SIGABRT"},
     };
     if (!pfsdoc::memory_is_shadowed) {
-        deeds.push_back({"crash", "crashed, the process that read it was ended by SIGSEGV"});
         deeds.push_back({"memory", "memory, needs more memory than is allowed"});
     }
     std::sort(deeds.begin(), deeds.end(),
