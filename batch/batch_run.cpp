@@ -2,6 +2,7 @@
 
 #include "inputs/archive_reader.h"
 #include "interruption.h"
+#include "processes/processors.h"
 #include "sha256.h"
 
 #include <algorithm>
@@ -126,13 +127,20 @@ BatchRun::~BatchRun()
 }
 
 // Where there is no room for another thread, fewer do.
-void BatchRun::start_lanes(unsigned count)
+void BatchRun::start_lanes(std::size_t count)
 {
+    const bool are_bound = count == count_processors();
     while (lanes_.size() < count) {
+        const std::size_t index = lanes_.size();
         Lane &lane = lanes_.emplace_back(setting_);
         ledger_.begin_lane();
         try {
-            threads_.emplace_back([&lane] { lane.work(); });
+            threads_.emplace_back([&lane, are_bound, index] {
+                if (are_bound) {
+                    bind_to_processor(index);
+                }
+                lane.work();
+            });
         } catch (const std::system_error &failure) {
             ledger_.end_lane();
             if (threads_.empty()) {

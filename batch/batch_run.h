@@ -25,7 +25,7 @@ struct BatchRequest {
     std::string output;   // a folder
     std::string manifest; // a file
     WorkerSettings worker;
-    unsigned workers = 1;
+    std::size_t workers = 1;
     std::chrono::milliseconds max_time{30000}; // for a file
     RecordedRequest recorded;
     ProgressForm progress = ProgressForm::lines;
@@ -57,7 +57,7 @@ public:
     std::string sandbox_words() const;
 
 private:
-    void start_lanes(unsigned count);
+    void start_lanes(std::size_t count);
     void end_lanes();
     Status keep_books();
     Status place();

@@ -3,13 +3,13 @@
 #include "canary.h"
 #include "format_options.h"
 #include "output.h"
+#include "processes/processors.h"
 #include "scratch_file.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
-#include <sched.h>
 #include <string_view>
 #include <unistd.h>
 
@@ -41,16 +41,7 @@ Exit codes:
   130  interrupted)";
 
 constexpr double longest_time = 86400;
-constexpr unsigned most_jobs = 1024;
-
-// Those that this process may use.
-unsigned processors()
-{
-    cpu_set_t set;
-    CPU_ZERO(&set);
-    const int count = ::sched_getaffinity(0, sizeof set, &set) == 0 ? CPU_COUNT(&set) : 1;
-    return static_cast<unsigned>(std::clamp(count, 1, static_cast<int>(most_jobs)));
-}
+constexpr std::size_t most_jobs = 1024;
 
 SandboxMode sandbox_mode(const std::string &name)
 {
@@ -140,7 +131,7 @@ void BatchCommandLine::add_limits()
 {
     app_.add_option("-j,--jobs", jobs_, "how many files at a time; one for each processor")
         ->option_text("NUMBER")
-        ->check(CLI::Range(1U, most_jobs));
+        ->check(CLI::Range(std::size_t{1}, most_jobs));
     app_.add_option("--max-input", inputs_.max_input, "leave larger files out: 4GB unless given")
         ->option_text("SIZE")
         ->transform(CLI::AsSizeValue(false));
@@ -234,7 +225,7 @@ Result<BatchRequest> BatchCommandLine::request()
     request.output = output_;
     request.manifest = manifest_.empty() ? output_ + "/manifest.ndjson" : manifest_;
     request.worker = {settings.value(), mode, max_memory_};
-    request.workers = jobs_ != 0 ? jobs_ : processors();
+    request.workers = jobs_ != 0 ? jobs_ : std::min(count_processors(), most_jobs);
     request.max_time =
         std::chrono::milliseconds(static_cast<int64_t>(std::ceil(max_seconds_ * 1000)));
     request.recorded = {format_, std::string(settings.value().format->extension),

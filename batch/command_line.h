@@ -47,7 +47,7 @@ private:
     bool no_headers_ = false;
     bool no_sandbox_ = false;
     bool quiet_ = false;
-    unsigned jobs_ = 0; // 0: one for each processor
+    std::size_t jobs_ = 0; // 0: one for each processor
     double max_seconds_ = 30;
     uint64_t max_memory_ = uint64_t{1} << 30;
     uint64_t max_output_ = uint64_t{1} << 30;

@@ -1,5 +1,6 @@
 #include "worker_client.h"
 
+#include "processes/processors.h"
 #include "processes/records.h"
 
 #include <algorithm>
@@ -78,6 +79,7 @@ Status WorkerClient::start()
         return process.error();
     }
     process_ = process.value();
+    bind_beside(process_);
     other = OpenFile();
     const auto hello = receive_record<Hello>(socket_.get());
     if (!hello) {

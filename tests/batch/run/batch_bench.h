@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <csignal>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <set>
@@ -113,6 +114,19 @@ protected:
             ::usleep(1000);
         }
         EXPECT_TRUE(is_so());
+    }
+
+    // Of a run that has begun with a file; 0 where the kernel does not tell.
+    static pid_t first_worker(pid_t run)
+    {
+        return first_child(first_child(run));
+    }
+    static pid_t first_child(pid_t process)
+    {
+        const std::string name = std::to_string(process);
+        pid_t child = 0;
+        std::ifstream("/proc/" + name + "/task/" + name + "/children") >> child;
+        return child;
     }
 
     static constexpr const char *partial = "out/manifest.ndjson.partial";

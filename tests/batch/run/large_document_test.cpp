@@ -114,14 +114,6 @@ TEST_F(LargeDocument, WantsAFolderForTemporaryFilesBeforeTheRun)
     EXPECT_EQ(run(whole).exit_code, 0) << "the format needs none";
 }
 
-pid_t first_child(pid_t process)
-{
-    const std::string name = std::to_string(process);
-    pid_t child = 0;
-    std::ifstream("/proc/" + name + "/task/" + name + "/children") >> child;
-    return child;
-}
-
 bool has_ended(pid_t process)
 {
     return content_of("/proc/" + std::to_string(process) + "/status").find("State:\tZ") !=
@@ -139,7 +131,7 @@ TEST_F(LargeDocument, WantsAFolderForTemporaryFilesForEachWorker)
     std::ofstream list(directory / "list");
     list << "in/a\n" << std::string(5000, '\n') << std::flush;
     wait_for_lines(1);
-    const pid_t worker = first_child(first_child(child));
+    const pid_t worker = first_worker(child);
     ASSERT_GT(worker, 1) << "this kernel does not tell a process's children";
     fs::remove(directory / "temporary");
     ::kill(worker, SIGKILL);
