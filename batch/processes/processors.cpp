@@ -29,14 +29,19 @@ std::size_t count_processors()
 void bind_to_processor(std::size_t index)
 {
     const cpu_set_t own = own_processors();
+    std::size_t found = 0;
     for (std::size_t processor = 0; processor < CPU_SETSIZE; ++processor) {
-        if (CPU_ISSET(processor, &own) && index-- == 0) {
+        if (!CPU_ISSET(processor, &own)) {
+            continue;
+        }
+        if (found == index) {
             cpu_set_t one;
             CPU_ZERO(&one);
             CPU_SET(processor, &one);
             static_cast<void>(::sched_setaffinity(calling_thread, sizeof one, &one));
             return;
         }
+        ++found;
     }
 }
 
