@@ -6,10 +6,11 @@ namespace pfsdoc {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool memory_is_shadowed = true;
-#elif defined(__has_feature)
-inline constexpr bool memory_is_shadowed = __has_feature(address_sanitizer) ||
-                                           __has_feature(memory_sanitizer) ||
-                                           __has_feature(thread_sanitizer);
+#elif !defined(__has_feature)
+inline constexpr bool memory_is_shadowed = false;
+#elif __has_feature(address_sanitizer) || __has_feature(memory_sanitizer) ||                       \
+    __has_feature(thread_sanitizer)
+inline constexpr bool memory_is_shadowed = true;
 #else
 inline constexpr bool memory_is_shadowed = false;
 #endif

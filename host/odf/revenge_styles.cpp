@@ -248,12 +248,12 @@ RVNGPropertyList RevengeStyles::defined_paragraph(RVNGPropertyList properties)
     return reference;
 }
 
-RVNGPropertyList RevengeStyles::defined_span(RVNGPropertyList properties)
+RVNGPropertyList RevengeStyles::defined_span(const RVNGPropertyList &properties)
 {
     if (!generator_keeps_styles_) {
         return properties;
     }
-    define_span(std::move(properties), ++last_number_);
+    define_span(properties, ++last_number_);
     RVNGPropertyList reference;
     reference.insert(span_number, last_number_);
     return reference;

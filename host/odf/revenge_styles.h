@@ -97,7 +97,7 @@ private:
     static librevenge::RVNGPropertyList make_properties(const ParagraphLook &look,
                                                         const PageColumns &page);
     librevenge::RVNGPropertyList defined_paragraph(librevenge::RVNGPropertyList properties);
-    librevenge::RVNGPropertyList defined_span(librevenge::RVNGPropertyList properties);
+    librevenge::RVNGPropertyList defined_span(const librevenge::RVNGPropertyList &properties);
     void define_span(librevenge::RVNGPropertyList properties, int number);
 
     librevenge::RVNGTextInterface *generator_ = nullptr;
