@@ -1,7 +1,7 @@
 // The processors of a run. A lane and its worker take turns, so they do with one between them;
 // but the system sees threads that sleep and wake all the time, and now and then has two wait for
 // the same processor while another has nothing to do. Where there is a worker for each, binding
-// avoids that: a sixth more letters a second on two processors. Where there are fewer workers
+// avoids that: an eighth more letters a second on two processors. Where there are fewer workers
 // nothing is bound, since another run would be bound to the same processors. Test:
 // tests/batch/processors_test.cpp.
 #pragma once
