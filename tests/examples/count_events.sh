@@ -4,10 +4,12 @@
 set -euo pipefail
 program=$1
 module=$3
+unfold=$(dirname "$0")/../support/unfold_trace.py
 count=0
 for trace in "$2"/*/*.trace; do
-    characters=$(grep -cE '^ *char ' "$trace")
-    paragraphs=$(grep -cE '^ *break paragraph$' "$trace")
+    events=$("$unfold" "$trace")
+    characters=$(grep -cE '^ *char ' <<<"$events")
+    paragraphs=$(grep -cE '^ *break paragraph$' <<<"$events")
     expected="$characters characters in $paragraphs paragraphs"
     actual=$("$program" "$module" "${trace%.trace}.doc")
     [ "$actual" = "$expected" ] || { echo "$trace: $actual instead of $expected"; exit 1; }

@@ -4,10 +4,12 @@
 #   read_text.sh PROGRAM SAMPLES
 set -euo pipefail
 program=$1
+unfold=$(dirname "$0")/../support/unfold_trace.py
 count=0
 for trace in "$2"/*/*.trace; do
     # Bytes as \xNN and paragraph ends as \n, which printf then makes of them.
-    expected=$(sed -nE 's/^ *char (..).*/\\x\1/p; s/^ *break paragraph$/\\n/p' "$trace" | tr -d '\n')
+    expected=$("$unfold" "$trace" |
+        sed -nE 's/^ *char (..).*/\\x\1/p; s/^ *break paragraph$/\\n/p' | tr -d '\n')
     # shellcheck disable=SC2059
     cmp <(printf "$expected") <("$program" "${trace%.trace}.doc")
     count=$((count + 1))

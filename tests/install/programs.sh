@@ -82,8 +82,9 @@ done
 # A trace's characters and breaks, by the numbers that the module gives them.
 as_numbers()
 {
-    sed -nE 's/^ *(char ..).*/\1/p; s/^ *break paragraph$/break 1/p; s/^break end$/break 2/p
-        s/^block open$/break 6/p; s/^block close$/break 7/p' "$1"
+    "$source/tests/support/unfold_trace.py" "$1" |
+        sed -nE 's/^ *(char ..).*/\1/p; s/^ *break paragraph$/break 1/p; s/^break end$/break 2/p
+            s/^block open$/break 6/p; s/^block close$/break 7/p'
 }
 
 run_installed() { LD_LIBRARY_PATH=$libraries "$@"; }
