@@ -41,18 +41,20 @@ bool is_header(Line line)
     return line == header_1 || line == header_2;
 }
 
-// The first line of a block always opens it; the second only where there was no first.
+// The first line of a block always opens it; the second only where there was no first. What
+// the host saves while the block is being opened already says so.
 void open_block(VwInstance *instance, Line line)
 {
     SavedState &saved = instance->state.saved;
     const bool first_of_block = line == header_1 || line == footer_1;
-    if (first_of_block || saved.hfReaderFlag == 0) {
-        put_break(instance, VW_BREAK_BLOCK_OPEN);
-        put_header_footer_kind(instance, is_header(line) ? header_block : footer_block);
+    if (!first_of_block && saved.hfReaderFlag != 0) {
+        return;
     }
     if (first_of_block) {
         saved.hfReaderFlag = 1;
     }
+    put_break(instance, VW_BREAK_BLOCK_OPEN);
+    put_header_footer_kind(instance, is_header(line) ? header_block : footer_block);
 }
 
 // The reader has just announced left alignment, so that is not announced again.

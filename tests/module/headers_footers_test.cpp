@@ -8,6 +8,7 @@
 
 #include <map>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -325,6 +326,58 @@ TEST(HeadersFootersStream, IsTheOneThatTheReaderIsGiven)
         EXPECT_EQ(reader(bench.stream, bench.instance), 0);
         EXPECT_TRUE(matches(after_announcements(bench.take()), "13 2 0"));
         EXPECT_TRUE(bench.state().stream == bench.stream);
+    }
+}
+
+// What is saved by a routine that asks for the state while a block is being opened.
+VwInstance *asked = nullptr;
+std::vector<int> reader_flags;
+
+void note_reader_flag()
+{
+    SavedState saved;
+    VwGetData(&saved, asked);
+    reader_flags.push_back(saved.hfReaderFlag);
+}
+
+extern "C" int32_t note_at_break(int32_t code, int32_t, uint32_t, uint32_t)
+{
+    if (code == VW_BREAK_BLOCK_OPEN) {
+        note_reader_flag();
+    }
+    return 0;
+}
+
+extern "C" int32_t note_at_block_kind(int32_t, int32_t, uint32_t, uint32_t)
+{
+    note_reader_flag();
+    return 0;
+}
+
+TEST_F(HeadersFooters, ABlockIsMarkedOpenBeforeTheHostIsTold)
+{
+    for (const int first_line : {header_1, footer_1}) {
+        document({{first_line, "One"}});
+        asked = bench->instance;
+        reader_flags.clear();
+        VwSetSoRtn(VW_SO_BREAK, reinterpret_cast<VwRoutine>(note_at_break), asked);
+        VwSetSoRtn(VW_SO_HEADER_FOOTER, reinterpret_cast<VwRoutine>(note_at_block_kind), asked);
+        ProcHeaderFooter(asked);
+        EXPECT_EQ(reader_flags, (std::vector<int>{1, 1})) << "line " << first_line;
+    }
+}
+
+TEST_F(HeadersFooters, ASecondLineThatOpensItsBlockDoesNotMarkIt)
+{
+    for (const int second_line : {header_2, footer_2}) {
+        document({{second_line, "Two"}});
+        bench->saved().hfPending = second_line == header_2 ? hf_header_2 : 0x10;
+        asked = bench->instance;
+        reader_flags.clear();
+        VwSetSoRtn(VW_SO_BREAK, reinterpret_cast<VwRoutine>(note_at_break), asked);
+        VwSetSoRtn(VW_SO_HEADER_FOOTER, reinterpret_cast<VwRoutine>(note_at_block_kind), asked);
+        ProcHeaderFooter(asked);
+        EXPECT_EQ(reader_flags, (std::vector<int>{0, 0})) << "line " << second_line;
     }
 }
 
