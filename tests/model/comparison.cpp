@@ -44,8 +44,11 @@ private:
     bool open();
     bool read();
     bool same_events();
+    bool same_states_at_events();
+    bool same_calls();
     bool same_state();
-    bool differ(std::string what);
+    bool differ(std::string what, std::size_t call);
+    std::string difference_in(const SavedState &expected, const SavedState &recorded) const;
     void go_on();
     void keep_place();
     void resume(const Place &place);
@@ -60,47 +63,87 @@ private:
     int32_t jumps_left = 6; // a read that always jumps back would never be done
 };
 
-bool Comparison::differ(std::string what)
+bool Comparison::differ(std::string what, std::size_t call)
 {
-    difference = {std::move(what), model.events, host->events};
+    difference = {std::move(what), call, model.events, host->events};
     return false;
+}
+
+std::string Comparison::difference_in(const SavedState &expected, const SavedState &recorded) const
+{
+    return difference_of(expected, recorded, static_cast<uint32_t>(document.size()));
 }
 
 bool Comparison::same_events()
 {
-    return model.events == host->events || differ("the output calls differ");
+    const Events &expected = model.events;
+    const Events &recorded = host->events;
+    const auto [one, other] =
+        std::mismatch(expected.begin(), expected.end(), recorded.begin(), recorded.end());
+    return (one == expected.end() && other == recorded.end()) ||
+           differ("the output calls differ", static_cast<std::size_t>(one - expected.begin()));
+}
+
+// The call up to which the state at `at` holds.
+std::size_t end_of(const States &states, std::size_t at, std::size_t calls)
+{
+    return at + 1 < states.size() ? states[at + 1].call : calls;
+}
+
+bool Comparison::same_states_at_events()
+{
+    const std::size_t calls = model.events.size();
+    std::size_t i = 0;
+    std::size_t j = 0;
+    for (std::size_t call = 0; call < calls;) {
+        const std::string differences = difference_in(model.states[i].state, host->states[j].state);
+        if (!differences.empty()) {
+            return differ("during a call " + differences, call);
+        }
+        const std::size_t model_end = end_of(model.states, i, calls);
+        const std::size_t host_end = end_of(host->states, j, calls);
+        call = std::min(model_end, host_end);
+        i += model_end == call ? 1 : 0;
+        j += host_end == call ? 1 : 0;
+    }
+    return true;
+}
+
+bool Comparison::same_calls()
+{
+    return same_events() && same_states_at_events();
 }
 
 bool Comparison::same_state()
 {
     if (model.text.place() != host->place()) {
         return differ("the stream stands at " + std::to_string(host->place()) + " instead of " +
-                      std::to_string(model.text.place()));
+                          std::to_string(model.text.place()),
+                      model.events.size());
     }
-    const std::string differences = difference_of(model.saved, fields_of(host->saved()),
-                                                  static_cast<uint32_t>(document.size()));
-    return differences.empty() || differ(differences);
+    const std::string differences = difference_in(model.saved, fields_of(host->saved()));
+    return differences.empty() || differ(differences, model.events.size());
 }
 
 bool Comparison::open()
 {
     const bool opened = VwStreamOpen(model);
     if (host->open() != opened) {
-        return differ(opened ? "the module refuses the document"
-                             : "the module takes what is no document");
+        return differ(
+            opened ? "the module refuses the document" : "the module takes what is no document", 0);
     }
     VwStreamSection(model);
     host->section();
-    return same_events() && (!opened || same_state());
+    return same_calls() && (!opened || same_state());
 }
 
 bool Comparison::read()
 {
-    model.events.clear();
-    host->events.clear();
+    model.forget_calls();
+    host->forget_calls();
     VwStreamRead(model);
     host->read();
-    return same_events() && same_state();
+    return same_calls() && same_state();
 }
 
 void Comparison::keep_place()
@@ -167,7 +210,7 @@ bool Comparison::run()
         }
         go_on();
     }
-    return differ("the end of the document was never reported");
+    return differ("the end of the document was never reported", model.events.size());
 }
 
 std::string text_around(const Events &events, std::size_t at)
@@ -199,13 +242,10 @@ std::string text_of(const Plan &plan)
 
 std::string text_of(const Difference &difference)
 {
-    const Events &expected = difference.expected;
-    const Events &recorded = difference.recorded;
-    const auto [one, other] =
-        std::mismatch(expected.begin(), expected.end(), recorded.begin(), recorded.end());
-    const auto at = static_cast<std::size_t>(one - expected.begin());
+    const std::size_t at = difference.call;
     return difference.what + "\nmodel, from call " + std::to_string(at) + " of its last read:\n" +
-           text_around(expected, at) + "module:\n" + text_around(recorded, at);
+           text_around(difference.expected, at) + "module:\n" +
+           text_around(difference.recorded, at);
 }
 
 std::optional<Difference> compare(const std::string &module_document,

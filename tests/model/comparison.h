@@ -1,5 +1,6 @@
-// Reads one document with the module and with the model, in step, and tells where they differ:
-// in an output call, in the place where it was made, or in what is saved after a read.
+// Reads one document with the module and with the model, in step, and reports where they differ:
+// in an output call, in the position or the state that a host could save during the call, or in
+// those after a read.
 #pragma once
 
 #include "answers.h"
@@ -24,8 +25,9 @@ std::string text_of(const Plan &plan);
 
 struct Difference {
     std::string what;
-    Events expected; // what the read in question reported: the model's
-    Events recorded; // and the module's
+    std::size_t call = 0; // of the read in question: where they first differ
+    Events expected;      // what the read in question reported: the model's
+    Events recorded;      // and the module's
 };
 // What differs, and the calls before and after the first that does.
 std::string text_of(const Difference &difference);

@@ -11,6 +11,9 @@ int32_t Model::report(int32_t id, std::initializer_list<int32_t> arguments)
     for (const int32_t argument : arguments) {
         event.call.arguments[i++] = argument;
     }
+    if (states.empty() || states.back().state != saved) {
+        states.push_back({events.size(), saved});
+    }
     events.push_back(event);
     const bool paragraph_end = id == VW_SO_BREAK && event.call.arguments[0] == VW_BREAK_PARAGRAPH;
     return paragraph_end ? answers.next() : 1;
@@ -19,6 +22,12 @@ int32_t Model::report(int32_t id, std::initializer_list<int32_t> arguments)
 bool Model::paragraph_end_stops()
 {
     return report(VW_SO_BREAK, {VW_BREAK_PARAGRAPH, 0}) == 1;
+}
+
+void Model::forget_calls()
+{
+    events.clear();
+    states.clear();
 }
 
 void VwStreamSection(Model &model)

@@ -2,8 +2,9 @@
 //
 // The model has the whole document in memory and no stream and no buffer. It does each thing
 // in the plainest way, looks ahead by reading ahead, and is slow where the module is quick.
-// It shares no code with the module. What it yields is what a host would be told: the output
-// calls, each with the position in the document where it is made.
+// It shares no code with the module. What it yields is what a host can observe: the output
+// calls, each with the position in the document where it is made and the state that the host
+// would save there.
 #pragma once
 
 #include "answers.h"
@@ -18,7 +19,7 @@
 
 namespace tests::model {
 
-// An output call and the place in the text where it was made.
+// An output call and the position in the text where it was made.
 struct Event {
     Call call;
     uint32_t place = 0;
@@ -46,7 +47,17 @@ struct SavedState {
     uint8_t fontValue = 0;
     std::array<int16_t, tab_slots> tabPos{};
     std::array<uint8_t, tab_slots> tabKind{};
+
+    bool operator==(const SavedState &) const = default;
 };
+
+// What a host saves during its calls: an entry for each call at which it is another than at
+// the call before.
+struct StateFrom {
+    std::size_t call = 0; // counted as in Events
+    SavedState state;
+};
+using States = std::vector<StateFrom>;
 
 // What opening settles for the document's life. Lines are header 1 and 2, footer 1 and 2.
 struct OpenedState {
@@ -72,12 +83,14 @@ struct Model {
     int32_t report(int32_t id, std::initializer_list<int32_t> arguments);
     // Reports a paragraph end; whether the host wants to stop there.
     bool paragraph_end_stops();
+    void forget_calls();
 
     Text text;
     SavedState saved;
     OpenedState opened;
     Answers answers;
-    Events events;      // since the host last emptied it
+    Events events;      // since they were last forgotten
+    States states;      // at these events
     bool ended = false; // the last read reported the document's end
 };
 

@@ -102,11 +102,24 @@ TEST(ModelComparison, SeesAnotherPosition)
 
 TEST(ModelComparison, SeesAnotherSavedState)
 {
-    // Neither margins nor attributes are told before the end, so only the saved bytes differ.
+    // The margins are not reported before the end, so only the saved bytes differ.
     const auto difference = compare(write_document(4, bytes("01 'a' 07 05 01 02 40 0E")),
                                     write_document(4, bytes("01 'a' 07 05 01 03 40 0E")), Plan{});
     ASSERT_TRUE(difference.has_value());
-    EXPECT_EQ(difference->what, "leftMargin is 1 instead of 2\n");
+    EXPECT_EQ(difference->what, "during a call leftMargin is 1 instead of 2\n");
+    EXPECT_EQ(difference->call + 1, difference->expected.size());
+}
+
+TEST(ModelComparison, SeesAnotherSavedStateDuringACall)
+{
+    // The margins differ while 'b' is reported and are alike again before the read ends.
+    const auto difference =
+        compare(write_document(4, bytes("01 'a' 07 05 01 02 40 'b' 07 05 01 09 50 0E")),
+                write_document(4, bytes("01 'a' 07 05 01 03 40 'b' 07 05 01 09 50 0E")), Plan{});
+    ASSERT_TRUE(difference.has_value());
+    EXPECT_EQ(difference->what, "during a call leftMargin is 1 instead of 2\n");
+    ASSERT_LT(difference->call, difference->expected.size());
+    EXPECT_EQ(difference->expected[difference->call].call, (Call{VW_SO_CHARACTER, 1, {'b'}}));
 }
 
 TEST(ModelComparison, ReducesWhatDiffersToItself)

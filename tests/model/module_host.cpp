@@ -198,8 +198,24 @@ void ModuleHost::go_to(const SavedBytes &state, uint32_t to)
     VwStreamSeek(stream, &to);
 }
 
+void ModuleHost::forget_calls()
+{
+    events.clear();
+    states.clear();
+}
+
+void ModuleHost::note_state()
+{
+    const SavedBytes bytes = saved();
+    if (states.empty() || bytes != last_noted) {
+        states.push_back({events.size(), fields_of(bytes)});
+        last_noted = bytes;
+    }
+}
+
 int32_t ModuleHost::record(const Call &call)
 {
+    note_state();
     events.push_back({call, place()});
     const bool paragraph_end = call.id == VW_SO_BREAK && call.arguments[0] == VW_BREAK_PARAGRAPH;
     return paragraph_end ? answers.next() : 1;

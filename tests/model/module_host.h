@@ -1,5 +1,6 @@
-// A host that does nothing but record what the module reports, with the place in the document
-// at each call. RecordingHost checks more and is slower; this one is for millions of documents.
+// A host that does nothing but record what the module reports, with the position in the
+// document and the saved state at each call. RecordingHost checks more and is slower; this one is
+// for millions of documents.
 #pragma once
 
 #include "answers.h"
@@ -32,12 +33,17 @@ public:
 
     // For the output routines.
     int32_t record(const Call &call);
+    void forget_calls();
 
     Answers answers;
-    Events events; // since the owner last emptied it
+    Events events; // since they were last forgotten
+    States states; // at these events
 
 private:
     void register_routines();
+    void note_state();
+
+    SavedBytes last_noted{};
 
     MemoryBlockFile file;
     VwInstance *instance = nullptr;
