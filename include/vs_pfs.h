@@ -162,8 +162,8 @@ struct VwCharStream {
     VwBlockFile *blockFile;
 };
 
-/* Wraps a block file; reading starts at position 0 wherever the file stands. Null when
- * memory is short. Owned by the caller until VwCharToBlock. */
+/* Wraps a block file; reading starts at position 0 wherever the file stands. From malloc;
+ * null when memory is short. Owned by the caller until VwCharToBlock. */
 VS_PFS_API VwCharStream *VwBlockToChar(VwBlockFile *file);
 /* Frees the stream and returns the block file it wrapped, still open. */
 VS_PFS_API VwBlockFile *VwCharToBlock(VwCharStream *stream);
@@ -313,8 +313,8 @@ enum VwInfoQuery {
  * which writes nothing. The instance is not used and may be null. */
 VS_PFS_API int32_t VwGetInfo(void *result, uint32_t query, VwInstance *instance);
 
-/* A new, uninitialised instance, or null when memory is short. VwLocalUp and VwStreamOpen
- * must be called before anything is read with it. */
+/* A new, uninitialised instance, from malloc; null when memory is short. VwLocalUp and
+ * VwStreamOpen must be called before anything is read with it. */
 VS_PFS_API VwInstance *VwAllocProc(void);
 /* Frees an instance; null is ignored. */
 VS_PFS_API void VwFreeProc(VwInstance *instance);

@@ -9,7 +9,9 @@
 // that no order of calls takes it outside. Test: tests/module/char_stream_test.cpp.
 #include "char_stream.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 using namespace vs_pfs;
 
@@ -64,10 +66,13 @@ extern "C" {
 
 VwCharStream *VwBlockToChar(VwBlockFile *file)
 {
-    // Zeroed, so that not even a host that claims unread bytes makes the text unforeseeable.
-    auto *stream = static_cast<VwCharStream *>(std::calloc(1, sizeof(VwCharStream)));
+    // By malloc, as the instance is, so that a host that replaces one function has both.
+    auto *stream = static_cast<VwCharStream *>(std::malloc(sizeof(VwCharStream)));
     if (stream != nullptr) {
+        // Not even a host that claims unread bytes makes the text unforeseeable.
+        std::fill(std::begin(stream->buffer), std::end(stream->buffer), uint8_t{0});
         empty_buffer(stream);
+        stream->bufferBase = 0;
         stream->blockFile = file;
     }
     return stream;

@@ -15,6 +15,7 @@ namespace {
 volatile bool counting = false;
 volatile bool refusing = false;
 volatile unsigned allocations = 0;
+volatile unsigned mallocs = 0; // of these, by malloc
 
 bool refuse_one()
 {
@@ -70,6 +71,7 @@ void *__wrap_realloc(void *block, std::size_t size);
 
 void *__wrap_malloc(std::size_t size)
 {
+    mallocs = mallocs + (counting ? 1 : 0);
     return refuse_one() ? nullptr : __real_malloc(size);
 }
 void *__wrap_calloc(std::size_t count, std::size_t size)
@@ -117,6 +119,23 @@ TEST(Allocation, IsSeenByThisTest)
     VwFreeProc(instance);
     counting = false;
     EXPECT_EQ(allocations, 1U);
+}
+
+TEST(Allocation, TakesTheStreamFromWhereTheInstanceComes)
+{
+    MemoryBlockFile file("abc");
+    VwCharStream *stream = nullptr;
+    allocations = 0;
+    mallocs = 0;
+    counting = true;
+    VwInstance *instance = VwAllocProc();
+    VwLocalUp(&file, &stream, instance);
+    counting = false;
+    EXPECT_EQ(allocations, 2U);
+    EXPECT_EQ(mallocs, 2U);
+    VwBlockFile *wrapped = nullptr;
+    VwLocalDown(stream, &wrapped, instance);
+    VwFreeProc(instance);
 }
 
 TEST(Allocation, DoesNotHappenWhileADocumentIsOpenedAndRead)
