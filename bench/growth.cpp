@@ -13,7 +13,7 @@
 //
 // The exit code is 1 when a goal was missed, or when the two ways told different texts.
 #include "documents.h"
-#include "filter_interface.h"
+#include "vs_pfs/filter_interface.h"
 #include "hostile_bodies.h"
 #include "reading.h"
 #include "statistics.h"

@@ -5,6 +5,8 @@
 #include "builder/encoders.h"
 #include "builder/word_wrap.h"
 #include "builder/write_characters.h"
+#include "formats/first_choice.h"
+#include "formats/write_family.h"
 
 #include <algorithm>
 
@@ -17,12 +19,12 @@ constexpr Style all_styles = base_styles | raised_and_lowered;
 
 constexpr int most_columns = 255; // a margin of a record or a ruler is a byte
 constexpr int write_ruler_columns = 255;
-constexpr std::size_t write_ruler_stops = 78;
-constexpr int bit_ruler_columns = 31 * 8;
-constexpr int byte_ruler_columns = 99;
+constexpr std::size_t write_ruler_stops = formats::write::ruler_entries;
+constexpr int bit_ruler_columns = formats::choice::bit_ruler_bytes * 8;
+constexpr int byte_ruler_columns = formats::choice::byte_ruler_columns;
 constexpr std::size_t choice_most_stops = 99;  // readers keep no more
 constexpr std::size_t most_record_bytes = 253; // the length byte counts itself and the mark
-constexpr char margin_record_type = 0x01;
+constexpr char margin_record_type = formats::write::record_margins;
 
 bool any_character(uint8_t)
 {

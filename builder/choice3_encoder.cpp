@@ -2,7 +2,7 @@
 // ruler or a page break, and whether a text line ends its paragraph: it does when there are
 // two of them and the second says so.
 // Test: tests/builder/choice3_encoder_test.cpp.
-#include "builder/body_bytes.h"
+#include "builder/bytes.h"
 #include "builder/choice_characters.h"
 #include "builder/encoders.h"
 #include "builder/word_wrap.h"
@@ -12,19 +12,6 @@
 namespace pfs_builder {
 namespace {
 
-// A first header byte with this bit begins a text line whatever its other bits.
-constexpr uint8_t header_text = 0x10;
-constexpr uint8_t header_more_follows = 0x40;
-constexpr uint8_t header_paragraph_end = 0x01; // of the second byte
-constexpr uint8_t header_page_break = 0x08;
-constexpr uint8_t header_ruler = 0x0C;
-
-constexpr std::size_t ruler_unused_bytes = 3;
-
-// In a ruler these two are the first of two bytes in one column.
-constexpr uint8_t ruler_tee = 0xC2;
-constexpr uint8_t ruler_cross = 0xC5;
-
 class Choice3Body {
 public:
     explicit Choice3Body(const Document &document) : document_(document), margins_(document.margins)
@@ -32,7 +19,7 @@ public:
         for (const Element &element : document.body) {
             std::visit([this](const auto &one) { put(one); }, element);
         }
-        append(bytes_, body_end);
+        append(bytes_, document_end);
     }
 
     const std::string &bytes() const
@@ -52,16 +39,16 @@ private:
     void put_line(const Paragraph &paragraph, const StoredLine &line)
     {
         if (line.wrapped) {
-            append(bytes_, header_text);
+            append(bytes_, choice::line_text);
         } else {
-            append(bytes_, header_text | header_more_follows);
-            append(bytes_, header_paragraph_end);
+            append(bytes_, choice::line_text | choice::line_more);
+            append(bytes_, choice::line_hard_end);
         }
         bytes_.append(static_cast<std::size_t>(line.indent), space);
         for (std::size_t i = line.begin; i < line.end; ++i) {
             put_cell(paragraph.cells[i]);
         }
-        append(bytes_, body_return);
+        append(bytes_, carriage_return);
     }
 
     void put_cell(const Cell &cell)
@@ -76,34 +63,36 @@ private:
     // The margins that it marks hold for the lines that follow.
     void put(const RulerLine &ruler)
     {
-        append(bytes_, header_ruler);
-        bytes_.append(ruler_unused_bytes, '\0');
+        append(bytes_, choice::line_special | choice::line_ruler);
+        bytes_.append(choice::ruler_unused_bytes, '\0');
         for (const char column : ruler.columns) {
             bytes_.push_back(column);
             const auto byte = static_cast<uint8_t>(column);
-            if (byte == ruler_tee || byte == ruler_cross) {
-                append(bytes_, choice_keep_high_bit);
+            if (byte == choice::prefix_low || byte == choice::prefix_high) {
+                append(bytes_, choice::keep_high_bit);
             }
         }
-        append(bytes_, body_return);
+        append(bytes_, carriage_return);
         take_margins(ruler.columns);
     }
 
     void take_margins(const std::string &columns)
     {
-        if (const std::size_t left = columns.rfind('['); left != std::string::npos) {
+        if (const std::size_t left = columns.rfind(static_cast<char>(choice::mark_left_margin));
+            left != std::string::npos) {
             margins_.left = static_cast<int>(left) + 1;
         }
-        if (const std::size_t right = columns.rfind(']'); right != std::string::npos) {
+        if (const std::size_t right = columns.rfind(static_cast<char>(choice::mark_right_margin));
+            right != std::string::npos) {
             margins_.right = static_cast<int>(right) + 1;
         }
     }
 
     void put(const PageBreakLine &line)
     {
-        append(bytes_, header_page_break);
+        append(bytes_, choice::line_special);
         bytes_ += line.text;
-        append(bytes_, body_return);
+        append(bytes_, carriage_return);
     }
 
     void put(const RawBytes &raw)

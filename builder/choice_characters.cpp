@@ -3,24 +3,24 @@
 // one whose byte would end a line or the document.
 // Test: tests/builder/choice_encoder_test.cpp.
 #include "builder/choice_characters.h"
-#include "builder/body_bytes.h"
+#include "builder/bytes.h"
 
 namespace pfs_builder {
 namespace {
 
 bool ends_something(uint8_t character)
 {
-    return character == body_form_feed || character == body_return || character == body_end;
+    return character == form_feed || character == carriage_return || character == document_end;
 }
 
 uint8_t second_attribute_byte(Style style)
 {
     uint8_t second = 0;
     if ((style & style_subscript) != 0) {
-        second |= choice_second_subscript;
+        second |= choice::second_subscript;
     }
     if ((style & style_superscript) != 0) {
-        second |= choice_second_superscript;
+        second |= choice::second_superscript;
     }
     return second;
 }
@@ -29,12 +29,12 @@ std::string attributed(uint8_t character, Style style)
 {
     uint8_t first = style & (style_underline | style_bold | style_italic);
     if ((character & high_bit) != 0) {
-        first |= choice_keep_high_bit;
+        first |= choice::keep_high_bit;
     }
     const uint8_t second = second_attribute_byte(style);
     std::string bytes;
     append(bytes, character | high_bit);
-    append(bytes, second != 0 ? first | choice_more_follows : first);
+    append(bytes, second != 0 ? first | choice::more_attributes : first);
     if (second != 0) {
         append(bytes, second);
     }

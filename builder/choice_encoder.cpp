@@ -1,7 +1,7 @@
 // Bodies of First Choice before its third generation: the lines of the page, each ended by a
 // byte that tells the spacing but not whether the line was wrapped.
 // Test: tests/builder/choice_encoder_test.cpp.
-#include "builder/body_bytes.h"
+#include "builder/bytes.h"
 #include "builder/choice_characters.h"
 #include "builder/encoders.h"
 #include "builder/line_ends.h"
@@ -10,9 +10,6 @@
 namespace pfs_builder {
 namespace {
 
-constexpr uint8_t single_spaced_end = 0x0C;
-constexpr uint8_t double_spaced_end = 0x0D;
-
 class ChoiceBody {
 public:
     explicit ChoiceBody(const Document &document) : document_(document)
@@ -20,7 +17,7 @@ public:
         for (const Element &element : document.body) {
             put(element);
         }
-        append(bytes_, body_end);
+        append(bytes_, document_end);
     }
 
     const std::string &bytes() const
@@ -63,7 +60,7 @@ private:
         const Place &place =
             line.end > line.begin ? paragraph.cells[line.end - 1].place : paragraph.place;
         ends_.push_back({begin, bytes_.size(), line.wrapped, place});
-        append(bytes_, double_spacing_ ? double_spaced_end : single_spaced_end);
+        append(bytes_, double_spacing_ ? choice::line_end_double : choice::line_end_single);
     }
 
     void put_cell(const Cell &cell)

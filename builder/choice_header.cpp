@@ -1,28 +1,17 @@
-// The header of First Choice: 512 bytes of fixed places. The generation byte behind the magic
+// The header of First Choice: 512 bytes of fixed positions. The generation byte behind the magic
 // also says how the ruler is stored: as bits for "2" and "3", as a byte for each column
 // otherwise. There are no decimal stops.
 // Test: tests/builder/choice_encoder_test.cpp.
 #include "builder/encoders.h"
+#include "formats/first_choice.h"
 
 namespace pfs_builder {
 namespace {
 
-constexpr std::size_t header_size = 512;
+using namespace formats::choice;
 
-constexpr std::size_t margins_offset = 0; // two words, columns counted from 1
-constexpr std::size_t magic_offset = 9;
-constexpr const char *magic = "GERBILDOC";
-constexpr std::size_t generation_offset = 18;
-constexpr std::size_t alignments_offset = 356; // header's letter, footer's letter
-constexpr std::size_t footer_styles_offset = 359;
-constexpr std::size_t header_styles_offset = 363;
-constexpr std::size_t ruler_offset = 366;
-
-// Each text stands behind its length.
-constexpr std::array<std::size_t, 4> text_offsets = {28, 110, 192, 274};
-constexpr std::size_t after_texts = alignments_offset;
-
-constexpr uint8_t byte_ruler_stop = 0x01;
+constexpr char letter_left = 'L';
+constexpr char letter_no_style = ' ';
 
 void put_word(std::string &file, std::size_t offset, int value)
 {
@@ -39,31 +28,31 @@ void put_text(std::string &file, std::size_t offset, const std::string &text)
 char alignment_letter(const std::optional<Alignment> &alignment)
 {
     switch (alignment.value_or(Alignment::left)) {
-    case Alignment::centre: return 'C';
-    case Alignment::right: return 'R';
-    default: return 'L';
+    case Alignment::centre: return letter_centred;
+    case Alignment::right: return letter_right;
+    default: return letter_left;
     }
 }
 
 // Two letters, one for each style that there is.
 void put_styles(std::string &file, std::size_t offset, Style style)
 {
-    file[offset] = (style & style_bold) != 0 ? 'B' : ' ';
-    file[offset + 1] = (style & style_underline) != 0 ? 'U' : ' ';
+    file[offset] = (style & style_bold) != 0 ? letter_bold : letter_no_style;
+    file[offset + 1] = (style & style_underline) != 0 ? letter_underline : letter_no_style;
 }
 
 void put_headers_and_footers(std::string &file, const Document &document)
 {
     const HeaderFooter &header = document.header;
     const HeaderFooter &footer = document.footer;
-    put_text(file, text_offsets[0], header.lines[0]);
-    put_text(file, text_offsets[1], header.lines[1]);
-    put_text(file, text_offsets[2], footer.lines[0]);
-    put_text(file, text_offsets[3], footer.lines[1]);
-    file[alignments_offset] = alignment_letter(header.alignment);
-    file[alignments_offset + 1] = alignment_letter(footer.alignment);
-    put_styles(file, header_styles_offset, header.style);
-    put_styles(file, footer_styles_offset, footer.style);
+    put_text(file, line_length_offsets[0], header.lines[0]);
+    put_text(file, line_length_offsets[1], header.lines[1]);
+    put_text(file, line_length_offsets[2], footer.lines[0]);
+    put_text(file, line_length_offsets[3], footer.lines[1]);
+    file[header_alignment_offset] = alignment_letter(header.alignment);
+    file[footer_alignment_offset] = alignment_letter(footer.alignment);
+    put_styles(file, header_style_offset, header.style);
+    put_styles(file, footer_style_offset, footer.style);
 }
 
 void put_ruler(std::string &file, const std::vector<TabStop> &stops, bool as_bits)
@@ -81,21 +70,20 @@ void put_ruler(std::string &file, const std::vector<TabStop> &stops, bool as_bit
 
 } // namespace
 
-const TextLimits choice_header_text_limits = {
-    text_offsets[1] - text_offsets[0] - 1, text_offsets[2] - text_offsets[1] - 1,
-    text_offsets[3] - text_offsets[2] - 1, after_texts - text_offsets[3] - 1};
+const TextLimits choice_header_text_limits =
+    text_limits(line_length_offsets, header_alignment_offset);
 
 std::string choice_header(const Document &document)
 {
-    const char own_generation = document.kind == Kind::first_choice_3 ? '3' : '2';
+    const char own_generation = document.kind == Kind::first_choice_3 ? generation_3 : generation_2;
     const char generation = document.generation.value_or(own_generation);
     std::string file(header_size, '\0');
-    put_word(file, margins_offset, document.margins.left);
-    put_word(file, margins_offset + 2, document.margins.right);
-    file.replace(magic_offset, generation_offset - magic_offset, magic);
+    put_word(file, left_margin_offset, document.margins.left);
+    put_word(file, right_margin_offset, document.margins.right);
+    file.replace(magic_offset, magic.size(), magic);
     file[generation_offset] = generation;
     put_headers_and_footers(file, document);
-    put_ruler(file, document.tab_stops, generation == '2' || generation == '3');
+    put_ruler(file, document.tab_stops, generation == generation_2 || generation == generation_3);
     return file;
 }
 

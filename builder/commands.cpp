@@ -3,6 +3,7 @@
 // the others an argument, which is everything up to the next asterisk.
 // Test: tests/builder/commands_test.cpp.
 #include "builder/commands.h"
+#include "formats/commands.h"
 
 #include <algorithm>
 #include <array>
@@ -12,19 +13,27 @@
 namespace pfs_builder {
 namespace {
 
-constexpr std::array<std::string_view, 9> whole_words = {"N*",      "PAGE*", "YES*",   "Y*", "NO*",
-                                                         "CENTER*", "C*",    "RIGHT*", "R*"};
-constexpr std::array<std::string_view, 6> words_with_argument = {"PRINTER ", "P ",    "GRAPH ",
-                                                                 "G ",       "JOIN ", "J "};
-constexpr std::string_view new_word = "NEW ";
-constexpr std::array<std::string_view, 1> new_answers = {"PAGE*"};
-constexpr std::array<std::string_view, 2> justify_words = {"JUSTIFY ", "JY "};
-constexpr std::array<std::string_view, 4> justify_answers = {"N*", "YES*", "Y*", "NO*"};
+using namespace formats;
+
+constexpr std::array whole_words = {command_n, command_page,  command_yes,
+                                    command_y, command_no,    command_center,
+                                    command_c, command_right, command_r};
+constexpr std::array words_with_argument = {command_printer, command_p,    command_graph,
+                                            command_g,       command_join, command_j};
+constexpr std::array new_answers = {command_page};
+constexpr std::array justify_words = {command_justify, command_jy};
+constexpr std::array justify_answers = {command_n, command_yes, command_y, command_no};
+
+bool is_word(std::string_view text, CommandWord word)
+{
+    return text == command_words[static_cast<std::size_t>(word)];
+}
 
 template <std::size_t Size>
-bool contains(const std::array<std::string_view, Size> &words, std::string_view word)
+bool contains(const std::array<CommandWord, Size> &words, std::string_view text)
 {
-    return std::find(words.begin(), words.end(), word) != words.end();
+    return std::any_of(words.begin(), words.end(),
+                       [text](CommandWord word) { return is_word(text, word); });
 }
 
 // The front of `text` up to and including its first space or asterisk, in capitals.
@@ -43,7 +52,7 @@ std::string first_word(std::string_view text)
 
 template <std::size_t Size>
 Command with_answer(std::string_view after, std::size_t word_length,
-                    const std::array<std::string_view, Size> &answers)
+                    const std::array<CommandWord, Size> &answers)
 {
     const std::string answer = first_word(after.substr(word_length));
     if (!contains(answers, answer)) {
@@ -70,7 +79,7 @@ Command find_command(std::string_view text)
     if (contains(whole_words, word)) {
         return {CommandState::whole, 1 + word.size()};
     }
-    if (word == new_word) {
+    if (is_word(word, command_new)) {
         return with_answer(after, word.size(), new_answers);
     }
     if (contains(justify_words, word)) {

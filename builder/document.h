@@ -6,6 +6,8 @@
 // cannot say is told with its line.
 #pragma once
 
+#include "formats/text.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -29,11 +31,11 @@ enum class Kind : uint8_t {
 // A set of character styles.
 using Style = uint8_t;
 inline constexpr Style style_none = 0x00;
-inline constexpr Style style_underline = 0x01;
-inline constexpr Style style_bold = 0x02;
-inline constexpr Style style_italic = 0x04;
-inline constexpr Style style_superscript = 0x08;
-inline constexpr Style style_subscript = 0x10;
+inline constexpr Style style_underline = formats::underline;
+inline constexpr Style style_bold = formats::bold;
+inline constexpr Style style_italic = formats::italic;
+inline constexpr Style style_superscript = formats::superscript;
+inline constexpr Style style_subscript = formats::subscript;
 
 // Where something stands: an index into Document::sources and a line, counted from 1.
 struct Place {

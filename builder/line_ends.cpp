@@ -4,9 +4,10 @@
 // First Choice follows a chain of attribute bytes to any length.
 // Test: tests/builder/line_ends_test.cpp.
 #include "builder/line_ends.h"
-#include "builder/body_bytes.h"
+#include "builder/bytes.h"
 #include "builder/choice_characters.h"
 #include "builder/write_characters.h"
+#include "formats/writing_assistant.h"
 
 namespace pfs_builder {
 namespace {
@@ -46,7 +47,7 @@ template <uint8_t FirstPair> LineMeasure measure_write_line(std::string_view lin
     LineMeasure measure;
     for (std::size_t i = 0; i < line.size(); ++i) {
         auto character = static_cast<uint8_t>(line[i]);
-        if (character == body_form_feed) {
+        if (character == form_feed) {
             continue; // takes no column
         }
         if (character >= FirstPair) {
@@ -63,7 +64,7 @@ int first_write_word(std::string_view text)
     WordCount word;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<uint8_t>(text[i]);
-        if (byte == body_return || byte == body_end || word.over_at(byte)) {
+        if (byte == carriage_return || byte == document_end || word.over_at(byte)) {
             break;
         }
         i += has_bit(text[i], high_bit) ? attribute_byte : 0;
@@ -79,7 +80,7 @@ std::size_t attribute_chain(std::string_view text, std::size_t position, std::si
     std::size_t count = 0;
     bool more = true;
     while (more && count < most && position + count < text.size()) {
-        more = has_bit(text[position + count], choice_more_follows);
+        more = has_bit(text[position + count], choice::more_attributes);
         ++count;
     }
     return count;
@@ -90,7 +91,7 @@ uint8_t choice_character(std::string_view text, std::size_t position)
 {
     const auto byte = static_cast<uint8_t>(text[position]);
     const bool pair = (byte & high_bit) != 0 && position + 1 < text.size();
-    const bool keep = pair && has_bit(text[position + 1], choice_keep_high_bit);
+    const bool keep = pair && has_bit(text[position + 1], choice::keep_high_bit);
     return keep ? byte : byte & low_seven_bits;
 }
 
@@ -112,7 +113,7 @@ int first_choice_word(std::string_view text)
     WordCount word;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<uint8_t>(text[i]);
-        const bool ends = byte == body_form_feed || byte == body_return || byte == body_end;
+        const bool ends = byte == form_feed || byte == carriage_return || byte == document_end;
         if (ends || word.over_at(choice_character(text, i))) {
             break;
         }
@@ -164,8 +165,8 @@ Fault misread_end(const Document &document, const LineEnd &line, const Decision 
 } // namespace
 
 const LineReading write_line_reading = {measure_write_line<high_bit>, first_write_word, false};
-const LineReading writing_assistant_line_reading = {measure_write_line<writing_assistant_pair>,
-                                                    first_write_word, false};
+const LineReading writing_assistant_line_reading = {
+    measure_write_line<formats::assistant::prefix_bits>, first_write_word, false};
 const LineReading choice_line_reading = {measure_choice_line, first_choice_word, true};
 
 std::optional<Fault> check_line_ends(const Document &document, const Margins &margins,

@@ -5,19 +5,16 @@
 // A suppressed stretch lies in a line of the suppressing type, which is soft; the same byte
 // once more in the middle of the line begins the stretch, and the next line's byte ends it.
 // Test: tests/builder/professional_write_encoder_test.cpp.
-#include "builder/body_bytes.h"
+#include "builder/bytes.h"
 #include "builder/encoders.h"
 #include "builder/word_wrap.h"
 #include "builder/write_characters.h"
+#include "formats/write_family.h"
 
 namespace pfs_builder {
 namespace {
 
-constexpr uint8_t soft_line = 0x00;
-constexpr uint8_t hard_line_single = 0x01;
-constexpr uint8_t suppressing_line = 0x02;
-constexpr uint8_t suppression_begins = 0x02;
-constexpr uint8_t hard_line_double = 0x03;
+using namespace formats::write;
 
 class ProfessionalWriteBody {
 public:
@@ -27,9 +24,9 @@ public:
         for (const Element &element : document.body) {
             std::visit([this](const auto &one) { put(one); }, element);
         }
-        append(bytes_, soft_line);
+        append(bytes_, line_continued);
         bytes_ += records_;
-        append(bytes_, body_end);
+        append(bytes_, document_end);
     }
 
     const std::string &bytes() const
@@ -56,7 +53,7 @@ private:
         for (std::size_t i = line.begin; i < line.end; ++i) {
             const Cell &cell = paragraph.cells[i];
             if (cell.hidden && !hidden) {
-                append(bytes_, suppression_begins);
+                append(bytes_, line_suppress);
             }
             hidden = cell.hidden;
             bytes_ += encode_professional_write_cell(cell);
@@ -66,12 +63,12 @@ private:
     uint8_t line_type(const Paragraph &paragraph, const StoredLine &line) const
     {
         if (line.end > line.begin && paragraph.cells[line.end - 1].hidden) {
-            return suppressing_line;
+            return line_suppress;
         }
         if (line.wrapped) {
-            return soft_line;
+            return line_continued;
         }
-        return double_spacing_ ? hard_line_double : hard_line_single;
+        return double_spacing_ ? line_double : line_single;
     }
 
     // A record is kept for the beginning of the next line, where it stands behind the indent:

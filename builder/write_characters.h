@@ -6,8 +6,6 @@
 namespace pfs_builder {
 
 // In IBM Writing Assistant a byte from here on has an attribute byte behind it.
-inline constexpr uint8_t writing_assistant_pair = 0xC0;
-
 // Whether a character of code page 437 can be stored at all.
 bool write_can_store(uint8_t character);
 bool writing_assistant_can_store(uint8_t character);

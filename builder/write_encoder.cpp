@@ -2,7 +2,7 @@
 // ended by a return whether it was wrapped or not. The reader swallows the first return of
 // the body, so one is written before the first line.
 // Test: tests/builder/write_encoder_test.cpp.
-#include "builder/body_bytes.h"
+#include "builder/bytes.h"
 #include "builder/encoders.h"
 #include "builder/line_ends.h"
 #include "builder/word_wrap.h"
@@ -17,11 +17,11 @@ public:
         : document_(document), margins_(margins_before_body(document)),
           is_writing_assistant_(document.kind == Kind::writing_assistant)
     {
-        append(bytes_, body_return);
+        append(bytes_, carriage_return);
         for (const Element &element : document.body) {
             put(element);
         }
-        append(bytes_, body_end);
+        append(bytes_, document_end);
     }
 
     const std::string &bytes() const
@@ -64,7 +64,7 @@ private:
         const Place &place =
             line.end > line.begin ? paragraph.cells[line.end - 1].place : paragraph.place;
         ends_.push_back({begin, bytes_.size(), line.wrapped, place});
-        append(bytes_, body_return);
+        append(bytes_, carriage_return);
     }
 
     void put_cell(const Cell &cell)

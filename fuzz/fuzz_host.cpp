@@ -1,6 +1,6 @@
 #include "fuzz_host.h"
 
-#include "filter_interface.h"
+#include "vs_pfs/filter_interface.h"
 
 #include <algorithm>
 #include <utility>

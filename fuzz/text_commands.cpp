@@ -1,32 +1,29 @@
 // What follows a '*': compared with a plain reading of the same bytes in memory. Input bytes
 // below 18 stand for the keywords, so that commands come up often.
-#include "formatting.h"
+#include "formats/commands.h"
 #include "fuzz_host.h"
 #include "fuzz_input.h"
-#include "tables.h"
+#include "vs_pfs/formatting.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
 
 constexpr int16_t start_column = 32760; // so that the column wraps
 constexpr std::size_t longest_keyword = 9;
+constexpr auto words = formats::command_words;
 constexpr const char *search_enders = "\x01\x02\x03\x07\x0E";
-
-const char *keyword(int index)
-{
-    return PfsInit + vs_pfs::init_keywords_offset + index * vs_pfs::init_keyword_size;
-}
 
 std::string text_of(fuzz::Input &input)
 {
     std::string text;
     while (!input.empty()) {
         const uint8_t byte = input.byte();
-        if (byte < vs_pfs::init_keywords) {
-            text += keyword(byte);
+        if (byte < words.size()) {
+            text += words[byte];
         } else {
-            text += static_cast<char>(byte == vs_pfs::init_keywords ? 0 : byte);
+            text += static_cast<char>(byte == words.size() ? 0 : byte);
         }
     }
     return text;
@@ -47,12 +44,8 @@ int plain_keyword(const std::string &text, std::size_t &position)
             break;
         }
     }
-    for (int index = 0; index < vs_pfs::init_keywords; ++index) {
-        if (word == keyword(index)) {
-            return index + 1;
-        }
-    }
-    return 0;
+    const auto *const found = std::find(words.begin(), words.end(), word);
+    return found != words.end() ? static_cast<int>(found - words.begin()) + 1 : 0;
 }
 
 // The keywords by their place in the table, from 1, as far as the grammar tells them apart.

@@ -1,6 +1,6 @@
 // The header of the Write family: a kind, then the file from its start, onto which the kind's
 // signature is put. The header's tab table must be whole and its lines must be read.
-#include "filter_interface.h"
+#include "vs_pfs/filter_interface.h"
 #include "fuzz_host.h"
 #include "fuzz_input.h"
 

@@ -14,7 +14,7 @@ for test in $named; do
         || { echo "docs/quirks.md names $test, which is not there"; status=1; }
 done
 
-oddities=$(tr '\n' ' ' <<<"$(sed 's|^ *// *||' vs_pfs/*)" \
+oddities=$(tr '\n' ' ' <<<"$(find vs_pfs -type f -exec sed 's|^ *// *||' {} +)" \
     | grep -oE '"[^"]+" in docs/quirks\.md' | cut -d'"' -f2 | sort -u)
 [ -n "$oddities" ] || { echo "the code names no oddity"; exit 1; }
 while read -r oddity; do

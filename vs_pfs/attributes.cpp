@@ -4,7 +4,7 @@
 //
 // The three orders of announcement differ from one another, and the host may see it: see
 // "attribute orders" in docs/quirks.md. Test: tests/module/attributes_test.cpp.
-#include "formatting.h"
+#include "vs_pfs/formatting.h"
 
 #include <array>
 

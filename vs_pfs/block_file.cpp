@@ -1,6 +1,6 @@
 // Helpers over the host's block file operations, for the host; and opening a file that
 // stands beside the document. Test: tests/module/block_file_test.cpp.
-#include "char_stream.h"
+#include "vs_pfs/char_stream.h"
 
 #include <cstring>
 

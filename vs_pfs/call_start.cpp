@@ -4,7 +4,7 @@
 // announcing all that is in force. One reader sends margins and attributes the other way
 // round: see "margins first" in docs/quirks.md.
 // Tests: tests/module/*_line_reader_test.cpp, headers_footers_test.cpp.
-#include "formatting.h"
+#include "vs_pfs/formatting.h"
 
 namespace vs_pfs {
 namespace {

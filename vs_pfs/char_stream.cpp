@@ -7,7 +7,7 @@
 // The host's answers are not trusted: a read that claims more bytes than it was asked for
 // counts as failed, and wherever the buffer is empty the cursor stands at its start, so
 // that no order of calls takes it outside. Test: tests/module/char_stream_test.cpp.
-#include "char_stream.h"
+#include "vs_pfs/char_stream.h"
 
 #include <algorithm>
 #include <cstdlib>

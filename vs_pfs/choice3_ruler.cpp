@@ -6,8 +6,9 @@
 // Two byte values are prefixes: they and the byte after them make up one empty column. The
 // column counter has 8 bits. Data that end inside a ruler end it like a 0x0D.
 // Test: tests/module/choice3_ruler_test.cpp.
-#include "document_headers.h"
-#include "formatting.h"
+#include "formats/first_choice.h"
+#include "vs_pfs/document_headers.h"
+#include "vs_pfs/formatting.h"
 
 #include <algorithm>
 #include <iterator>
@@ -15,13 +16,9 @@
 namespace vs_pfs {
 namespace {
 
-constexpr int16_t unused_bytes = 3;
-constexpr uint8_t mark_tab_stop = 0x54;     // 'T'
-constexpr uint8_t mark_left_margin = 0x5B;  // '['
-constexpr uint8_t mark_right_margin = 0x5D; // ']'
-constexpr uint8_t prefix_low = 0xC2;
-constexpr uint8_t prefix_high = 0xC5;
-constexpr uint8_t ruler_end = 0x0D;
+using namespace formats::choice;
+
+constexpr uint8_t ruler_end = formats::carriage_return;
 
 void clear_tab_table(SavedState &saved)
 {
@@ -45,7 +42,7 @@ void apply_mark(SavedState &saved, int32_t byte, uint8_t column)
 int32_t Fc3GetRuler(VwCharStream *stream, VwInstance *instance)
 {
     SavedState &saved = instance->state.saved;
-    for (int i = 0; i < unused_bytes; ++i) {
+    for (int i = 0; i < ruler_unused_bytes; ++i) {
         VwCharGet(stream);
     }
     clear_tab_table(saved);

@@ -10,36 +10,28 @@
 // Ruler columns are 0-based and stored as they are; margins lose 1. A byte past the end of
 // the file counts as -1, so that a ruler cut short marks every missing column.
 // Test: tests/module/choice_header_test.cpp.
-#include "document_headers.h"
+#include "formats/first_choice.h"
+#include "formats/write_family.h"
+#include "vs_pfs/document_headers.h"
 
 namespace vs_pfs {
 namespace {
 
-constexpr int16_t bytes_before_magic = 5;
-constexpr int bytes_from_magic = 12;
-constexpr int generation_in_magic = 9;
+using namespace formats::choice;
 
-constexpr uint32_t length_positions[header_footer_lines] = {28, 110, 192, 274};
-constexpr uint32_t alignment_position = 356;
-
-constexpr uint8_t align_code_centre = 0;
-constexpr uint8_t align_code_left = 1;
-constexpr uint8_t align_code_right = 2;
-
-constexpr uint8_t style_underline = 0x01;
-constexpr uint8_t style_bold = 0x02;
-
-constexpr int byte_ruler_columns = 99;
-constexpr uint8_t byte_ruler_stop = 0x01;
-constexpr int bit_ruler_bytes = 31;
+constexpr uint32_t word_size = 2;
 constexpr int bits_in_byte = 8;
+
+constexpr int16_t bytes_before_magic = magic_offset - (right_margin_offset + word_size);
+constexpr int generation_in_magic = generation_offset - magic_offset;
+constexpr int bytes_from_magic = generation_in_magic + 1 + unused_after_generation;
 
 uint16_t margin(VwInstance *instance)
 {
     return static_cast<uint16_t>(GetValue(instance) - 1);
 }
 
-// Reads the bytes at offsets 9 to 20 and returns the generation among them.
+// Reads the bytes from the magic on and returns the generation among them.
 int32_t read_generation(VwInstance *instance)
 {
     int32_t generation = end_of_data;
@@ -52,12 +44,13 @@ int32_t read_generation(VwInstance *instance)
     return generation;
 }
 
+// A code of the Write family.
 uint8_t read_alignment(VwCharStream *stream)
 {
     switch (VwCharGet(stream)) {
-    case 'C': return align_code_centre;
-    case 'R': return align_code_right;
-    default: return align_code_left;
+    case letter_centred: return formats::write::alignment_centred;
+    case letter_right: return formats::write::alignment_right;
+    default: return formats::write::alignment_left;
     }
 }
 
@@ -66,13 +59,13 @@ uint8_t read_alignment(VwCharStream *stream)
 void read_style(VwCharStream *stream, uint8_t &attributes)
 {
     switch (VwCharGet(stream)) {
-    case 'U': attributes = style_underline; break;
-    case 'B': attributes = style_bold; break;
+    case letter_underline: attributes = formats::underline; break;
+    case letter_bold: attributes = formats::bold; break;
     default: break;
     }
     switch (VwCharGet(stream)) {
-    case 'U': attributes |= style_underline; break;
-    case 'B': attributes |= style_bold; break;
+    case letter_underline: attributes |= formats::underline; break;
+    case letter_bold: attributes |= formats::bold; break;
     default: break;
     }
 }
@@ -80,7 +73,7 @@ void read_style(VwCharStream *stream, uint8_t &attributes)
 void read_header_footer_look(VwInstance *instance)
 {
     FilterState &state = instance->state;
-    VwCharSeek(state.stream, alignment_position, seek_absolute);
+    VwCharSeek(state.stream, header_alignment_offset, seek_absolute);
     state.headerAlign = read_alignment(state.stream);
     state.footerAlign = read_alignment(state.stream);
     PfsSkipBytes(1, instance);
@@ -131,12 +124,10 @@ int32_t PfsChoiceHeaderInfo(VwInstance *instance)
     copy_margins_to_header_footer(instance);
     PfsSkipBytes(bytes_before_magic, instance);
     const int32_t generation = read_generation(instance);
-    for (int line = 0; line < header_footer_lines; ++line) {
-        read_header_footer_length(instance, line, length_positions[line]);
-    }
+    read_header_footer_lengths(instance, line_length_offsets);
     read_header_footer_look(instance);
     state.saved.tabCount = 0;
-    if (state.fcVersion == choice_generation_2 && generation != '2') {
+    if (state.fcVersion == choice_generation_2 && generation != generation_2) {
         read_byte_ruler(state.stream, state.saved);
     } else {
         read_bit_ruler(state.stream, state.saved);

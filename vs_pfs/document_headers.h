@@ -1,7 +1,9 @@
 // Recognising a document and reading what stands before, and between, its text.
 #pragma once
 
-#include "filter_interface.h"
+#include "vs_pfs/filter_interface.h"
+
+#include <array>
 
 namespace vs_pfs {
 
@@ -25,7 +27,7 @@ inline constexpr uint16_t choice_generation_3 = 3;
 int32_t PfsGetVersion(VwInstance *instance);
 
 // Headers (write_header.cpp, choice_header.cpp). They set margins, the tab table, and the
-// place, look and presence of header and footer lines. Always 0: a short file reads as -1.
+// position, look and presence of header and footer lines. Always 0: a short file reads as -1.
 int32_t PfsWriteHeaderInfo(VwInstance *instance);
 int32_t PfsChoiceHeaderInfo(VwInstance *instance);
 
@@ -38,9 +40,10 @@ int32_t PfsSkipBytes(int16_t count, VwInstance *instance);
 int32_t MergeTabStops(int16_t normalCount, int16_t decimalCount, const int16_t *normalList,
                       const int16_t *decimalList, VwInstance *instance);
 
-// Sets the length of header or footer line `line` (0 to 3) from the byte at `offset` and
-// marks the line pending when it has text.
-void read_header_footer_length(VwInstance *instance, int line, uint32_t offset);
+// Where a header holds the lengths of its header and footer lines.
+using LineOffsets = std::array<uint32_t, header_footer_lines>;
+// Sets the lengths and marks the lines pending that have text.
+void read_header_footer_lengths(VwInstance *instance, const LineOffsets &offsets);
 // Copies the margins into both pairs of hfMargins.
 void copy_margins_to_header_footer(VwInstance *instance);
 

@@ -1,7 +1,7 @@
 // The table of entry points, the information queries, and the small entry points around
 // the instance record. Opening and reading are in stream_open.cpp.
 // Test: tests/module/entry_points_test.cpp.
-#include "filter_interface.h"
+#include "vs_pfs/filter_interface.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -7,8 +7,9 @@
 // Tests: tests/module/instance_test.cpp, tests/module/output_routines_test.cpp.
 #pragma once
 
-#include "char_stream.h"
+#include "formats/text.h"
 #include "vs_pfs.h"
+#include "vs_pfs/char_stream.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,7 +24,8 @@ inline constexpr uint16_t tab_table_end = 0xFFFF;
 inline constexpr uint8_t tab_kind_ordinary = 0x00;
 inline constexpr uint8_t tab_kind_decimal = 0x2E;
 
-inline constexpr int header_footer_lines = 4; // header 1, header 2, footer 1, footer 2
+// Texts in the order of formats: header lines 1 and 2, footer lines 1 and 2.
+using formats::header_footer_lines;
 
 // Bits of hfPending. Footer line 2 is marked with three bits, two of which are those of
 // header line 2 and header line 1: see "footer line 2" in docs/quirks.md.

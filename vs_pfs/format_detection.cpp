@@ -6,32 +6,24 @@
 //
 // First Choice is tried first. Past the end of the file bytes read as 0xFF, which match
 // nothing. Test: tests/module/format_detection_test.cpp.
-#include "document_headers.h"
-#include "tables.h"
+#include "formats/first_choice.h"
+#include "formats/write_family.h"
+#include "vs_pfs/document_headers.h"
 
-#include <cstring>
+#include <string_view>
 
 namespace vs_pfs {
 namespace {
 
-constexpr uint32_t magic_position = 9;
-constexpr uint32_t signature_position = 641;
-constexpr int signature_length = init_signature_size - 1;
-constexpr int bytes_before_variant = 2;
+using namespace formats;
+
+constexpr int magic_size = choice::magic.size();
+constexpr int bytes_before_variant =
+    write::variant_offset - (write::signature_offset + write::signature_size);
 constexpr int variant_length = 4; // the digit and three bytes that nothing looks at
 
 constexpr int32_t recognised = 0;
 constexpr int32_t not_recognised = 1;
-
-// Signatures in the order of PfsInit.
-enum Signature : int {
-    signature_wrd_pc,
-    signature_type_2,
-    signature_ibm,
-    signature_type_3,
-    signature_type_4,
-    signature_none
-};
 
 void read_text(VwCharStream *stream, char *text, int length)
 {
@@ -43,49 +35,49 @@ void read_text(VwCharStream *stream, char *text, int length)
 bool has_choice_magic(VwInstance *instance)
 {
     VwCharStream *stream = instance->state.stream;
-    char magic[init_magic_size];
-    VwCharSeek(stream, magic_position, seek_absolute);
-    read_text(stream, magic, init_magic_size);
+    char magic[magic_size];
+    VwCharSeek(stream, choice::magic_offset, seek_absolute);
+    read_text(stream, magic, magic_size);
     // Every document gets a generation, though only First Choice has one.
-    const bool third = VwCharGet(stream) == '3';
+    const bool third = VwCharGet(stream) == choice::generation_3;
     instance->state.fcVersion = third ? choice_generation_3 : choice_generation_2;
-    return std::memcmp(magic, PfsInit, init_magic_size) == 0;
+    return std::string_view(magic, magic_size) == choice::magic;
 }
 
-Signature find_signature(const char *text)
+FormatType write_type(char variant)
 {
-    int index = 0;
-    while (index < init_signatures &&
-           std::memcmp(text, init_signature(index), signature_length) != 0) {
-        ++index;
+    switch (variant) {
+    case write::variant_a: return format_write_a;
+    case write::variant_b: return format_write_b;
+    default: return format_none;
     }
-    return static_cast<Signature>(index);
 }
 
 // format_none when signature and variant name no kind.
-FormatType write_family_type(Signature signature, char variant)
+FormatType write_family_type(std::string_view signature, char variant)
 {
-    switch (signature) {
-    case signature_wrd_pc:
-    case signature_type_2:
-        return variant == '1' ? format_write_a : variant == '2' ? format_write_b : format_none;
-    case signature_ibm: return format_writing_assistant;
-    case signature_type_3: return format_professional_write_1;
-    case signature_type_4: return format_professional_write_2;
-    default: return format_none;
+    if (signature == write::signature_wrd_pc || signature == write::signature_type_2) {
+        return write_type(variant);
     }
+    if (signature == write::signature_writing_assistant) {
+        return format_writing_assistant;
+    }
+    if (signature == write::signature_professional_1) {
+        return format_professional_write_1;
+    }
+    return signature == write::signature_professional_2 ? format_professional_write_2 : format_none;
 }
 
 FormatType detect_write_family(VwInstance *instance)
 {
     VwCharStream *stream = instance->state.stream;
-    char signature[signature_length];
-    VwCharSeek(stream, signature_position, seek_absolute);
-    read_text(stream, signature, signature_length);
+    char signature[write::signature_size];
+    VwCharSeek(stream, write::signature_offset, seek_absolute);
+    read_text(stream, signature, write::signature_size);
     PfsSkipBytes(bytes_before_variant, instance);
     char variant[variant_length];
     read_text(stream, variant, variant_length);
-    return write_family_type(find_signature(signature), variant[0]);
+    return write_family_type({signature, write::signature_size}, variant[0]);
 }
 
 } // namespace

@@ -2,16 +2,19 @@
 // lines, and the announcements that open a read call.
 #pragma once
 
-#include "filter_interface.h"
+#include "formats/first_choice.h"
+#include "formats/text.h"
+#include "vs_pfs/filter_interface.h"
 
 namespace vs_pfs {
 
-// The internal attribute set: one bit for each attribute code of the host.
-inline constexpr uint8_t attr_code_4 = 0x01;
-inline constexpr uint8_t attr_code_2 = 0x02;
-inline constexpr uint8_t attr_code_3 = 0x04;
-inline constexpr uint8_t attr_code_11 = 0x08;
-inline constexpr uint8_t attr_code_10 = 0x10;
+// The internal attribute set: one bit for each attribute code of the host, the one that the
+// Write family's attribute bytes have for it.
+inline constexpr uint8_t attr_code_4 = formats::underline;
+inline constexpr uint8_t attr_code_2 = formats::bold;
+inline constexpr uint8_t attr_code_3 = formats::italic;
+inline constexpr uint8_t attr_code_11 = formats::superscript;
+inline constexpr uint8_t attr_code_10 = formats::subscript;
 inline constexpr uint8_t attr_all =
     attr_code_4 | attr_code_2 | attr_code_3 | attr_code_11 | attr_code_10;
 
@@ -19,9 +22,6 @@ inline constexpr uint8_t attr_all =
 inline constexpr uint8_t attr_form_plain = 0; // one byte: the Write family
 inline constexpr uint8_t attr_form_pair = 1;  // one or two bytes: First Choice
 inline constexpr uint8_t attributes_of_first_byte = attr_code_4 | attr_code_2 | attr_code_3;
-// The second byte of a pair crosses over: its lower bit is the set's higher one.
-inline constexpr uint8_t second_byte_code_10 = 0x02;
-inline constexpr uint8_t second_byte_code_11 = 0x04;
 
 // Attributes (attributes.cpp). All return 0.
 //
@@ -34,10 +34,10 @@ inline int32_t SetAttr(uint8_t first, uint8_t second, uint8_t pairForm, uint8_t 
         return 0;
     }
     *target |= first & attributes_of_first_byte;
-    if ((second & second_byte_code_10) != 0) {
+    if ((second & formats::choice::second_subscript) != 0) {
         *target |= attr_code_10;
     }
-    if ((second & second_byte_code_11) != 0) {
+    if ((second & formats::choice::second_superscript) != 0) {
         *target |= attr_code_11;
     }
     return 0;
@@ -70,7 +70,7 @@ int32_t PutTabStops(VwInstance *instance);
 
 // Embedded commands (text_commands.cpp).
 inline constexpr int command_buffer_size = 10;
-inline constexpr uint8_t command_mark = 0x2A; // '*'
+inline constexpr uint8_t command_mark = formats::asterisk;
 
 // Reads what follows a '*'. 1: it was a command, now reported and passed, *column advanced
 // by each byte of it. 0: it was not; nothing was reported, the stream is after the '*'.

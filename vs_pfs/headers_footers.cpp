@@ -11,7 +11,8 @@
 // hfPending says what is left to report. Footer line 2 is marked with three bits, which
 // bring both header lines with it: see "footer line 2" in docs/quirks.md.
 // Test: tests/module/headers_footers_test.cpp.
-#include "formatting.h"
+#include "formats/write_family.h"
+#include "vs_pfs/formatting.h"
 
 namespace vs_pfs {
 namespace {
@@ -21,9 +22,6 @@ constexpr int32_t stop_reading = header_footer_stop;
 
 // Lines in the order of hfTextPos and hfLength.
 enum Line : int { header_1, header_2, footer_1, footer_2 };
-
-constexpr uint8_t align_code_centre = 0;
-constexpr uint8_t align_code_right = 2;
 
 Line first_pending_line(uint16_t pending)
 {
@@ -60,9 +58,9 @@ void open_block(VwInstance *instance, Line line)
 // The reader has just announced left alignment, so that is not announced again.
 void put_line_alignment(const VwInstance *instance, uint8_t align_code)
 {
-    if (align_code == align_code_centre) {
+    if (align_code == formats::write::alignment_centred) {
         put_alignment(instance, VW_ALIGN_CENTRE);
-    } else if (align_code == align_code_right) {
+    } else if (align_code == formats::write::alignment_right) {
         put_alignment(instance, VW_ALIGN_RIGHT);
     }
 }

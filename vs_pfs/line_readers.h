@@ -3,7 +3,7 @@
 // end of the data. They always return 0: the reason for stopping is told by routine 13.
 #pragma once
 
-#include "filter_interface.h"
+#include "vs_pfs/filter_interface.h"
 
 namespace vs_pfs {
 

@@ -3,9 +3,11 @@
 // After open the stream stands at the first byte of the text: at 512 in a First Choice
 // document, after the first form feed at or behind 1024 (and the records that follow it)
 // in a Write-family one. Test: tests/module/stream_open_test.cpp.
-#include "document_headers.h"
-#include "formatting.h"
-#include "line_readers.h"
+#include "formats/first_choice.h"
+#include "formats/write_family.h"
+#include "vs_pfs/document_headers.h"
+#include "vs_pfs/formatting.h"
+#include "vs_pfs/line_readers.h"
 
 #include <algorithm>
 #include <cstring>
@@ -18,15 +20,6 @@ namespace {
 constexpr uint16_t description_flags = 1;
 
 constexpr uint8_t font_value = 24;
-
-constexpr uint32_t choice_body_position = 512;
-constexpr uint32_t choice_text_positions[header_footer_lines] = {29, 111, 193, 275};
-
-constexpr uint32_t write_body_area_position = 1024;
-constexpr uint32_t write_text_positions[header_footer_lines] = {329, 403, 485, 559};
-constexpr uint32_t open_end_flag_position = 836;
-constexpr uint8_t form_feed = 0x0C;
-constexpr uint8_t record_mark = 0x07;
 
 // The kind that the host's id names; every unknown id stands for the last one.
 const VwFileKind &file_kind(int32_t file_id)
@@ -54,19 +47,26 @@ void reset(VwCharStream *stream, VwInstance *instance)
     instance->state.saved.fontValue = font_value;
 }
 
+// A header or footer line's text stands behind the byte that tells its length.
+void set_text_positions(const LineOffsets &length_offsets, FilterState &state)
+{
+    std::transform(length_offsets.begin(), length_offsets.end(), state.hfTextPos,
+                   [](uint32_t offset) { return offset + 1; });
+}
+
 void open_choice_document(VwInstance *instance)
 {
     FilterState &state = instance->state;
     PfsChoiceHeaderInfo(instance);
-    VwCharSeek(state.stream, choice_body_position, seek_absolute);
-    state.saved.seekPos = choice_body_position;
+    VwCharSeek(state.stream, formats::choice::header_size, seek_absolute);
+    state.saved.seekPos = formats::choice::header_size;
     state.saved.skipFirstReturn = 0;
-    std::copy(std::begin(choice_text_positions), std::end(choice_text_positions), state.hfTextPos);
+    set_text_positions(formats::choice::line_length_offsets, state);
 }
 
 void read_open_end_flag(VwInstance *instance)
 {
-    VwCharSeek(instance->state.stream, open_end_flag_position, seek_absolute);
+    VwCharSeek(instance->state.stream, formats::write::flag_offset, seek_absolute);
     if (VwCharGet(instance->state.stream) != 0) {
         instance->state.saved.openEndFlag = 1;
     }
@@ -75,7 +75,7 @@ void read_open_end_flag(VwInstance *instance)
 void skip_to_form_feed(VwCharStream *stream)
 {
     int32_t byte = VwCharGet(stream);
-    while (byte != form_feed && byte != end_of_data) {
+    while (byte != formats::form_feed && byte != end_of_data) {
         byte = VwCharGet(stream);
     }
 }
@@ -85,7 +85,7 @@ void read_leading_records(VwInstance *instance)
 {
     VwCharStream *stream = instance->state.stream;
     int32_t byte = VwCharGet(stream);
-    while (byte == record_mark) {
+    while (byte == formats::write::record_mark) {
         MarginsFontRecord(instance);
         byte = VwCharGet(stream);
     }
@@ -103,8 +103,8 @@ void open_write_document(VwInstance *instance)
     if (state.formatType >= format_professional_write_1) {
         read_open_end_flag(instance);
     }
-    std::copy(std::begin(write_text_positions), std::end(write_text_positions), state.hfTextPos);
-    VwCharSeek(state.stream, write_body_area_position, seek_absolute);
+    set_text_positions(formats::write::line_length_offsets, state);
+    VwCharSeek(state.stream, formats::write::header_size, seek_absolute);
     skip_to_form_feed(state.stream);
     read_leading_records(instance);
 }

@@ -1,6 +1,6 @@
 // The tab-stop table, reported whole at the start of each read call and after each ruler:
 // begin, at most 30 stops, end. Test: tests/module/tab_stops_test.cpp.
-#include "formatting.h"
+#include "vs_pfs/formatting.h"
 
 namespace vs_pfs {
 namespace {

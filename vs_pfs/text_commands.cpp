@@ -8,28 +8,23 @@
 //
 // The echo has no length limit: a command that is never closed runs on to the next '*' or
 // to the end of the data. Test: tests/module/text_commands_test.cpp.
-#include "formatting.h"
-#include "tables.h"
+#include "formats/commands.h"
+#include "vs_pfs/formatting.h"
 
-#include <cstring>
+#include <algorithm>
+#include <string_view>
 
 namespace vs_pfs {
 namespace {
 
 constexpr int longest_keyword_read = 9;
 
-// The position of a keyword in the table, from 1. Those that follow are all only echoed.
-enum Command : int32_t {
-    command_none = 0,
-    command_n = 1, // new page; after a justify keyword the answer no
-    command_new = 2,
-    command_page = 3,
-    command_justify = 4,
-    command_jy = 5,
-    command_yes = 6,
-    command_y = 7,
-    command_no = 8
-};
+// A keyword's code is its position in the table, from 1.
+constexpr int32_t command_none = 0;
+constexpr int32_t code_of(formats::CommandWord word)
+{
+    return word + 1;
+}
 
 constexpr bool ends_search(int32_t byte)
 {
@@ -55,23 +50,20 @@ constexpr char to_upper(int32_t byte)
     return static_cast<char>(byte >= 'a' && byte <= 'z' ? byte - 'a' + 'A' : byte);
 }
 
-int32_t find_keyword(const char *text)
+int32_t find_keyword(std::string_view text)
 {
-    for (int32_t code = 1; code <= init_keywords; ++code) {
-        if (std::strcmp(text, init_keyword(code - 1)) == 0) {
-            return code;
-        }
-    }
-    return command_none;
+    const auto &words = formats::command_words;
+    const auto *found = std::find(words.begin(), words.end(), text);
+    return found != words.end() ? static_cast<int32_t>(found - words.begin()) + 1 : command_none;
 }
 
 bool is_justify_answer(int32_t command)
 {
     switch (command) {
-    case command_n:
-    case command_yes:
-    case command_y:
-    case command_no: return true;
+    case code_of(formats::command_n):
+    case code_of(formats::command_yes):
+    case code_of(formats::command_y):
+    case code_of(formats::command_no): return true;
     default: return false;
     }
 }
@@ -84,12 +76,13 @@ Meaning read_command(VwCharStream *stream, VwInstance *instance)
     char buffer[command_buffer_size];
     switch (PfsGetCommand(stream, buffer, instance)) {
     case command_none: return Meaning::no_command;
-    case command_n: return Meaning::page_break;
-    case command_new:
-        return PfsGetCommand(stream, buffer, instance) == command_page ? Meaning::page_break
-                                                                       : Meaning::no_command;
-    case command_justify:
-    case command_jy:
+    case code_of(formats::command_n): return Meaning::page_break;
+    case code_of(formats::command_new):
+        return PfsGetCommand(stream, buffer, instance) == code_of(formats::command_page)
+                   ? Meaning::page_break
+                   : Meaning::no_command;
+    case code_of(formats::command_justify):
+    case code_of(formats::command_jy):
         return is_justify_answer(PfsGetCommand(stream, buffer, instance)) ? Meaning::echo_only
                                                                           : Meaning::no_command;
     default: return Meaning::echo_only;
@@ -131,7 +124,7 @@ int32_t PfsGetCommand(VwCharStream *stream, char *buffer, VwInstance *)
         terminated = ends_keyword(byte);
     }
     buffer[length] = '\0';
-    return find_keyword(buffer);
+    return find_keyword({buffer, static_cast<std::size_t>(length)});
 }
 
 int32_t PfsTextCommand(VwCharStream *stream, int16_t *column, VwInstance *instance)

@@ -12,34 +12,20 @@
 // and sorted apart and then merged, decimal stops first where both share a column.
 // Nothing is checked: a byte past the end of the file counts as -1.
 // Test: tests/module/write_header_test.cpp.
-#include "document_headers.h"
+#include "formats/write_family.h"
+#include "vs_pfs/document_headers.h"
 
 #include <algorithm>
 
 namespace vs_pfs {
 namespace {
 
-constexpr uint32_t margins_position = 10;
-constexpr int ruler_entries = 78;
-constexpr uint8_t ruler_tab_stop = 0x0F;
-constexpr uint8_t ruler_decimal_stop = 0x10;
+using namespace formats::write;
+
 constexpr uint8_t ruler_no_stop = 0xFF;
 
-constexpr uint32_t length_positions[header_footer_lines] = {328, 402, 484, 558};
 constexpr uint16_t pending_bits[header_footer_lines] = {hf_header_1, hf_header_2, hf_footer_1,
                                                         hf_footer_2};
-
-constexpr uint32_t alignment_position = 822;
-constexpr uint32_t attributes_position = 828;
-constexpr uint32_t extra_margins_position = 963;
-
-constexpr uint8_t align_code_centre = 0;
-constexpr uint8_t align_code_left = 1;
-constexpr uint8_t align_code_right = 2;
-
-// Type 5 does not store its margins: they are the 10th and the 70th column.
-constexpr uint16_t default_left_margin = 9;
-constexpr uint16_t default_right_margin = 69;
 
 // A margin as it is kept: 0-based, so that a stored 0 becomes -1.
 uint16_t margin(int32_t stored)
@@ -51,11 +37,11 @@ void read_margins(VwInstance *instance)
 {
     SavedState &saved = instance->state.saved;
     if (instance->state.formatType == format_professional_write_2) {
-        saved.leftMargin = default_left_margin;
-        saved.rightMargin = default_right_margin;
+        saved.leftMargin = margin(fixed_left_margin);
+        saved.rightMargin = margin(fixed_right_margin);
         return;
     }
-    VwCharSeek(instance->state.stream, margins_position, seek_absolute);
+    VwCharSeek(instance->state.stream, left_margin_offset, seek_absolute);
     saved.leftMargin = margin(GetValue(instance));
     saved.rightMargin = margin(GetValue(instance));
 }
@@ -120,12 +106,12 @@ void read_ruler(VwInstance *instance)
 uint8_t read_alignment(VwInstance *instance)
 {
     const auto code = static_cast<uint8_t>(GetValue(instance));
-    return code == align_code_centre || code == align_code_right ? code : align_code_left;
+    return code == alignment_centred || code == alignment_right ? code : alignment_left;
 }
 
 void read_alignments(VwInstance *instance)
 {
-    VwCharSeek(instance->state.stream, alignment_position, seek_absolute);
+    VwCharSeek(instance->state.stream, header_alignment_offset, seek_absolute);
     instance->state.headerAlign = read_alignment(instance);
     instance->state.footerAlign = read_alignment(instance);
 }
@@ -133,18 +119,18 @@ void read_alignments(VwInstance *instance)
 void read_attributes(VwInstance *instance)
 {
     VwCharStream *stream = instance->state.stream;
-    VwCharSeek(stream, attributes_position, seek_absolute);
+    VwCharSeek(stream, header_attributes_offset, seek_absolute);
     instance->state.headerAttrs = static_cast<uint8_t>(VwCharGet(stream));
     PfsSkipBytes(1, instance);
     instance->state.footerAttrs = static_cast<uint8_t>(VwCharGet(stream));
 }
 
 // Stored as left, right, left, right; kept as left, left, right, right.
-void read_extra_margins(VwInstance *instance)
+void read_further_margins(VwInstance *instance)
 {
     VwCharStream *stream = instance->state.stream;
     uint16_t *margins = instance->state.hfMargins;
-    VwCharSeek(stream, extra_margins_position, seek_absolute);
+    VwCharSeek(stream, further_margins_offset, seek_absolute);
     margins[0] = margin(VwCharGet(stream));
     margins[2] = margin(VwCharGet(stream));
     margins[1] = margin(VwCharGet(stream));
@@ -197,13 +183,16 @@ int32_t MergeTabStops(int16_t normalCount, int16_t decimalCount, const int16_t *
     return 0;
 }
 
-void read_header_footer_length(VwInstance *instance, int line, uint32_t offset)
+void read_header_footer_lengths(VwInstance *instance, const LineOffsets &offsets)
 {
-    VwCharSeek(instance->state.stream, offset, seek_absolute);
-    const int32_t length = VwCharGet(instance->state.stream);
-    instance->state.hfLength[line] = static_cast<uint16_t>(length);
-    if (length > 0) {
-        instance->state.saved.hfPending |= pending_bits[line];
+    FilterState &state = instance->state;
+    for (int line = 0; line < header_footer_lines; ++line) {
+        VwCharSeek(state.stream, offsets[static_cast<unsigned>(line)], seek_absolute);
+        const int32_t length = VwCharGet(state.stream);
+        state.hfLength[line] = static_cast<uint16_t>(length);
+        if (length > 0) {
+            state.saved.hfPending |= pending_bits[line];
+        }
     }
 }
 
@@ -219,19 +208,17 @@ int32_t PfsWriteHeaderInfo(VwInstance *instance)
     FilterState &state = instance->state;
     state.footerAttrs = 0;
     state.headerAttrs = 0;
-    state.headerAlign = align_code_left;
-    state.footerAlign = align_code_left;
+    state.headerAlign = alignment_left;
+    state.footerAlign = alignment_left;
     read_margins(instance);
     copy_margins_to_header_footer(instance);
     if (state.formatType != format_professional_write_2) {
         read_ruler(instance);
     }
-    for (int line = 0; line < header_footer_lines; ++line) {
-        read_header_footer_length(instance, line, length_positions[line]);
-    }
+    read_header_footer_lengths(instance, line_length_offsets);
     if (state.formatType == format_write_a) {
-        state.headerAlign = align_code_centre;
-        state.footerAlign = align_code_centre;
+        state.headerAlign = alignment_centred;
+        state.footerAlign = alignment_centred;
         return 0;
     }
     read_alignments(instance);
@@ -239,7 +226,7 @@ int32_t PfsWriteHeaderInfo(VwInstance *instance)
         read_attributes(instance);
     }
     if (state.formatType == format_professional_write_2) {
-        read_extra_margins(instance);
+        read_further_margins(instance);
     }
     return 0;
 }

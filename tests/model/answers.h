@@ -2,7 +2,7 @@
 // are answered alike.
 #pragma once
 
-#include "random.h"
+#include "tests/model/random.h"
 
 #include <cstdint>
 

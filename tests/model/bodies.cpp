@@ -1,6 +1,6 @@
-#include "bodies.h"
+#include "tests/model/bodies.h"
 
-#include "endless.h"
+#include "tests/model/endless.h"
 
 #include <array>
 #include <initializer_list>

@@ -1,8 +1,8 @@
 // The text of generated documents: what writers write, and what only an enemy would.
 #pragma once
 
-#include "kinds.h"
-#include "random.h"
+#include "tests/model/kinds.h"
+#include "tests/model/random.h"
 
 #include <string>
 

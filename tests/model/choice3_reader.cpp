@@ -1,5 +1,5 @@
 // First Choice 3: a chain of header bytes before each line says what it is and how it ends.
-#include "parts.h"
+#include "tests/model/parts.h"
 
 namespace tests::model {
 

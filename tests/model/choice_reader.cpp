@@ -1,5 +1,5 @@
 // The First Choice documents before generation 3, and what they share with it.
-#include "parts.h"
+#include "tests/model/parts.h"
 
 namespace tests::model {
 

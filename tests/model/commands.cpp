@@ -1,5 +1,5 @@
 // Commands between asterisks: looked up word by word, reported, and echoed.
-#include "parts.h"
+#include "tests/model/parts.h"
 
 #include <array>
 #include <string>

@@ -1,7 +1,7 @@
-#include "comparison.h"
+#include "tests/model/comparison.h"
 
-#include "module_host.h"
-#include "saved_state.h"
+#include "tests/model/module_host.h"
+#include "tests/model/saved_state.h"
 
 #include <algorithm>
 #include <memory>

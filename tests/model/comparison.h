@@ -3,8 +3,8 @@
 // those after a read.
 #pragma once
 
-#include "answers.h"
-#include "model.h"
+#include "tests/model/answers.h"
+#include "tests/model/model.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
-#include "documents.h"
+#include "tests/model/documents.h"
 
-#include "bodies.h"
 #include "raw_documents.h"
+#include "tests/model/bodies.h"
 
 #include <algorithm>
 #include <array>

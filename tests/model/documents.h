@@ -1,8 +1,8 @@
 // Whole generated documents: a header of the kind, a body, and for some of them damage.
 #pragma once
 
-#include "kinds.h"
-#include "random.h"
+#include "tests/model/kinds.h"
+#include "tests/model/random.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "endless.h"
+#include "tests/model/endless.h"
 
 #include <string_view>
 

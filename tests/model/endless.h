@@ -1,8 +1,8 @@
 // Pieces so long that 16-bit counters wrap around.
 #pragma once
 
-#include "kinds.h"
-#include "random.h"
+#include "tests/model/kinds.h"
+#include "tests/model/random.h"
 
 #include <string>
 

@@ -1,5 +1,5 @@
 // What all line readers share: attributes, tab stops, headers and footers.
-#include "parts.h"
+#include "tests/model/parts.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // The fixed headers of both families, the margin records and the ruler lines.
-#include "parts.h"
+#include "tests/model/parts.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,6 +1,6 @@
-#include "model.h"
+#include "tests/model/model.h"
 
-#include "parts.h"
+#include "tests/model/parts.h"
 
 namespace tests::model {
 

@@ -7,9 +7,9 @@
 // would save there.
 #pragma once
 
-#include "answers.h"
 #include "notation.h"
-#include "text.h"
+#include "tests/model/answers.h"
+#include "tests/model/text.h"
 
 #include <array>
 #include <cstdint>

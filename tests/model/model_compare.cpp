@@ -1,7 +1,7 @@
 // model_compare DOCUMENTS SEED: compares module and model over that many generated documents,
 // as many as patience allows. Documents are numbered from SEED on, so ranges that do not
 // overlap can be run side by side, and one document by its number alone.
-#include "trials.h"
+#include "tests/model/trials.h"
 
 #include <chrono>
 #include <cstdlib>

@@ -3,7 +3,7 @@
 //
 // The other tests here are about the comparison itself: that it sees differences, that the
 // documents reach what there is to reach, and that the model reads well-known texts right.
-#include "trials.h"
+#include "tests/model/trials.h"
 
 #include "notation.h"
 #include "raw_documents.h"

@@ -1,4 +1,4 @@
-#include "module_host.h"
+#include "tests/model/module_host.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -3,10 +3,10 @@
 // for millions of documents.
 #pragma once
 
-#include "answers.h"
 #include "memory_block_file.h"
-#include "model.h"
-#include "saved_state.h"
+#include "tests/model/answers.h"
+#include "tests/model/model.h"
+#include "tests/model/saved_state.h"
 
 #include <cstdint>
 #include <string>

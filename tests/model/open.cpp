@@ -1,5 +1,5 @@
 // Recognising a document, and the step from the file's start to the first byte of its text.
-#include "parts.h"
+#include "tests/model/parts.h"
 
 #include <string_view>
 

@@ -1,7 +1,7 @@
 // What the model's own files share: byte names, 16-bit counting, and the services.
 #pragma once
 
-#include "model.h"
+#include "tests/model/model.h"
 
 #include <cstdint>
 

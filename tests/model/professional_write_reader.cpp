@@ -1,6 +1,6 @@
 // The Professional Write documents. A line begins with a type byte, which also ends the line
 // before.
-#include "parts.h"
+#include "tests/model/parts.h"
 
 namespace tests::model {
 

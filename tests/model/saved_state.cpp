@@ -1,4 +1,4 @@
-#include "saved_state.h"
+#include "tests/model/saved_state.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,7 +2,7 @@
 // where each stands; hosts do not.
 #pragma once
 
-#include "model.h"
+#include "tests/model/model.h"
 
 #include <array>
 #include <cstdint>

@@ -1,6 +1,6 @@
-#include "trials.h"
+#include "tests/model/trials.h"
 
-#include "documents.h"
+#include "tests/model/documents.h"
 
 #include <sstream>
 

@@ -1,8 +1,8 @@
 // Generated documents one after the other, each read by module and model in two ways.
 #pragma once
 
-#include "comparison.h"
-#include "kinds.h"
+#include "tests/model/comparison.h"
+#include "tests/model/kinds.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 // The older Write documents. All lines end alike; whether one was wrapped shows only in the
 // length of the next line's first word.
-#include "parts.h"
+#include "tests/model/parts.h"
 
 namespace tests::model {
 

@@ -1,7 +1,7 @@
 // Allocation: none while reading, and what happens when there is no memory. The linker is
 // told to send the allocating calls of everything in this program through here.
-#include "bench.h"
-#include "rich_documents.h"
+#include "tests/module/bench.h"
+#include "tests/module/rich_documents.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The attribute set: how it is built, announced, and taken back.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "formatting.h"
+#include "vs_pfs/formatting.h"
 
 #include <gtest/gtest.h>
 

@@ -2,9 +2,9 @@
 // over bytes that need not be a document, and shorthands for what opens each read call.
 #pragma once
 
-#include "filter_interface.h"
 #include "raw_documents.h"
 #include "recording_host.h"
+#include "vs_pfs/filter_interface.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,5 +1,5 @@
 // The character stream: delivering, taking back, refilling, positioning.
-#include "char_stream.h"
+#include "vs_pfs/char_stream.h"
 
 #include "memory_block_file.h"
 #include "notation.h"

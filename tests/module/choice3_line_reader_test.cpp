@@ -1,5 +1,5 @@
 // The reader of First Choice 3 text, whose lines begin with header bytes.
-#include "bench.h"
+#include "tests/module/bench.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // A ruler line of First Choice 3, read from after its line header byte.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "document_headers.h"
+#include "vs_pfs/document_headers.h"
 
 #include <gtest/gtest.h>
 

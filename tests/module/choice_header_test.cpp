@@ -1,8 +1,8 @@
 // The header of First Choice: margins, header and footer lines, alignment and style letters,
 // and the two forms of its ruler.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "document_headers.h"
+#include "vs_pfs/document_headers.h"
 
 #include <gtest/gtest.h>
 

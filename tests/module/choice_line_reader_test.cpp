@@ -1,7 +1,7 @@
 // The reader of First Choice 2 text.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "line_readers.h"
+#include "vs_pfs/line_readers.h"
 
 #include <gtest/gtest.h>
 

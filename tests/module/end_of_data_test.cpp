@@ -1,6 +1,6 @@
 // Documents that stop without their end byte: every reader, cut at every kind of place. The
 // end of the document is reported where the data stop, and nothing before it changes.
-#include "bench.h"
+#include "tests/module/bench.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The table of entry points, the information queries, registration, and the entry points
 // that do little or nothing.
-#include "bench.h"
+#include "tests/module/bench.h"
 
 #include <gtest/gtest.h>
 

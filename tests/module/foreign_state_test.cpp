@@ -1,7 +1,7 @@
 // Saved states that no reading produced. They may make nonsense of the text; the document is
 // read to its end all the same, within bounds.
-#include "bench.h"
-#include "rich_documents.h"
+#include "tests/module/bench.h"
+#include "tests/module/rich_documents.h"
 
 #include <gtest/gtest.h>
 

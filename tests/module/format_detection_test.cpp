@@ -1,7 +1,7 @@
 // Recognising a document by its magic or its signature.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "document_headers.h"
+#include "vs_pfs/document_headers.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
  * in place works from C. */
 #include "vs_pfs.h"
 
-#include "header_languages.h"
+#include "tests/module/header_languages.h"
 
 int32_t c99_third_byte(VwBlockFile *file)
 {

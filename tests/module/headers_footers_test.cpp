@@ -1,8 +1,8 @@
 // Header and footer lines: their order, their blocks, and the ends that a stop leaves owed.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "formatting.h"
-#include "line_readers.h"
+#include "vs_pfs/formatting.h"
+#include "vs_pfs/line_readers.h"
 
 #include <gtest/gtest.h>
 

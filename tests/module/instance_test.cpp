@@ -1,5 +1,5 @@
 // The instance record: what is saved and restored, and what is not.
-#include "bench.h"
+#include "tests/module/bench.h"
 
 #include <gtest/gtest.h>
 

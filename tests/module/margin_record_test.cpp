@@ -1,7 +1,7 @@
 // The 0x07 records of Write-family text. Their first byte has been read already.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "document_headers.h"
+#include "vs_pfs/document_headers.h"
 
 #include <gtest/gtest.h>
 

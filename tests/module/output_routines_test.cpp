@@ -1,7 +1,7 @@
 // Calls out to the host: arguments, user words, the dummy routine, and what must hold of the
 // calls of any document.
-#include "bench.h"
-#include "rich_documents.h"
+#include "tests/module/bench.h"
+#include "tests/module/rich_documents.h"
 
 #include <gtest/gtest.h>
 

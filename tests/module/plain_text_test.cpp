@@ -1,8 +1,8 @@
 // Runs of plain text: which bytes belong to one, and what a host sees and may change between
 // two of its characters. That a run reports what its characters would report one by one is
 // compared in tests/model, and over buffers of a few bytes in tests/robustness.
-#include "bench.h"
-#include "line_text.h"
+#include "tests/module/bench.h"
+#include "vs_pfs/line_readers/line_text.h"
 
 #include <gtest/gtest.h>
 

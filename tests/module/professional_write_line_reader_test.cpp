@@ -1,5 +1,5 @@
 // The reader of Professional Write text, whose lines begin with a type byte.
-#include "bench.h"
+#include "tests/module/bench.h"
 
 #include <gtest/gtest.h>
 

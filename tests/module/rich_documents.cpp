@@ -1,4 +1,4 @@
-#include "rich_documents.h"
+#include "tests/module/rich_documents.h"
 
 #include "notation.h"
 #include "raw_documents.h"

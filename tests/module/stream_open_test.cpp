@@ -1,9 +1,9 @@
 // Opening a document step by step, the section, telling and seeking, and the choice of the
 // line reader.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "document_headers.h"
-#include "line_readers.h"
+#include "vs_pfs/document_headers.h"
+#include "vs_pfs/line_readers.h"
 
 #include <gtest/gtest.h>
 

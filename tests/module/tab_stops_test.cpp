@@ -1,7 +1,7 @@
 // The table of tab stops as the host hears it.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "formatting.h"
+#include "vs_pfs/formatting.h"
 
 #include <gtest/gtest.h>
 

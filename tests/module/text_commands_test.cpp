@@ -1,7 +1,7 @@
 // The commands between asterisks.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "formatting.h"
+#include "vs_pfs/formatting.h"
 
 #include <gtest/gtest.h>
 

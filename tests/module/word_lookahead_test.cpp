@@ -4,9 +4,9 @@
 //
 // VS_PFS_LOOKAHEAD_BODIES chooses how many random and hostile bodies are compared, over both
 // families together, and VS_PFS_LOOKAHEAD_SEED the number of the first.
-#include "bench.h"
-#include "line_readers.h"
-#include "word_lookahead.h"
+#include "tests/module/bench.h"
+#include "vs_pfs/line_readers.h"
+#include "vs_pfs/line_readers/word_lookahead.h"
 
 #include <algorithm>
 #include <cstddef>

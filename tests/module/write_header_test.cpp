@@ -1,8 +1,8 @@
 // The header of the Write family: margins, ruler, header and footer lines, alignment and
 // attributes; the helpers it is read with and the merge of its tab stops.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "document_headers.h"
+#include "vs_pfs/document_headers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // The reader of PFS: WRITE text, and its lookahead. What is different in Writing Assistant is
 // in writing_assistant_test.cpp.
-#include "bench.h"
+#include "tests/module/bench.h"
 
-#include "line_readers.h"
+#include "vs_pfs/line_readers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // What the PFS: WRITE reader does in Writing Assistant text only: attribute pairs of another
 // kind, a translation of characters, and a lookahead that does not know of either.
-#include "bench.h"
+#include "tests/module/bench.h"
 
 #include <gtest/gtest.h>
 

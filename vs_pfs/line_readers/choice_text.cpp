@@ -1,6 +1,6 @@
 // The end of a paragraph of First Choice lines.
 // Tests: tests/module/choice_line_reader_test.cpp, choice3_line_reader_test.cpp.
-#include "choice_text.h"
+#include "vs_pfs/line_readers/choice_text.h"
 
 namespace vs_pfs {
 

@@ -3,23 +3,71 @@
 //   0x0C       passed over
 //   0x0D       line end, of wrapped and of finished lines alike
 //   0x0E       end of the document
-//   others     a character, which may take an attribute byte with it: write_characters.h
+//   others     a character without attributes, or with:
+//
+//   types 1 and 2   0x80-0xFF: the character is the low seven bits; an attribute byte follows
+//   type 3          0xC0-0xFF: an attribute byte follows, two bits of which say what is to
+//                   be taken off; the result, like every other byte, is then translated
 //
 // The file stores the page's lines. At each line end the reader asks whether the next
 // line's first word would still have fitted. If so the author ended the line, and with it
 // the paragraph; if not the word processor wrapped it, and one space joins the two. Leading
 // spaces are not reported: they become the paragraph's indents.
 // Test: tests/module/write_line_reader_test.cpp.
-#include "document_headers.h"
-#include "line_readers.h"
-#include "word_lookahead.h"
-#include "write_characters.h"
+#include "formats/writing_assistant.h"
+#include "vs_pfs/document_headers.h"
+#include "vs_pfs/line_readers.h"
+#include "vs_pfs/line_readers/word_lookahead.h"
 
 namespace vs_pfs {
 namespace {
 
-constexpr uint8_t form_feed = 0x0C;
-constexpr uint8_t line_end = 0x0D;
+namespace assistant = formats::assistant;
+
+constexpr uint8_t line_end = formats::carriage_return;
+
+// Decodes the character that begins with `byte`. False: the data ended inside it.
+struct WriteDecoder {
+    template <typename NextByte>
+    bool operator()(uint8_t byte, Decoded &decoded, NextByte next_byte) const
+    {
+        decoded = {byte, 0};
+        if ((byte & high_bit) == 0) {
+            return true;
+        }
+        const int32_t attribute = next_byte();
+        decoded.character = byte & low_seven_bits;
+        SetAttr(static_cast<uint8_t>(attribute), 0, attr_form_plain, &decoded.attributes, nullptr);
+        return attribute != end_of_data;
+    }
+};
+
+// What the attribute byte makes of a prefixed byte of type 3.
+constexpr uint8_t select_range(uint8_t byte, int32_t attribute)
+{
+    switch (attribute & assistant::select_bits) {
+    case assistant::select_low_half: return byte & assistant::low_half_mask;
+    case assistant::select_high_half: return byte & assistant::high_half_mask;
+    default: return byte == assistant::kept ? byte : byte & assistant::low_quarter_mask;
+    }
+}
+
+// The same as WriteDecoder for type 3.
+struct WritingAssistantDecoder {
+    template <typename NextByte>
+    bool operator()(uint8_t byte, Decoded &decoded, NextByte next_byte) const
+    {
+        decoded = {assistant::translation[byte], 0};
+        if ((byte & assistant::prefix_bits) != assistant::prefix_bits) {
+            return true;
+        }
+        const int32_t attribute = next_byte();
+        decoded.character = assistant::translation[select_range(byte, attribute)];
+        SetAttr(attribute & assistant::attribute_bits, 0, attr_form_plain, &decoded.attributes,
+                nullptr);
+        return attribute != end_of_data;
+    }
+};
 
 // What one read call needs.
 struct Reading {
@@ -160,7 +208,7 @@ template <typename Decode> Progress read_byte(Reading &reading, Line &line, Deco
     read_ordinary_text(reading, line, decode);
     const int32_t byte = VwCharGet(reading.stream);
     switch (byte) {
-    case form_feed: return Progress::go_on;
+    case formats::form_feed: return Progress::go_on;
     case line_end: return end_line(reading, line);
     case document_end:
     case end_of_data: return Progress::document_done;

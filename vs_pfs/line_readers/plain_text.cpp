@@ -1,6 +1,6 @@
 // Runs of plain text. Most of a document is such text; known to be so beforehand, it leaves
 // nothing to decide between two calls out. Test: tests/module/plain_text_test.cpp.
-#include "line_text.h"
+#include "vs_pfs/line_readers/line_text.h"
 
 #include <bit>
 #include <cstddef>

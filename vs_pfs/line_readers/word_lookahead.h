@@ -18,7 +18,7 @@
 // Test: tests/module/word_lookahead_test.cpp, which compares it with the plain scan.
 #pragma once
 
-#include "line_text.h"
+#include "vs_pfs/line_readers/line_text.h"
 
 #include <algorithm>
 

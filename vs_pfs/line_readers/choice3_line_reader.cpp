@@ -11,26 +11,20 @@
 // So there is no lookahead, and no spacing at line ends. 0x0E, in place of a header byte or
 // within a line, ends the document. Text: see choice_text.h; 0x0C has no meaning in it.
 // Test: tests/module/choice3_line_reader_test.cpp.
-#include "choice_text.h"
-#include "document_headers.h"
-#include "line_readers.h"
+#include "vs_pfs/document_headers.h"
+#include "vs_pfs/line_readers.h"
+#include "vs_pfs/line_readers/choice_text.h"
 
 namespace vs_pfs {
 namespace {
 
-constexpr uint8_t line_end = 0x0D;
-constexpr uint8_t header_text_line = 0x10;
-constexpr uint8_t header_special_line = 0x08;
-constexpr uint8_t header_ruler = 0x04;
-constexpr uint8_t header_more = 0x40;
-constexpr uint8_t header_hard_end = 0x01;
-constexpr int hard_end_chain_length = 2;
+constexpr uint8_t line_end = formats::carriage_return;
 
 enum class LineKind { ruler, page_break, wrapped_text, hard_text, document_end };
 
 constexpr bool is_special_line(int32_t header)
 {
-    return (header & (header_text_line | header_special_line)) == header_special_line;
+    return (header & (choice::line_text | choice::line_special)) == choice::line_special;
 }
 
 // Reads the rest of a header chain. A chain that the data cut short is the document's end.
@@ -38,7 +32,7 @@ LineKind read_header_chain(VwCharStream *stream, int32_t first)
 {
     int32_t last = first;
     uint16_t length = 1; // wraps in a chain of 65536 bytes and more
-    while ((last & header_more) != 0) {
+    while ((last & choice::line_more) != 0) {
         last = VwCharGet(stream);
         length = static_cast<uint16_t>(length + 1);
         if (last == end_of_data) {
@@ -48,7 +42,7 @@ LineKind read_header_chain(VwCharStream *stream, int32_t first)
     if (is_special_line(first)) {
         return LineKind::page_break;
     }
-    return length == hard_end_chain_length && (last & header_hard_end) != 0
+    return length == choice::hard_end_chain_length && (last & choice::line_hard_end) != 0
                ? LineKind::hard_text
                : LineKind::wrapped_text;
 }
@@ -59,7 +53,7 @@ LineKind read_line_header(VwCharStream *stream)
     if (header == document_end || header == end_of_data) {
         return LineKind::document_end;
     }
-    if (is_special_line(header) && (header & header_ruler) != 0) {
+    if (is_special_line(header) && (header & choice::line_ruler) != 0) {
         return LineKind::ruler;
     }
     return read_header_chain(stream, header);

@@ -12,21 +12,15 @@
 // which characters are read but not reported. 0x07 begins a margin record, 0x0C is passed
 // over, 0x0D is a character like any other.
 // Test: tests/module/professional_write_line_reader_test.cpp.
-#include "document_headers.h"
-#include "line_readers.h"
-#include "line_text.h"
+#include "formats/write_family.h"
+#include "vs_pfs/document_headers.h"
+#include "vs_pfs/line_readers.h"
+#include "vs_pfs/line_readers/line_text.h"
 
 namespace vs_pfs {
 namespace {
 
-constexpr uint8_t type_continued = 0x00;
-constexpr uint8_t type_single = 0x01;
-constexpr uint8_t type_suppress = 0x02;
-constexpr uint8_t type_double = 0x03;
-constexpr uint8_t record_mark = 0x07;
-constexpr uint8_t form_feed = 0x0C;
-// An attribute byte's bit by which the character keeps its high bit.
-constexpr uint8_t keep_high_bit = 0x40;
+using namespace formats::write;
 
 // Values of pwReaderFlag. What is above 2, as in a saved state from elsewhere, suppresses.
 constexpr uint8_t suppress_off = 0;
@@ -82,10 +76,10 @@ LineProgress read_line_type(const Reading &reading, Line &line)
 {
     uint8_t &flag = reader_flag(reading);
     switch (VwCharGet(reading.stream)) {
-    case type_continued: flag = suppress_off; break;
-    case type_single: start_paragraph_line(reading, line, VW_SINGLE_SPACING); break;
-    case type_suppress: flag = flag == suppress_next ? suppress_on : suppress_next; break;
-    case type_double: start_paragraph_line(reading, line, VW_DOUBLE_SPACING); break;
+    case line_continued: flag = suppress_off; break;
+    case line_single: start_paragraph_line(reading, line, VW_SINGLE_SPACING); break;
+    case line_suppress: flag = flag == suppress_next ? suppress_on : suppress_next; break;
+    case line_double: start_paragraph_line(reading, line, VW_DOUBLE_SPACING); break;
     case end_of_data: return LineProgress::document_done;
     default: VwCharUnget(reading.stream);
     }
@@ -143,7 +137,7 @@ struct ProfessionalWriteDecoder {
         if (attribute == end_of_data) {
             return false;
         }
-        if ((attribute & keep_high_bit) == 0) {
+        if ((attribute & professional_keeps_high_bit) == 0) {
             decoded.character = byte & low_seven_bits;
         }
         SetAttr(static_cast<uint8_t>(attribute), 0, attr_form_plain, &decoded.attributes, nullptr);
@@ -190,16 +184,16 @@ LineProgress read_byte(Reading &reading, Line &line)
     read_ordinary_text(reading, line);
     const int32_t byte = VwCharGet(reading.stream);
     switch (byte) {
-    case type_continued: return end_line_before(reading);
-    case type_single:
+    case line_continued: return end_line_before(reading);
+    case line_single:
         put_line_spacing(reading.instance, VW_SINGLE_SPACING);
         return end_line_before(reading);
-    case type_suppress: return suppress_or_end_line(reading);
-    case type_double:
+    case line_suppress: return suppress_or_end_line(reading);
+    case line_double:
         put_line_spacing(reading.instance, VW_DOUBLE_SPACING);
         return suppress_or_end_line(reading);
     case record_mark: return read_record(reading, line);
-    case form_feed: return LineProgress::goes_on;
+    case formats::form_feed: return LineProgress::goes_on;
     case document_end:
     case end_of_data: return LineProgress::document_done;
     default: return read_character(reading, line, static_cast<uint8_t>(byte));

@@ -1,17 +1,15 @@
 // What all readers do alike with a decoded character, and at the end of a call.
 #pragma once
 
-#include "formatting.h"
+#include "vs_pfs/formatting.h"
 
 namespace vs_pfs {
 
-inline constexpr uint8_t space = 0x20;
-inline constexpr uint8_t document_end = 0x0E;
-inline constexpr uint8_t high_bit = 0x80;
-inline constexpr uint8_t low_seven_bits = 0x7F;
-
-// A character that has no picture in the documents' character set; shown as a space.
-inline constexpr uint8_t blank_character = 0xFF;
+using formats::document_end;
+using formats::high_bit;
+using formats::low_seven_bits;
+using formats::no_glyph;
+using formats::space;
 
 // A character and its internal attribute set, out of one to three stored bytes.
 struct Decoded {
@@ -32,14 +30,14 @@ inline void put_text(VwCharStream *stream, uint8_t character, int16_t &column, V
     if (character == command_mark && PfsTextCommand(stream, &column, instance) != 0) {
         return;
     }
-    put_character(instance, character == blank_character ? space : character);
+    put_character(instance, character == no_glyph ? space : character);
     advance_column(column);
 }
 
 // Whether a decoded character within a line is reported as it is and moves the column by one.
 constexpr bool is_ordinary(uint8_t character)
 {
-    return character >= space && character != command_mark && character != blank_character;
+    return character >= space && character != command_mark && character != no_glyph;
 }
 
 // Whether a stored byte is such a character by itself, without attributes.

@@ -7,15 +7,12 @@
 // As in PFS: WRITE the reader tells a wrapped line by the next line's first word. The
 // spacing is reported at every line end, before that is decided.
 // Test: tests/module/choice_line_reader_test.cpp.
-#include "choice_text.h"
-#include "line_readers.h"
-#include "word_lookahead.h"
+#include "vs_pfs/line_readers.h"
+#include "vs_pfs/line_readers/choice_text.h"
+#include "vs_pfs/line_readers/word_lookahead.h"
 
 namespace vs_pfs {
 namespace {
-
-constexpr uint8_t line_end_single = 0x0C;
-constexpr uint8_t line_end_double = 0x0D;
 
 void join_lines(ChoiceReading &reading, const ChoiceLine &line)
 {
@@ -56,8 +53,8 @@ Progress read_byte(ChoiceReading &reading, ChoiceLine &line)
     read_ordinary_text(reading, line);
     const int32_t byte = VwCharGet(reading.stream);
     switch (byte) {
-    case line_end_single: return end_line(reading, line, VW_SINGLE_SPACING);
-    case line_end_double: return end_line(reading, line, VW_DOUBLE_SPACING);
+    case choice::line_end_single: return end_line(reading, line, VW_SINGLE_SPACING);
+    case choice::line_end_double: return end_line(reading, line, VW_DOUBLE_SPACING);
     case document_end:
     case end_of_data: return Progress::document_done;
     default: return read_choice_character(reading, line, static_cast<uint8_t>(byte));
@@ -72,7 +69,7 @@ template <typename NextByte>
 {
     const int32_t first = next_byte();
     int32_t last = first;
-    while (last != end_of_data && (last & choice_more_attributes) != 0) {
+    while (last != end_of_data && (last & choice::more_attributes) != 0) {
         last = next_byte();
     }
     return last == end_of_data ? end_of_data : first;
@@ -82,8 +79,8 @@ template <typename NextByte>
 struct ReadChoiceToken {
     static constexpr bool stops(int32_t byte)
     {
-        return byte == line_end_single || byte == line_end_double || byte == document_end ||
-               byte == end_of_data;
+        return byte == choice::line_end_single || byte == choice::line_end_double ||
+               byte == document_end || byte == end_of_data;
     }
 
     template <typename NextByte> Token operator()(NextByte &next_byte) const
@@ -97,7 +94,7 @@ struct ReadChoiceToken {
             if (attribute == end_of_data) {
                 return Token::stop;
             }
-            if ((attribute & choice_keep_high_bit) == 0) {
+            if ((attribute & choice::keep_high_bit) == 0) {
                 byte &= low_seven_bits;
             }
         }

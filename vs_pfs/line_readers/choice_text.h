@@ -5,12 +5,12 @@
 //   others     a character
 #pragma once
 
-#include "line_text.h"
+#include "formats/first_choice.h"
+#include "vs_pfs/line_readers/line_text.h"
 
 namespace vs_pfs {
 
-inline constexpr uint8_t choice_keep_high_bit = 0x08;
-inline constexpr uint8_t choice_more_attributes = 0x40;
+namespace choice = formats::choice;
 
 // What one read call needs.
 struct ChoiceReading {
@@ -41,11 +41,11 @@ struct ChoiceDecoder {
         if (first == end_of_data) {
             return false;
         }
-        const int32_t second = (first & choice_more_attributes) != 0 ? next_byte() : 0;
+        const int32_t second = (first & choice::more_attributes) != 0 ? next_byte() : 0;
         if (second == end_of_data) {
             return false;
         }
-        if ((first & choice_keep_high_bit) == 0) {
+        if ((first & choice::keep_high_bit) == 0) {
             decoded.character = byte & low_seven_bits;
         }
         SetAttr(static_cast<uint8_t>(first), static_cast<uint8_t>(second), attr_form_pair,
