@@ -1,9 +1,9 @@
-#include "batch_run.h"
+#include "batch/batch_run.h"
 
-#include "inputs/archive_reader.h"
-#include "interruption.h"
-#include "processes/processors.h"
-#include "sha256.h"
+#include "batch/inputs/archive_reader.h"
+#include "batch/interruption.h"
+#include "batch/processes/processors.h"
+#include "batch/sha256.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -3,14 +3,14 @@
 // the disk while the lanes go on. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
-#include "inputs/inputs.h"
-#include "lane.h"
-#include "ledger.h"
-#include "manifest.h"
-#include "output_folder.h"
-#include "progress.h"
-#include "record.h"
-#include "worker.h"
+#include "batch/inputs/inputs.h"
+#include "batch/lane.h"
+#include "batch/ledger.h"
+#include "batch/manifest.h"
+#include "batch/output_folder.h"
+#include "batch/progress.h"
+#include "batch/record.h"
+#include "batch/worker.h"
 
 #include <chrono>
 #include <deque>

@@ -1,4 +1,4 @@
-#include "canary.h"
+#include "batch/canary.h"
 
 namespace pfsdoc {
 

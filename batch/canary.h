@@ -4,8 +4,8 @@
 // option --canary says (tests/batch/run/canaries.cpp).
 #pragma once
 
-#include "byte_source.h"
-#include "output.h"
+#include "pfsdoc/byte_source.h"
+#include "pfsdoc/output.h"
 
 #include <CLI/CLI.hpp>
 

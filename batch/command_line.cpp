@@ -1,10 +1,10 @@
-#include "command_line.h"
+#include "batch/command_line.h"
 
-#include "canary.h"
-#include "format_options.h"
-#include "output.h"
-#include "processes/processors.h"
-#include "scratch_file.h"
+#include "batch/canary.h"
+#include "batch/processes/processors.h"
+#include "cli/format_options.h"
+#include "lib/base/scratch_file.h"
+#include "pfsdoc/output.h"
 
 #include <algorithm>
 #include <cerrno>

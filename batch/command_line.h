@@ -2,7 +2,7 @@
 // here and there must agree. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
-#include "batch_run.h"
+#include "batch/batch_run.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,10 +1,10 @@
-#include "convert_file.h"
+#include "batch/convert_file.h"
 
-#include "canary.h"
-#include "descriptor_output.h"
-#include "document.h"
-#include "printable.h"
-#include "reading_stopped.h"
+#include "batch/canary.h"
+#include "batch/descriptor_output.h"
+#include "lib/base/printable.h"
+#include "pfsdoc/document.h"
+#include "pfsdoc/reading_stopped.h"
 
 #include <array>
 #include <cerrno>

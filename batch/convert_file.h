@@ -2,11 +2,11 @@
 // is opened here. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
-#include "inputs/inputs.h"
-#include "messages.h"
-#include "module.h"
-#include "outcome.h"
-#include "writer.h"
+#include "batch/inputs/inputs.h"
+#include "batch/messages.h"
+#include "batch/outcome.h"
+#include "pfsdoc/module.h"
+#include "pfsdoc/writer.h"
 
 #include <cstdint>
 

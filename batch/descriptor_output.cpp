@@ -1,4 +1,4 @@
-#include "descriptor_output.h"
+#include "batch/descriptor_output.h"
 
 #include <cerrno>
 #include <cstring>

@@ -2,9 +2,9 @@
 // tests/batch/run/batch_test.cpp.
 #pragma once
 
-#include "error.h"
-#include "output.h"
-#include "sha256.h"
+#include "batch/sha256.h"
+#include "pfsdoc/error.h"
+#include "pfsdoc/output.h"
 
 #include <cstdint>
 #include <string>

@@ -1,6 +1,6 @@
-#include "interruption.h"
+#include "batch/interruption.h"
 
-#include "error.h"
+#include "pfsdoc/error.h"
 
 #include <array>
 #include <atomic>

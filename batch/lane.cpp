@@ -1,6 +1,6 @@
-#include "lane.h"
+#include "batch/lane.h"
 
-#include "printable.h"
+#include "lib/base/printable.h"
 
 #include <algorithm>
 #include <array>

@@ -5,12 +5,12 @@
 // tests/batch/run/batch_test.cpp.
 #pragma once
 
-#include "inputs/inputs.h"
-#include "ledger.h"
-#include "manifest.h"
-#include "output_folder.h"
-#include "record.h"
-#include "worker_client.h"
+#include "batch/inputs/inputs.h"
+#include "batch/ledger.h"
+#include "batch/manifest.h"
+#include "batch/output_folder.h"
+#include "batch/record.h"
+#include "batch/worker_client.h"
 
 #include <chrono>
 #include <mutex>

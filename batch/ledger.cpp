@@ -1,4 +1,4 @@
-#include "ledger.h"
+#include "batch/ledger.h"
 
 #include <utility>
 

@@ -6,10 +6,10 @@
 // up the others in the end, and memory is bounded. Test: tests/batch/run/ledger_test.cpp.
 #pragma once
 
-#include "outcome.h"
-#include "output_folder.h"
-#include "progress.h"
-#include "record.h"
+#include "batch/outcome.h"
+#include "batch/output_folder.h"
+#include "batch/progress.h"
+#include "batch/record.h"
 
 #include <chrono>
 #include <condition_variable>

@@ -1,7 +1,7 @@
 // The program pfsdoc-batch, which `pfsdoc batch` becomes. Test: tests/batch/run/batch_test.cpp.
-#include "arguments.h"
-#include "command_line.h"
-#include "progress.h"
+#include "batch/command_line.h"
+#include "batch/progress.h"
+#include "cli/arguments.h"
 
 #include <csignal>
 #include <cstdio>

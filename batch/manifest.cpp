@@ -1,7 +1,7 @@
-#include "manifest.h"
+#include "batch/manifest.h"
 
-#include "printable.h"
-#include "record.h"
+#include "batch/record.h"
+#include "lib/base/printable.h"
 
 #include <algorithm>
 #include <array>

@@ -10,8 +10,8 @@
 // tests/batch/run/record_test.cpp.
 #pragma once
 
-#include "error.h"
-#include "inputs/inputs.h"
+#include "batch/inputs/inputs.h"
+#include "pfsdoc/error.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 // back. Test: tests/batch/run/canary_test.cpp.
 #pragma once
 
-#include "outcome.h"
+#include "batch/outcome.h"
 
 #include <cstdint>
 #include <type_traits>

@@ -1,4 +1,4 @@
-#include "outcome.h"
+#include "batch/outcome.h"
 
 namespace pfsdoc {
 

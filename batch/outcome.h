@@ -6,10 +6,10 @@
 // tests/batch/run/batch_test.cpp.
 #pragma once
 
-#include "error.h"
-#include "identify.h"
-#include "loss_report.h"
-#include "sha256.h"
+#include "batch/sha256.h"
+#include "pfsdoc/error.h"
+#include "pfsdoc/identify.h"
+#include "pfsdoc/loss_report.h"
 
 #include <algorithm>
 #include <array>

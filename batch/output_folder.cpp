@@ -1,6 +1,6 @@
-#include "output_folder.h"
+#include "batch/output_folder.h"
 
-#include "sha256.h"
+#include "batch/sha256.h"
 
 #include <cerrno>
 #include <cstring>

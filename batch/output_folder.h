@@ -4,8 +4,8 @@
 // tests/batch/run/output_folder_test.cpp.
 #pragma once
 
-#include "error.h"
-#include "inputs/inputs.h"
+#include "batch/inputs/inputs.h"
+#include "pfsdoc/error.h"
 
 #include <string>
 

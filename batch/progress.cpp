@@ -1,6 +1,6 @@
-#include "progress.h"
+#include "batch/progress.h"
 
-#include "printable.h"
+#include "lib/base/printable.h"
 
 #include <cmath>
 #include <cstdio>

@@ -2,7 +2,7 @@
 // terminal, a line now and then elsewhere. Test: tests/batch/run/batch_test.cpp.
 #pragma once
 
-#include "outcome.h"
+#include "batch/outcome.h"
 
 #include <array>
 #include <chrono>

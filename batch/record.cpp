@@ -1,7 +1,7 @@
-#include "record.h"
+#include "batch/record.h"
 
-#include "json_text.h"
-#include "printable.h"
+#include "lib/base/json_text.h"
+#include "lib/base/printable.h"
 
 #include <nlohmann/json.hpp>
 

@@ -3,7 +3,7 @@
 // bytes. Test: tests/batch/run/record_test.cpp.
 #pragma once
 
-#include "outcome.h"
+#include "batch/outcome.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "sha256.h"
+#include "batch/sha256.h"
 
 #include <charconv>
 #include <new>

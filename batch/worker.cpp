@@ -1,9 +1,9 @@
-#include "worker.h"
+#include "batch/worker.h"
 
-#include "messages.h"
-#include "processes/records.h"
-#include "scratch_file.h"
-#include "shadow_memory.h"
+#include "batch/messages.h"
+#include "batch/processes/records.h"
+#include "batch/shadow_memory.h"
+#include "lib/base/scratch_file.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,8 +2,8 @@
 // of it. Test: tests/batch/run/canary_test.cpp.
 #pragma once
 
-#include "convert_file.h"
-#include "sandbox/sandbox.h"
+#include "batch/convert_file.h"
+#include "batch/sandbox/sandbox.h"
 
 #include <cstdint>
 

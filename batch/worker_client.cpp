@@ -1,7 +1,7 @@
-#include "worker_client.h"
+#include "batch/worker_client.h"
 
-#include "processes/processors.h"
-#include "processes/records.h"
+#include "batch/processes/processors.h"
+#include "batch/processes/records.h"
 
 #include <algorithm>
 #include <array>

@@ -3,9 +3,9 @@
 // a new process. Test: tests/batch/run/canary_test.cpp.
 #pragma once
 
-#include "messages.h"
-#include "processes/fork_server.h"
-#include "processes/open_file.h"
+#include "batch/messages.h"
+#include "batch/processes/fork_server.h"
+#include "batch/processes/open_file.h"
 
 #include <chrono>
 #include <span>

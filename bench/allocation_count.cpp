@@ -1,6 +1,6 @@
 // The program's own malloc, calloc and realloc stand before the C library's for everything
 // that it loads. They count and pass on; what they pass on to is the GNU C library's.
-#include "allocation_count.h"
+#include "bench/allocation_count.h"
 
 #include <atomic>
 #include <cstddef>

@@ -6,9 +6,9 @@
 // of the same moment, and what else the machine does falls on all alike.
 #pragma once
 
-#include "documents.h"
-#include "figures.h"
-#include "subject.h"
+#include "bench/documents.h"
+#include "bench/figures.h"
+#include "bench/subject.h"
 
 #include <cstddef>
 #include <functional>

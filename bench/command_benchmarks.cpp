@@ -1,10 +1,10 @@
 // The command pfsdoc as a whole process, by its processor time, beside commands that do the
 // like with the same prose in their own formats; and how much memory it needs, and the module
 // alone in the C example.
-#include "benchmarks.h"
+#include "bench/benchmarks.h"
 
-#include "commands.h"
-#include "other_formats.h"
+#include "bench/commands.h"
+#include "bench/other_formats.h"
 
 #include <algorithm>
 #include <array>

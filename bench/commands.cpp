@@ -1,6 +1,6 @@
-#include "commands.h"
+#include "bench/commands.h"
 
-#include "subject.h"
+#include "bench/subject.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "documents.h"
+#include "bench/documents.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // What was measured, by name, and the goals it is held against.
 #pragma once
 
-#include "statistics.h"
+#include "bench/statistics.h"
 
 #include <map>
 #include <string>

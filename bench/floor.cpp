@@ -1,7 +1,7 @@
 // The floor stands in a library of its own, loaded at run time as the module is, so that no
 // compiler sees both sides of a call out. Its stream is the module's: VwCharGet in place,
 // and the module's refill.
-#include "floor.h"
+#include "bench/floor.h"
 
 extern "C" {
 

@@ -12,11 +12,11 @@
 // document.
 //
 // The exit code is 1 when a goal was missed, or when the two ways told different texts.
-#include "documents.h"
+#include "bench/documents.h"
+#include "bench/hostile_bodies.h"
+#include "bench/reading.h"
+#include "bench/statistics.h"
 #include "vs_pfs/filter_interface.h"
-#include "hostile_bodies.h"
-#include "reading.h"
-#include "statistics.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 // The reference host in process: the text of a large document, thrown away, against the
 // module alone, and against copying the document's bytes.
-#include "benchmarks.h"
+#include "bench/benchmarks.h"
 
-#include "read_document.h"
-#include "text_writer.h"
+#include "lib/reading/read_document.h"
+#include "lib/writers/text_writer.h"
 
 #include <algorithm>
 #include <cstdio>

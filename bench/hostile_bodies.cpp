@@ -1,6 +1,6 @@
-#include "hostile_bodies.h"
+#include "bench/hostile_bodies.h"
 
-#include "documents.h"
+#include "bench/documents.h"
 #include "vs_pfs.h"
 
 #include <random>

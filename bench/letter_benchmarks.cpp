@@ -1,8 +1,8 @@
 // Small documents: opening one of each kind, and reading a whole letter, all that a program
 // does for it included, from VwAllocProc to VwFreeProc.
-#include "benchmarks.h"
+#include "bench/benchmarks.h"
 
-#include "allocation_count.h"
+#include "bench/allocation_count.h"
 
 #include <memory>
 

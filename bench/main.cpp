@@ -2,7 +2,7 @@
 // the goals. VS_PFS_BENCH_MB chooses the size of the large documents, VS_PFS_BENCH_ROUNDS how
 // often everything is measured; the benchmark library's own options hold as well.
 // The exit code is 1 when a goal was missed.
-#include "benchmarks.h"
+#include "bench/benchmarks.h"
 
 #include <benchmark/benchmark.h>
 

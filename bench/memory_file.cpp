@@ -1,4 +1,4 @@
-#include "memory_file.h"
+#include "bench/memory_file.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,5 +1,5 @@
 // The prose is ASCII without backslashes, braces and marks, so that nothing needs escaping.
-#include "other_formats.h"
+#include "bench/other_formats.h"
 
 #include <string_view>
 

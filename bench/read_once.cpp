@@ -3,7 +3,7 @@
 //   read_once make READER TEXT BYTES > FILE     the reader's kind and the text by their numbers
 //   read_once floor|module|silent FILE
 //   read_once names                             the readers and texts, by their numbers
-#include "benchmarks.h"
+#include "bench/benchmarks.h"
 
 #include <cstdio>
 #include <cstdlib>

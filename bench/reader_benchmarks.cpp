@@ -1,6 +1,6 @@
 // The module against the floor, for each line reader and each sort of text: to the same
 // routine, and to a host that registers nothing.
-#include "benchmarks.h"
+#include "bench/benchmarks.h"
 
 #include <memory>
 

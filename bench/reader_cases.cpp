@@ -1,4 +1,4 @@
-#include "benchmarks.h"
+#include "bench/benchmarks.h"
 
 namespace bench {
 

@@ -1,4 +1,4 @@
-#include "reading.h"
+#include "bench/reading.h"
 
 #include <cstdio>
 #include <cstdlib>

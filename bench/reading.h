@@ -1,8 +1,8 @@
 // Reads a whole document through the module's entry points, as a program would.
 #pragma once
 
-#include "memory_file.h"
-#include "module.h"
+#include "bench/memory_file.h"
+#include "pfsdoc/module.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 // Going on where a reading was left: the state and position are saved at every paragraph
 // break of a large document; then they are restored at random places, and one paragraph is
 // read from each. In four groups by the place, since the cost must not depend on it.
-#include "benchmarks.h"
+#include "bench/benchmarks.h"
 
 #include <algorithm>
 #include <array>

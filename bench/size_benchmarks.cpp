@@ -1,5 +1,5 @@
 // How the time for each byte grows with the document: it should not.
-#include "benchmarks.h"
+#include "bench/benchmarks.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include "subject.h"
+#include "bench/subject.h"
 
-#include "allocation_count.h"
-#include "statistics.h"
+#include "bench/allocation_count.h"
+#include "bench/statistics.h"
 
 #include <climits>
 #include <cstdio>

@@ -2,8 +2,8 @@
 // call out to.
 #pragma once
 
-#include "floor.h"
-#include "reading.h"
+#include "bench/floor.h"
+#include "bench/reading.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,5 +1,5 @@
 // Bounds on the number of calls make output that grows faster than its input a find.
-#include "call_guard.h"
+#include "fuzz/call_guard.h"
 
 #include <cstdio>
 #include <cstdlib>

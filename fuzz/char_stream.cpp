@@ -1,7 +1,7 @@
 // The character stream against a plain position in a string: a piece size, a file size, then
 // one byte for each operation with its arguments.
-#include "fuzz_host.h"
-#include "fuzz_input.h"
+#include "fuzz/fuzz_host.h"
+#include "fuzz/fuzz_input.h"
 
 #include <algorithm>
 #include <random>

@@ -1,8 +1,8 @@
 // The header of First Choice: a generation, then the file from its start, onto which the
 // magic and the generation are put. The header's tab table must be whole.
+#include "fuzz/fuzz_host.h"
+#include "fuzz/fuzz_input.h"
 #include "vs_pfs/filter_interface.h"
-#include "fuzz_host.h"
-#include "fuzz_input.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Whole files explained: every byte is in one span and in one only, and no reason is disputed.
-#include "explain.h"
-#include "module.h"
+#include "pfsdoc/explain.h"
+#include "pfsdoc/module.h"
 
 #include <cstdint>
 #include <cstdlib>

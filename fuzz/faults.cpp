@@ -1,8 +1,8 @@
 // A block file that fails and lies as the input says: a frame, the length of the list of
 // faults, one byte for each of the first operations, then the text.
-#include "faulty_block_file.h"
-#include "fuzz_host.h"
-#include "fuzz_input.h"
+#include "fuzz/fuzz_host.h"
+#include "fuzz/fuzz_input.h"
+#include "tests/support/faulty_block_file.h"
 
 namespace {
 

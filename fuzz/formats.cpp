@@ -1,7 +1,7 @@
 // Whole files, read by the host library and written in every format of its own: once whole,
 // once block by block with a stop that the input chooses.
-#include "document.h"
-#include "writer.h"
+#include "pfsdoc/document.h"
+#include "pfsdoc/writer.h"
 
 #include <cstdint>
 #include <cstdlib>

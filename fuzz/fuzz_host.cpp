@@ -1,4 +1,4 @@
-#include "fuzz_host.h"
+#include "fuzz/fuzz_host.h"
 
 #include "vs_pfs/filter_interface.h"
 

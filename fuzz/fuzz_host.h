@@ -2,8 +2,8 @@
 // guard over every output call. Without gtest, so that it builds for any fuzzing engine.
 #pragma once
 
-#include "call_guard.h"
-#include "memory_block_file.h"
+#include "fuzz/call_guard.h"
+#include "tests/support/memory_block_file.h"
 
 #include <cstddef>
 #include <cstdint>

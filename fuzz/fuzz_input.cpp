@@ -1,6 +1,6 @@
-#include "fuzz_input.h"
+#include "fuzz/fuzz_input.h"
 
-#include "raw_documents.h"
+#include "tests/support/raw_documents.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // A host that does in its output routines, and between read calls, what the input says: a
 // frame, the length of the list of acts, the acts, then the text. Each act waits for a number
 // of output calls.
-#include "fuzz_host.h"
-#include "fuzz_input.h"
+#include "fuzz/fuzz_host.h"
+#include "fuzz/fuzz_input.h"
 
 #include <memory>
 #include <optional>

@@ -1,9 +1,9 @@
 // Whole files, written as OpenDocument: at once and in portions of a size that the input
 // chooses. Both are the same, but for the names and the order of paragraph styles; and where
 // even these are, the packages are the same, byte for byte.
-#include "document.h"
-#include "odf_portions.h"
-#include "resolved_styles.h"
+#include "lib/writers/odf/odf_portions.h"
+#include "pfsdoc/document.h"
+#include "tests/support/resolved_styles.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // Texts that claim to be places in a document: refused, or read on from to an end.
-#include "document.h"
+#include "pfsdoc/document.h"
 
 #include <cstdint>
 #include <cstdlib>

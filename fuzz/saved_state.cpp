@@ -1,7 +1,7 @@
 // Any 328 bytes as the saved state, and any position: nonsense may come, but an end to it.
 // A frame, the position, the state, then the text.
-#include "fuzz_host.h"
-#include "fuzz_input.h"
+#include "fuzz/fuzz_host.h"
+#include "fuzz/fuzz_input.h"
 
 #include <algorithm>
 

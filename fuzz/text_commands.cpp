@@ -1,8 +1,8 @@
 // What follows a '*': compared with a plain reading of the same bytes in memory. Input bytes
 // below 18 stand for the keywords, so that commands come up often.
 #include "formats/commands.h"
-#include "fuzz_host.h"
-#include "fuzz_input.h"
+#include "fuzz/fuzz_host.h"
+#include "fuzz/fuzz_input.h"
 #include "vs_pfs/formatting.h"
 
 #include <algorithm>

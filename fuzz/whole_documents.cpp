@@ -1,5 +1,5 @@
 // Whole files, as they come from strangers.
-#include "fuzz_host.h"
+#include "fuzz/fuzz_host.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {

@@ -1,6 +1,6 @@
 // The text of PFS: WRITE and IBM Writing Assistant: a frame, then the text.
-#include "fuzz_host.h"
-#include "fuzz_input.h"
+#include "fuzz/fuzz_host.h"
+#include "fuzz/fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {

@@ -1,10 +1,10 @@
 // The header of the Write family: a kind, then the file from its start, onto which the kind's
 // signature is put. The header's tab table must be whole and its lines must be read.
+#include "fuzz/fuzz_host.h"
+#include "fuzz/fuzz_input.h"
 #include "vs_pfs/filter_interface.h"
-#include "fuzz_host.h"
-#include "fuzz_input.h"
 
-#include "raw_documents.h"
+#include "tests/support/raw_documents.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 // alike however it is delivered, stopped and resumed. support/test_document.h tells how they
 // are written; one is run by its name, as in
 //   document_tests --gtest_filter='*swallowed_first_return'
-#include "read_document.h"
-#include "recording_host.h"
-#include "test_document.h"
-#include "trace.h"
+#include "lib/reading/read_document.h"
+#include "lib/writers/trace.h"
+#include "tests/support/recording_host.h"
+#include "tests/support/test_document.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "archive_messages.h"
+#include "batch/inputs/archive_messages.h"
 
 #include <array>
 #include <cerrno>

@@ -4,9 +4,9 @@
 //
 // Only the filters that run inside the process are asked for: libarchive would start programs
 // for the others.
-#include "archive_reader.h"
+#include "batch/inputs/archive_reader.h"
 
-#include "archive_messages.h"
+#include "batch/inputs/archive_messages.h"
 
 #include <algorithm>
 #include <archive.h>

@@ -2,7 +2,7 @@
 // tests/batch/archive_inputs_test.cpp.
 #pragma once
 
-#include "inputs.h"
+#include "batch/inputs/inputs.h"
 
 namespace pfsdoc {
 

@@ -1,6 +1,6 @@
-#include "archives.h"
+#include "batch/inputs/archives.h"
 
-#include "member_store.h"
+#include "batch/inputs/member_store.h"
 
 #include <array>
 #include <cerrno>

@@ -7,10 +7,10 @@
 // tests/batch/archive_inputs_test.cpp.
 #pragma once
 
-#include "archive_messages.h"
-#include "names.h"
+#include "batch/inputs/archive_messages.h"
+#include "batch/inputs/names.h"
 
-#include "inputs.h"
+#include "batch/inputs/inputs.h"
 
 #include <sys/types.h>
 

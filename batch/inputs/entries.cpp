@@ -1,4 +1,4 @@
-#include "entries.h"
+#include "batch/inputs/entries.h"
 
 #include <cerrno>
 #include <cstring>

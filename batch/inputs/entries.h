@@ -6,7 +6,7 @@
 // Tests: tests/batch/inputs_test.cpp.
 #pragma once
 
-#include "inputs.h"
+#include "batch/inputs/inputs.h"
 
 #include <sys/types.h>
 

@@ -1,4 +1,4 @@
-#include "folders.h"
+#include "batch/inputs/folders.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -6,8 +6,8 @@
 // Tests: tests/batch/inputs_test.cpp.
 #pragma once
 
-#include "entries.h"
-#include "names.h"
+#include "batch/inputs/entries.h"
+#include "batch/inputs/names.h"
 
 namespace pfsdoc {
 

@@ -1,10 +1,10 @@
 // Puts folders, lists and archives in a row. At most one of each is open: a list that names a
 // folder that holds an archive.
-#include "inputs.h"
+#include "batch/inputs/inputs.h"
 
-#include "archives.h"
-#include "folders.h"
-#include "lists.h"
+#include "batch/inputs/archives.h"
+#include "batch/inputs/folders.h"
+#include "batch/inputs/lists.h"
 
 #include <fcntl.h>
 

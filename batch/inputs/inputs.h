@@ -7,10 +7,10 @@
 // tests/batch/inputs_test.cpp and archive_inputs_test.cpp.
 #pragma once
 
-#include "../processes/fork_server.h"
-#include "../processes/open_file.h"
-#include "../sandbox/sandbox.h"
-#include "error.h"
+#include "batch/processes/fork_server.h"
+#include "batch/processes/open_file.h"
+#include "batch/sandbox/sandbox.h"
+#include "pfsdoc/error.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "lists.h"
+#include "batch/inputs/lists.h"
 
 #include <algorithm>
 #include <array>

@@ -7,7 +7,7 @@
 // tests/batch/inputs_test.cpp.
 #pragma once
 
-#include "entries.h"
+#include "batch/inputs/entries.h"
 
 #include <string_view>
 

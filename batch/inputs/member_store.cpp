@@ -1,6 +1,6 @@
-#include "member_store.h"
+#include "batch/inputs/member_store.h"
 
-#include "scratch_file.h"
+#include "lib/base/scratch_file.h"
 
 #include <array>
 #include <cerrno>

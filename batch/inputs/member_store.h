@@ -2,7 +2,7 @@
 // file that has no name and goes with its descriptor. Test: tests/batch/archive_inputs_test.cpp.
 #pragma once
 
-#include "inputs.h"
+#include "batch/inputs/inputs.h"
 
 #include <string_view>
 

@@ -1,6 +1,6 @@
-#include "names.h"
+#include "batch/inputs/names.h"
 
-#include "printable.h"
+#include "lib/base/printable.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 // a name that they choose must neither leave the output folder nor hide another file.
 //
 // Each part of a path is made safe by itself. What cannot be shown is written as \xNN, as
-// host/printable.h does it; a backslash too, so that different names of one folder stay
+// lib/base/printable.h does it; a backslash too, so that different names of one folder stay
 // different. Parts that name no file ("", ".") go, and ".." is written with escapes. Long names
 // are cut to what file systems take. Paths that differ can become the same name by that, and
 // lists can name a file twice: NameSet tells them apart. Tests: tests/batch/names_test.cpp.

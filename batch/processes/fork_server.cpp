@@ -1,6 +1,6 @@
-#include "fork_server.h"
+#include "batch/processes/fork_server.h"
 
-#include "records.h"
+#include "batch/processes/records.h"
 
 #include <array>
 #include <cerrno>

@@ -7,8 +7,8 @@
 // comes to its end. Test: tests/batch/fork_server_test.cpp.
 #pragma once
 
-#include "error.h"
-#include "open_file.h"
+#include "batch/processes/open_file.h"
+#include "pfsdoc/error.h"
 
 #include <functional>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "open_file.h"
+#include "batch/processes/open_file.h"
 
 #include <unistd.h>
 #include <utility>

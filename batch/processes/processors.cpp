@@ -1,4 +1,4 @@
-#include "processors.h"
+#include "batch/processes/processors.h"
 
 #include <algorithm>
 #include <sched.h>

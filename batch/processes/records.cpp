@@ -1,4 +1,4 @@
-#include "records.h"
+#include "batch/processes/records.h"
 
 #include <array>
 #include <cerrno>

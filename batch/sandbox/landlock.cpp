@@ -4,7 +4,7 @@
 // The C library has no functions for these calls, and <linux/landlock.h> is as old as the
 // machine that compiles this, so what came after the first version is spelled out here.
 // Test: tests/batch/sandbox_test.cpp.
-#include "landlock.h"
+#include "batch/sandbox/landlock.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,8 +1,8 @@
 // Landlock goes first: seccomp would not let it through. Test: tests/batch/sandbox_test.cpp.
-#include "sandbox.h"
+#include "batch/sandbox/sandbox.h"
 
-#include "landlock.h"
-#include "system_calls.h"
+#include "batch/sandbox/landlock.h"
+#include "batch/sandbox/system_calls.h"
 
 #include <sys/prctl.h>
 #include <system_error>

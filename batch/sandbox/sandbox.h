@@ -28,7 +28,7 @@
 // Test: tests/batch/sandbox_test.cpp.
 #pragma once
 
-#include "error.h"
+#include "pfsdoc/error.h"
 
 #include <string>
 

@@ -4,7 +4,7 @@
 // One thing has several names on different machines (fstat, fstat64, newfstatat). All are
 // listed; libseccomp leaves out those that a machine does not have. Test:
 // tests/batch/sandbox_test.cpp.
-#include "system_calls.h"
+#include "batch/sandbox/system_calls.h"
 
 #include <cerrno>
 #include <cstdint>

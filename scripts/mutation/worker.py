@@ -25,7 +25,7 @@ EXECUTABLES = {
     "document_tests": "tests/document_tests",
     "model_tests": "tests/model/model_tests",
     "robustness_tests": "tests/robustness/robustness_tests",
-    "host_tests": "tests/host/host_tests",
+    "host_tests": "tests/lib/host_tests",
 }
 
 # A run that takes longer than this many times the unchanged module's does not end.

@@ -1,6 +1,6 @@
 // Archives of a batch: whole ones of every sort, written by libarchive, and those that were made
 // to do harm or were cut.
-#include "batch_folder.h"
+#include "tests/batch/batch_folder.h"
 
 #include <archive.h>
 #include <archive_entry.h>

@@ -1,7 +1,7 @@
 // What the reader of an archive may say, and that nothing else is believed.
-#include "archive_messages.h"
+#include "batch/inputs/archive_messages.h"
 
-#include "inputs.h"
+#include "batch/inputs/inputs.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 // its name, and its content or its error.
 #pragma once
 
-#include "archive_reader.h"
-#include "inputs.h"
+#include "batch/inputs/archive_reader.h"
+#include "batch/inputs/inputs.h"
 
 #include <gtest/gtest.h>
 

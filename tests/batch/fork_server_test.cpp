@@ -1,8 +1,8 @@
 // Processes that are forked by another one: they begin where they are told to, and none outlives
 // its server or the process that started that.
-#include "fork_server.h"
-#include "pipe.h"
-#include "records.h"
+#include "batch/processes/fork_server.h"
+#include "batch/processes/records.h"
+#include "tests/batch/pipe.h"
 
 #include <gtest/gtest.h>
 

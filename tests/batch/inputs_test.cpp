@@ -1,7 +1,7 @@
 // Folders, lists and single files of a batch: their order, their names and what is wrong with
 // them. Archives are in archive_inputs_test.cpp.
-#include "batch_folder.h"
-#include "pipe.h"
+#include "tests/batch/batch_folder.h"
+#include "tests/batch/pipe.h"
 
 #include <chrono>
 #include <fcntl.h>

@@ -1,5 +1,5 @@
 // What names from outside become, and how equal ones are told apart.
-#include "names.h"
+#include "batch/inputs/names.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // A pipe, whose ends are closed with it or before it.
 #pragma once
 
-#include "open_file.h"
+#include "batch/processes/open_file.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Threads and processes that are kept to one processor.
-#include "processors.h"
+#include "batch/processes/processors.h"
 
 #include <gtest/gtest.h>
 

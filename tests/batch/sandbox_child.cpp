@@ -1,4 +1,4 @@
-#include "sandbox_child.h"
+#include "tests/batch/sandbox_child.h"
 
 #include <cerrno>
 #include <exception>

@@ -2,7 +2,7 @@
 // said and how it ended.
 #pragma once
 
-#include "sandbox.h"
+#include "batch/sandbox/sandbox.h"
 
 #include <functional>
 #include <string>

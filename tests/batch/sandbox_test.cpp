@@ -3,7 +3,7 @@
 //
 // What is forbidden is tried without the sandbox first: an attempt that fails or ends the
 // process there as well would show nothing.
-#include "sandbox_child.h"
+#include "tests/batch/sandbox_child.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // What a converter does still works in the sandbox: descriptors, messages, memory, the C and
 // C++ libraries, and whole conversions, whose bytes are those from outside of it.
-#include "sandbox_child.h"
+#include "tests/batch/sandbox_child.h"
 
-#include "document.h"
-#include "trace.h"
-#include "writer.h"
+#include "lib/writers/trace.h"
+#include "pfsdoc/document.h"
+#include "pfsdoc/writer.h"
 
 #include <gtest/gtest.h>
 

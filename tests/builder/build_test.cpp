@@ -1,5 +1,5 @@
 // Documents that are made by code rather than from a description.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
 using namespace builder_tests;
 using namespace pfs_builder;

@@ -1,6 +1,6 @@
 // What each kind cannot say. Every case is one line of a description; `can` and `cannot` are
 // file ids.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
 using namespace builder_tests;
 

@@ -1,5 +1,5 @@
 // Bodies of First Choice 3. A line's header is 50 01 where its paragraph ends, 10 where not.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
 using namespace builder_tests;
 

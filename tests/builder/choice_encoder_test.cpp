@@ -1,5 +1,5 @@
 // First Choice before its third generation, and the header that it shares with the third.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
 using namespace builder_tests;
 

@@ -1,6 +1,6 @@
 // Header part, body and directives. What the text of a paragraph may hold is tested in
 // description_text_test.cpp.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
 using namespace builder_tests;
 using namespace pfs_builder;

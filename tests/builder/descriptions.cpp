@@ -1,7 +1,7 @@
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
-#include "notation.h"
-#include "recording_host.h"
+#include "tests/support/notation.h"
+#include "tests/support/recording_host.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,6 +1,6 @@
 // Line ends that readers would take for what they are not. Margins of 1 and 11 leave eleven
 // columns, so that an end after six is a wrap before a word of five.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
 using namespace builder_tests;
 

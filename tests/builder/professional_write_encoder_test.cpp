@@ -1,6 +1,6 @@
 // Bodies of Professional Write. The byte before each line is its type; the 00 before the 0E
 // ends the last line.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
 using namespace builder_tests;
 

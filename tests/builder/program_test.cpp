@@ -1,5 +1,5 @@
 // pfsbuild as its users meet it: what it writes, what it says, how it ends.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,9 +1,9 @@
 // The module reads what the builder wrote. The two share no code, so that each case checks
 // the one as much as the other: every character with its style, every paragraph end.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
-#include "notation.h"
-#include "recording_host.h"
+#include "tests/support/notation.h"
+#include "tests/support/recording_host.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // The committed samples: each is what its description builds, and each is read back whole.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
 #include <filesystem>
 

@@ -1,6 +1,6 @@
 // Bodies of PFS: WRITE and IBM Writing Assistant. Margins are columns 10 to 70 unless a case
 // says otherwise; the first 0D of a body is the one that readers swallow.
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
 using namespace builder_tests;
 

@@ -1,6 +1,6 @@
-#include "descriptions.h"
+#include "tests/builder/descriptions.h"
 
-#include "notation.h"
+#include "tests/support/notation.h"
 
 using namespace builder_tests;
 

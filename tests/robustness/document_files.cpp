@@ -1,4 +1,4 @@
-#include "document_files.h"
+#include "tests/robustness/document_files.h"
 
 #include <algorithm>
 #include <cctype>

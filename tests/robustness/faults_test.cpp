@@ -1,9 +1,9 @@
 // Block files that fail and lie: every operation of every sample's reading, once and for
 // ever. Whatever the file does, the end of the document is reported once, the checker has
 // nothing to say, and the stream stays inside its buffer.
-#include "document_files.h"
-#include "faulty_block_file.h"
-#include "recording_host.h"
+#include "tests/robustness/document_files.h"
+#include "tests/support/faulty_block_file.h"
+#include "tests/support/recording_host.h"
 
 #include <algorithm>
 #include <cstddef>

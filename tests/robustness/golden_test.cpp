@@ -1,12 +1,12 @@
 // The samples' committed traces and texts, and the letters' pages, byte for byte. The letters'
 // traces have an event a line, to be read; the prose's are folded, which loses nothing, as
 // folding.sh shows. scripts/update-goldens rewrites them.
-#include "document_files.h"
-#include "paragraph_collector.h"
-#include "read_document.h"
-#include "text_writer.h"
-#include "trace.h"
-#include "writer.h"
+#include "lib/reading/paragraph_collector.h"
+#include "lib/reading/read_document.h"
+#include "lib/writers/text_writer.h"
+#include "lib/writers/trace.h"
+#include "pfsdoc/writer.h"
+#include "tests/robustness/document_files.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

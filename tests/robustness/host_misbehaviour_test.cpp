@@ -1,7 +1,7 @@
 // Hosts whose output routines do what they should not: answer oddly, and seek the stream
 // that is being read. The text may become nonsense; nothing else may happen.
-#include "document_files.h"
-#include "recording_host.h"
+#include "tests/robustness/document_files.h"
+#include "tests/support/recording_host.h"
 
 #include <algorithm>
 #include <functional>

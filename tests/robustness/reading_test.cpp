@@ -1,8 +1,8 @@
 // What a host may do differently without the document reading differently: deliver few bytes
 // at a time, stop at every break, register no routine for breaks. And what happens to a
 // document that is cut short, at every length.
-#include "document_files.h"
-#include "recording_host.h"
+#include "tests/robustness/document_files.h"
+#include "tests/support/recording_host.h"
 
 #include <algorithm>
 #include <cstddef>

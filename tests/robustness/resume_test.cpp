@@ -1,8 +1,8 @@
 // The reference host's promise: a document read with a stop at every break, each time going
 // on from the saved place in another instance, gives the very events of one single read.
-#include "document_files.h"
-#include "read_document.h"
-#include "trace.h"
+#include "lib/reading/read_document.h"
+#include "lib/writers/trace.h"
+#include "tests/robustness/document_files.h"
 
 #include <gtest/gtest.h>
 

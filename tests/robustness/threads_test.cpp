@@ -1,8 +1,8 @@
 // Instances know nothing of one another: sixteen threads, each with instances of its own,
 // read all samples at once and get what one thread gets. Run under ThreadSanitizer it shows
 // that the module shares no mutable state.
-#include "document_files.h"
-#include "recording_host.h"
+#include "tests/robustness/document_files.h"
+#include "tests/support/recording_host.h"
 
 #include <thread>
 

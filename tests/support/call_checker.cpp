@@ -1,4 +1,4 @@
-#include "call_checker.h"
+#include "tests/support/call_checker.h"
 
 namespace tests {
 

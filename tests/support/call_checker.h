@@ -3,7 +3,7 @@
 // after the end. A fault is a test failure with the call's index.
 #pragma once
 
-#include "notation.h"
+#include "tests/support/notation.h"
 
 #include <array>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "faulty_block_file.h"
+#include "tests/support/faulty_block_file.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "memory_block_file.h"
+#include "tests/support/memory_block_file.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "notation.h"
+#include "tests/support/notation.h"
 
 #include <cctype>
 #include <sstream>

@@ -1,4 +1,4 @@
-#include "raw_documents.h"
+#include "tests/support/raw_documents.h"
 
 #include <algorithm>
 #include <array>

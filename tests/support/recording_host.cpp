@@ -1,4 +1,4 @@
-#include "recording_host.h"
+#include "tests/support/recording_host.h"
 
 #include <algorithm>
 #include <mutex>

@@ -2,9 +2,9 @@
 // and has each checked. See notation.h for how recorded calls are written down.
 #pragma once
 
-#include "call_checker.h"
-#include "memory_block_file.h"
-#include "notation.h"
+#include "tests/support/call_checker.h"
+#include "tests/support/memory_block_file.h"
+#include "tests/support/notation.h"
 
 #include <cstdint>
 #include <string>

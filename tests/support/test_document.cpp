@@ -1,7 +1,7 @@
-#include "test_document.h"
+#include "tests/support/test_document.h"
 
-#include "notation.h"
-#include "raw_documents.h"
+#include "tests/support/notation.h"
+#include "tests/support/raw_documents.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,7 +1,7 @@
 // Runs batches as their users do, and shows what they leave as text.
 #pragma once
 
-#include "command_fixture.h"
+#include "tests/command/command_fixture.h"
 
 #include <nlohmann/json.hpp>
 

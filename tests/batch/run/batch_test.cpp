@@ -1,5 +1,5 @@
 // pfsdoc batch from the outside: what the folder and the manifest hold afterwards.
-#include "batch_bench.h"
+#include "tests/batch/run/batch_bench.h"
 
 #include <sched.h>
 #include <sys/file.h>

@@ -1,7 +1,7 @@
 // A reader that has been taken over by the document: it does what a mark in the text asks for,
 // or with --canary that to each document that has the word.
 // What a sandbox should have kept it from leaves a word in the output, for the tests to find.
-#include "canary.h"
+#include "batch/canary.h"
 
 #include <array>
 #include <csignal>

@@ -1,6 +1,6 @@
 // Readers that have been taken over: each costs its own file, and gets nowhere.
-#include "batch_bench.h"
-#include "shadow_memory.h"
+#include "batch/shadow_memory.h"
+#include "tests/batch/run/batch_bench.h"
 
 #include <algorithm>
 

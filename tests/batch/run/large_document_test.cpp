@@ -1,6 +1,6 @@
 // Documents that a worker cannot hold in memory while it converts them: what it puts aside,
 // where, and what becomes of that.
-#include "batch_bench.h"
+#include "tests/batch/run/batch_bench.h"
 
 #include <random>
 #include <sys/stat.h>

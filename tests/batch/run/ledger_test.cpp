@@ -1,6 +1,6 @@
 // What lanes and the clerk tell each other: lines come in the order of the files, in whatever
 // order these are done; nobody waits for more than is needed, and nothing is done after the end.
-#include "ledger.h"
+#include "batch/ledger.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Outputs have a temporary name until they are given their own, and leave nothing without it.
-#include "output_folder.h"
+#include "batch/output_folder.h"
 
 #include <gtest/gtest.h>
 

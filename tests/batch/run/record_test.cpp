@@ -1,6 +1,6 @@
 // A line of the manifest, written and read again; and whole manifests that were cut anywhere.
-#include "manifest.h"
-#include "record.h"
+#include "batch/manifest.h"
+#include "batch/record.h"
 
 #include <gtest/gtest.h>
 

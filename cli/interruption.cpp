@@ -1,0 +1,71 @@
+#include "cli/interruption.h"
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <limits.h>
+#include <string_view>
+#include <unistd.h>
+
+namespace pfsdoc {
+
+namespace {
+
+constexpr std::array<int, 3> ending_signals = {SIGINT, SIGTERM, SIGHUP};
+
+// A handler may use nothing but what is set before it runs. Empty without a temporary file.
+// Once the file has its own name, or is gone, the name belongs to nobody: it has this
+// process's number in it.
+std::array<char, PATH_MAX> temporary_path{};
+
+void end_at_once(int)
+{
+    constexpr std::string_view message = "pfsdoc: interrupted\n";
+    if (temporary_path[0] != '\0') {
+        ::unlink(temporary_path.data());
+    }
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message.data(), message.size());
+    ::_exit(exit_code(ErrorKind::interrupted));
+}
+
+sigset_t ending_signal_set()
+{
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int signal : ending_signals) {
+        sigaddset(&set, signal);
+    }
+    return set;
+}
+
+} // namespace
+
+void handle_interruptions()
+{
+    struct sigaction action {};
+    action.sa_handler = end_at_once;
+    action.sa_mask = ending_signal_set();
+    for (const int signal : ending_signals) {
+        struct sigaction before {};
+        if (::sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
+            ::sigaction(signal, &action, nullptr);
+        }
+    }
+}
+
+Result<std::unique_ptr<FileOutput>> create_interruptible(const std::string &path,
+                                                         uint64_t max_bytes)
+{
+    const sigset_t set = ending_signal_set();
+    sigset_t before;
+    ::sigprocmask(SIG_BLOCK, &set, &before);
+    Result<std::unique_ptr<FileOutput>> output = FileOutput::create(path, max_bytes);
+    if (output.ok() && output.value()->temporary_path().size() < temporary_path.size()) {
+        const std::string &path_for_now = output.value()->temporary_path();
+        std::copy_n(path_for_now.c_str(), path_for_now.size() + 1, temporary_path.data());
+    }
+    ::sigprocmask(SIG_SETMASK, &before, nullptr);
+    return output;
+}
+
+} // namespace pfsdoc

@@ -1,0 +1,57 @@
+#include "command/batch_command.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+
+namespace pfsdoc {
+
+namespace {
+
+constexpr const char *program_name = "pfsdoc-batch";
+
+class BatchCommandLine final : public CommandLine {
+public:
+    const char *name() const override
+    {
+        return batch_command.data();
+    }
+    const char *description() const override
+    {
+        return "Write many documents in another format";
+    }
+    // It was not the first word, so nothing of it can be meant.
+    void add_options(CLI::App &, OptionSet) override {}
+    int run(const CLI::App &) override
+    {
+        return report(
+            "", {ErrorKind::usage, "batch must be the first argument", "see pfsdoc batch --help"});
+    }
+};
+
+} // namespace
+
+std::unique_ptr<CommandLine> batch_command_line()
+{
+    return std::make_unique<BatchCommandLine>();
+}
+
+int become_batch(char **arguments)
+{
+    std::error_code failure;
+    const std::filesystem::path own =
+        std::filesystem::read_symlink("/proc/self/exe", failure).parent_path();
+    int reason = ENOENT;
+    for (const std::filesystem::path &folder : {own, own / PFSDOC_LIBEXEC_DIRECTORY}) {
+        ::execv((folder / program_name).c_str(), arguments);
+        reason = errno == ENOENT ? reason : errno;
+    }
+    return report("", {ErrorKind::internal,
+                       std::string(program_name) + " cannot be started: " + std::strerror(reason),
+                       "install it beside pfsdoc"});
+}
+
+} // namespace pfsdoc

@@ -1,0 +1,65 @@
+#include "command/document_job.h"
+
+#include "cli/interruption.h"
+#include "lib/reading/read_document.h"
+
+#include <sys/stat.h>
+#include <utility>
+
+namespace pfsdoc {
+
+namespace {
+
+// Whether both names lead to the same file, by whatever way.
+bool is_same_file(const std::string &one, const std::string &other)
+{
+    struct stat first {};
+    struct stat second {};
+    return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 &&
+           S_ISREG(first.st_mode) && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+} // namespace
+
+std::string subject_of(const std::string &file)
+{
+    return file.empty() ? "\"\"" : file;
+}
+
+Result<Input> open_input(const DocumentRequest &request)
+{
+    if (is_same_file(request.file, request.output)) {
+        return Error{ErrorKind::usage, "would be replaced by its own output",
+                     "name another file with -o"};
+    }
+    Result<std::unique_ptr<ByteSource>> source = open_source(request.file);
+    if (!source.ok()) {
+        return source.error();
+    }
+    const Result<Identity> identity = identify(*source.value());
+    if (!identity.ok()) {
+        return identity.error();
+    }
+    const Result<Module> module = find_module(request.module, PFSDOC_LIBRARY_DIRECTORY);
+    if (!module.ok()) {
+        return module.error();
+    }
+    return Input{std::move(source.value()), identity.value(), module.value()};
+}
+
+Result<std::unique_ptr<FileOutput>> make_output(const DocumentRequest &request)
+{
+    return create_interruptible(request.output, request.max_output);
+}
+
+Status settle(FileOutput &output, const Status &fault)
+{
+    if (!is_read_to_end(fault)) {
+        output.flush();
+        return fault;
+    }
+    const Status unwritten = output.commit();
+    return unwritten ? unwritten : fault;
+}
+
+} // namespace pfsdoc

@@ -1,0 +1,37 @@
+// What every command that reads one document begins and ends with: the document recognised and
+// the module found, then the output made, and at last put in its place. Test:
+// tests/command/command_test.cpp.
+#pragma once
+
+#include "command/commands.h"
+#include "lib/base/file_output.h"
+#include "pfsdoc/identify.h"
+#include "pfsdoc/module.h"
+
+#include <memory>
+#include <string>
+
+namespace pfsdoc {
+
+// A document that was recognised, and what to read it with.
+struct Input {
+    std::unique_ptr<ByteSource> source;
+    Identity identity;
+    Module module;
+};
+
+// Refuses a document that the request's output would replace.
+Result<Input> open_input(const DocumentRequest &request);
+
+// To be made last: nothing that is wrong with the document may touch it.
+Result<std::unique_ptr<FileOutput>> make_output(const DocumentRequest &request);
+
+// Puts the output in its place if all went well, or as well as it can with a document that is
+// not whole. What has gone to standard output before any other error is out; a named file is
+// not made.
+Status settle(FileOutput &output, const Status &fault);
+
+// A file as a message names it.
+std::string subject_of(const std::string &file);
+
+} // namespace pfsdoc

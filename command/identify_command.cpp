@@ -1,0 +1,207 @@
+// pfsdoc identify: what files are, one line or one JSON object for each.
+#include "command/commands.h"
+
+#include "command/document_job.h"
+#include "lib/base/json_text.h"
+#include "lib/base/printable.h"
+#include "pfsdoc/examine.h"
+
+namespace pfsdoc {
+
+namespace {
+
+// What has been found out about one file.
+struct Finding {
+    Identity identity;
+    Examination examination;
+    std::string mismatch; // of the name's extension; empty: none
+};
+
+Result<Finding> find_out(const std::string &file)
+{
+    const Result<std::unique_ptr<ByteSource>> source = open_source(file);
+    if (!source.ok()) {
+        return source.error();
+    }
+    const Result<Identity> identity = identify(*source.value());
+    if (!identity.ok()) {
+        return identity.error();
+    }
+    const DocumentKind kind = identity.value().kind;
+    const Examination examination = examine(*source.value(), kind);
+    if (const Status failure = source.value()->failure()) {
+        return *failure;
+    }
+    const std::string name = file == "-" ? "" : file;
+    return Finding{identity.value(), examination, extension_mismatch(name, kind)};
+}
+
+std::string line_of(const std::string &file, const Finding &finding)
+{
+    const DocumentKind kind = finding.identity.kind;
+    std::string line = printable(file);
+    line.append(": ").append(display_name(kind));
+    line.append(", file id ").append(std::to_string(file_id(kind)));
+    line.append(", ").append(confidence_name(finding.examination.confidence));
+    line.append(pronom_id(kind).empty() ? "" : ", ").append(pronom_id(kind));
+    line.append(": ").append(printable(finding.identity.basis));
+    for (const std::string &note : finding.examination.notes) {
+        line.append("; ").append(note);
+    }
+    line.append(finding.mismatch.empty() ? "" : "; ").append(finding.mismatch);
+    return line.append("\n");
+}
+
+// A JSON object, member by member.
+class Object {
+public:
+    Object &text(std::string_view member, std::string_view value)
+    {
+        name(member);
+        append_json_string(json_, value);
+        return *this;
+    }
+    Object &text_or_null(std::string_view member, std::string_view value)
+    {
+        return value.empty() ? word(member, "null") : text(member, value);
+    }
+    // A number, or one of the words that JSON knows.
+    Object &word(std::string_view member, std::string_view value)
+    {
+        name(member);
+        json_.append(value);
+        return *this;
+    }
+    Object &texts(std::string_view member, const std::vector<std::string> &values)
+    {
+        name(member);
+        std::string_view before = "[";
+        for (const std::string &value : values) {
+            json_.append(before);
+            append_json_string(json_, value);
+            before = ",";
+        }
+        json_.append(values.empty() ? "[]" : "]");
+        return *this;
+    }
+    std::string closed() const
+    {
+        return json_ + "}";
+    }
+
+private:
+    void name(std::string_view member)
+    {
+        json_.append(json_.empty() ? "{" : ",");
+        append_json_string(json_, member);
+        json_.append(":");
+    }
+
+    std::string json_;
+};
+
+std::string_view json_word(RegistrySignature signature)
+{
+    switch (signature) {
+    case RegistrySignature::matches: return "true";
+    case RegistrySignature::differs: return "false";
+    default: return "null";
+    }
+}
+
+std::string json_of(const std::string &file, const Finding &finding)
+{
+    const DocumentKind kind = finding.identity.kind;
+    const Examination &examination = finding.examination;
+    return Object()
+        .text("file", printable(file))
+        .text("kind", display_name(kind))
+        .word("file_id", std::to_string(file_id(kind)))
+        .text("confidence", confidence_name(examination.confidence))
+        .text("basis", printable(finding.identity.basis))
+        .text_or_null("pronom", pronom_id(kind))
+        .word("pronom_signature", json_word(examination.registry_signature))
+        .text_or_null("extension_mismatch", finding.mismatch)
+        .texts("notes", examination.notes)
+        .closed();
+}
+
+std::string json_of(const std::string &file, const Error &error)
+{
+    return Object()
+        .text("file", printable(file))
+        .text("error", printable(error.what))
+        .text("remedy", printable(error.remedy))
+        .word("exit_code", std::to_string(exit_code(error.kind)))
+        .closed();
+}
+
+// Puts one file's findings after the other, in the form that is wanted.
+class Report {
+public:
+    Report(FileOutput &output, IdentifyForm form) : output_(output), form_(form)
+    {
+        if (form_ == IdentifyForm::json_array) {
+            output_.write("[");
+        }
+    }
+
+    void add(const std::string &file, const Result<Finding> &finding)
+    {
+        if (form_ != IdentifyForm::table) {
+            add_object(finding.ok() ? json_of(file, finding.value())
+                                    : json_of(file, finding.error()));
+        } else if (finding.ok()) {
+            output_.write(line_of(file, finding.value()));
+        }
+        output_.flush(); // so that it stands in order among the lines on standard error
+    }
+    void finish()
+    {
+        if (form_ == IdentifyForm::json_array) {
+            output_.write("\n]\n");
+        }
+    }
+
+private:
+    void add_object(const std::string &object)
+    {
+        if (form_ == IdentifyForm::json_lines) {
+            output_.write(object + "\n");
+            return;
+        }
+        output_.write(first_ ? "\n" : ",\n");
+        output_.write("  " + object);
+        first_ = false;
+    }
+
+    FileOutput &output_;
+    IdentifyForm form_;
+    bool first_ = true;
+};
+
+} // namespace
+
+int run_identify(const IdentifyRequest &request)
+{
+    constexpr int some_failed = 1;
+    const Result<std::unique_ptr<FileOutput>> output = FileOutput::create("");
+    if (!output.ok()) {
+        return report("", output.error());
+    }
+    Report findings(*output.value(), request.form);
+    int code = 0;
+    for (const std::string &file : request.files) {
+        const Result<Finding> finding = find_out(file);
+        findings.add(file, finding);
+        if (!finding.ok()) {
+            const int own = report(subject_of(file), finding.error());
+            code = request.files.size() == 1 ? own : some_failed;
+        }
+    }
+    findings.finish();
+    const Status fault = output.value()->commit();
+    return fault ? report("", *fault) : code;
+}
+
+} // namespace pfsdoc

@@ -1,0 +1,28 @@
+// A document as blocks, in order: header and footer lines first, then the body's paragraphs
+// and page breaks. Tests: tests/lib/reading/paragraph_collector_test.cpp.
+#pragma once
+
+#include "pfsdoc/export.h"
+#include "pfsdoc/paragraph.h"
+
+#include <cstdint>
+
+namespace pfsdoc {
+
+enum class BlockKind { header, footer };
+
+// Receives a document's blocks in order. What it is given is valid during the call.
+class PFSDOC_API BlockSink {
+public:
+    virtual ~BlockSink() = default;
+    // A paragraph, or between block_begin and block_end a header or footer line.
+    virtual void paragraph(const Paragraph &paragraph) = 0;
+    // A page break between paragraphs, or before any text of one. Others are pieces.
+    virtual void page_break(uint32_t source) = 0;
+    virtual void block_begin(BlockKind kind) = 0;
+    virtual void block_end() = 0;
+    // Once, and nothing after it.
+    virtual void end_of_document() = 0;
+};
+
+} // namespace pfsdoc

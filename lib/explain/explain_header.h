@@ -1,0 +1,16 @@
+// Explaining what stands before a document's text: the fixed header of each family, by a table
+// of its fields, and in the Write family what lies between the header and the text.
+// Tests: tests/lib/explain/header_test.cpp, golden_test.cpp.
+#pragma once
+
+#include "lib/explain/header_fields.h"
+#include "lib/explain/span_builder.h"
+
+#include <cstdint>
+
+namespace pfsdoc {
+
+// Claims everything up to `body`, where the module found the text to begin.
+void explain_header(SpanBuilder &builder, DocumentKind kind, uint32_t body);
+
+} // namespace pfsdoc

@@ -1,0 +1,253 @@
+#include "pfsdoc/document.h"
+
+#include "lib/reading/block_reader.h"
+#include "lib/reading/paragraph_collector.h"
+#include "lib/reading/read_document.h"
+#include "lib/reading/resume_token.h"
+#include "pfsdoc/reading_stopped.h"
+
+#include <utility>
+
+namespace pfsdoc {
+
+namespace {
+
+// A host's own file. Its size is asked for once.
+class BlockFileSource final : public ByteSource {
+public:
+    BlockFileSource(VwBlockFile &file, uint32_t size) : file_(file), size_(size) {}
+
+    std::optional<uint32_t> read_at(uint32_t position, std::span<uint8_t> destination) override
+    {
+        uint32_t total = 0;
+        while (total < destination.size()) {
+            const auto rest = destination.subspan(total);
+            uint32_t count = 0;
+            if (file_.seek(&file_, 0, static_cast<int32_t>(position + total)) != 0 ||
+                file_.read(&file_, rest.data(), static_cast<uint32_t>(rest.size()), &count) != 0 ||
+                count > rest.size()) {
+                failed_ = true;
+                return std::nullopt;
+            }
+            if (count == 0) {
+                break;
+            }
+            total += count;
+        }
+        return total;
+    }
+    uint32_t size() const override
+    {
+        return size_;
+    }
+    Status failure() const override
+    {
+        return failed_ ? unreadable() : Status();
+    }
+    static Status unreadable()
+    {
+        return Error{ErrorKind::input, "cannot be read: its block file refuses", ""};
+    }
+
+private:
+    VwBlockFile &file_;
+    uint32_t size_;
+    bool failed_ = false;
+};
+
+// The margins and tab stops that a document's first read announces.
+class PageSetupSink final : public EventSink {
+public:
+    int32_t on_event(const Event &event, uint32_t) override
+    {
+        constexpr int32_t stop = 1;
+        if (const auto *margins = std::get_if<Margins>(&event)) {
+            setup.margins = *margins;
+        } else if (const auto *tab_stop = std::get_if<TabStop>(&event)) {
+            setup.tab_stops.push_back(*tab_stop);
+        }
+        return stop; // at the first line end
+    }
+
+    PageSetup setup;
+};
+
+constexpr uint32_t from_end = 2;
+
+} // namespace
+
+struct Document::State {
+    std::unique_ptr<ByteSource> source;
+    Module module;
+    Identity identity;
+    Offsets offsets;
+    std::unique_ptr<BlockReader> reader; // null until blocks are asked for
+
+    Status need_reader()
+    {
+        if (reader == nullptr) {
+            return read_from({});
+        }
+        return {};
+    }
+    Status read_from(const BlockPlace &place)
+    {
+        auto made = BlockReader::create(module, *source, identity.kind, offsets, place);
+        if (!made.ok()) {
+            const Status failure = source->failure();
+            return failure ? failure : made.error();
+        }
+        reader = std::move(made.value());
+        return {};
+    }
+    Result<DocumentMark> mark()
+    {
+        return document_mark(*source, identity.kind, offsets == Offsets::wanted);
+    }
+};
+
+Document::Document(std::unique_ptr<State> state) : state_(std::move(state)) {}
+Document::Document(Document &&other) noexcept = default;
+Document &Document::operator=(Document &&other) noexcept = default;
+Document::~Document() = default;
+
+Result<Document> Document::open(const std::string &path, const OpenOptions &options)
+{
+    Result<std::unique_ptr<ByteSource>> source = open_source(path);
+    if (!source.ok()) {
+        return source.error();
+    }
+    return from_source(std::move(source.value()), options);
+}
+
+Result<Document> Document::from_bytes(std::vector<uint8_t> bytes, const OpenOptions &options)
+{
+    if (bytes.size() >= input_size_limit) {
+        return too_large();
+    }
+    return from_source(std::make_unique<MemorySource>(std::move(bytes)), options);
+}
+
+Result<Document> Document::from_block_file(VwBlockFile &file, const OpenOptions &options)
+{
+    uint32_t size = 0;
+    if (file.seek(&file, from_end, 0) != 0 || file.tell(&file, &size) != 0) {
+        return *BlockFileSource::unreadable();
+    }
+    return from_source(std::make_unique<BlockFileSource>(file, size), options);
+}
+
+Result<Document> Document::from_source(std::unique_ptr<ByteSource> source,
+                                       const OpenOptions &options)
+{
+    const Result<Identity> identity = identify(*source);
+    if (!identity.ok()) {
+        return identity.error();
+    }
+    const Result<Module> module =
+        options.module != nullptr ? Result<Module>(*options.module) : Module::linked();
+    if (!module.ok()) {
+        return module.error();
+    }
+    return Document(std::unique_ptr<State>(
+        new State{std::move(source), module.value(), identity.value(),
+                  options.source_offsets ? Offsets::wanted : Offsets::none, nullptr}));
+}
+
+DocumentKind Document::kind() const
+{
+    return state_->identity.kind;
+}
+
+const Identity &Document::identity() const
+{
+    return state_->identity;
+}
+
+uint32_t Document::size() const
+{
+    return state_->source->size();
+}
+
+Result<PageSetup> Document::page_setup()
+{
+    BlockFile file(*state_->source);
+    auto session = open_session(state_->module, file, kind(), Offsets::none);
+    if (!session.ok()) {
+        return session.error();
+    }
+    PageSetupSink sink;
+    session.value()->read(sink);
+    const Status failure = state_->source->failure();
+    return failure ? Result<PageSetup>(*failure) : sink.setup;
+}
+
+Status Document::read(BlockSink &sink)
+{
+    ParagraphCollector collector(sink, line_spacing_rule(kind()));
+    if (state_->offsets == Offsets::wanted) {
+        collector.find_lines(*state_->source, kind());
+    }
+    try {
+        Status fault = read_document(state_->module, *state_->source, kind(), collector,
+                                     {state_->offsets, Stops::for_margins});
+        if (is_read_to_end(fault)) {
+            collector.finish();
+        }
+        return fault;
+    } catch (const ReadingStopped &stopped) {
+        return stopped.error();
+    }
+}
+
+Status Document::read_events(EventSink &sink, bool in_steps)
+{
+    try {
+        return read_document(state_->module, *state_->source, kind(), sink,
+                             {state_->offsets, in_steps ? Stops::at_breaks : Stops::none});
+    } catch (const ReadingStopped &stopped) {
+        return stopped.error();
+    }
+}
+
+Result<std::optional<Block>> Document::next()
+{
+    const Status fault = state_->need_reader();
+    return fault ? Result<std::optional<Block>>(*fault) : state_->reader->next();
+}
+
+Result<ResumeToken> Document::place()
+{
+    const Status fault = state_->need_reader();
+    if (fault) {
+        return *fault;
+    }
+    const Result<BlockPlace> place = state_->reader->place();
+    const Result<DocumentMark> mark = state_->mark();
+    if (!place.ok() || !mark.ok()) {
+        return place.ok() ? mark.error() : place.error();
+    }
+    return ResumeToken(token_text({mark.value(), place.value()}));
+}
+
+Status Document::resume(const ResumeToken &token)
+{
+    const Result<MarkedPlace> marked = parse_token(token.text());
+    const Result<DocumentMark> mark = state_->mark();
+    if (!marked.ok() || !mark.ok()) {
+        return marked.ok() ? mark.error() : marked.error();
+    }
+    if (marked.value().document != mark.value()) {
+        return Error{ErrorKind::usage, "the resume token is of another document",
+                     "use one of this document, opened with the same options"};
+    }
+    return state_->read_from(marked.value().place);
+}
+
+Result<ResumeToken> ResumeToken::parse(std::string_view text)
+{
+    const Result<MarkedPlace> marked = parse_token(text);
+    return marked.ok() ? Result<ResumeToken>(ResumeToken(std::string(text))) : marked.error();
+}
+
+} // namespace pfsdoc

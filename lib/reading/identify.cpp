@@ -1,0 +1,187 @@
+#include "pfsdoc/identify.h"
+
+#include "lib/base/printable.h"
+#include "lib/explain/header_fields.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace pfsdoc {
+
+namespace {
+
+constexpr std::string_view choice_signature = "GERBILDOC";
+constexpr char generation_3 = '3';
+
+constexpr std::size_t examined_size = write_variant_offset + 1;
+
+struct KindEntry {
+    DocumentKind kind;
+    int32_t file_id;
+    std::string_view name;
+};
+constexpr std::array<KindEntry, 7> kinds = {{
+    {DocumentKind::write_a, 1012, "PFS: WRITE A"},
+    {DocumentKind::write_b, 1013, "PFS: WRITE B"},
+    {DocumentKind::professional_write_1, 1014, "Professional Write 1"},
+    {DocumentKind::professional_write_2, 1015, "Professional Write 2"},
+    {DocumentKind::writing_assistant, 1016, "IBM Writing Assistant"},
+    {DocumentKind::first_choice_2, 1017, "PFS: First Choice 2.0"},
+    {DocumentKind::first_choice_3, 1058, "PFS: First Choice 3.0"},
+}};
+
+// A signature without a kind belongs to both kinds of PFS: WRITE: the variant digit decides.
+struct Signature {
+    std::string_view text;
+    std::optional<DocumentKind> kind;
+};
+constexpr std::array<Signature, 5> signatures = {{
+    {"WRD PC", std::nullopt},
+    {"TYPE 2", std::nullopt},
+    {"IBM   ", DocumentKind::writing_assistant},
+    {"TYPE 3", DocumentKind::professional_write_1},
+    {"TYPE 4", DocumentKind::professional_write_2},
+}};
+
+// Files of the same makers that are no documents.
+struct Relative {
+    std::string_view magic;
+    std::string_view name;
+};
+constexpr std::array<Relative, 3> relatives = {{
+    {"GERBILDB", "a First Choice database"},
+    {"GERBILCLIP", "a First Choice clipboard"},
+    {"RABBITGRAPH", "a First Choice graph"},
+}};
+
+const KindEntry &entry_of(DocumentKind kind)
+{
+    return *std::find_if(kinds.begin(), kinds.end(),
+                         [kind](const KindEntry &entry) { return entry.kind == kind; });
+}
+
+// The examined start of a file; empty where the file ends.
+class Start {
+public:
+    explicit Start(std::string bytes) : bytes_(std::move(bytes)) {}
+
+    std::string_view at(std::size_t offset, std::size_t size) const
+    {
+        return offset < bytes_.size() ? std::string_view(bytes_).substr(offset, size)
+                                      : std::string_view();
+    }
+    bool has(std::size_t offset, std::string_view text) const
+    {
+        return at(offset, text.size()) == text;
+    }
+    std::size_t size() const
+    {
+        return bytes_.size();
+    }
+
+private:
+    std::string bytes_;
+};
+
+std::string found_at(std::string_view text, std::size_t offset)
+{
+    return std::string("\"").append(text).append("\" at ").append(std::to_string(offset));
+}
+
+// A byte in quotes if it can be read, in hexadecimal if not; nothing where the file ends.
+std::string byte_text(std::string_view byte)
+{
+    if (byte.empty()) {
+        return "no byte";
+    }
+    const char c = byte.front();
+    return c > ' ' && c < 0x7F ? std::string("\"").append(byte).append("\"")
+                               : "byte 0x" + hex_byte(static_cast<unsigned char>(c));
+}
+
+Error not_a_document(const std::string &what)
+{
+    return {ErrorKind::not_a_document, what,
+            "only documents of PFS: WRITE, Professional Write, IBM Writing Assistant and "
+            "PFS: First Choice can be read"};
+}
+
+Identity choice_identity(const Start &start)
+{
+    const bool is_3 = start.at(choice_generation_offset, 1) == std::string_view(&generation_3, 1);
+    return {is_3 ? DocumentKind::first_choice_3 : DocumentKind::first_choice_2,
+            found_at(choice_signature, choice_signature_offset) + ", generation " +
+                byte_text(start.at(choice_generation_offset, 1)) + " at " +
+                std::to_string(choice_generation_offset)};
+}
+
+// The two kinds of PFS: WRITE.
+Result<Identity> variant_identity(const Start &start, const Signature &signature)
+{
+    const std::string_view variant = start.at(write_variant_offset, 1);
+    const std::string basis = found_at(signature.text, write_signature_offset) + ", variant " +
+                              byte_text(variant) + " at " + std::to_string(write_variant_offset);
+    if (variant == "1") {
+        return Identity{DocumentKind::write_a, basis};
+    }
+    if (variant == "2") {
+        return Identity{DocumentKind::write_b, basis};
+    }
+    return not_a_document("is marked as PFS: WRITE, but of an unknown variant (" + basis + ")");
+}
+
+Error unknown(const Start &start)
+{
+    if (start.size() == 0) {
+        return not_a_document("is empty");
+    }
+    for (const Relative &relative : relatives) {
+        if (start.has(choice_signature_offset, relative.magic)) {
+            return not_a_document("is " + std::string(relative.name) + " (" +
+                                  found_at(relative.magic, choice_signature_offset) +
+                                  "), not a document");
+        }
+    }
+    return not_a_document("is not a document of a kind known here");
+}
+
+Result<Identity> identify_start(const Start &start)
+{
+    if (start.has(choice_signature_offset, choice_signature)) {
+        return choice_identity(start);
+    }
+    for (const Signature &signature : signatures) {
+        if (start.has(write_signature_offset, signature.text)) {
+            return signature.kind
+                       ? Identity{*signature.kind, found_at(signature.text, write_signature_offset)}
+                       : variant_identity(start, signature);
+        }
+    }
+    return unknown(start);
+}
+
+} // namespace
+
+int32_t file_id(DocumentKind kind)
+{
+    return entry_of(kind).file_id;
+}
+
+std::string_view display_name(DocumentKind kind)
+{
+    return entry_of(kind).name;
+}
+
+Result<Identity> identify(ByteSource &source)
+{
+    std::array<uint8_t, examined_size> bytes{};
+    const std::optional<uint32_t> count = source.read_at(0, bytes);
+    if (!count) {
+        const Status failure = source.failure();
+        return failure ? *failure : Error{ErrorKind::input, "cannot be read", ""};
+    }
+    return identify_start(Start(std::string(reinterpret_cast<const char *>(bytes.data()), *count)));
+}
+
+} // namespace pfsdoc

@@ -1,0 +1,123 @@
+#include "lib/reading/read_document.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string>
+
+namespace pfsdoc {
+
+namespace {
+
+bool is_professional_write(DocumentKind kind)
+{
+    return kind == DocumentKind::professional_write_1 || kind == DocumentKind::professional_write_2;
+}
+
+using SessionResult = Result<std::unique_ptr<Session>>;
+
+Status read_stopping(std::span<Session *const> sessions, Stitcher &stitcher,
+                     const ByteSource &source)
+{
+    if (!read_with_stops(sessions, stitcher)) {
+        return Error{ErrorKind::internal, "the module refuses to go back to a saved place", ""};
+    }
+    const auto last = std::find_if(sessions.begin(), sessions.end(),
+                                   [](const Session *session) { return session->ended(); });
+    return check_end(**last, source);
+}
+
+Status read_in_two_sessions(const Module &module, ByteSource &source, DocumentKind kind,
+                            Session &session, EventSink &sink, Offsets offsets)
+{
+    BlockFile file(source);
+    SessionResult other = open_session(module, file, kind, offsets);
+    if (!other.ok()) {
+        return other.error();
+    }
+    Stitcher stitcher(sink, indents_reset(kind));
+    const std::array<Session *, 2> sessions = {&session, other.value().get()};
+    return read_stopping(sessions, stitcher, source);
+}
+
+Status read_following_margins(const ByteSource &source, DocumentKind kind, Session &session,
+                              EventSink &sink)
+{
+    MarginFollower follower(sink);
+    Stitcher stitcher(follower, indents_reset(kind), AnnouncedMargins::passed_on_if_changed);
+    const std::array<Session *, 1> sessions = {&session};
+    return read_stopping(sessions, stitcher, source);
+}
+
+Status read_at_once(const ByteSource &source, Session &session, EventSink &sink)
+{
+    session.read(sink);
+    if (!session.ended()) {
+        return Error{ErrorKind::internal, "the module stopped before the document's end", ""};
+    }
+    return check_end(session, source);
+}
+
+Status read_all(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
+                const ReadOptions &options)
+{
+    BlockFile file(source);
+    SessionResult session = open_session(module, file, kind, options.offsets);
+    if (!session.ok()) {
+        return session.error();
+    }
+    session.value()->section(sink);
+    if (options.stops == Stops::at_breaks) {
+        return read_in_two_sessions(module, source, kind, *session.value(), sink, options.offsets);
+    }
+    if (options.stops == Stops::for_margins && text_changes_margins(kind)) {
+        return read_following_margins(source, kind, *session.value(), sink);
+    }
+    return read_at_once(source, *session.value(), sink);
+}
+
+} // namespace
+
+Result<std::unique_ptr<Session>> open_session(const Module &module, BlockFile &file,
+                                              DocumentKind kind, Offsets offsets)
+{
+    SessionResult session = Session::create(module, file.get(), offsets);
+    if (session.ok() && !session.value()->open(file_id(kind))) {
+        return Error{ErrorKind::internal, "the module does not recognise the document",
+                     "try another module with --module"};
+    }
+    return session;
+}
+
+// What tells them apart is that the module has asked for a byte behind the last one.
+Status check_end(const Session &session, const ByteSource &source)
+{
+    if (session.tell() <= source.size()) {
+        return {};
+    }
+    return Error{ErrorKind::damaged,
+                 "is cut short: its " + std::to_string(source.size()) +
+                     " bytes end before the document does",
+                 "what there is of it has been read", source.size()};
+}
+
+bool text_changes_margins(DocumentKind kind)
+{
+    return is_professional_write(kind);
+}
+
+IndentsReset indents_reset(DocumentKind kind)
+{
+    return is_professional_write(kind) ? IndentsReset::never : IndentsReset::after_break;
+}
+
+Status read_document(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
+                     const ReadOptions &options)
+{
+    const Status status = read_all(module, source, kind, sink, options);
+    // A failed read is an end of data to the module, and can be behind anything it says.
+    const Status failure = source.failure();
+    return failure ? failure : status;
+}
+
+} // namespace pfsdoc

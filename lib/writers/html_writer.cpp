@@ -1,0 +1,376 @@
+// HTML: one page by itself, which looks on the screen as the document's own page of fixed
+// pitch does and prints as it.
+//
+// Each paragraph is a `p`, as wide as its text lines are in the document, so that a browser
+// breaks the lines where the document has them. What the stylesheet cannot know stands in
+// style attributes: see html_style.h. A page allows nothing but its stylesheet and these
+// attributes; there is no script, and nothing is fetched.
+//
+//   header, footer  their lines are elements of these names: at the beginning and the end on
+//                   the screen, on every page on paper. Footer lines have to wait for the
+//                   document's end. A document has two lines of each at most, before its
+//                   body; what is more, or later, counts as lost.
+//   page breaks     an `hr`, which ends the page on paper. In the middle of a paragraph it
+//                   cuts it into two `p`, the second one without a first line.
+//   margins         those of the first paragraph of the body are the page's; a paragraph that
+//                   has others tells them.
+//   tab stops       a tab is as wide as LineLayout says: which stop it goes to depends on
+//                   where the line was broken. In one thing browsers differ: a word longer
+//                   than the line leaves the blanks and tabs before it on a line of their own.
+//   commands        as in the text format: shown if they are asked for; a paragraph of
+//                   nothing but hidden commands leaves nothing.
+//   language        is not known, so none is claimed.
+//
+// Time is in proportion to the document. Held are one paragraph and the header and footer
+// lines. Tests: tests/lib/writers/html_writer_test.cpp; tests/judges/html.sh prints pages.
+#include "lib/base/utf8_output.h"
+#include "lib/page/blank_bytes.h"
+#include "lib/page/page_geometry.h"
+#include "lib/page/paragraph_pieces.h"
+#include "lib/writers/formats.h"
+#include "lib/writers/html_style.h"
+#include "lib/writers/html_text.h"
+#include "vs_pfs.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace pfsdoc {
+
+namespace {
+
+constexpr std::size_t max_running_lines = 2; // header or footer
+constexpr std::size_t usual_running_rows = 2;
+
+// A style attribute, if it comes to hold anything.
+class StyleAttribute {
+public:
+    void add(std::string_view property, std::size_t value)
+    {
+        text_.append(text_.empty() ? " style=\"" : ";").append(property).push_back(':');
+        text_.append(std::to_string(value));
+    }
+    void add_unless(std::size_t usual, std::string_view property, std::size_t value)
+    {
+        if (value != usual) {
+            add(property, value);
+        }
+    }
+    std::string take()
+    {
+        if (!text_.empty()) {
+            text_.push_back('"');
+        }
+        return std::exchange(text_, {});
+    }
+
+private:
+    std::string text_;
+};
+
+std::string class_attribute(LineAlignment alignment, bool is_double_spaced)
+{
+    std::string names;
+    switch (alignment) {
+    case LineAlignment::left: break;
+    case LineAlignment::centre: names = "center"; break;
+    case LineAlignment::right: names = "right"; break;
+    }
+    if (is_double_spaced) {
+        names.append(names.empty() ? "double" : " double");
+    }
+    return names.empty() ? names : " class=\"" + names + "\"";
+}
+
+// What LineLayout writes goes nowhere: only its tab gaps are wanted.
+class NoOutput final : public Output {
+public:
+    void write(std::string_view) override {}
+};
+
+class HtmlWriter final : public Writer {
+public:
+    HtmlWriter(Output &output, DocumentInfo info, const WriterOptions &options)
+        : options_(options), info_(std::move(info)), html_(output, *options.code_page),
+          text_(html_, *options.code_page)
+    {
+    }
+    HtmlWriter(const HtmlWriter &) = delete;
+    HtmlWriter &operator=(const HtmlWriter &) = delete;
+
+    void paragraph(const Paragraph &paragraph) override;
+    void page_break(uint32_t source) override;
+    void block_begin(BlockKind kind) override;
+    void block_end() override;
+    void end_of_document() override;
+
+private:
+    void keep_running_line(std::vector<Paragraph> &lines, const Paragraph &paragraph);
+    void begin_page(const Paragraph *first);
+    void write_head();
+    void write_running_lines(std::string_view element, const std::vector<Paragraph> &lines);
+    std::size_t running_rows(const std::vector<Paragraph> &lines);
+
+    void write_paragraph(const Paragraph &paragraph);
+    void show_piece(const Paragraph &paragraph, std::size_t index);
+    void write_part(const Paragraph &paragraph, const LineGeometry &geometry);
+    void lay_out_tabs(const LineGeometry &geometry);
+    void hide_outer_tabs();
+
+    WriterOptions options_;
+    DocumentInfo info_;
+    Utf8Output html_;
+    HtmlText text_;
+
+    NoOutput no_output_;
+    Utf8Output unused_lines_{no_output_};
+    LineLayout layout_{unused_lines_};
+    std::vector<TabGap> tabs_;
+
+    std::optional<BlockKind> block_; // the header's or footer's, while in it
+    std::vector<Paragraph> headers_;
+    std::vector<Paragraph> footers_;
+    uint64_t page_breaks_before_body_ = 0;
+    bool page_begun_ = false;
+    PageColumns page_; // the page's own
+
+    ShownText shown_; // of the part of a paragraph that is at hand
+    bool part_continues_ = false;
+};
+
+// ------------------------------------------------------------------------- blocks -----
+
+void HtmlWriter::paragraph(const Paragraph &paragraph)
+{
+    if (block_) {
+        keep_running_line(*block_ == BlockKind::header ? headers_ : footers_, paragraph);
+        return;
+    }
+    begin_page(&paragraph);
+    write_paragraph(paragraph);
+}
+
+void HtmlWriter::keep_running_line(std::vector<Paragraph> &lines, const Paragraph &paragraph)
+{
+    const bool is_empty = paragraph.bytes.find_first_not_of(blank_bytes) == std::string::npos;
+    if (!options_.headers || is_empty) {
+        return;
+    }
+    const bool is_late = page_begun_ && &lines == &headers_;
+    if (is_late || lines.size() == max_running_lines) {
+        losses_.add(Loss::header_footer, paragraph.source_begin);
+    } else {
+        lines.push_back(paragraph);
+        // A line that stands on every page breaks none.
+        std::erase_if(lines.back().pieces,
+                      [](const Piece &piece) { return piece.kind == PieceKind::page_break; });
+    }
+}
+
+void HtmlWriter::page_break(uint32_t)
+{
+    if (!options_.page_breaks || block_) {
+        return;
+    }
+    if (page_begun_) {
+        html_.utf8("<hr class=\"page\">\n");
+    } else {
+        ++page_breaks_before_body_;
+    }
+}
+
+void HtmlWriter::block_begin(BlockKind kind)
+{
+    block_ = kind;
+}
+
+void HtmlWriter::block_end()
+{
+    block_.reset();
+}
+
+void HtmlWriter::end_of_document()
+{
+    begin_page(headers_.empty() ? nullptr : &headers_.front());
+    html_.utf8("</main>\n");
+    write_running_lines("footer", footers_);
+    html_.utf8("</body>\n</html>\n");
+    html_.finish();
+}
+
+// -------------------------------------------------------------------------- page ------
+
+// Everything before the body's first paragraph, unless it is written. `first` tells the
+// page's margins.
+void HtmlWriter::begin_page(const Paragraph *first)
+{
+    if (page_begun_) {
+        return;
+    }
+    page_ = first != nullptr ? page_columns(first->margins) : PageColumns{};
+    write_head();
+    html_.utf8("<body>\n");
+    write_running_lines("header", headers_);
+    html_.utf8("<main>\n");
+    page_begun_ = true;
+    for (; page_breaks_before_body_ > 0; --page_breaks_before_body_) {
+        page_break(0);
+    }
+}
+
+void HtmlWriter::write_head()
+{
+    StyleAttribute style;
+    style.add("--left", static_cast<std::size_t>(page_.left));
+    style.add("--width", static_cast<std::size_t>(page_.width()));
+    style.add_unless(usual_running_rows, "--head",
+                     std::max(running_rows(headers_), usual_running_rows));
+    style.add_unless(usual_running_rows, "--foot",
+                     std::max(running_rows(footers_), usual_running_rows));
+    std::string head = "<!DOCTYPE html>\n<html" + style.take() + ">\n<head>\n";
+    head.append("<meta charset=\"utf-8\">\n"
+                "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
+                "style-src-elem 'sha256-")
+        .append(html_stylesheet_hash)
+        .append("'; style-src-attr 'unsafe-inline'; base-uri 'none'; form-action 'none'\">\n"
+                "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+                "<meta name=\"color-scheme\" content=\"light dark\">\n"
+                "<meta name=\"generator\" content=\"pfsdoc\">\n<title>");
+    append_html_escaped(head, info_.title.empty() ? display_name(info_.kind) : info_.title);
+    head.append("</title>\n<style>").append(html_stylesheet).append("</style>\n</head>\n");
+    html_.utf8(head);
+}
+
+void HtmlWriter::write_running_lines(std::string_view element, const std::vector<Paragraph> &lines)
+{
+    if (lines.empty()) {
+        return;
+    }
+    html_.utf8(std::string("<").append(element).append(">\n"));
+    for (const Paragraph &line : lines) {
+        write_paragraph(line);
+    }
+    html_.utf8(std::string("</").append(element).append(">\n"));
+}
+
+// Rows that the lines take at most.
+std::size_t HtmlWriter::running_rows(const std::vector<Paragraph> &lines)
+{
+    std::size_t rows = 0;
+    for (const Paragraph &line : lines) {
+        const auto width = static_cast<std::size_t>(page_columns(line.margins).width());
+        rows += 1 + (line.bytes.size() - 1) / width;
+    }
+    return rows;
+}
+
+// -------------------------------------------------------------------- paragraphs ------
+
+void HtmlWriter::write_paragraph(const Paragraph &paragraph)
+{
+    add_common_losses(paragraph, options_);
+    LineGeometry geometry = line_geometry(paragraph);
+    part_continues_ = false;
+    shown_.clear();
+    for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
+        const bool breaks_page = paragraph.pieces[i].kind == PieceKind::page_break;
+        if (breaks_page && options_.page_breaks) {
+            write_part(paragraph, geometry);
+            html_.utf8("<hr class=\"page\">\n");
+            geometry.first_line_indent = geometry.indent;
+            part_continues_ = true;
+            shown_.clear();
+        } else if (!breaks_page) {
+            show_piece(paragraph, i);
+        }
+    }
+    write_part(paragraph, geometry);
+}
+
+void HtmlWriter::show_piece(const Paragraph &paragraph, std::size_t index)
+{
+    const Piece &piece = paragraph.pieces[index];
+    if (piece.kind != PieceKind::command || options_.commands) {
+        shown_.add(paragraph.piece_bytes(index), piece.attributes);
+        shown_.add(cut_mark(piece), piece.attributes);
+    }
+}
+
+void HtmlWriter::write_part(const Paragraph &paragraph, const LineGeometry &geometry)
+{
+    if (!shown_.has_word() && !is_text_only(paragraph)) {
+        return;
+    }
+    const auto left = static_cast<std::size_t>(page_.left);
+    const auto width = static_cast<std::size_t>(page_.width());
+    StyleAttribute style;
+    style.add_unless(left, "--left", geometry.left_margin);
+    style.add_unless(width, "--width", geometry.width);
+    style.add_unless(0, "--i", geometry.indent);
+    style.add_unless(0, "--f", geometry.first_line_indent);
+    const bool is_double_spaced = paragraph.line_spacing == VW_DOUBLE_SPACING;
+    html_.utf8("<p" + class_attribute(geometry.alignment, is_double_spaced) + style.take() + ">");
+    if (shown_.bytes().empty()) {
+        html_.utf8("<br>");
+    } else {
+        lay_out_tabs(geometry);
+        text_.write(shown_, tabs_, geometry.alignment == LineAlignment::left && !part_continues_);
+    }
+    html_.utf8("</p>\n");
+}
+
+void HtmlWriter::lay_out_tabs(const LineGeometry &geometry)
+{
+    tabs_.clear();
+    if (shown_.bytes().find(tab_byte) != std::string::npos) {
+        layout_.begin(geometry);
+        if (part_continues_) {
+            layout_.end_line(); // which leaves out the blanks that come next
+        }
+        layout_.text(shown_.bytes());
+        layout_.end(false);
+        tabs_ = layout_.tab_gaps();
+        if (geometry.alignment != LineAlignment::left) {
+            hide_outer_tabs();
+        }
+    }
+}
+
+// Those before and behind all words: blanks there do not count for alignment, nor do these.
+void HtmlWriter::hide_outer_tabs()
+{
+    const std::string &bytes = shown_.bytes();
+    const std::size_t first = bytes.find_first_not_of(gap_bytes); // npos: no words
+    const std::size_t last = bytes.find_last_not_of(gap_bytes);
+    std::size_t tab = 0;
+    for (std::size_t at = bytes.find(tab_byte); at < bytes.size();
+         at = bytes.find(tab_byte, at + 1)) {
+        if (at < first || at > last) {
+            tabs_[tab] = {0, true};
+        }
+        ++tab;
+    }
+}
+
+// ------------------------------------------------------------------------ format ------
+
+Result<std::unique_ptr<Writer>> make_writer(Output &output, const DocumentInfo &info,
+                                            const WriterOptions &options)
+{
+    return std::unique_ptr<Writer>(std::make_unique<HtmlWriter>(output, info, options));
+}
+
+} // namespace
+
+const Format html_format = {
+    .name = "html",
+    .extension = "html",
+    .description = "a page for the browser, which also prints well",
+    .options = "page_breaks headers commands ",
+    .make_writer = make_writer,
+    .make_event_writer = nullptr,
+    .wants_offsets = false,
+};
+
+} // namespace pfsdoc

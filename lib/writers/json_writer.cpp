@@ -1,0 +1,259 @@
+#include "lib/writers/json_writer.h"
+
+#include "lib/base/json_text.h"
+#include "lib/page/blank_bytes.h"
+#include "lib/page/page_geometry.h"
+#include "lib/writers/formats.h"
+#include "pfsdoc/attribute_names.h"
+#include "vs_pfs.h"
+
+namespace pfsdoc {
+
+namespace {
+
+constexpr std::string_view body_type = "paragraph";
+constexpr std::string_view header_type = "header";
+constexpr std::string_view footer_type = "footer";
+
+// Large enough that a write is worth its cost.
+constexpr std::size_t chunk_size = 65536;
+
+// An item of a list that was begun with '['.
+void append_separator(std::string &json)
+{
+    if (json.back() != '[') {
+        json.push_back(',');
+    }
+}
+
+std::string_view alignment_name(LineAlignment alignment)
+{
+    switch (alignment) {
+    case LineAlignment::right: return "right";
+    case LineAlignment::centre: return "centre";
+    case LineAlignment::left: break;
+    }
+    return "left";
+}
+
+// A code without a known meaning is named by its number.
+void append_attributes(std::string &json, AttributeSet attributes)
+{
+    append_json_name(json, "attributes");
+    json.push_back('[');
+    for (int32_t code = 0; code < attribute_codes_end; ++code) {
+        if ((attributes & attribute_bit(code)) == 0) {
+            continue;
+        }
+        append_separator(json);
+        const std::string_view name = attribute_name(code);
+        append_json_string(json, name.empty() ? "code " + std::to_string(code) : std::string(name));
+    }
+    json.push_back(']');
+}
+
+} // namespace
+
+JsonWriter::JsonWriter(Output &output, const DocumentInfo &info, const WriterOptions &options)
+    : output_(output), options_(options), paragraph_type_(body_type)
+{
+    options_.commands = true;
+    append_document(info);
+}
+
+void JsonWriter::append_document(const DocumentInfo &info)
+{
+    json_.append("{\"pfsdoc\":").append(std::to_string(json_schema_version));
+    json_.append(",\"document\":{\"kind\":");
+    append_json_string(json_, display_name(info.kind));
+    append_json_member(json_, "file_id", file_id(info.kind));
+    append_json_member(json_, "title", info.title);
+    append_json_member(json_, "charset", options_.code_page->name());
+    json_.append(options_.lines ? "}}\n" : "},\n\"blocks\":[\n");
+}
+
+// -------------------------------------------------------------------- blocks ----------
+
+void JsonWriter::begin_block(std::string_view type)
+{
+    if (blocks_ > 0 && !options_.lines) {
+        json_.append(",\n");
+    }
+    ++blocks_;
+    json_.append("{\"type\":\"").append(type).append("\"");
+}
+
+void JsonWriter::end_block()
+{
+    json_.append(options_.lines ? "}\n" : "}");
+    hand_on();
+}
+
+void JsonWriter::hand_on()
+{
+    if (json_.size() >= chunk_size) {
+        output_.write(json_);
+        json_.clear();
+    }
+}
+
+void JsonWriter::page_break(uint32_t source)
+{
+    if (options_.page_breaks) {
+        begin_block("page_break");
+        append_json_member(json_, "source", source);
+        end_block();
+    }
+}
+
+void JsonWriter::block_begin(BlockKind kind)
+{
+    paragraph_type_ = kind == BlockKind::header ? header_type : footer_type;
+}
+
+void JsonWriter::block_end()
+{
+    paragraph_type_ = body_type;
+}
+
+void JsonWriter::paragraph(const Paragraph &paragraph)
+{
+    const bool in_body = paragraph_type_ == body_type;
+    if (!in_body && (!options_.headers || paragraph.pieces.empty())) {
+        return;
+    }
+    add_common_losses(paragraph, options_);
+    begin_block(paragraph_type_);
+    append_layout(paragraph);
+    append_json_name(json_, "runs");
+    json_.push_back('[');
+    for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
+        append_run(paragraph, i);
+    }
+    json_.push_back(']');
+    end_block();
+}
+
+void JsonWriter::append_layout(const Paragraph &paragraph)
+{
+    append_json_member(json_, "source_begin", paragraph.source_begin);
+    append_json_member(json_, "source_end", paragraph.source_end);
+    append_json_member(json_, "alignment", alignment_name(line_alignment(paragraph)));
+    append_json_member(json_, "left_indent", paragraph.left_indent);
+    append_json_member(json_, "first_line_indent", paragraph.first_line_indent);
+    append_json_member(json_, "line_spacing", paragraph.line_spacing);
+    append_json_member(json_, "left_margin", paragraph.margins.left);
+    append_json_member(json_, "right_margin", paragraph.margins.right);
+    append_tab_stops(paragraph, "tab_stops", VW_TAB_LEFT);
+    append_tab_stops(paragraph, "decimal_tab_stops", VW_TAB_DECIMAL);
+}
+
+// Numbers in two lists: each paragraph has them, and there may be thirty.
+void JsonWriter::append_tab_stops(const Paragraph &paragraph, std::string_view name, VwTabKind kind)
+{
+    append_json_name(json_, name);
+    json_.push_back('[');
+    for (const TabStop &stop : paragraph.tab_stops) {
+        if ((stop.kind == VW_TAB_DECIMAL) == (kind == VW_TAB_DECIMAL)) {
+            append_separator(json_);
+            json_.append(std::to_string(stop.position));
+        }
+    }
+    json_.push_back(']');
+}
+
+// ---------------------------------------------------------------------- runs ----------
+
+void JsonWriter::append_run(const Paragraph &paragraph, std::size_t index)
+{
+    const Piece &piece = paragraph.pieces[index];
+    if (piece.kind == PieceKind::page_break && !options_.page_breaks) {
+        return;
+    }
+    append_separator(json_);
+    hand_on(); // where no separator has to look back
+    switch (piece.kind) {
+    case PieceKind::text: json_.append("{\"type\":\"text\""); break;
+    case PieceKind::command: json_.append("{\"type\":\"command\""); break;
+    case PieceKind::page_break: json_.append("{\"type\":\"page_break\""); break;
+    }
+    if (piece.kind != PieceKind::page_break) {
+        append_text(paragraph.piece_bytes(index));
+        append_attributes(json_, piece.attributes);
+    }
+    if (piece.cut) {
+        json_.append(",\"cut\":true");
+    }
+    append_json_member(json_, "source", piece.source);
+    json_.push_back('}');
+}
+
+void JsonWriter::append_text(std::string_view bytes)
+{
+    utf8_.clear();
+    while (!bytes.empty()) {
+        const std::string_view characters = bytes.substr(0, bytes.find(tab_byte));
+        options_.code_page->append_utf8(utf8_, characters);
+        bytes.remove_prefix(characters.size());
+        if (!bytes.empty()) {
+            utf8_.push_back(tab_byte);
+            bytes.remove_prefix(1);
+        }
+    }
+    append_json_member(json_, "text", utf8_);
+}
+
+// ----------------------------------------------------------------------- end ----------
+
+void JsonWriter::append_losses()
+{
+    append_json_name(json_, "losses");
+    json_.push_back('[');
+    for (const LossEntry &entry : losses_.entries()) {
+        append_separator(json_);
+        json_.append("{\"what\":");
+        append_json_string(json_, loss_name(entry.loss));
+        append_json_member(json_, "count", entry.count);
+        append_json_member(json_, "first_source", entry.first_source);
+        json_.push_back('}');
+    }
+    json_.push_back(']');
+}
+
+void JsonWriter::end_of_document()
+{
+    if (options_.lines) {
+        json_.append("{\"type\":\"end\"");
+        append_json_member(json_, "blocks", blocks_);
+    } else {
+        json_.append("\n]");
+    }
+    append_losses();
+    json_.append("}\n");
+    output_.write(json_);
+    json_.clear();
+}
+
+// -------------------------------------------------------------------- format ----------
+
+namespace {
+
+Result<std::unique_ptr<Writer>> make_writer(Output &output, const DocumentInfo &info,
+                                            const WriterOptions &options)
+{
+    return std::unique_ptr<Writer>(std::make_unique<JsonWriter>(output, info, options));
+}
+
+} // namespace
+
+const Format json_format = {
+    .name = "json",
+    .extension = "json",
+    .description = "JSON: everything that is known of the document",
+    .options = "page_breaks headers lines ",
+    .make_writer = make_writer,
+    .make_event_writer = nullptr,
+    .wants_offsets = true,
+};
+
+} // namespace pfsdoc

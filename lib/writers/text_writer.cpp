@@ -1,0 +1,211 @@
+#include "lib/writers/text_writer.h"
+
+#include "lib/page/page_geometry.h"
+#include "lib/page/paragraph_pieces.h"
+#include "lib/writers/formats.h"
+#include "pfsdoc/attribute_names.h"
+#include "vs_pfs.h"
+
+#include <algorithm>
+
+namespace pfsdoc {
+
+namespace {
+
+// Wider than any line, and far from where sums of columns wrap around.
+constexpr std::size_t unlimited_columns = std::size_t{1} << 30;
+
+// As the options want it.
+LineGeometry wanted_geometry(const Paragraph &paragraph, const WriterOptions &options)
+{
+    LineGeometry geometry = line_geometry(paragraph);
+    if (options.raw_lines && geometry.alignment == LineAlignment::left) {
+        geometry.width = unlimited_columns;
+    }
+    if (!options.wrap) {
+        return geometry;
+    }
+    geometry.left_margin = 0;
+    geometry.width = *options.wrap;
+    if (*options.wrap == 0) {
+        geometry.width = unlimited_columns;
+        geometry.first_line_indent = geometry.indent = 0;
+        geometry.alignment = LineAlignment::left;
+    }
+    geometry.first_line_indent = std::min(geometry.first_line_indent, geometry.width - 1);
+    geometry.indent = std::min(geometry.indent, geometry.width - 1);
+    return geometry;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- TextBlockWriter -----
+
+TextBlockWriter::TextBlockWriter(Output &output, const WriterOptions &options)
+    : options_(options), text_(output, *options.code_page), layout_(text_),
+      footer_text_(footers_, *options.code_page), footer_layout_(footer_text_)
+{
+}
+
+void TextBlockWriter::paragraph(const Paragraph &paragraph)
+{
+    if (place_ != Place::body && !options_.headers) {
+        losses_.add(Loss::header_footer, paragraph.source_begin, paragraph.bytes.empty() ? 0 : 1);
+        return;
+    }
+    add_losses(paragraph);
+    next_line_ = 0;
+    LineLayout &layout = place_ == Place::footer ? footer_layout_ : layout_;
+    layout.begin(wanted_geometry(paragraph, options_));
+    for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
+        lay_out_piece(paragraph, i, layout);
+    }
+    layout.end(place_ == Place::body && is_text_only(paragraph));
+}
+
+void TextBlockWriter::lay_out_piece(const Paragraph &paragraph, std::size_t index,
+                                    LineLayout &layout)
+{
+    const Piece &piece = paragraph.pieces[index];
+    switch (piece.kind) {
+    case PieceKind::text: lay_out_lines(paragraph, index, layout); break;
+    case PieceKind::command:
+        if (options_.commands) {
+            lay_out_lines(paragraph, index, layout);
+            lay_out_text(cut_mark(piece), layout);
+        }
+        break;
+    case PieceKind::page_break:
+        if (page_break_is_shown(piece.source)) {
+            layout.end_line();
+            text_.form_feed();
+        }
+        break;
+    }
+}
+
+// In stretches, where lines end as they do in the file.
+void TextBlockWriter::lay_out_lines(const Paragraph &paragraph, std::size_t index,
+                                    LineLayout &layout)
+{
+    const std::string_view bytes = paragraph.piece_bytes(index);
+    const std::size_t begin = paragraph.pieces[index].begin;
+    std::size_t done = 0;
+    while (options_.raw_lines && next_line_ < paragraph.line_starts.size() &&
+           paragraph.line_starts[next_line_] < begin + bytes.size()) {
+        // A hidden command may have begun the line.
+        const std::size_t end = std::max(paragraph.line_starts[next_line_], begin) - begin;
+        lay_out_text(bytes.substr(done, end - done), layout);
+        layout.end_line();
+        done = end;
+        ++next_line_;
+    }
+    lay_out_text(bytes.substr(done), layout);
+}
+
+void TextBlockWriter::lay_out_text(std::string_view bytes, LineLayout &layout)
+{
+    if (place_ == Place::footer) {
+        bytes = bytes.substr(0, max_footer_bytes - footer_bytes_);
+        footer_bytes_ += bytes.size();
+    }
+    layout.text(bytes);
+}
+
+void TextBlockWriter::page_break(uint32_t source)
+{
+    if (page_break_is_shown(source)) {
+        text_.form_feed();
+    }
+}
+
+bool TextBlockWriter::page_break_is_shown(uint32_t source)
+{
+    const bool is_shown = options_.page_breaks && place_ == Place::body;
+    losses_.add(Loss::page_break, source, is_shown ? 0 : 1);
+    return is_shown;
+}
+
+// Lines that are filled anew lose where the page had them.
+void TextBlockWriter::add_losses(const Paragraph &paragraph)
+{
+    add_common_losses(paragraph, options_);
+    add_attribute_losses(paragraph, all_attributes);
+    const bool is_double_spaced = paragraph.line_spacing == VW_DOUBLE_SPACING;
+    losses_.add(Loss::line_spacing, paragraph.source_begin, is_double_spaced ? 1 : 0);
+    if (options_.wrap == 0U) {
+        const bool is_aligned = line_alignment(paragraph) != LineAlignment::left;
+        const bool is_indented = paragraph.left_indent != 0 || paragraph.first_line_indent != 0;
+        losses_.add(Loss::alignment, paragraph.source_begin, is_aligned ? 1 : 0);
+        losses_.add(Loss::indents, paragraph.source_begin, is_indented && !is_aligned ? 1 : 0);
+    }
+}
+
+void TextBlockWriter::block_begin(BlockKind kind)
+{
+    place_ = kind == BlockKind::header ? Place::header : Place::footer;
+}
+
+void TextBlockWriter::block_end()
+{
+    if (place_ == Place::header && !text_.empty()) {
+        text_.separate();
+    }
+    place_ = Place::body;
+}
+
+void TextBlockWriter::end_of_document()
+{
+    footer_text_.finish();
+    if (!footers_.text.empty() && !text_.empty()) {
+        text_.separate();
+    }
+    text_.utf8(footers_.text);
+    text_.finish();
+}
+
+// --------------------------------------------------------------------- TextWriter -----
+
+TextWriter::TextWriter(Output &output, const WriterOptions &options)
+    : blocks_(output, options), collector_(blocks_)
+{
+}
+
+int32_t TextWriter::on_event(const Event &event, uint32_t offset)
+{
+    return collector_.on_event(event, offset);
+}
+
+void TextWriter::on_characters(std::string_view bytes)
+{
+    collector_.on_characters(bytes);
+}
+
+void TextWriter::finish()
+{
+    collector_.finish();
+}
+
+// ------------------------------------------------------------------------ format ------
+
+namespace {
+
+Result<std::unique_ptr<Writer>> make_writer(Output &output, const DocumentInfo &,
+                                            const WriterOptions &options)
+{
+    return std::unique_ptr<Writer>(std::make_unique<TextBlockWriter>(output, options));
+}
+
+} // namespace
+
+const Format text_format = {
+    .name = "text",
+    .extension = "txt",
+    .description = "plain text in UTF-8, as the page shows it",
+    .options = "page_breaks headers commands wrap raw_lines ",
+    .make_writer = make_writer,
+    .make_event_writer = nullptr,
+    .wants_offsets = false,
+};
+
+} // namespace pfsdoc

@@ -1,0 +1,216 @@
+// pfsdoc convert as its users meet it: formats, their options, limits, and what happens to
+// the output when something ends it.
+#include "tests/command/command_fixture.h"
+
+#include "pfsdoc/writer.h"
+
+#include <csignal>
+#include <thread>
+
+namespace {
+
+using namespace tests;
+
+class Convert : public Command {
+protected:
+    // Waits for a file to appear that is not there yet, as a program writes it.
+    bool appears(const std::string &prefix) const
+    {
+        for (int tenth = 0; tenth < 300; ++tenth) {
+            for (const auto &entry : fs::directory_iterator(directory)) {
+                if (entry.path().filename().string().starts_with(prefix)) {
+                    return true;
+                }
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return false;
+    }
+    // The outcome of a run that gets a signal when it is time.
+    template <typename Time>
+    Outcome interrupted(const std::vector<std::string> &arguments, int signal, Time is_time) const
+    {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            become(directory, arguments, {});
+        }
+        EXPECT_TRUE(is_time());
+        ::kill(child, signal);
+        return outcome_of(child);
+    }
+    std::vector<std::string> names() const
+    {
+        std::vector<std::string> names;
+        for (const auto &entry : fs::directory_iterator(directory)) {
+            names.push_back(entry.path().filename().string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+};
+
+TEST_F(Convert, WritesTheFormatThatIsAskedFor)
+{
+    EXPECT_EQ(output_of({"convert", "-t", "text", "a.pfs"}), output_of({"text", "a.pfs"}));
+    EXPECT_EQ(output_of({"convert", "-t", "trace", "a.pfs"}), output_of({"trace", "a.pfs"}));
+    EXPECT_EQ(output_of({"convert", "-t", "trace", "--fold", "--offsets", "a.pfs"}),
+              output_of({"trace", "--fold", "--offsets", "a.pfs"}));
+}
+
+TEST_F(Convert, TakesTheFormatFromTheOutputsName)
+{
+    output_of({"convert", "a.pfs", "-o", "letter.txt"});
+    EXPECT_EQ(content_of(directory / "letter.txt"), output_of({"text", "a.pfs"}));
+    output_of({"convert", "a.pfs", "-o", "letter.trace"});
+    EXPECT_EQ(content_of(directory / "letter.trace"), output_of({"trace", "a.pfs"}));
+    output_of({"convert", "-t", "trace", "a.pfs", "-o", "letter.txt"});
+    EXPECT_EQ(content_of(directory / "letter.txt"), output_of({"trace", "a.pfs"}));
+}
+
+TEST_F(Convert, RefusesFormatsThatThereAreNot)
+{
+    expect_failure(run({"convert", "a.pfs"}), 2, "pfsdoc: the output format is not told");
+    expect_failure(run({"convert", "-t", "wordstar", "a.pfs"}), 2,
+                   "pfsdoc: there is no output format \"wordstar\"");
+    expect_failure(run({"convert", "a.pfs", "-o", "letter.doc"}), 2,
+                   "pfsdoc: there is no output format \"doc\"");
+    EXPECT_FALSE(fs::exists(directory / "letter.doc"));
+}
+
+TEST_F(Convert, KeepsBinaryFormatsFromTerminals)
+{
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(terminal, 0);
+    ASSERT_EQ(::grantpt(terminal), 0);
+    ASSERT_EQ(::unlockpt(terminal), 0);
+    const Streams on_terminal{.output = ::ptsname(terminal)};
+    expect_failure(run({"convert", "-t", "odt", "a.pfs"}, on_terminal), 2,
+                   "pfsdoc: odt is nothing to show on a terminal");
+    expect_failure(run({"convert", "-t", "odt", "a.pfs", "-o", "-"}, on_terminal), 2,
+                   "pfsdoc: odt is nothing to show on a terminal");
+    EXPECT_EQ(run({"convert", "-t", "text", "a.pfs"}, on_terminal).exit_code, 0);
+    ::close(terminal);
+}
+
+TEST_F(Convert, RefusesOptionsThatTheFormatDoesNotRead)
+{
+    expect_failure(run({"convert", "-t", "trace", "--wrap", "60", "a.pfs"}), 2,
+                   "pfsdoc: --wrap means nothing for trace");
+    expect_failure(run({"convert", "-t", "text", "--fold", "a.pfs"}), 2,
+                   "pfsdoc: --fold means nothing for text");
+    expect_failure(run({"convert", "-t", "text", "--wrap", "60", "--raw-lines", "a.pfs"}), 2,
+                   "pfsdoc: ");
+    expect_failure(run({"convert", "-t", "text", "--wrap", "many", "a.pfs"}), 2, "pfsdoc: ");
+}
+
+TEST_F(Convert, ListsEveryFormatInItsHelp)
+{
+    const std::string help = output_of({"convert", "--help"});
+    for (const pfsdoc::Format *format : pfsdoc::formats()) {
+        EXPECT_NE(help.find(format->name), std::string::npos) << format->name;
+        EXPECT_NE(help.find(format->description), std::string::npos) << format->name;
+    }
+}
+
+TEST_F(Convert, WrapsWhereItIsTold)
+{
+    EXPECT_EQ(output_of({"text", "--wrap", "6", "--no-page-breaks", "a.pfs"}),
+              "  Hello\nmore\nlast\n");
+    EXPECT_EQ(output_of({"text", "--wrap", "0", "--no-page-breaks", "a.pfs"}),
+              "Hello\nmore\nlast\n");
+}
+
+// Margins 0 and 20: the lines are joined, and filled anew unless they are to stay.
+TEST_F(Convert, KeepsTheLinesOfTheFileWhenAsked)
+{
+    write("lines.pfs", write_document("TYPE 2", '2',
+                                      bytes("0D 'a *C*' 0D 'sixteen letters.' 0D 'wonderful and' 0D"
+                                            "'*JOIN B*' 0D 'as before' 0D 0E"),
+                                      {write_margins(0, 20)}));
+    EXPECT_EQ(output_of({"text", "--raw-lines", "lines.pfs"}),
+              "a\nsixteen letters.\nwonderful and\nas before\n");
+    EXPECT_EQ(output_of({"text", "--raw-lines", "--commands", "lines.pfs"}),
+              "a *C*\nsixteen letters.\nwonderful and\n*JOIN B*\nas before\n");
+}
+
+TEST_F(Convert, ReadsTheCharacterSetThatItIsTold)
+{
+    write("choice.doc", choice_document('2', "top", {choice_header_line(0, "Caf\x82 \xB5")}));
+    EXPECT_EQ(run({"text", "choice.doc"}).output.substr(0, 9), "Café ╡");
+    EXPECT_EQ(run({"text", "--charset", "850", "choice.doc"}).output.substr(0, 8), "Café Á");
+    expect_failure(run({"text", "--charset", "klingon", "a.pfs"}), 2,
+                   "pfsdoc: the character set \"klingon\" is not known");
+    expect_failure(run({"text", "--charset", "UTF-8", "a.pfs"}), 2,
+                   "pfsdoc: the character set \"UTF-8\" does not extend ASCII");
+    EXPECT_EQ(output_of({"text", "--charset", "850", "a.pfs"}), output_of({"text", "a.pfs"}));
+}
+
+TEST_F(Convert, ReportsWhatTheFormatCannotSay)
+{
+    write("bold.pfs", write_document("TYPE 2", '2', bytes("0D 'so ' C2 02 'old' 0D 0E")));
+    const Outcome outcome = run({"convert", "-t", "text", "--report", "bold.pfs"});
+    EXPECT_EQ(outcome.exit_code, 0);
+    EXPECT_EQ(outcome.errors,
+              "pfsdoc: bold.pfs: not in the output: bold text (1, first at byte 1029)\n");
+    EXPECT_EQ(run({"convert", "-t", "text", "bold.pfs"}).errors, "");
+}
+
+TEST_F(Convert, EndsAtTheLimitOfTheOutput)
+{
+    const Outcome outcome = run({"text", "--max-output", "10", "a.pfs"});
+    expect_failure(outcome, 6,
+                   "pfsdoc: a.pfs: gives more output than the 10 bytes that are allowed");
+    EXPECT_EQ(outcome.output, output_of({"text", "a.pfs"}).substr(0, 10));
+    expect_failure(run({"text", "--max-output", "10", "a.pfs", "-o", "new"}), 6, "pfsdoc: a.pfs: ");
+    EXPECT_FALSE(fs::exists(directory / "new"));
+    for (const char *size : {"-3", "ten", "1x", "", "99999999999999999999"}) {
+        expect_failure(run({"text", "--max-output", size, "a.pfs"}), 2, "pfsdoc: ");
+    }
+    EXPECT_EQ(run({"text", "--max-output", "0.01kB", "a.pfs"}).exit_code, 2);
+    const std::string whole = output_of({"text", "a.pfs"});
+    EXPECT_EQ(output_of({"text", "--max-output", "1kB", "a.pfs"}), whole);
+    EXPECT_EQ(output_of({"text", "--max-output", std::to_string(whole.size()), "a.pfs"}), whole);
+}
+
+TEST_F(Convert, TellsWhereACutDocumentEnds)
+{
+    write("cut.pfs", write_document("TYPE 2", '2', "\rOne\rTw"));
+    const Outcome outcome = run({"text", "cut.pfs"});
+    expect_failure(outcome, 5, "pfsdoc: cut.pfs: is cut short: ");
+    EXPECT_NE(outcome.errors.find("(at byte "), std::string::npos) << outcome.errors;
+}
+
+// A trace of this takes seconds, and its file is there from the first moment.
+TEST_F(Convert, LeavesNothingBehindWhenInterrupted)
+{
+    std::string body;
+    while (body.size() < (std::size_t{8} << 20)) {
+        body += "\rIt is a long letter";
+    }
+    write("long.pfs", write_document("TYPE 2", '2', body + "\x0E"));
+    const auto before = names();
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const Outcome outcome = interrupted({"trace", "long.pfs", "-o", "new"}, signal,
+                                            [this] { return appears(".pfsdoc-"); });
+        EXPECT_EQ(outcome.exit_code, 130);
+        EXPECT_EQ(outcome.errors, "pfsdoc: interrupted\n");
+        fs::remove(directory / "out.captured");
+        fs::remove(directory / "err.captured");
+        EXPECT_EQ(names(), before);
+    }
+}
+
+TEST_F(Convert, IsInterruptedWhileItWaitsForItsInput)
+{
+    ASSERT_EQ(::mkfifo((directory / "silent").c_str(), 0600), 0);
+    const int silent = ::open((directory / "silent").c_str(), O_RDWR);
+    const Outcome outcome = interrupted({"text", "silent"}, SIGINT, [] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        return true;
+    });
+    ::close(silent);
+    EXPECT_EQ(outcome.exit_code, 130);
+    EXPECT_EQ(outcome.output, "");
+}
+
+} // namespace

@@ -1,0 +1,174 @@
+// Output that appears whole or not at all.
+#include "lib/base/file_output.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace pfsdoc;
+namespace fs = std::filesystem;
+
+class FileOutputTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::string name = (fs::temp_directory_path() / "pfsdoc-XXXXXX").string();
+        ASSERT_NE(::mkdtemp(name.data()), nullptr);
+        directory = name;
+        target = (directory / "out").string();
+    }
+    void TearDown() override
+    {
+        fs::remove_all(directory);
+    }
+
+    std::string content() const
+    {
+        std::ifstream file(target, std::ios::binary);
+        std::ostringstream text;
+        text << file.rdbuf();
+        return text.str();
+    }
+    std::ptrdiff_t files() const
+    {
+        return std::distance(fs::directory_iterator(directory), fs::directory_iterator());
+    }
+    static std::unique_ptr<FileOutput> open(const std::string &path)
+    {
+        Result<std::unique_ptr<FileOutput>> output = FileOutput::create(path);
+        EXPECT_TRUE(output.ok()) << output.error().what;
+        return std::move(output.value());
+    }
+    static mode_t mode_of(const std::string &path)
+    {
+        struct stat status {};
+        EXPECT_EQ(::stat(path.c_str(), &status), 0);
+        return status.st_mode & 0777;
+    }
+
+    fs::path directory;
+    std::string target;
+};
+
+void expect_output_error(const Status &status, const std::string &what)
+{
+    ASSERT_TRUE(status);
+    EXPECT_EQ(exit_code(status->kind), 7);
+    EXPECT_NE(status->what.find(what), std::string::npos) << status->what;
+    EXPECT_FALSE(status->remedy.empty());
+}
+
+TEST_F(FileOutputTest, AppearsWhenItIsCommitted)
+{
+    const auto output = open(target);
+    output->write("one");
+    output->write("two");
+    output->flush();
+    EXPECT_FALSE(fs::exists(target));
+    EXPECT_FALSE(output->commit());
+    EXPECT_EQ(content(), "onetwo");
+    EXPECT_EQ(files(), 1);
+}
+
+TEST_F(FileOutputTest, IsGoneWhenItIsNot)
+{
+    open(target)->write("lost");
+    EXPECT_EQ(files(), 0);
+}
+
+TEST_F(FileOutputTest, LeavesWhatWasThereUntilCommitted)
+{
+    std::ofstream(target) << "before";
+    open(target)->write("lost");
+    EXPECT_EQ(content(), "before");
+    const auto output = open(target);
+    output->write("after");
+    EXPECT_FALSE(output->commit());
+    EXPECT_EQ(content(), "after");
+    EXPECT_EQ(files(), 1);
+}
+
+TEST_F(FileOutputTest, WritesMoreThanItsBufferHolds)
+{
+    const auto output = open(target);
+    std::string expected;
+    for (int line = 0; line < 20000; ++line) {
+        const std::string text = "line " + std::to_string(line) + "\n";
+        output->write(text);
+        expected += text;
+    }
+    EXPECT_FALSE(output->commit());
+    EXPECT_TRUE(content() == expected);
+}
+
+TEST_F(FileOutputTest, KeepsThePermissionsOfWhatItReplaces)
+{
+    std::ofstream(target) << "before";
+    ASSERT_EQ(::chmod(target.c_str(), 0640), 0);
+    EXPECT_FALSE(open(target)->commit());
+    EXPECT_EQ(mode_of(target), 0640U);
+}
+
+TEST_F(FileOutputTest, GivesANewFileWhatTheMaskAllows)
+{
+    const mode_t before = ::umask(027);
+    EXPECT_FALSE(open(target)->commit());
+    ::umask(before);
+    EXPECT_EQ(mode_of(target), 0640U);
+}
+
+TEST_F(FileOutputTest, GoesThroughASymbolicLink)
+{
+    std::ofstream(directory / "real") << "before";
+    fs::create_symlink("real", target);
+    const auto output = open(target);
+    output->write("after");
+    EXPECT_FALSE(output->commit());
+    EXPECT_TRUE(fs::is_symlink(target));
+    EXPECT_EQ(content(), "after");
+}
+
+TEST_F(FileOutputTest, FitsWhereOnlyTheLongestNameDoes)
+{
+    target = (directory / std::string(255, 'n')).string();
+    EXPECT_FALSE(open(target)->commit());
+    EXPECT_TRUE(fs::exists(target));
+}
+
+TEST_F(FileOutputTest, WritesToDevicesDirectly)
+{
+    const auto output = open("/dev/null");
+    output->write("gone");
+    EXPECT_FALSE(output->commit());
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST_F(FileOutputTest, TellsOfAFullDisk)
+{
+    const auto output = open("/dev/full");
+    output->write("no room");
+    expect_output_error(output->commit(), "/dev/full cannot be written: No space left");
+}
+
+TEST_F(FileOutputTest, TellsOfADirectoryThatIsNotThere)
+{
+    const auto output = FileOutput::create((directory / "none" / "out").string());
+    ASSERT_FALSE(output.ok());
+    expect_output_error(output.error(), "No such file or directory");
+}
+
+TEST_F(FileOutputTest, DoesNotReplaceADirectory)
+{
+    const auto output = FileOutput::create(directory.string());
+    ASSERT_FALSE(output.ok());
+    expect_output_error(output.error(), "Is a directory");
+}
+
+} // namespace

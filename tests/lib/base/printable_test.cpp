@@ -1,0 +1,70 @@
+// What of a text from outside may reach a terminal.
+#include "lib/base/printable.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using pfsdoc::base_name;
+using pfsdoc::hex_byte;
+using pfsdoc::printable;
+
+TEST(Printable, LeavesTextAlone)
+{
+    for (const std::string text :
+         {"", "letter.pfs", "a b\\c \"d\" ~", "\u00FCber \u20AC \U0001F600", "\u00A0"}) {
+        EXPECT_EQ(printable(text), text);
+    }
+}
+
+TEST(Printable, WritesControlCharactersOut)
+{
+    EXPECT_EQ(printable("a\x1B[31mb"), "a\\x1B[31mb");
+    EXPECT_EQ(printable(std::string("\0\n\r\t\x7F", 5)), "\\x00\\x0A\\x0D\\x09\\x7F");
+}
+
+TEST(Printable, WritesTheSecondControlRangeOut)
+{
+    EXPECT_EQ(printable("\u0080\u009B2J\u009F"), "\\xC2\\x80\\xC2\\x9B2J\\xC2\\x9F");
+}
+
+TEST(Printable, WritesBytesOutThatAreNoUtf8)
+{
+    EXPECT_EQ(printable("\x9B"
+                        "2J"),
+              "\\x9B2J");
+    EXPECT_EQ(printable("caf\xE9"), "caf\\xE9");
+    EXPECT_EQ(printable("\xC3"), "\\xC3");
+    EXPECT_EQ(printable("\xE2\x82"), "\\xE2\\x82");
+    EXPECT_EQ(printable("\xF5\x80\x80\x80"), "\\xF5\\x80\\x80\\x80");
+}
+
+// Some programs take overlong forms for what they stand for.
+TEST(Printable, WritesOverlongFormsOut)
+{
+    EXPECT_EQ(printable("\xC0\x9B"), "\\xC0\\x9B");
+    EXPECT_EQ(printable("\xE0\x82\x9B"), "\\xE0\\x82\\x9B");
+    EXPECT_EQ(printable("\xF0\x80\x82\x9B"), "\\xF0\\x80\\x82\\x9B");
+}
+
+TEST(Printable, WritesSurrogatesAndTooLargeValuesOut)
+{
+    EXPECT_EQ(printable("\xED\xA0\x80"), "\\xED\\xA0\\x80");
+    EXPECT_EQ(printable("\xF4\x90\x80\x80"), "\\xF4\\x90\\x80\\x80");
+}
+
+TEST(Printable, WritesTwoHexadecimalDigits)
+{
+    EXPECT_EQ(hex_byte(0), "00");
+    EXPECT_EQ(hex_byte(0xAF), "AF");
+}
+
+TEST(Printable, NamesAFileWithoutItsFolders)
+{
+    EXPECT_EQ(base_name("letter.pfs"), "letter.pfs");
+    EXPECT_EQ(base_name("/mnt/a/letter.pfs"), "letter.pfs");
+    EXPECT_EQ(base_name("letters/"), "");
+    EXPECT_EQ(base_name(""), "");
+}
+
+} // namespace

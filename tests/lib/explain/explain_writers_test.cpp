@@ -1,0 +1,172 @@
+// The two forms of output: what a line of the dump looks like, and what a JSON object holds.
+#include "tests/lib/explain/explained.h"
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using namespace tests;
+using namespace pfsdoc;
+
+std::string dump(const Span &span, Colours colours = Colours::off,
+                 const CodePage &page = CodePage::ibm437())
+{
+    StringOutput output;
+    ExplainTextWriter(output, page, colours).span(span);
+    return output.text;
+}
+
+std::string json(const Span &span)
+{
+    StringOutput output;
+    ExplainJsonWriter(output, CodePage::ibm437()).span(span);
+    return output.text;
+}
+
+Span span_with(SpanKind kind, const std::string &bytes, const std::string &words)
+{
+    Span span;
+    span.offset = 100;
+    span.kind = kind;
+    span.bytes = bytes;
+    span.words = words;
+    return span;
+}
+
+TEST(ExplainText, HasPositionBytesPicturesAndWords)
+{
+    EXPECT_EQ(dump(span_with(SpanKind::field, bytes("0A 00"), "left margin: column 10")),
+              "     100  0A 00                                            |\u25D9 |"
+              "                left margin: column 10\n");
+}
+
+TEST(ExplainText, GivesWordsOnTheFirstLineOnly)
+{
+    EXPECT_EQ(dump(span_with(SpanKind::unused, "0123456789abcdefXY", "not used")),
+              "     100  30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66  |0123456789abcdef|"
+              "  not used\n"
+              "     116  58 59                                            |XY|\n");
+}
+
+TEST(ExplainText, GivesLinesThatAreAlikeOnce)
+{
+    const std::string line = "  2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E  "
+                             "|................|";
+    EXPECT_EQ(dump(span_with(SpanKind::padding, std::string(32, '.'), "dots")),
+              "     100" + line + "  dots\n     116" + line + "\n");
+    EXPECT_EQ(dump(span_with(SpanKind::padding, std::string(49, '.'), "dots")),
+              "     100" + line +
+                  "  dots\n"
+                  "          the same 2 times more\n"
+                  "     148  2E                                               |.|\n");
+}
+
+TEST(ExplainText, ShowsTheCharactersOfAttributedText)
+{
+    Span span = span_with(SpanKind::attributed_text,
+                          bytes("C1 48 04 C2 48 04 C3 48 04 "
+                                "C4 48 04 C5 48 04 C6 48 04"),
+                          "text");
+    span.characters = "ABCDEF";
+    span.attribute_bytes = 2;
+    EXPECT_EQ(dump(span), "     100  C1 48 04 C2 48 04 C3 48 04 C4 48 04 C5 48 04     |ABCDE|"
+                          "             text\n"
+                          "     115  C6 48 04                                         |F|\n");
+}
+
+TEST(ExplainText, MarksWhatIsDisputed)
+{
+    Span span = span_with(SpanKind::line_end, "\r", "line end, soft");
+    span.disputed = true;
+    EXPECT_NE(dump(span).find("line end, soft (disputed)\n"), std::string::npos);
+}
+
+TEST(ExplainText, ColoursWordsOnlyWhenAsked)
+{
+    const Span end = span_with(SpanKind::end_mark, "\x0E", "end of the document");
+    EXPECT_EQ(dump(end).find('\x1B'), std::string::npos);
+    EXPECT_NE(dump(end, Colours::on).find("\x1B[31mend of the document\x1B[0m\n"),
+              std::string::npos);
+    const Span text = span_with(SpanKind::text, "", "text");
+    EXPECT_EQ(dump(text, Colours::on).find('\x1B'), std::string::npos);
+}
+
+TEST(ExplainText, ShowsBytesInTheDocumentsCharacterSet)
+{
+    const Span span = span_with(SpanKind::header_text, "\xE9", "text");
+    const Result<CodePage> latin = CodePage::named("ISO-8859-1");
+    ASSERT_TRUE(latin.ok());
+    EXPECT_NE(dump(span).find("|\u0398|"), std::string::npos);
+    EXPECT_NE(dump(span, Colours::off, latin.value()).find("|\u00E9|"), std::string::npos);
+}
+
+// Whatever a document holds, a terminal gets nothing but printable characters and line ends.
+TEST(ExplainText, HandsOnNoControlCharacter)
+{
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte) {
+        all.push_back(static_cast<char>(byte));
+    }
+    for (const SpanKind kind : {SpanKind::text, SpanKind::unused, SpanKind::command}) {
+        Span span = span_with(kind, all, "words");
+        span.characters = all;
+        for (const char byte : dump(span)) {
+            const auto value = static_cast<unsigned char>(byte);
+            EXPECT_TRUE(value == '\n' || (value >= 0x20 && value != 0x7F)) << unsigned{value};
+        }
+    }
+}
+
+TEST(ExplainJson, LeavesOutWhatDoesNotApply)
+{
+    EXPECT_EQ(json(span_with(SpanKind::unused, bytes("00 0A"), "not used")),
+              R"({"offset":100,"length":2,"kind":"unused","words":"not used","hex":"000A"})"
+              "\n");
+}
+
+TEST(ExplainJson, HoldsTextAndAttributes)
+{
+    Span span = span_with(SpanKind::attributed_text, bytes("C1 03 82 43"), "text");
+    span.characters = "A\x82";
+    span.attributes = attribute_bit(2) | attribute_bit(4);
+    span.attribute_bytes = 1;
+    EXPECT_EQ(json(span), R"({"offset":100,"length":4,"kind":"attributed_text","words":"text",)"
+                          R"("hex":"C1038243","text":"Aé","attributes":["bold","underline"],)"
+                          R"("attribute_bytes":1})"
+                          "\n");
+}
+
+TEST(ExplainJson, TellsOfLineEnds)
+{
+    Span span = span_with(SpanKind::line_end, "\r", "line end, soft");
+    span.characters = " ";
+    span.line_end = LineEnd::soft;
+    span.disputed = true;
+    EXPECT_EQ(json(span), R"({"offset":100,"length":1,"kind":"line_end",)"
+                          R"("words":"line end, soft","hex":"0D","text":" ",)"
+                          R"("line_end":"soft","disputed":true})"
+                          "\n");
+}
+
+// The objects of a file, put together, are the file.
+TEST(ExplainJson, HoldsEveryByte)
+{
+    for (const KindExample &example : kind_examples()) {
+        const std::string document = document_of(example.kind, bytes(example.body));
+        std::string hex;
+        for (const Span &span : spans_of(document)) {
+            const nlohmann::json object = nlohmann::json::parse(json(span));
+            EXPECT_EQ(object["offset"].get<std::size_t>(), hex.size() / 2);
+            hex += object["hex"].get<std::string>();
+        }
+        std::string expected;
+        for (const char byte : document) {
+            constexpr std::string_view digits = "0123456789ABCDEF";
+            expected += digits[static_cast<unsigned char>(byte) >> 4];
+            expected += digits[static_cast<unsigned char>(byte) & 0x0F];
+        }
+        EXPECT_EQ(hex, expected);
+    }
+}
+
+} // namespace
