@@ -70,11 +70,12 @@ std::string to_string(const Fault &fault)
     return fault.file + ":" + std::to_string(fault.line) + ": " + fault.what + "; " + fault.remedy;
 }
 
-Fault fault_at(const Document &document, const Place &place, std::string what, std::string remedy)
+Fault fault_at(const Document &document, const Location &location, std::string what,
+               std::string remedy)
 {
-    const bool known = place.source < document.sources.size();
-    const std::string file = known ? document.sources[place.source] : "document";
-    return {file, place.line, std::move(what), std::move(remedy)};
+    const bool known = location.source < document.sources.size();
+    const std::string file = known ? document.sources[location.source] : "document";
+    return {file, location.line, std::move(what), std::move(remedy)};
 }
 
 Built build(const Document &document)

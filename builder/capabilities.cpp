@@ -128,7 +128,7 @@ public:
     {
         check_signature();
         check_generation();
-        check_margins(document_.margins, document_.margins_place);
+        check_margins(document_.margins, document_.margins_location);
         check_own_margins();
         check_tab_stops();
         check_header_footer(document_.header, 0);
@@ -144,24 +144,25 @@ public:
 
 private:
     // Keeps the first fault.
-    void refuse(const Place &place, std::string what, std::string remedy)
+    void refuse(const Location &location, std::string what, std::string remedy)
     {
         if (!fault_) {
-            fault_ = fault_at(document_, place, std::move(what), std::move(remedy));
+            fault_ = fault_at(document_, location, std::move(what), std::move(remedy));
         }
     }
 
     // "WHAT cannot be said in KIND"
-    void cannot_say(const Place &place, const std::string &what, std::string remedy)
+    void cannot_say(const Location &location, const std::string &what, std::string remedy)
     {
-        refuse(place, what + " cannot be said in " + kind_name(document_.kind), std::move(remedy));
+        refuse(location, what + " cannot be said in " + kind_name(document_.kind),
+               std::move(remedy));
     }
 
     void check_signature()
     {
         const bool has_choice = document_.kind == Kind::write_a || document_.kind == Kind::write_b;
         if (document_.signature && !has_choice) {
-            cannot_say(document_.signature_place, "a choice of signature",
+            cannot_say(document_.signature_location, "a choice of signature",
                        "leave `signature` out: only PFS: WRITE has two");
         }
     }
@@ -172,10 +173,10 @@ private:
             return;
         }
         if (!is_choice(document_.kind)) {
-            cannot_say(document_.generation_place, "a generation",
+            cannot_say(document_.generation_location, "a generation",
                        "leave `generation` out: only First Choice has one");
         } else if ((*document_.generation == '3') != (document_.kind == Kind::first_choice_3)) {
-            refuse(document_.generation_place,
+            refuse(document_.generation_location,
                    std::string("generation byte ") +
                        byte_name(static_cast<uint8_t>(*document_.generation)) +
                        " does not make a " + kind_name(document_.kind) + " document",
@@ -183,10 +184,10 @@ private:
         }
     }
 
-    void check_margins(const Margins &margins, const Place &place)
+    void check_margins(const Margins &margins, const Location &location)
     {
         if (margins.left < 1 || margins.right <= margins.left || margins.right > most_columns) {
-            refuse(place,
+            refuse(location,
                    "margins " + std::to_string(margins.left) + " and " +
                        std::to_string(margins.right) + " leave no page",
                    "let both be from 1 to 255 and the left one the smaller");
@@ -199,7 +200,7 @@ private:
         const bool differ =
             document_.margins.left != fixed.left || document_.margins.right != fixed.right;
         if (!abilities_.own_margins && differ) {
-            cannot_say(document_.margins_place, "margins other than 10 and 70 in the header",
+            cannot_say(document_.margins_location, "margins other than 10 and 70 in the header",
                        "use `record: margins LEFT RIGHT`");
         }
     }
@@ -217,18 +218,18 @@ private:
     void check_tab_stops()
     {
         if (document_.tab_stops.size() > abilities_.most_tab_stops) {
-            cannot_say(document_.tab_stops_place,
+            cannot_say(document_.tab_stops_location,
                        std::to_string(document_.tab_stops.size()) + " tab stops",
                        "leave all but " + std::to_string(abilities_.most_tab_stops) + " out");
         }
         for (const TabStop &stop : document_.tab_stops) {
             if (stop.column < 1 || stop.column > last_tab_column()) {
-                cannot_say(document_.tab_stops_place,
+                cannot_say(document_.tab_stops_location,
                            "a tab stop in column " + std::to_string(stop.column),
                            "use columns 1 to " + std::to_string(last_tab_column()));
             }
             if (stop.decimal && !abilities_.decimal_stops) {
-                cannot_say(document_.tab_stops_place, "a decimal tab stop",
+                cannot_say(document_.tab_stops_location, "a decimal tab stop",
                            "write the column without its dot");
             }
         }
@@ -241,7 +242,7 @@ private:
         for (std::size_t i = 0; i < block.lines.size(); ++i) {
             const std::size_t limit = limits[first_text + i];
             if (block.lines[i].size() > limit) {
-                refuse(block.line_places[i],
+                refuse(block.line_locations[i],
                        "this line has " + std::to_string(block.lines[i].size()) + " characters",
                        "shorten it to " + std::to_string(limit));
             }
@@ -249,7 +250,8 @@ private:
         check_alignment(block);
         const Style extra = block.style & static_cast<Style>(~abilities_.header_footer_styles);
         if (extra != style_none) {
-            cannot_say(block.style_place, std::string("a header or footer in ") + style_name(extra),
+            cannot_say(block.style_location,
+                       std::string("a header or footer in ") + style_name(extra),
                        "leave that style out");
         }
     }
@@ -258,7 +260,7 @@ private:
     {
         if (abilities_.alignments == Alignments::centre_only && block.alignment &&
             *block.alignment != Alignment::centre) {
-            cannot_say(block.alignment_place, "a header or footer that is not centred",
+            cannot_say(block.alignment_location, "a header or footer that is not centred",
                        "leave the alignment out");
         }
     }
@@ -266,21 +268,21 @@ private:
     void check_record(const MarginRecord &record, bool possible)
     {
         if (!possible) {
-            cannot_say(record.place, "a margin record here", "use `margins` in the header part");
+            cannot_say(record.location, "a margin record here", "use `margins` in the header part");
         }
-        check_margins(record.margins, record.place);
+        check_margins(record.margins, record.location);
     }
 
     void check_record(const OtherRecord &record, bool possible)
     {
         if (!possible) {
-            cannot_say(record.place, "a record here", "leave it out");
+            cannot_say(record.location, "a record here", "leave it out");
         }
         if (record.bytes.empty() || record.bytes.size() > most_record_bytes) {
-            refuse(record.place, "a record has a type byte and at most 252 bytes behind it",
+            refuse(record.location, "a record has a type byte and at most 252 bytes behind it",
                    "write that many");
         } else if (record.bytes.front() == margin_record_type) {
-            refuse(record.place, "a record of type 01 sets margins",
+            refuse(record.location, "a record of type 01 sets margins",
                    "write it as margins, so that lines are wrapped to them");
         }
     }
@@ -298,19 +300,19 @@ private:
     void check_element(const Spacing &spacing)
     {
         if (!abilities_.double_spacing) {
-            cannot_say(spacing.place, "line spacing", "leave it out");
+            cannot_say(spacing.location, "line spacing", "leave it out");
         }
     }
 
     void check_element(const RulerLine &ruler)
     {
         if (!abilities_.ruler_and_page_break_lines) {
-            cannot_say(ruler.place, "a ruler line", "set margins and tabs in the header part");
+            cannot_say(ruler.location, "a ruler line", "set margins and tabs in the header part");
         }
         const auto stops = std::count(ruler.columns.begin(), ruler.columns.end(), 'T');
         if (ruler.columns.size() > most_columns ||
             static_cast<std::size_t>(stops) > choice_most_stops) {
-            refuse(ruler.place, "a ruler line has at most 255 columns and 99 tab stops",
+            refuse(ruler.location, "a ruler line has at most 255 columns and 99 tab stops",
                    "shorten it");
         }
         check_ruler_margins(ruler);
@@ -321,21 +323,21 @@ private:
         const std::size_t left = ruler.columns.rfind('[');
         const std::size_t right = ruler.columns.rfind(']');
         if (left != std::string::npos && right != std::string::npos && left >= right) {
-            refuse(ruler.place, "this ruler's right margin is not right of its left one",
+            refuse(ruler.location, "this ruler's right margin is not right of its left one",
                    "write `]` behind `[`");
         }
         if (ruler.columns.find('\r') != std::string::npos) {
-            refuse(ruler.place, "byte 0x0D would end the ruler line", "leave it out");
+            refuse(ruler.location, "byte 0x0D would end the ruler line", "leave it out");
         }
     }
 
     void check_element(const PageBreakLine &line)
     {
         if (!abilities_.ruler_and_page_break_lines) {
-            cannot_say(line.place, "a page-break line", "write *NEW PAGE* into the text");
+            cannot_say(line.location, "a page-break line", "write *NEW PAGE* into the text");
         }
         if (line.text.find('\r') != std::string::npos) {
-            refuse(line.place, "byte 0x0D would end the page-break line", "leave it out");
+            refuse(line.location, "byte 0x0D would end the page-break line", "leave it out");
         }
     }
 
@@ -348,7 +350,7 @@ private:
         }
         const Cell *misplaced = misplaced_suppression(paragraph);
         if (misplaced != nullptr && abilities_.suppression) {
-            refuse(misplaced->place,
+            refuse(misplaced->location,
                    "a suppressed stretch lasts to the end of its line, which goes on in the next",
                    "let text stand before it and one space and more text behind it, or give it "
                    "a paragraph of its own");
@@ -358,15 +360,15 @@ private:
     void check_cell(const Cell &cell)
     {
         if (cell.hidden && !abilities_.suppression) {
-            cannot_say(cell.place, "a suppressed stretch", "leave `{hide}` out");
+            cannot_say(cell.location, "a suppressed stretch", "leave `{hide}` out");
         }
         const Style extra = cell.style & static_cast<Style>(~abilities_.text_styles);
         if (extra != style_none) {
-            cannot_say(cell.place, style_name(extra), "leave that style out");
+            cannot_say(cell.location, style_name(extra), "leave that style out");
         }
         const auto character = static_cast<uint8_t>(cell.bytes.front());
         if (cell.kind == CellKind::text && !abilities_.can_store(character)) {
-            cannot_say(cell.place, "character " + byte_name(character) + " of code page 437",
+            cannot_say(cell.location, "character " + byte_name(character) + " of code page 437",
                        "use another character");
         }
     }

@@ -1,5 +1,5 @@
 // Bodies of First Choice before its third generation: the lines of the page, each ended by a
-// byte that tells the spacing but not whether the line was wrapped.
+// byte that gives the spacing but not whether the line was wrapped.
 // Test: tests/builder/choice_encoder_test.cpp.
 #include "builder/bytes.h"
 #include "builder/choice_characters.h"
@@ -57,9 +57,9 @@ private:
         for (std::size_t i = line.begin; i < line.end; ++i) {
             put_cell(paragraph.cells[i]);
         }
-        const Place &place =
-            line.end > line.begin ? paragraph.cells[line.end - 1].place : paragraph.place;
-        ends_.push_back({begin, bytes_.size(), line.wrapped, place});
+        const Location &location =
+            line.end > line.begin ? paragraph.cells[line.end - 1].location : paragraph.location;
+        ends_.push_back({begin, bytes_.size(), line.wrapped, location});
         append(bytes_, double_spacing_ ? choice::line_end_double : choice::line_end_single);
     }
 

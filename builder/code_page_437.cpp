@@ -107,8 +107,8 @@ Converted utf8_to_code_page_437(std::string_view text)
     Converted all;
     while (!text.empty()) {
         Converted one = take_code_page_437(text);
-        if (!one.stumbled.empty()) {
-            return {"", one.stumbled};
+        if (!one.rejected.empty()) {
+            return {"", one.rejected};
         }
         all.bytes += one.bytes;
     }

@@ -16,10 +16,10 @@ std::optional<uint8_t> to_code_page_437(char32_t character);
 // empty. `text` then stands where it stood.
 std::optional<char32_t> take_utf8(std::string_view &text);
 
-// What a conversion stumbled over: "byte 0xC3 that is not UTF-8" or "character U+20AC".
+// What a conversion rejected: "byte 0xC3 that is not UTF-8" or "character U+20AC".
 struct Converted {
     std::string bytes;
-    std::string stumbled; // empty: all of it was converted
+    std::string rejected; // empty: all of it was converted
 };
 Converted utf8_to_code_page_437(std::string_view text);
 

@@ -41,7 +41,7 @@ std::optional<Fault> parse_header_part(const std::vector<SourceLine> &lines, Doc
             continue;
         }
         if (const Result problem = parse_header_line(line, document)) {
-            return fault_at(document, line.place, problem->what, problem->remedy);
+            return fault_at(document, line.location, problem->what, problem->remedy);
         }
     }
     return fault_at(document, {0, static_cast<int>(lines.size())}, "the body is missing",
@@ -131,7 +131,7 @@ Parsed parse_description(const std::string &text, const std::string &file_name,
     const std::vector<SourceLine> lines = split_lines(text, 0);
     std::size_t next = 0;
     parsed.fault = parse_header_part(lines, parsed.document, next);
-    if (!parsed.fault && parsed.document.kind_place.line == 0) {
+    if (!parsed.fault && parsed.document.kind_location.line == 0) {
         parsed.fault = fault_at(parsed.document, {0, 1}, "the kind of document is missing",
                                 "write a line such as `kind: PFS: WRITE B`");
     }

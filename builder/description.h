@@ -1,5 +1,5 @@
 // From a description, a text that reads much like the letter it describes, to a document.
-// docs/descriptions.md tells the language.
+// docs/descriptions.md describes the language.
 #pragma once
 
 #include "builder/document.h"
@@ -8,7 +8,7 @@
 
 namespace pfs_builder {
 
-// A file that a description includes: the name by which faults tell it, and its text.
+// A file that a description includes: the name by which faults call it, and its text.
 struct Included {
     std::string name;
     std::string text;

@@ -16,18 +16,18 @@ constexpr std::string_view include_directive = "include";
 
 struct Argument {
     std::string text; // with all its blanks but those at the end
-    Place place;
+    Location location;
 };
 
 Result take_single(const Argument &argument, Document &document)
 {
-    document.body.emplace_back(Spacing{false, argument.place});
+    document.body.emplace_back(Spacing{false, argument.location});
     return std::nullopt;
 }
 
 Result take_double(const Argument &argument, Document &document)
 {
-    document.body.emplace_back(Spacing{true, argument.place});
+    document.body.emplace_back(Spacing{true, argument.location});
     return std::nullopt;
 }
 
@@ -37,7 +37,7 @@ Result take_margins(const Argument &argument, Document &document)
     if (!margins) {
         return Problem{"margins are two columns", "write them as `@margins 12 60`"};
     }
-    document.body.emplace_back(MarginRecord{*margins, argument.place});
+    document.body.emplace_back(MarginRecord{*margins, argument.location});
     return std::nullopt;
 }
 
@@ -48,7 +48,7 @@ Result take_font_record(const Argument &argument, Document &document)
         return Problem{"a record is a row of bytes, its type first",
                        "write two hexadecimal digits for each, as `@font-record 02 18`"};
     }
-    document.body.emplace_back(OtherRecord{*bytes, argument.place});
+    document.body.emplace_back(OtherRecord{*bytes, argument.location});
     return std::nullopt;
 }
 
@@ -59,7 +59,7 @@ Result take_raw(const Argument &argument, Document &document)
         return Problem{"`@raw` is followed by bytes",
                        "write two hexadecimal digits for each, as `@raw 0A 0B`"};
     }
-    document.body.emplace_back(RawBytes{*bytes, argument.place});
+    document.body.emplace_back(RawBytes{*bytes, argument.location});
     return std::nullopt;
 }
 
@@ -70,7 +70,7 @@ Result take_spaces(const Argument &argument, Document &document)
     if (!count || *count > most) {
         return Problem{"`@spaces` is followed by their number", "write it as `@spaces 3`"};
     }
-    document.body.emplace_back(Paragraph{{}, *count, 0, argument.place});
+    document.body.emplace_back(Paragraph{{}, *count, 0, argument.location});
     return std::nullopt;
 }
 
@@ -78,8 +78,8 @@ Result take_spaces(const Argument &argument, Document &document)
 Result convert(const Argument &argument, std::string &bytes)
 {
     const Converted converted = utf8_to_code_page_437(argument.text);
-    if (!converted.stumbled.empty()) {
-        return Problem{converted.stumbled + " is not in code page 437",
+    if (!converted.rejected.empty()) {
+        return Problem{converted.rejected + " is not in code page 437",
                        "use a character of that code page"};
     }
     bytes = converted.bytes;
@@ -88,7 +88,7 @@ Result convert(const Argument &argument, std::string &bytes)
 
 Result take_ruler(const Argument &argument, Document &document)
 {
-    RulerLine ruler{"", argument.place};
+    RulerLine ruler{"", argument.location};
     Result problem = convert(argument, ruler.columns);
     document.body.emplace_back(std::move(ruler));
     return problem;
@@ -96,7 +96,7 @@ Result take_ruler(const Argument &argument, Document &document)
 
 Result take_page_break(const Argument &argument, Document &document)
 {
-    PageBreakLine line{"", argument.place};
+    PageBreakLine line{"", argument.location};
     Result problem = convert(argument, line.text);
     document.body.emplace_back(std::move(line));
     return problem;
@@ -126,12 +126,12 @@ int leading_spaces(const std::string &text)
 
 // The lines' common indent from the second on, or none if they differ: then `odd` is the
 // first that does.
-std::optional<int> common_indent(const std::vector<SourceLine> &lines, Place &odd)
+std::optional<int> common_indent(const std::vector<SourceLine> &lines, Location &odd)
 {
     const int indent = lines.size() > 1 ? leading_spaces(lines[1].text) : 0;
     for (std::size_t i = 1; i < lines.size(); ++i) {
         if (leading_spaces(lines[i].text) != indent) {
-            odd = lines[i].place;
+            odd = lines[i].location;
             return std::nullopt;
         }
     }
@@ -154,7 +154,7 @@ std::optional<Fault> BodyParser::take(const SourceLine &line)
 {
     if (line.text.empty()) {
         auto fault = end_paragraph();
-        document_.body.emplace_back(Paragraph{{}, 0, 0, line.place});
+        document_.body.emplace_back(Paragraph{{}, 0, 0, line.location});
         return fault;
     }
     const bool doubled = line.text.size() > 1 && line.text[1] == directive_mark;
@@ -177,7 +177,7 @@ std::optional<Fault> BodyParser::take_directive(const SourceLine &line)
     const std::size_t end_of_name = std::min(line.text.find(space), line.text.size());
     const std::string name = line.text.substr(1, end_of_name - 1);
     const bool has_argument = end_of_name + 1 < line.text.size();
-    const Argument argument{has_argument ? line.text.substr(end_of_name + 1) : "", line.place};
+    const Argument argument{has_argument ? line.text.substr(end_of_name + 1) : "", line.location};
     if (name == include_directive) {
         return take_include(line, argument.text);
     }
@@ -185,12 +185,12 @@ std::optional<Fault> BodyParser::take_directive(const SourceLine &line)
         std::find_if(directives.begin(), directives.end(),
                      [&](const Directive &entry) { return entry.name == name; });
     if (directive == directives.end() || (has_argument && !directive->has_argument)) {
-        return fault_at(document_, line.place, "`" + line.text + "` is no directive",
+        return fault_at(document_, line.location, "`" + line.text + "` is no directive",
                         "docs/descriptions.md has the list; a text that begins with an at sign "
                         "is written with two");
     }
     if (const Result problem = directive->take(argument, document_)) {
-        return fault_at(document_, line.place, problem->what, problem->remedy);
+        return fault_at(document_, line.location, problem->what, problem->remedy);
     }
     return std::nullopt;
 }
@@ -198,12 +198,12 @@ std::optional<Fault> BodyParser::take_directive(const SourceLine &line)
 std::optional<Fault> BodyParser::take_include(const SourceLine &line, const std::string &path)
 {
     if (within_include_) {
-        return fault_at(document_, line.place, "an included file includes another",
+        return fault_at(document_, line.location, "an included file includes another",
                         "include it from the description");
     }
     auto included = include_(path);
     if (!included) {
-        return fault_at(document_, line.place, "`" + path + "` cannot be read",
+        return fault_at(document_, line.location, "`" + path + "` cannot be read",
                         "paths are taken from the description's directory");
     }
     document_.sources.push_back(std::move(included->name));
@@ -220,19 +220,19 @@ std::optional<Fault> BodyParser::end_paragraph()
     }
     std::vector<SourceLine> lines;
     lines.swap(paragraph_);
-    Place odd;
+    Location odd;
     const auto left_indent = common_indent(lines, odd);
     if (!left_indent) {
         return fault_at(document_, odd, "this line is indented otherwise than the one before",
                         "indent all lines of a paragraph but its first alike");
     }
-    Paragraph paragraph{{}, leading_spaces(lines[0].text), *left_indent, lines[0].place};
+    Paragraph paragraph{{}, leading_spaces(lines[0].text), *left_indent, lines[0].location};
     for (SourceLine &line : lines) {
         line.text.erase(0, static_cast<std::size_t>(leading_spaces(line.text)));
     }
     ParsedText parsed = parse_text(lines);
     if (parsed.problem) {
-        return fault_at(document_, parsed.place, parsed.problem->what, parsed.problem->remedy);
+        return fault_at(document_, parsed.location, parsed.problem->what, parsed.problem->remedy);
     }
     paragraph.cells = std::move(parsed.cells);
     document_.body.emplace_back(std::move(paragraph));

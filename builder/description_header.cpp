@@ -12,7 +12,7 @@ namespace {
 // The value of a key, blanks around it taken away.
 struct Value {
     std::string text;
-    Place place;
+    Location location;
 };
 
 Result take_kind(const Value &value, Document &document)
@@ -23,7 +23,7 @@ Result take_kind(const Value &value, Document &document)
                        "write one of 1012 to 1017 and 1058, or its name, as `PFS: WRITE B`"};
     }
     document.kind = *kind;
-    document.kind_place = value.place;
+    document.kind_location = value.location;
     return std::nullopt;
 }
 
@@ -33,7 +33,7 @@ Result take_signature(const Value &value, Document &document)
         return Problem{"`" + value.text + "` is no signature", "write `TYPE 2` or `WRD PC`"};
     }
     document.signature = value.text == "TYPE 2" ? Signature::type_2 : Signature::wrd_pc;
-    document.signature_place = value.place;
+    document.signature_location = value.location;
     return std::nullopt;
 }
 
@@ -48,7 +48,7 @@ Result take_generation(const Value &value, Document &document)
         return Problem{"`" + value.text + "` is no generation",
                        "write one character, or a byte as two hexadecimal digits"};
     }
-    document.generation_place = value.place;
+    document.generation_location = value.location;
     return std::nullopt;
 }
 
@@ -59,7 +59,7 @@ Result take_margins(const Value &value, Document &document)
         return Problem{"margins are two columns", "write them as `margins: 10 70`"};
     }
     document.margins = *margins;
-    document.margins_place = value.place;
+    document.margins_location = value.location;
     return std::nullopt;
 }
 
@@ -77,19 +77,19 @@ Result take_tabs(const Value &value, Document &document)
         }
         document.tab_stops.push_back({*column, decimal});
     }
-    document.tab_stops_place = value.place;
+    document.tab_stops_location = value.location;
     return std::nullopt;
 }
 
 Result take_line(const Value &value, HeaderFooter &block, std::size_t line)
 {
     const Converted converted = utf8_to_code_page_437(value.text);
-    if (!converted.stumbled.empty()) {
-        return Problem{converted.stumbled + " is not in code page 437",
+    if (!converted.rejected.empty()) {
+        return Problem{converted.rejected + " is not in code page 437",
                        "use a character of that code page"};
     }
     block.lines[line] = converted.bytes;
-    block.line_places[line] = value.place;
+    block.line_locations[line] = value.location;
     return std::nullopt;
 }
 
@@ -104,13 +104,13 @@ Result take_alignment(const Value &value, HeaderFooter &block)
     } else {
         return Problem{"`" + value.text + "` is no alignment", "write left, centre or right"};
     }
-    block.alignment_place = value.place;
+    block.alignment_location = value.location;
     return std::nullopt;
 }
 
 Result take_style(const Value &value, HeaderFooter &block)
 {
-    block.style_place = value.place;
+    block.style_location = value.location;
     for (const std::string &word : split_words(value.text)) {
         if (word == "bold") {
             block.style |= style_bold;
@@ -134,9 +134,9 @@ Result take_record(const Value &value, Document &document)
     const auto margins = parse_margins(rest);
     const auto bytes = parse_hexadecimal(rest);
     if (word == "margins" && margins) {
-        document.records.emplace_back(MarginRecord{*margins, value.place});
+        document.records.emplace_back(MarginRecord{*margins, value.location});
     } else if (word == "raw" && bytes) {
-        document.records.emplace_back(OtherRecord{*bytes, value.place});
+        document.records.emplace_back(OtherRecord{*bytes, value.location});
     } else {
         return Problem{"this is no record",
                        "write `margins LEFT RIGHT`, or `raw` and bytes, the record's type first"};
@@ -205,7 +205,7 @@ Result parse_header_line(const SourceLine &line, Document &document)
     document.keys_seen.push_back(name);
     const std::string_view value =
         without_leading_blanks(std::string_view(line.text).substr(colon + 1));
-    return key->take({std::string(value), line.place}, document);
+    return key->take({std::string(value), line.location}, document);
 }
 
 } // namespace pfs_builder

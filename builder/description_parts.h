@@ -1,5 +1,5 @@
 // The parts of the description parser. Each takes lines of the source and adds to the
-// document; each tells what is wrong and leaves it to its caller to say where.
+// document; each reports what is wrong and leaves it to its caller to add where.
 #pragma once
 
 #include "builder/description.h"
@@ -17,7 +17,7 @@ using Result = std::optional<Problem>; // none: all is well
 
 // One line without its end and without blanks behind it.
 struct SourceLine {
-    Place place;
+    Location location;
     std::string text;
 };
 
@@ -41,7 +41,7 @@ Result parse_header_line(const SourceLine &line, Document &document);
 struct ParsedText {
     std::vector<Cell> cells;
     Result problem;
-    Place place; // of the problem
+    Location location; // of the problem
 };
 ParsedText parse_text(const std::vector<SourceLine> &lines);
 

@@ -34,7 +34,7 @@ public:
             if (!starts_.empty()) {
                 joined_ += space;
             }
-            starts_.push_back({joined_.size(), line.place});
+            starts_.push_back({joined_.size(), line.location});
             joined_ += line.text;
         }
     }
@@ -49,14 +49,14 @@ public:
             problem = Problem{"a style or a suppressed stretch is open at the paragraph's end",
                               "close it, and open it again in the next paragraph"};
         }
-        return {std::move(cells_), problem, place()};
+        return {std::move(cells_), problem, location()};
     }
 
 private:
     // Where each line begins in the joined text.
     struct LineStart {
         std::size_t offset;
-        Place place;
+        Location location;
     };
 
     std::string_view rest() const
@@ -64,12 +64,12 @@ private:
         return std::string_view(joined_).substr(position_);
     }
 
-    Place place() const
+    Location location() const
     {
         const auto after = std::find_if(starts_.begin(), starts_.end(), [this](const LineStart &s) {
             return s.offset > position_;
         });
-        return (after - 1)->place;
+        return (after - 1)->location;
     }
 
     Result take_one()
@@ -84,15 +84,15 @@ private:
     void add(CellKind kind, std::string bytes)
     {
         const Style style = kind == CellKind::text ? style_ : style_none;
-        cells_.push_back({kind, style, hidden_, place(), std::move(bytes)});
+        cells_.push_back({kind, style, hidden_, location(), std::move(bytes)});
     }
 
     Result take_character()
     {
         std::string_view text = rest();
         const Converted converted = take_code_page_437(text);
-        if (!converted.stumbled.empty()) {
-            return Problem{converted.stumbled + " is not in code page 437",
+        if (!converted.rejected.empty()) {
+            return Problem{converted.rejected + " is not in code page 437",
                            "use a character of that code page, or a byte as {x8D}"};
         }
         add(CellKind::text, converted.bytes);

@@ -2,8 +2,8 @@
 //
 // A document is a kind, what its header holds, and a list of body elements. A paragraph is a
 // list of cells, one for each character as a reader counts them; the encoders break it into
-// stored lines. Everything remembers its place in the description, so that whatever a kind
-// cannot say is told with its line.
+// stored lines. Everything keeps its location in the description, so that what a kind does not
+// support is reported with its line.
 #pragma once
 
 #include "formats/text.h"
@@ -38,7 +38,7 @@ inline constexpr Style style_superscript = formats::superscript;
 inline constexpr Style style_subscript = formats::subscript;
 
 // Where something stands: an index into Document::sources and a line, counted from 1.
-struct Place {
+struct Location {
     std::size_t source = 0;
     int line = 0;
 };
@@ -64,7 +64,7 @@ struct Cell {
     CellKind kind = CellKind::text;
     Style style = style_none;
     bool hidden = false; // within a suppressed stretch
-    Place place;
+    Location location;
     std::string bytes;
 };
 
@@ -81,7 +81,7 @@ struct Paragraph {
     std::vector<Cell> cells;
     int first_indent = 0; // of the first stored line
     int left_indent = 0;  // of the lines wrapped from it
-    Place place;
+    Location location;
 };
 
 // Columns as a user sees them, the first being 1.
@@ -92,35 +92,35 @@ struct Margins {
 
 struct MarginRecord {
     Margins margins;
-    Place place;
+    Location location;
 };
 
 // A record of the Write family that is not about margins: its type byte, then its data.
 struct OtherRecord {
     std::string bytes;
-    Place place;
+    Location location;
 };
 
 struct Spacing {
     bool is_double = false; // for the paragraphs that follow
-    Place place;
+    Location location;
 };
 
 // A ruler drawn in characters, the first column first: '[' and ']' margins, 'T' tab stops.
 struct RulerLine {
     std::string columns;
-    Place place;
+    Location location;
 };
 
 struct PageBreakLine {
     std::string text; // what the stored line holds besides; readers skip it
-    Place place;
+    Location location;
 };
 
 // Bytes stored between two lines as they are.
 struct RawBytes {
     std::string bytes;
-    Place place;
+    Location location;
 };
 
 using Record = std::variant<MarginRecord, OtherRecord>;
@@ -137,11 +137,11 @@ enum class Alignment : uint8_t { left, centre, right };
 // The header or the footer: two lines, absent when empty, alike in look.
 struct HeaderFooter {
     std::array<std::string, 2> lines; // in code page 437
-    std::array<Place, 2> line_places;
+    std::array<Location, 2> line_locations;
     std::optional<Alignment> alignment; // none: what the kind does of itself
-    Place alignment_place;
+    Location alignment_location;
     Style style = style_none;
-    Place style_place;
+    Location style_location;
 };
 
 enum class Signature : uint8_t { type_2, wrd_pc }; // PFS: WRITE carries either
@@ -151,16 +151,16 @@ struct Document {
     std::vector<std::string> keys_seen; // keys of its header part
 
     Kind kind = Kind::write_b;
-    Place kind_place;
+    Location kind_location;
     std::optional<Signature> signature; // none: the later one
-    Place signature_place;
+    Location signature_location;
     std::optional<char> generation; // First Choice's generation byte; none: the kind's own
-    Place generation_place;
+    Location generation_location;
 
     Margins margins;
-    Place margins_place;
+    Location margins_location;
     std::vector<TabStop> tab_stops;
-    Place tab_stops_place;
+    Location tab_stops_location;
     HeaderFooter header;
     HeaderFooter footer;
     std::vector<Record> records; // before the body
@@ -171,7 +171,8 @@ struct Document {
     std::vector<Element> body;
 };
 
-// The fault `what` at `place` of the document.
-Fault fault_at(const Document &document, const Place &place, std::string what, std::string remedy);
+// The fault `what` at `location` of the document.
+Fault fault_at(const Document &document, const Location &location, std::string what,
+               std::string remedy);
 
 } // namespace pfs_builder

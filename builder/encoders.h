@@ -5,7 +5,7 @@
 
 namespace pfs_builder {
 
-// Each makes the whole file of a document that its kind can say (capabilities.h), or tells
+// Each makes the whole file of a document that its kind supports (capabilities.h), or reports
 // which line end would be read otherwise than meant.
 using Encoder = std::optional<Fault> (*)(const Document &document, std::string &file);
 

@@ -152,11 +152,11 @@ Fault misread_end(const Document &document, const LineEnd &line, const Decision 
                                 " columns and this line ends in column " +
                                 std::to_string(decision.column);
     if (line.wrapped) {
-        return fault_at(document, line.place,
+        return fault_at(document, line.location,
                         "a wrapped line would be read as the end of its paragraph: " + grounds,
                         "take the raw bytes out of the paragraph, or break it by hand");
     }
-    return fault_at(document, line.place,
+    return fault_at(document, line.location,
                     "the end of this paragraph would be read as a wrap: " + grounds,
                     "put an empty line after it, change its length, store styled spaces plainly "
                     "with `spaces: plain`, or accept it with `joins: allowed`");

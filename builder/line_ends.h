@@ -17,7 +17,7 @@ struct LineEnd {
     std::size_t begin;
     std::size_t end;
     bool wrapped; // what it is meant to be
-    Place place;
+    Location location;
 };
 
 // What a reader sees of a line: columns it takes, and spaces before its first other character.

@@ -1,4 +1,4 @@
-// pfsbuild: writes a document from its description. docs/man/pfsbuild.1 tells how.
+// pfsbuild: writes a document from its description. See docs/man/pfsbuild.1.
 //
 // The document is written under another name beside its own and renamed when it is whole, so
 // that a failure leaves what was there before.
@@ -84,7 +84,7 @@ bool is_device_or_pipe(const std::filesystem::path &path)
            !std::filesystem::is_directory(status);
 }
 
-bool write_in_place(const std::filesystem::path &path, const std::vector<uint8_t> &bytes)
+bool write_in_location(const std::filesystem::path &path, const std::vector<uint8_t> &bytes)
 {
     std::ofstream stream(path, std::ios::binary | std::ios::trunc);
     return stream && write_to(stream, bytes);
@@ -93,14 +93,14 @@ bool write_in_place(const std::filesystem::path &path, const std::vector<uint8_t
 bool write_file(const std::string &path, const std::vector<uint8_t> &bytes)
 {
     if (is_device_or_pipe(path)) {
-        return write_in_place(path, bytes);
+        return write_in_location(path, bytes);
     }
     std::error_code error;
     // Through symbolic links, so that the file they lead to is replaced and not the link.
     std::filesystem::path target = std::filesystem::weakly_canonical(path, error);
     target = error ? std::filesystem::path(path) : target;
     const std::filesystem::path temporary = target.string() + ".part";
-    bool written = write_in_place(temporary, bytes);
+    bool written = write_in_location(temporary, bytes);
     if (written) {
         std::filesystem::rename(temporary, target, error);
         written = !error;

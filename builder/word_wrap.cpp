@@ -1,5 +1,5 @@
 // A word goes on the line if its last column is not beyond the right margin; readers ask the
-// same question of the next line's first word to tell a wrap from an end on purpose, so the
+// same question of the next line's first word to distinguish a wrap from an end on purpose, so the
 // answer here must be theirs to the column.
 //
 // Three things complicate it. Readers see a word end at the first space, so of a command

@@ -61,9 +61,9 @@ private:
         for (std::size_t i = line.begin; i < line.end; ++i) {
             put_cell(paragraph.cells[i]);
         }
-        const Place &place =
-            line.end > line.begin ? paragraph.cells[line.end - 1].place : paragraph.place;
-        ends_.push_back({begin, bytes_.size(), line.wrapped, place});
+        const Location &location =
+            line.end > line.begin ? paragraph.cells[line.end - 1].location : paragraph.location;
+        ends_.push_back({begin, bytes_.size(), line.wrapped, location});
         append(bytes_, carriage_return);
     }
 

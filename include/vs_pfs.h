@@ -24,7 +24,7 @@
  * STOPPING AND RESUMING
  *
  * At each paragraph end VwStreamRead reports VW_BREAK_PARAGRAPH. If the routine answers 1
- * the call returns at once, and the next VwStreamRead goes on from there. At such a place
+ * the call returns at once, and the next VwStreamRead goes on from there. At such a point
  * VwStreamTell and VwGetData give a position and VW_SAVED_STATE_SIZE bytes with which
  * reading can be resumed later: VwSetData, VwStreamSeek, VwStreamRead. The pair is good for
  * the same document only, in any instance that has opened it. A routine 13 left
@@ -331,7 +331,7 @@ VS_PFS_API void VwLocalUp(VwBlockFile *file, VwCharStream **stream, VwInstance *
 /* Frees the stream and stores the block file it wrapped. The instance is not used. */
 VS_PFS_API void VwLocalDown(VwCharStream *stream, VwBlockFile **file, VwInstance *instance);
 
-/* What VwStreamOpen tells of the document's kind. */
+/* What VwStreamOpen reports of the document's kind. */
 struct VwFileDescription {
     uint16_t fileKindCode;  /* 120 */
     uint16_t fileDescFlags; /* 1 */
@@ -348,7 +348,7 @@ VS_PFS_API int32_t VwStreamOpen(VwCharStream *stream, int32_t fileId, void *unus
 VS_PFS_API int32_t VwStreamSection(VwCharStream *stream, VwInstance *instance);
 /* Reports tab stops, attributes, margins, header and footer lines not yet reported, and
  * text, until a paragraph end is answered with 1 or the document ends. Always 0: the
- * reason for stopping is told by VW_SO_BREAK alone. */
+ * reason for stopping is reported by VW_SO_BREAK alone. */
 VS_PFS_API int32_t VwStreamRead(VwCharStream *stream, VwInstance *instance);
 /* Stores the next byte's position. Always 0. */
 VS_PFS_API int32_t VwStreamTell(VwCharStream *stream, uint32_t *position);

@@ -1,4 +1,4 @@
-// What every read call tells the host before any text.
+// What every read call reports before any text.
 //
 // The host may have stopped anywhere and come back with a saved state, so a call begins by
 // announcing all that is in force. One reader sends margins and attributes the other way

@@ -2,7 +2,7 @@
 //
 // One buffer of 2048 bytes holds the stretch of the file that starts at bufferBase. Small
 // jumps stay inside it and cost nothing; any other empties it, and the next read refills it
-// from the new place. VwCharGet and VwCharUnget are in vs_pfs.h.
+// from the new position. VwCharGet and VwCharUnget are in vs_pfs.h.
 //
 // The host's answers are not trusted: a read that claims more bytes than it was asked for
 // counts as failed, and wherever the buffer is empty the cursor stands at its start, so
@@ -36,7 +36,7 @@ bool is_buffered(const VwCharStream *stream, uint32_t position)
     return stream->bufferBase <= position && position < stream->bufferBase + stream->bufferLength;
 }
 
-// The number of bytes read into the buffer, 0 when there are none to be had.
+// The number of bytes read into the buffer, 0 when there are none.
 uint32_t read_buffer(VwCharStream *stream)
 {
     VwBlockFile *file = stream->blockFile;

@@ -3,7 +3,7 @@
 // All state of one document lives in one record. It has four regions: the filter state, of
 // which the host saves and restores the first 328 bytes; the host's output routines; the
 // host's two words; and what the lookahead remembers. The sizes of the first region are
-// part of the interface (VwGetInfo tells them), so its layout is the same on every machine.
+// part of the interface (VwGetInfo returns them), so its layout is the same on every machine.
 // Tests: tests/module/instance_test.cpp, tests/module/output_routines_test.cpp.
 #pragma once
 
@@ -113,7 +113,7 @@ constexpr int output_slot(int id)
 }
 
 // Calls the output routine `Id` of type `Routine`. SODummy has a type of its own, so it is
-// never called through another: its answer, the first argument, is given in its place.
+// never called through another: its answer, the first argument, is given instead.
 template <VwOutputId Id, typename Routine, typename... Arguments>
 inline int32_t call_output(const VwInstance *instance, int32_t dummy_answer, Arguments... arguments)
 {

@@ -2,7 +2,7 @@
 //
 //   offset 9   "GERBILDOC"  First Choice; the byte after it (18) is the generation
 //   offset 641 signature    the Write family, six characters
-//   offset 649 variant      '1' or '2', told apart for two of the signatures only
+//   offset 649 variant      '1' or '2', distinguished for two of the signatures only
 //
 // First Choice is tried first. Past the end of the file bytes read as 0xFF, which match
 // nothing. Test: tests/module/format_detection_test.cpp.

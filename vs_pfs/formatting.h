@@ -42,7 +42,7 @@ inline int32_t SetAttr(uint8_t first, uint8_t second, uint8_t pairForm, uint8_t 
     }
     return 0;
 }
-// Tells the host all five attributes again, on or off.
+// Reports all five attributes again, on or off.
 int32_t PutAttributes(VwInstance *instance);
 
 inline bool attributes_in_force(uint8_t set, const VwInstance *instance)
@@ -51,7 +51,7 @@ inline bool attributes_in_force(uint8_t set, const VwInstance *instance)
 }
 // What check_attributes does once something changes.
 void change_attributes(uint8_t newSet, VwInstance *instance);
-// Tells the host what changes from attrState to newSet, and makes newSet the state.
+// Reports what changes from attrState to newSet, and makes newSet the state.
 inline int32_t check_attributes(uint8_t newSet, VwInstance *instance)
 {
     if (!attributes_in_force(newSet, instance)) {
@@ -60,7 +60,7 @@ inline int32_t check_attributes(uint8_t newSet, VwInstance *instance)
     return 0;
 }
 
-// Tells the host that the attributes of hfAttrState begin, or end.
+// Reports that the attributes of hfAttrState begin, or end.
 void put_header_footer_attributes(VwInstance *instance, bool on);
 // put_header_footer_attributes with false.
 int32_t TurnOffAttr(VwInstance *instance);
@@ -85,7 +85,7 @@ inline constexpr int32_t header_footer_stop = 0; // the host wants the read call
 inline constexpr int32_t header_footer_go_on = 1;
 int32_t ProcHeaderFooter(VwInstance *instance);
 
-// The start of a read call (call_start.cpp): takes over the stream, tells the host the
+// The start of a read call (call_start.cpp): takes over the stream, reports the
 // attributes and margins in force, reports header and footer lines that are pending, and
 // resets indents, alignment, font and line spacing. False: the host wants the call to end.
 bool start_call(VwCharStream *stream, VwInstance *instance);

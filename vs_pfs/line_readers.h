@@ -1,6 +1,6 @@
 // The readers of the text, one for each generation. Each reads from the stream's position
 // until the host answers a paragraph end with 1, or to the document's end byte, or to the
-// end of the data. They always return 0: the reason for stopping is told by routine 13.
+// end of the data. They always return 0: routine 13 reports the reason for stopping.
 #pragma once
 
 #include "vs_pfs/filter_interface.h"

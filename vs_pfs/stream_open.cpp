@@ -47,7 +47,7 @@ void reset(VwCharStream *stream, VwInstance *instance)
     instance->state.saved.fontValue = font_value;
 }
 
-// A header or footer line's text stands behind the byte that tells its length.
+// A header or footer line's text stands behind its length, a byte.
 void set_text_positions(const LineOffsets &length_offsets, FilterState &state)
 {
     std::transform(length_offsets.begin(), length_offsets.end(), state.hfTextPos,

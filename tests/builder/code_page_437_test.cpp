@@ -42,9 +42,9 @@ TEST(BuilderCodePage437, PlacesWellKnownCharacters)
 
 TEST(BuilderCodePage437, NamesTheCharacterItDoesNotHave)
 {
-    EXPECT_EQ(utf8_to_code_page_437("\u25CB").stumbled, "character U+25CB"); // a tab has its byte
-    EXPECT_EQ(utf8_to_code_page_437("12 €").stumbled, "character U+20AC");
-    EXPECT_EQ(utf8_to_code_page_437("\U0001F600").stumbled, "character U+1F600");
+    EXPECT_EQ(utf8_to_code_page_437("\u25CB").rejected, "character U+25CB"); // a tab has its byte
+    EXPECT_EQ(utf8_to_code_page_437("12 €").rejected, "character U+20AC");
+    EXPECT_EQ(utf8_to_code_page_437("\U0001F600").rejected, "character U+1F600");
 }
 
 TEST(BuilderCodePage437, RefusesWhatIsNotUtf8)
@@ -58,15 +58,15 @@ TEST(BuilderCodePage437, RefusesWhatIsNotUtf8)
                                   "\xF4\x90\x80\x80", // above the last character
                                   "\xFF"};
     for (const char *const text : faulty) {
-        const std::string stumbled = utf8_to_code_page_437(text).stumbled;
-        EXPECT_NE(stumbled.find("that is not UTF-8"), std::string::npos) << stumbled;
+        const std::string rejected = utf8_to_code_page_437(text).rejected;
+        EXPECT_NE(rejected.find("that is not UTF-8"), std::string::npos) << rejected;
     }
 }
 
 TEST(BuilderCodePage437, TakesNothingThatItCannotConvert)
 {
     std::string_view text = "€uro";
-    EXPECT_FALSE(take_code_page_437(text).stumbled.empty());
+    EXPECT_FALSE(take_code_page_437(text).rejected.empty());
     EXPECT_EQ(text, "€uro");
     EXPECT_FALSE(take_utf8(text = ""));
 }

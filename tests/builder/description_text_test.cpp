@@ -42,7 +42,7 @@ std::string cells_of(const std::vector<std::string> &texts)
 std::string problem_of(const std::vector<std::string> &texts)
 {
     const ParsedText result = parse_text(lines_of(texts));
-    return result.problem ? std::to_string(result.place.line) + ": " + result.problem->what : "";
+    return result.problem ? std::to_string(result.location.line) + ": " + result.problem->what : "";
 }
 
 } // namespace

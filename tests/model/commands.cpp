@@ -9,7 +9,7 @@ namespace tests::model {
 
 namespace {
 
-// The terminating character is part of the keyword. A code is a place in this list, from 1.
+// The terminating character is part of the keyword. A code is a position in this list, from 1.
 constexpr std::array<std::string_view, 18> keywords{
     "N*", "NEW ",    "PAGE*", "JUSTIFY ", "JY ", "YES*",  "Y*", "NO*",    "PRINTER ",
     "P ", "CENTER*", "C*",    "GRAPH ",   "G ",  "JOIN ", "J ", "RIGHT*", "R*"};

@@ -12,9 +12,9 @@ namespace tests::model {
 
 namespace {
 
-// A place where reading can go on, in the terms of either side: past the end of the data the
+// A point where reading can go on, in the terms of either side: past the end of the data the
 // two may count positions differently.
-struct Place {
+struct SavedPoint {
     SavedBytes module_state;
     SavedState model_state;
     uint32_t module_position = 0;
@@ -50,16 +50,16 @@ private:
     bool differ(std::string what, std::size_t call);
     std::string difference_in(const SavedState &expected, const SavedState &recorded) const;
     void go_on();
-    void keep_place();
-    void resume(const Place &place);
-    Place foreign_place();
+    void keep_point();
+    void resume(const SavedPoint &point);
+    SavedPoint foreign_point();
 
     const Plan &plan;
     Random random;
     const std::string &document;
     Model model;
     std::unique_ptr<ModuleHost> host;
-    std::vector<Place> places;
+    std::vector<SavedPoint> points;
     int32_t jumps_left = 6; // a read that always jumps back would never be done
 };
 
@@ -116,9 +116,9 @@ bool Comparison::same_calls()
 
 bool Comparison::same_state()
 {
-    if (model.text.place() != host->place()) {
-        return differ("the stream stands at " + std::to_string(host->place()) + " instead of " +
-                          std::to_string(model.text.place()),
+    if (model.text.clamped_position() != host->clamped_position()) {
+        return differ("the stream stands at " + std::to_string(host->clamped_position()) +
+                          " instead of " + std::to_string(model.text.clamped_position()),
                       model.events.size());
     }
     const std::string differences = difference_in(model.saved, fields_of(host->saved()));
@@ -146,47 +146,47 @@ bool Comparison::read()
     return same_calls() && same_state();
 }
 
-void Comparison::keep_place()
+void Comparison::keep_point()
 {
-    places.push_back({host->saved(), model.saved, host->position(), model.text.tell()});
+    points.push_back({host->saved(), model.saved, host->position(), model.text.tell()});
 }
 
 // In another instance, so that nothing but the saved state and the position is carried over.
-void Comparison::resume(const Place &place)
+void Comparison::resume(const SavedPoint &point)
 {
     host = new_host(host->answers);
     host->open();
-    host->go_to(place.module_state, place.module_position);
+    host->go_to(point.module_state, point.module_position);
     VwStreamOpen(model);
-    model.saved = place.model_state;
-    model.text.seek(place.model_position);
+    model.saved = point.model_state;
+    model.text.seek(point.model_position);
 }
 
-Place Comparison::foreign_place()
+SavedPoint Comparison::foreign_point()
 {
-    Place place{host->saved(), {}, 0, 0};
+    SavedPoint point{host->saved(), {}, 0, 0};
     const uint32_t changes = random.percent(50) ? random.between(1, 20) : VW_SAVED_STATE_SIZE * 3;
     for (uint32_t i = 0; i < changes; ++i) {
         // most of the meaning is in the first bytes
         const uint32_t range = random.percent(50) ? 22 : VW_SAVED_STATE_SIZE;
-        place.module_state[random.below(range)] = static_cast<uint8_t>(random.below(256));
+        point.module_state[random.below(range)] = static_cast<uint8_t>(random.below(256));
     }
-    place.model_state = fields_of(place.module_state);
-    place.module_position = random.below(document.size() + 10);
-    place.model_position = place.module_position;
-    return place;
+    point.model_state = fields_of(point.module_state);
+    point.module_position = random.below(document.size() + 10);
+    point.model_position = point.module_position;
+    return point;
 }
 
 void Comparison::go_on()
 {
     if (jumps_left > 0 && random.percent(plan.foreign_percent)) {
         --jumps_left;
-        resume(foreign_place());
+        resume(foreign_point());
     } else if (random.percent(plan.resume_percent)) {
-        keep_place();
+        keep_point();
         const bool jump = jumps_left > 0 && random.percent(30);
         jumps_left -= jump ? 1 : 0;
-        resume(jump ? places[random.below(places.size())] : places.back());
+        resume(jump ? points[random.below(points.size())] : points.back());
     }
 }
 
@@ -220,7 +220,7 @@ std::string text_around(const Events &events, std::size_t at)
     std::string text;
     const std::size_t end = std::min(events.size(), at + lines_after);
     for (std::size_t i = at > lines_before ? at - lines_before : 0; i < end; ++i) {
-        text += (i == at ? "  > " : "    ") + std::to_string(events[i].place) + ": " +
+        text += (i == at ? "  > " : "    ") + std::to_string(events[i].position) + ": " +
                 tests::text_of(Calls{events[i].call});
     }
     return text + (at >= events.size() ? "  > nothing more\n" : "");

@@ -16,8 +16,8 @@ namespace tests::model {
 struct Plan {
     Answers::To stop_at = Answers::To::none;
     uint32_t most_per_read = UINT32_MAX; // bytes that one read of the file gives
-    uint32_t resume_percent = 0;         // of stops: another instance goes on from a saved place
-    uint32_t foreign_percent = 0;        // of stops: reading goes on with a state nobody saved
+    uint32_t resume_percent = 0;         // of stops: another instance goes on from a saved point
+    uint32_t foreign_percent = 0;        // of stops: reading goes on with a state that nobody saved
     uint32_t reads_after_end = 0;
     uint64_t seed = 0;
 };

@@ -158,8 +158,8 @@ std::string choice_header(Kind kind, Random &random)
     return header;
 }
 
-// A place in the body, or for a few changes anywhere.
-std::size_t random_place(const std::string &document, std::size_t body, Random &random)
+// A position in the body, or for a few changes anywhere.
+std::size_t random_position(const std::string &document, std::size_t body, Random &random)
 {
     if (random.percent(20) || body >= document.size()) {
         return random.below(document.size());
@@ -172,7 +172,7 @@ void mutate(std::string &document, std::size_t body, Random &random)
     if (document.empty()) {
         return;
     }
-    const std::size_t at = random_place(document, body, random);
+    const std::size_t at = random_position(document, body, random);
     const std::size_t length = random.between(1, 12);
     switch (random.below(6)) {
     case 0: document[at] = random.byte(); break;
@@ -180,7 +180,7 @@ void mutate(std::string &document, std::size_t body, Random &random)
     case 2: document.insert(at, 1, random.byte()); break;
     case 3: document.erase(at, length); break;
     case 4:
-        document.insert(at, document.substr(random_place(document, body, random), length));
+        document.insert(at, document.substr(random_position(document, body, random), length));
         break;
     default: {
         const std::string block = document.substr(at, length);
@@ -195,7 +195,7 @@ void cut(std::string &document, std::size_t body, Random &random)
 {
     if (!document.empty()) {
         document.resize(random.percent(20) ? random.below(document.size())
-                                           : random_place(document, body, random));
+                                           : random_position(document, body, random));
     }
 }
 

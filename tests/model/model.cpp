@@ -6,7 +6,7 @@ namespace tests::model {
 
 int32_t Model::report(int32_t id, std::initializer_list<int32_t> arguments)
 {
-    Event event{{id, static_cast<int32_t>(arguments.size()), {}}, text.place()};
+    Event event{{id, static_cast<int32_t>(arguments.size()), {}}, text.clamped_position()};
     std::size_t i = 0;
     for (const int32_t argument : arguments) {
         event.call.arguments[i++] = argument;

@@ -22,7 +22,7 @@ namespace tests::model {
 // An output call and the position in the text where it was made.
 struct Event {
     Call call;
-    uint32_t place = 0;
+    uint32_t position = 0; // the end at most: behind it all positions are alike
 
     bool operator==(const Event &) const = default;
 };
@@ -59,7 +59,7 @@ struct StateFrom {
 };
 using States = std::vector<StateFrom>;
 
-// What opening settles for the document's life. Lines are header 1 and 2, footer 1 and 2.
+// What opening fixes for the document's life. Lines are header 1 and 2, footer 1 and 2.
 struct OpenedState {
     uint8_t formatType = 0; // 1 to 5: Write family, 6: First Choice, 0: not recognised
     uint8_t generation = 0; // First Choice only: the byte after the magic

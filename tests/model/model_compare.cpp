@@ -1,6 +1,6 @@
-// model_compare DOCUMENTS SEED: compares module and model over that many generated documents,
-// as many as patience allows. Documents are numbered from SEED on, so ranges that do not
-// overlap can be run side by side, and one document by its number alone.
+// model_compare DOCUMENTS SEED: compares module and model over that many generated documents.
+// Documents are numbered from SEED on, so ranges that do not overlap can be run side by side, and
+// one document by its number alone.
 #include "tests/model/trials.h"
 
 #include <chrono>
@@ -13,7 +13,7 @@ using namespace tests::model;
 
 constexpr uint64_t most_failures = 5;
 
-void tell_progress(uint64_t done, uint64_t failures, std::chrono::steady_clock::time_point start)
+void report_progress(uint64_t done, uint64_t failures, std::chrono::steady_clock::time_point start)
 {
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     std::cout << done << " documents, " << failures << " differences, "
@@ -33,7 +33,7 @@ uint64_t compare_all(uint64_t documents, uint64_t seed)
             std::cout << *failure << std::endl;
         }
         if ((i + 1) % progress_every == 0 || i + 1 == documents) {
-            tell_progress(i + 1, failures, start);
+            report_progress(i + 1, failures, start);
         }
     }
     return failures;

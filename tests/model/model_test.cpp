@@ -2,7 +2,7 @@
 // many, over all kinds together, and VS_PFS_MODEL_SEED the number of the first.
 //
 // The other tests here are about the comparison itself: that it sees differences, that the
-// documents reach what there is to reach, and that the model reads well-known texts right.
+// documents reach every routine, and that the model reads well-known texts right.
 #include "tests/model/trials.h"
 
 #include "notation.h"

@@ -180,7 +180,7 @@ uint32_t ModuleHost::position() const
     return position;
 }
 
-uint32_t ModuleHost::place() const
+uint32_t ModuleHost::clamped_position() const
 {
     return std::min(position(), static_cast<uint32_t>(file.bytes.size()));
 }
@@ -216,7 +216,7 @@ void ModuleHost::note_state()
 int32_t ModuleHost::record(const Call &call)
 {
     note_state();
-    events.push_back({call, place()});
+    events.push_back({call, clamped_position()});
     const bool paragraph_end = call.id == VW_SO_BREAK && call.arguments[0] == VW_BREAK_PARAGRAPH;
     return paragraph_end ? answers.next() : 1;
 }

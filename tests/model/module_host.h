@@ -26,8 +26,8 @@ public:
     void read();
 
     uint32_t position() const;
-    // Past the end all positions are the same place.
-    uint32_t place() const;
+    // The end at most: behind it all positions are alike.
+    uint32_t clamped_position() const;
     SavedBytes saved() const;
     void go_to(const SavedBytes &state, uint32_t to);
 

@@ -52,8 +52,8 @@ public:
         position = to;
     }
 
-    // Past the end all positions are the same place.
-    uint32_t place() const
+    // The end at most: behind it all positions are alike.
+    uint32_t clamped_position() const
     {
         const auto size = static_cast<uint32_t>(bytes->size());
         return position < size ? position : size;

@@ -131,7 +131,7 @@ TEST(PutAttributes, TellsAllFiveEvenWhenNoneIsOn)
 
 TEST(PutAttributes, TellsEachBitByItsCode)
 {
-    const std::array<std::pair<uint8_t, const char *>, 6> told{{
+    const std::array<std::pair<uint8_t, const char *>, 6> reported{{
         {0x02, "4 2 1 | 4 4 0 | 4 3 0 | 4 11 0 | 4 10 0"},
         {0x01, "4 2 0 | 4 4 1 | 4 3 0 | 4 11 0 | 4 10 0"},
         {0x04, "4 2 0 | 4 4 0 | 4 3 1 | 4 11 0 | 4 10 0"},
@@ -139,7 +139,7 @@ TEST(PutAttributes, TellsEachBitByItsCode)
         {0x10, "4 2 0 | 4 4 0 | 4 3 0 | 4 11 0 | 4 10 1"},
         {0xFF, "4 2 1 | 4 4 1 | 4 3 1 | 4 11 1 | 4 10 1"},
     }};
-    for (const auto &[state, calls] : told) {
+    for (const auto &[state, calls] : reported) {
         Bench bench("");
         bench.saved().attrState = state;
         PutAttributes(bench.instance);

@@ -46,7 +46,7 @@ public:
     }
 };
 
-// Every attribute told again, none of them on.
+// Every attribute reported again, none of them on.
 inline const std::string attributes_off = "4 2 0 | 4 4 0 | 4 3 0 | 4 11 0 | 4 10 0 |";
 inline const std::string no_tab_stops = "8 | 9 |";
 // What closes the announcements of each read call.

@@ -11,7 +11,7 @@ namespace {
 using namespace tests;
 using namespace vs_pfs;
 
-// A file of `size` bytes, each of which tells its place.
+// A file of `size` bytes, each of which depends on its position.
 std::string numbered(std::size_t size)
 {
     std::string bytes;

@@ -1,4 +1,4 @@
-// Documents that stop without their end byte: every reader, cut at every kind of place. The
+// Documents that stop without their end byte: every reader, cut at every kind of position. The
 // end of the document is reported where the data stop, and nothing before it changes.
 #include "tests/module/bench.h"
 
@@ -16,7 +16,7 @@ struct Cut {
     const char *name;
     std::string body; // as bytes' notation
     std::string expected;
-    // How many bytes past the end are asked for, which the place that is told says: one, but
+    // How many bytes past the end are asked for, which the reported position says: one, but
     // for what is read to its own end and noticed by the byte after it.
     uint32_t asked_beyond = 1;
 };

@@ -39,16 +39,16 @@ TEST(PlainText, BytesFromTheSpaceToSevenF)
 TEST(PlainText, CountsUpToAnyOtherByteAtAnyPlace)
 {
     for (int byte = 0; byte < 256; ++byte) {
-        for (int place = 0; place < longest_run; ++place) {
+        for (int position = 0; position < longest_run; ++position) {
             std::string text = letters(longest_run);
-            text[static_cast<std::size_t>(place)] = static_cast<char>(byte);
+            text[static_cast<std::size_t>(position)] = static_cast<char>(byte);
             const Buffered bench(text);
             const bool plain = is_plain(static_cast<uint8_t>(byte));
-            EXPECT_EQ(count_plain(bench.stream, space), plain ? longest_run : place)
-                << byte << " at " << place;
+            EXPECT_EQ(count_plain(bench.stream, space), plain ? longest_run : position)
+                << byte << " at " << position;
             EXPECT_EQ(count_plain(bench.stream, space + 1),
-                      plain && byte != space ? longest_run : place)
-                << byte << " at " << place;
+                      plain && byte != space ? longest_run : position)
+                << byte << " at " << position;
         }
     }
 }
@@ -65,19 +65,19 @@ TEST(PlainText, CountsToTheEndOfTheBuffer)
 TEST(PlainText, RunsEndBeforeAnyOtherByteAtAnyPlace)
 {
     for (const char byte : {'\0', '\r', '\x1F', '*', '\x80', '\xFF'}) {
-        for (std::size_t place = 1; place < 200; ++place) {
+        for (std::size_t position = 1; position < 200; ++position) {
             std::string text;
             while (text.size() < 220) {
                 text += text.size() % 3 == 0 ? ' ' : '\x7F';
             }
-            text[place] = byte;
-            text[place + 1] = byte;
+            text[position] = byte;
+            text[position + 1] = byte;
             Buffered bench(text);
             int16_t column = 0;
             put_plain_text(bench.stream, bench.instance, column);
-            EXPECT_EQ(column, static_cast<int>(place)) << static_cast<int>(byte);
-            EXPECT_EQ(bench.tell(), place);
-            EXPECT_EQ(bench.take().size(), place);
+            EXPECT_EQ(column, static_cast<int>(position)) << static_cast<int>(byte);
+            EXPECT_EQ(bench.tell(), position);
+            EXPECT_EQ(bench.take().size(), position);
         }
     }
 }

@@ -1,5 +1,5 @@
-// Opening a document step by step, the section, telling and seeking, and the choice of the
-// line reader.
+// Opening a document step by step, the section, reporting positions and seeking, and the choice of
+// the line reader.
 #include "tests/module/bench.h"
 
 #include "vs_pfs/document_headers.h"

@@ -120,58 +120,58 @@ const Family choice_family = {
     std::string("\x80\x80\x40\x40\x48\x0C\x0D\xA0 a\x08\x0E\x00", 13),
     {"\x80\x0D", "\x80@@\x0D", "\xA0@@@\x0C", "\xA0H@\x0C", "a", " ", "\xA0\x01", "\x0C"}};
 
-std::vector<std::size_t> places_after_line_ends(const std::string &body, const Family &family)
+std::vector<std::size_t> positions_after_line_ends(const std::string &body, const Family &family)
 {
-    std::vector<std::size_t> places;
+    std::vector<std::size_t> positions;
     for (std::size_t i = 0; i < body.size(); ++i) {
         if (family.line_ends.find(body[i]) != std::string::npos) {
-            places.push_back(i + 1);
+            positions.push_back(i + 1);
         }
     }
-    return places;
+    return positions;
 }
 
-// Asks the module at a place as its reader would.
-bool module_says_hard(Bench &bench, const Family &family, std::size_t place, int16_t column)
+// Asks the module at a position as its reader would.
+bool module_says_hard(Bench &bench, const Family &family, std::size_t position, int16_t column)
 {
-    VwCharSeek(bench.stream, static_cast<uint32_t>(place), 0);
+    VwCharSeek(bench.stream, static_cast<uint32_t>(position), 0);
     uint16_t hard = 1;
     family.determine_ender(bench.stream, column, &hard, bench.instance);
-    EXPECT_EQ(bench.tell(), place);
+    EXPECT_EQ(bench.tell(), position);
     return hard != 0;
 }
 
-bool plain_scan_says_hard(const std::string &body, const Family &family, std::size_t place,
+bool plain_scan_says_hard(const std::string &body, const Family &family, std::size_t position,
                           int16_t column, int16_t right_margin)
 {
-    const int16_t length = family.word_length(body, place);
+    const int16_t length = family.word_length(body, position);
     return length == 0 || column + length <= right_margin;
 }
 
 void expect_same_answers(const std::string &body, const Family &family,
-                         const std::vector<std::size_t> &places, int16_t column,
+                         const std::vector<std::size_t> &positions, int16_t column,
                          int16_t right_margin, uint32_t most_per_read)
 {
     Bench bench(body);
     bench.file.keep_log = false;
     bench.file.most_per_read = most_per_read;
     bench.saved().rightMargin = static_cast<uint16_t>(right_margin);
-    for (const std::size_t place : places) {
-        ASSERT_EQ(module_says_hard(bench, family, place, column),
-                  plain_scan_says_hard(body, family, place, column, right_margin))
-            << family.name << " at " << place << " column " << column << " margin " << right_margin
-            << " buffers of " << most_per_read;
+    for (const std::size_t position : positions) {
+        ASSERT_EQ(module_says_hard(bench, family, position, column),
+                  plain_scan_says_hard(body, family, position, column, right_margin))
+            << family.name << " at " << position << " column " << column << " margin "
+            << right_margin << " buffers of " << most_per_read;
     }
 }
 
 // With whole buffers, in which words are looked at, and with small ones, past which they run.
 void expect_same_answers(const std::string &body, const Family &family,
-                         const std::vector<std::size_t> &places, int16_t column,
+                         const std::vector<std::size_t> &positions, int16_t column,
                          int16_t right_margin)
 {
     const auto few_bytes = static_cast<uint32_t>(1 + body.size() % 50);
-    expect_same_answers(body, family, places, column, right_margin, UINT32_MAX);
-    expect_same_answers(body, family, places, column, right_margin, few_bytes);
+    expect_same_answers(body, family, positions, column, right_margin, UINT32_MAX);
+    expect_same_answers(body, family, positions, column, right_margin, few_bytes);
 }
 
 std::string random_body(std::mt19937 &random, const std::string &alphabet, std::size_t size)
@@ -230,10 +230,10 @@ TEST_P(WordLookahead, AnswersRandomHostileBodiesAsThePlainScanDoes)
         SCOPED_TRACE("body " + std::to_string(number));
         std::mt19937 random(static_cast<unsigned>(number));
         const std::string body = any_body(random, family);
-        const auto places = places_after_line_ends(body, family);
+        const auto positions = positions_after_line_ends(body, family);
         const auto column = static_cast<int16_t>(random() % 40);
-        expect_same_answers(body, family, places, column, any_margin(random));
-        line_ends += places.size();
+        expect_same_answers(body, family, positions, column, any_margin(random));
+        line_ends += positions.size();
     }
     std::cout << bodies << " bodies, numbered from " << first << ", " << line_ends
               << " line ends\n";
@@ -246,9 +246,9 @@ TEST_P(WordLookahead, AnswersRightWhateverTheOrderOfPlaces)
     std::mt19937 random(7);
     for (int i = 0; i < 500; ++i) {
         const std::string body = random_body(random, family.alphabet.substr(0, 6), 200);
-        auto places = places_after_line_ends(body, family);
-        std::shuffle(places.begin(), places.end(), random);
-        expect_same_answers(body, family, places, 3, 40);
+        auto positions = positions_after_line_ends(body, family);
+        std::shuffle(positions.begin(), positions.end(), random);
+        expect_same_answers(body, family, positions, 3, 40);
     }
 }
 
@@ -270,7 +270,7 @@ TEST_P(WordLookahead, CountsWordsInSixteenBitsThatWrap)
     const Family &family = *GetParam();
     // Two characters a line: the word's length passes 32767 and 65535 on the way.
     const std::string body = endless_word(family, 40000);
-    const auto all = places_after_line_ends(body, family);
+    const auto all = positions_after_line_ends(body, family);
     std::vector<std::size_t> some; // the plain scan is slow here
     for (std::size_t i = 0; i < all.size(); i += 400) {
         some.push_back(all[i]);
@@ -290,8 +290,8 @@ unsigned reads_of(const std::string &body, const Family &family)
     Bench bench(body);
     bench.file.keep_log = false;
     bench.saved().rightMargin = 60;
-    for (const std::size_t place : places_after_line_ends(body, family)) {
-        while (bench.tell() < place) {
+    for (const std::size_t position : positions_after_line_ends(body, family)) {
+        while (bench.tell() < position) {
             VwCharGet(bench.stream);
         }
         uint16_t hard = 1;
@@ -370,7 +370,7 @@ TEST(WordLookaheadFaults, ComesBackWhenTheFileChangesUnderIt)
     module_says_hard(bench, write_family, 3003, 1);
 }
 
-// What is remembered of the word ends now before the place that is asked about: the answer is
+// What is remembered of the word ends now before the position that is asked about: the answer is
 // that of a fresh scan.
 TEST(WordLookaheadFaults, ScansAgainWhereTheRememberedWordIsGone)
 {
@@ -387,7 +387,7 @@ TEST(WordLookaheadFaults, ScansAgainWhereTheRememberedWordIsGone)
     EXPECT_FALSE(module_says_hard(bench, write_family, 3003, 1));
 }
 
-// The remembered scan is followed from its own beginning, the fresh one starts at the place.
+// The remembered scan is followed from its own beginning, the fresh one starts at the position.
 TEST(WordLookaheadFaults, ScansAgainFromThePlaceThatIsAskedAbout)
 {
     Bench bench(endless_word(write_family, 2000));

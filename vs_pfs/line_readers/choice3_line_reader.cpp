@@ -1,14 +1,14 @@
 // The text of First Choice 3 documents.
 //
 // Each line is a chain of header bytes, then text, then 0x0D. Every header byte with bit
-// 0x40 is followed by another. The first one tells what the line is:
+// 0x40 is followed by another. The first one says what the line is:
 //
 //   0x10 clear, 0x08 and 0x04 set   a ruler, read by Fc3GetRuler right after this byte
 //   0x10 clear, 0x08 set            a page break; the line's bytes are passed over
 //   else                            text, which ends its paragraph if the chain is two
 //                                   bytes long and the second has bit 0x01
 //
-// So there is no lookahead, and no spacing at line ends. 0x0E, in place of a header byte or
+// So there is no lookahead, and no spacing at line ends. 0x0E, instead of a header byte or
 // within a line, ends the document. Text: see choice_text.h; 0x0C has no meaning in it.
 // Test: tests/module/choice3_line_reader_test.cpp.
 #include "vs_pfs/document_headers.h"

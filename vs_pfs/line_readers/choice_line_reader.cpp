@@ -4,7 +4,7 @@
 //   0x0E        end of the document
 //   others      text: see choice_text.h
 //
-// As in PFS: WRITE the reader tells a wrapped line by the next line's first word. The
+// As in PFS: WRITE the reader recognises a wrapped line by the next line's first word. The
 // spacing is reported at every line end, before that is decided.
 // Test: tests/module/choice_line_reader_test.cpp.
 #include "vs_pfs/line_readers.h"
@@ -98,7 +98,7 @@ struct ReadChoiceToken {
                 byte &= low_seven_bits;
             }
         }
-        return byte == space ? Token::blank : Token::word;
+        return byte == space ? Token::gap : Token::word;
     }
 };
 

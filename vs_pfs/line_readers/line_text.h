@@ -55,7 +55,7 @@ int count_plain(const VwCharStream *stream, uint8_t lowest);
 uint8_t put_plain_text(VwCharStream *stream, const VwInstance *instance, int16_t &column);
 
 // Whether put_ordinary_text may go on from here. While spaces count as indent, only a byte
-// that is text by itself tells so.
+// that is text by itself will do.
 inline bool text_follows(const VwCharStream *stream, bool spaces_are_indent)
 {
     return stream->remaining > 0 &&

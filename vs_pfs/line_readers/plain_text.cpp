@@ -9,7 +9,7 @@
 namespace vs_pfs {
 namespace {
 
-// Eight bytes looked at together, the first in the lowest place.
+// Eight bytes looked at together, the first in the lowest byte.
 using Word = uint64_t;
 constexpr int word_size = sizeof(Word);
 constexpr int block_size = 64;
@@ -31,7 +31,7 @@ constexpr Word mark_others(Word word, uint8_t lowest)
     return (word | below | asterisks) & (each_byte * high_bit);
 }
 
-// The same for 64 bytes, a bit for each, the first in the lowest place.
+// The same for 64 bytes, a bit for each, the lowest for the first.
 uint64_t mark_others_of_block(const uint8_t *at)
 {
     constexpr Word gather = 0x0102040810204080; // takes the bytes' lowest bits to the top byte

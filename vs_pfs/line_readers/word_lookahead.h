@@ -1,5 +1,5 @@
-// The length of the word that follows a line end, by which two of the readers tell a
-// wrapped line from one that was ended on purpose.
+// The length of the word that follows a line end, by which two of the readers
+// distinguish a wrapped line from one that was ended on purpose.
 //
 // It scans the first word of the next line. That is a few bytes in a document that someone
 // wrote. But the lookahead takes more bytes for attribute bytes than the readers do, and
@@ -26,8 +26,8 @@ namespace vs_pfs {
 
 // What the lookahead makes of one stored character, its attribute bytes included. A reader's
 // own ReadToken, called with a source of bytes, reads one stored character: it passes at least
-// one byte, or answers stop. Its function stops() tells the first bytes at which it does so.
-enum class Token { word, blank, stop };
+// one byte, or answers stop. Its function stops() says which first bytes do that.
+enum class Token { word, gap, stop };
 
 // Bytes as the stream delivers them. The stream follows when its buffer is used up; afterwards
 // it has to be positioned.
@@ -119,7 +119,7 @@ private:
 };
 
 // A word that goes past the end of the buffer is read twice, for the lookahead and for the
-// text. Where little is left of the buffer, it begins anew at the word.
+// text. Where little is left of the buffer, it begins again at the word.
 inline constexpr int common_word_length = 32;
 
 // Scans the word that `bytes` begin with.
@@ -131,7 +131,7 @@ LookaheadMemo scan_word(VwCharStream *stream, Bytes &bytes)
     for (;;) {
         memo.stop = bytes.position();
         const Token token = ReadToken()(bytes);
-        if (token == Token::stop || (token == Token::blank && !leading)) {
+        if (token == Token::stop || (token == Token::gap && !leading)) {
             return memo;
         }
         if (token == Token::word) {
@@ -215,7 +215,7 @@ template <typename ReadToken> int count_letters(const VwCharStream *stream)
 }
 
 // The number of characters of the first word from the stream's position on, its leading
-// blanks left out, as a signed 16-bit counter that wraps. The stream stays where it is,
+// spaces left out, as a signed 16-bit counter that wraps. The stream stays where it is,
 // which must be just after a line end byte.
 template <typename ReadToken> int16_t next_word_length(VwCharStream *stream, VwInstance *instance)
 {

@@ -240,9 +240,9 @@ struct ReadWriteToken {
         if (stops(byte)) {
             return Token::stop;
         }
-        constexpr int high_bit_place = 7;
-        next_byte.skip(byte >> high_bit_place); // no branch, which hostile bytes would mislead
-        return byte == space ? Token::blank : Token::word;
+        constexpr int high_bit_position = 7;
+        next_byte.skip(byte >> high_bit_position); // no branch, which hostile bytes would mislead
+        return byte == space ? Token::gap : Token::word;
     }
 };
 
