@@ -1,7 +1,7 @@
 #include "tests/model/documents.h"
 
-#include "raw_documents.h"
 #include "tests/model/bodies.h"
+#include "tests/support/raw_documents.h"
 
 #include <algorithm>
 #include <array>

@@ -7,9 +7,9 @@
 // would save there.
 #pragma once
 
-#include "notation.h"
 #include "tests/model/answers.h"
 #include "tests/model/text.h"
+#include "tests/support/notation.h"
 
 #include <array>
 #include <cstdint>

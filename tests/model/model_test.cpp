@@ -5,8 +5,8 @@
 // documents reach every routine, and that the model reads well-known texts right.
 #include "tests/model/trials.h"
 
-#include "notation.h"
-#include "raw_documents.h"
+#include "tests/support/notation.h"
+#include "tests/support/raw_documents.h"
 
 #include <gtest/gtest.h>
 

@@ -3,10 +3,10 @@
 // for millions of documents.
 #pragma once
 
-#include "memory_block_file.h"
 #include "tests/model/answers.h"
 #include "tests/model/model.h"
 #include "tests/model/saved_state.h"
+#include "tests/support/memory_block_file.h"
 
 #include <cstdint>
 #include <string>

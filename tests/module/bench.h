@@ -2,8 +2,8 @@
 // over bytes that need not be a document, and shorthands for what opens each read call.
 #pragma once
 
-#include "raw_documents.h"
-#include "recording_host.h"
+#include "tests/support/raw_documents.h"
+#include "tests/support/recording_host.h"
 #include "vs_pfs/filter_interface.h"
 
 #include <algorithm>

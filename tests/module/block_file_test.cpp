@@ -1,5 +1,5 @@
 // The helpers over the host's file operations, and opening a file beside an open one.
-#include "memory_block_file.h"
+#include "tests/support/memory_block_file.h"
 #include "vs_pfs.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // The character stream: delivering, taking back, refilling, positioning.
 #include "vs_pfs/char_stream.h"
 
-#include "memory_block_file.h"
-#include "notation.h"
+#include "tests/support/memory_block_file.h"
+#include "tests/support/notation.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 // both languages.
 #include "vs_pfs.h"
 
-#include "memory_block_file.h"
 #include "tests/module/header_languages.h"
+#include "tests/support/memory_block_file.h"
 
 #include <gtest/gtest.h>
 

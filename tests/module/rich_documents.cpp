@@ -1,7 +1,7 @@
 #include "tests/module/rich_documents.h"
 
-#include "notation.h"
-#include "raw_documents.h"
+#include "tests/support/notation.h"
+#include "tests/support/raw_documents.h"
 
 namespace tests {
 
