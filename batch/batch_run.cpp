@@ -16,7 +16,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -257,4 +257,4 @@ int run_batch(const BatchRequest &request)
     return report_end(request, run, fault);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 struct BatchRequest {
     InputOptions inputs;
@@ -73,4 +73,4 @@ private:
     std::vector<std::jthread> threads_; // of the lanes; are gone before these
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -1,9 +1,9 @@
 #include "batch/canary.h"
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 void add_canary_option(CLI::App &) {}
 
 void sing(ByteSource &, Output &) {}
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -9,9 +9,9 @@
 
 #include <CLI/CLI.hpp>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 void add_canary_option(CLI::App &app);
 void sing(ByteSource &document, Output &output);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -13,7 +13,7 @@
 #include <string_view>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -68,8 +68,8 @@ Status check_scratch_files(const Format &format)
     if (format.scratch_files == 0) {
         return {};
     }
-    const OpenFile file(open_scratch_file());
-    return file.get() < 0 ? Status(scratch_error(errno)) : Status();
+    const OpenFile file(base::open_scratch_file());
+    return file.get() < 0 ? Status(base::scratch_error(errno)) : Status();
 }
 
 ProgressForm progress_form(bool quiet)
@@ -185,7 +185,7 @@ Result<ConversionSettings> BatchCommandLine::conversion()
         return Error{ErrorKind::usage, "there is no output format \"" + format_ + "\"",
                      "see pfsdoc convert --help"};
     }
-    if (const Status misfit = check_format_options(app_, *format)) {
+    if (const Status misfit = cli::check_format_options(app_, *format)) {
         return *misfit;
     }
     Result<CodePage> page = charset_.empty() ? CodePage::ibm437() : CodePage::named(charset_);
@@ -235,4 +235,4 @@ Result<BatchRequest> BatchCommandLine::request()
     return request;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // What was asked for, as it stands on the command line.
 class BatchCommandLine {
@@ -55,4 +55,4 @@ private:
     std::optional<Module> module_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

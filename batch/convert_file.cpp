@@ -14,7 +14,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -148,7 +148,7 @@ Status write_document(Document &document, std::string_view title, DescriptorOutp
 {
     outcome.kind = static_cast<int32_t>(document.kind());
     outcome.basis.set(document.identity().basis);
-    const DocumentInfo info{document.kind(), printable(title)};
+    const DocumentInfo info{document.kind(), base::printable(title)};
     const Status fault = settings.format->make_event_writer != nullptr
                              ? write_events(document, output, settings)
                              : write_blocks(document, info, output, settings, outcome);
@@ -163,7 +163,7 @@ Status write_document(Document &document, std::string_view title, DescriptorOutp
 FileStatus status_of(const Error &fault, const DescriptorOutput &output)
 {
     return fault.kind == ErrorKind::output && !output.failed() ? FileStatus::internal
-                                                               : status_of(fault.kind);
+                                                               : batch::status_of(fault.kind);
 }
 
 void settle(const Status &fault, DescriptorOutput &output, Outcome &outcome)
@@ -228,4 +228,4 @@ Outcome convert_file(const Job &job, JobFiles files, const ConversionSettings &s
     return outcome;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -10,7 +10,7 @@
 
 #include <cstdint>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // The same for all files of a run.
 struct ConversionSettings {
@@ -30,4 +30,4 @@ struct JobFiles {
 // The answer to anything that is wrong is an outcome too, except that std::bad_alloc is thrown.
 Outcome convert_file(const Job &job, JobFiles files, const ConversionSettings &settings);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

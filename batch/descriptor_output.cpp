@@ -4,7 +4,7 @@
 #include <cstring>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -63,4 +63,4 @@ Status DescriptorOutput::failure() const
     return {};
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 class DescriptorOutput final : public Output {
 public:
@@ -50,4 +50,4 @@ private:
     bool over_limit_ = false;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

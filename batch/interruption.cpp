@@ -7,7 +7,7 @@
 #include <csignal>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -43,4 +43,4 @@ bool was_interrupted()
     return interrupted;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

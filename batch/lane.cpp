@@ -12,7 +12,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -22,7 +22,7 @@ Job job_of(const RecordedFile &file, const std::optional<EarlierRecord> &earlier
 {
     Job job;
     job.size = file.size;
-    job.title.set(base_name(file.name));
+    job.title.set(base::base_name(file.name));
     if (earlier) {
         job.has_earlier = 1;
         job.has_earlier_output = earlier->output.empty() ? 0 : 1;
@@ -171,4 +171,4 @@ void Lane::close(Task &task, const Outcome &outcome)
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

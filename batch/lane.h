@@ -17,7 +17,7 @@
 #include <optional>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // What the lanes of a run have in common.
 struct LaneSetting {
@@ -67,4 +67,4 @@ private:
     WorkerClient worker_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // To be called with the mutex held, as is_time_to_place().
 void Ledger::call_clerk()
@@ -129,4 +129,4 @@ Status Ledger::fault() const
     return fault_;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

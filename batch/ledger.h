@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 class Ledger {
 public:
@@ -94,4 +94,4 @@ private:
     std::condition_variable clerk_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

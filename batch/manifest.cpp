@@ -12,7 +12,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -119,7 +119,7 @@ std::string EarlierLines::line_at(const Place &place) const
 
 std::vector<std::string> EarlierLines::find(const std::string &name) const
 {
-    const uint64_t wanted = part_of_digest(printable(name));
+    const uint64_t wanted = part_of_digest(base::printable(name));
     auto place = std::lower_bound(
         places_.begin(), places_.end(), wanted,
         [](const Place &one, uint64_t digest) { return one.name_digest < digest; });
@@ -189,4 +189,4 @@ Status Manifest::finish()
     return {};
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -18,7 +18,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // Lines of files that may have been cut anywhere, by the name that is in them.
 class EarlierLines {
@@ -67,4 +67,4 @@ private:
     EarlierLines earlier_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <type_traits>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // The first message of a worker: whether it is ready, and what holds it.
 struct Hello {
@@ -31,4 +31,4 @@ struct Job {
 };
 static_assert(std::is_trivially_copyable_v<Job>);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

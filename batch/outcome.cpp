@@ -1,6 +1,6 @@
 #include "batch/outcome.h"
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -52,4 +52,4 @@ bool is_sane(const Outcome &outcome)
             (outcome.kind != no_kind && outcome.has_input_digest != 0));
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -19,7 +19,7 @@
 #include <string_view>
 #include <type_traits>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 enum class FileStatus : uint32_t {
     converted,
@@ -107,4 +107,4 @@ Outcome failed_outcome(FileStatus status, const Error &error);
 // Whether a record that was received can be used.
 bool is_sane(const Outcome &outcome);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

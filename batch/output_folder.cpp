@@ -11,7 +11,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -128,4 +128,4 @@ OpenFile OutputFolder::open_existing(const std::string &name, uint64_t size) con
     return is_it ? std::move(file) : OpenFile();
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -9,7 +9,7 @@
 
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // An output that is being written; without commit it is gone.
 class PendingOutput {
@@ -66,4 +66,4 @@ private:
     OpenFile folder_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

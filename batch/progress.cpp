@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <numeric>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -119,7 +119,7 @@ int report_error(const Error &error)
 
 void report_line(const std::string &line)
 {
-    put("pfsdoc: " + printable(line) + "\n");
+    put("pfsdoc: " + base::printable(line) + "\n");
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

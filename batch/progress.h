@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // How many files have which status.
 class Tally {
@@ -54,4 +54,4 @@ private:
 int report_error(const Error &error);
 void report_line(const std::string &line);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

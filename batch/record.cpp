@@ -5,7 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -13,20 +13,20 @@ using nlohmann::json;
 
 void append_null(std::string &line, std::string_view name)
 {
-    append_json_name(line, name);
+    base::append_json_name(line, name);
     line += "null";
 }
 
 // A worker's texts may be anything.
 void append_text(std::string &line, std::string_view name, std::string_view text)
 {
-    append_json_member(line, name, printable(text));
+    base::append_json_member(line, name, base::printable(text));
 }
 
 // Begins a member that is an object.
 void open_object(std::string &line, std::string_view name)
 {
-    append_json_name(line, name);
+    base::append_json_name(line, name);
     line += '{';
 }
 
@@ -39,8 +39,8 @@ void append_kind(std::string &line, const Outcome &outcome)
         return;
     }
     const auto kind = static_cast<DocumentKind>(outcome.kind);
-    append_json_member(line, "kind", display_name(kind));
-    append_json_member(line, "file_id", file_id(kind));
+    base::append_json_member(line, "kind", display_name(kind));
+    base::append_json_member(line, "file_id", file_id(kind));
     append_text(line, "basis", outcome.basis.get());
 }
 
@@ -54,7 +54,7 @@ void append_error(std::string &line, const Outcome &outcome)
     append_text(line, "words", outcome.what.get());
     append_text(line, "remedy", outcome.remedy.get());
     if (outcome.error_offset != no_offset) {
-        append_json_member(line, "offset", outcome.error_offset);
+        base::append_json_member(line, "offset", outcome.error_offset);
     }
     line += '}';
 }
@@ -66,10 +66,10 @@ void append_counts(std::string &line, const Outcome &outcome)
         return;
     }
     open_object(line, "counts");
-    append_json_member(line, "paragraphs", outcome.counts.paragraphs);
-    append_json_member(line, "characters", outcome.counts.characters);
-    append_json_member(line, "page_breaks", outcome.counts.page_breaks);
-    append_json_member(line, "header_lines", outcome.counts.header_lines);
+    base::append_json_member(line, "paragraphs", outcome.counts.paragraphs);
+    base::append_json_member(line, "characters", outcome.counts.characters);
+    base::append_json_member(line, "page_breaks", outcome.counts.page_breaks);
+    base::append_json_member(line, "header_lines", outcome.counts.header_lines);
     line += '}';
 }
 
@@ -78,7 +78,7 @@ void append_losses(std::string &line, const Outcome &outcome)
     open_object(line, "losses");
     for (std::size_t i = 0; i < outcome.losses.size(); ++i) {
         if (outcome.losses[i] != 0) {
-            append_json_member(line, loss_name(static_cast<Loss>(i)), outcome.losses[i]);
+            base::append_json_member(line, loss_name(static_cast<Loss>(i)), outcome.losses[i]);
         }
     }
     line += '}';
@@ -92,8 +92,8 @@ void append_output(std::string &line, const RecordedFile &file, const Outcome &o
     }
     open_object(line, "output");
     append_text(line, "name", file.output);
-    append_json_member(line, "size", outcome.output_size);
-    append_json_member(line, "sha256", hex_of(outcome.output_digest));
+    base::append_json_member(line, "size", outcome.output_size);
+    base::append_json_member(line, "sha256", hex_of(outcome.output_digest));
     line += '}';
 }
 
@@ -112,7 +112,7 @@ std::optional<EarlierRecord> usable(const json &members, const RecordedFile &fil
                                     const RecordedRequest &request)
 {
     const auto status = status_of_name(members.at("status").get<std::string>());
-    const bool is_same = members.at("name").get<std::string>() == printable(file.name) &&
+    const bool is_same = members.at("name").get<std::string>() == base::printable(file.name) &&
                          members.at("size").get<uint64_t>() == file.size &&
                          members.at("format").get<std::string>() == request.format &&
                          members.at("options").get<std::string>() == request.options &&
@@ -141,21 +141,21 @@ std::string record_line(const RecordedFile &file, const RecordedRequest &request
 {
     std::string line = "{";
     append_text(line, "name", file.name);
-    append_json_member(line, "size", file.size);
+    base::append_json_member(line, "size", file.size);
     if (outcome.has_input_digest != 0) {
-        append_json_member(line, "sha256", hex_of(outcome.input_digest));
+        base::append_json_member(line, "sha256", hex_of(outcome.input_digest));
     } else {
         append_null(line, "sha256");
     }
     append_kind(line, outcome);
-    append_json_member(line, "status", status_name(outcome.status));
+    base::append_json_member(line, "status", status_name(outcome.status));
     append_error(line, outcome);
     append_counts(line, outcome);
     append_losses(line, outcome);
     append_output(line, file, outcome);
-    append_json_member(line, "format", request.format);
-    append_json_member(line, "options", request.options);
-    append_json_member(line, "pfsdoc", std::string_view(PFSDOC_VERSION));
+    base::append_json_member(line, "format", request.format);
+    base::append_json_member(line, "options", request.options);
+    base::append_json_member(line, "pfsdoc", std::string_view(PFSDOC_VERSION));
     return line + "}\n";
 }
 
@@ -178,4 +178,4 @@ std::optional<std::string> recorded_name(std::string_view line)
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

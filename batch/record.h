@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // What a line says of its file beside the outcome.
 struct RecordedFile {
@@ -48,4 +48,4 @@ std::optional<EarlierRecord> usable_record(std::string_view line, const Recorded
 // The name in a line; nothing where it is no line of a manifest.
 std::optional<std::string> recorded_name(std::string_view line);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -5,7 +5,7 @@
 #include <openssl/evp.h>
 #include <stdexcept>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -88,4 +88,4 @@ std::optional<Digest> digest_of_hex(std::string_view digits)
     return digest;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

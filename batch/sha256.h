@@ -11,7 +11,7 @@
 
 struct evp_md_ctx_st;
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 using Digest = std::array<uint8_t, 32>;
 
@@ -35,4 +35,4 @@ Digest sha256_of(std::string_view bytes);
 std::string hex_of(const Digest &digest);
 std::optional<Digest> digest_of_hex(std::string_view digits);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -56,9 +56,9 @@ Result<std::vector<int>> open_scratch_files(std::size_t count)
 {
     std::vector<int> files;
     while (files.size() < count) {
-        files.push_back(open_scratch_file());
+        files.push_back(base::open_scratch_file());
         if (files.back() < 0) {
-            return scratch_error(errno);
+            return base::scratch_error(errno);
         }
     }
     return files;
@@ -131,4 +131,4 @@ void run_worker(int socket, const WorkerSettings &settings)
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

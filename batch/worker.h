@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 struct WorkerSettings {
     ConversionSettings conversion;
@@ -19,4 +19,4 @@ struct WorkerSettings {
 // standard streams, and closes all else.
 [[noreturn]] void run_worker(int socket, const WorkerSettings &settings);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -14,7 +14,7 @@
 #include <sys/wait.h>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -158,4 +158,4 @@ Result<Outcome> WorkerClient::convert(const Job &job, std::span<const int> descr
     return receive();
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -12,7 +12,7 @@
 #include <string>
 #include <sys/types.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 class WorkerClient {
 public:
@@ -49,4 +49,4 @@ private:
     std::string sandbox_words_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

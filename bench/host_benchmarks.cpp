@@ -70,11 +70,11 @@ private:
         ViewSource source(document_);
         NoOutput output;
         const double begin = thread_seconds();
-        const pfsdoc::Result<pfsdoc::Identity> identity = pfsdoc::identify(source);
-        pfsdoc::TextWriter writer(output);
-        const pfsdoc::Status fault =
-            pfsdoc::read_document(scene_.subject.module(), source, identity.value().kind, writer,
-                                  {pfsdoc::Offsets::none, pfsdoc::Stops::for_margins});
+        const pfsdoc::Result<pfsdoc::batch::Identity> identity = pfsdoc::identify(source);
+        pfsdoc::writers::TextWriter writer(output);
+        const pfsdoc::Status fault = pfsdoc::reading::read_document(
+            scene_.subject.module(), source, identity.value().kind, writer,
+            {pfsdoc::reading::Offsets::none, pfsdoc::reading::Stops::for_margins});
         writer.finish();
         const double seconds = thread_seconds() - begin;
         if (fault || output.written < document_.size() / 2) {

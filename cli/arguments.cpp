@@ -4,7 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
@@ -44,4 +44,4 @@ void occupy_standard_streams()
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

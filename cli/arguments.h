@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 // The arguments without the program's name, in the reverse order in which CLI11 takes them.
 // Names that would be misread are given a path that leads to the same file.
@@ -15,4 +15,4 @@ std::vector<std::string> reversed_arguments(int argument_count, char **arguments
 // messages would go into a document. The stand-ins fail when they are used.
 void occupy_standard_streams();
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

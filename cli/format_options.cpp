@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
@@ -49,4 +49,4 @@ Status check_format_options(const CLI::App &command, const Format &format)
     return {};
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

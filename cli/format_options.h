@@ -7,9 +7,9 @@
 
 #include <CLI/CLI.hpp>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 // An error for the first option that was given and that the format does not read.
 Status check_format_options(const CLI::App &command, const Format &format);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

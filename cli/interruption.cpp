@@ -7,7 +7,7 @@
 #include <string_view>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
@@ -53,13 +53,13 @@ void handle_interruptions()
     }
 }
 
-Result<std::unique_ptr<FileOutput>> create_interruptible(const std::string &path,
-                                                         uint64_t max_bytes)
+Result<std::unique_ptr<base::FileOutput>> create_interruptible(const std::string &path,
+                                                               uint64_t max_bytes)
 {
     const sigset_t set = ending_signal_set();
     sigset_t before;
     ::sigprocmask(SIG_BLOCK, &set, &before);
-    Result<std::unique_ptr<FileOutput>> output = FileOutput::create(path, max_bytes);
+    Result<std::unique_ptr<base::FileOutput>> output = base::FileOutput::create(path, max_bytes);
     if (output.ok() && output.value()->temporary_path().size() < temporary_path.size()) {
         const std::string &path_for_now = output.value()->temporary_path();
         std::copy_n(path_for_now.c_str(), path_for_now.size() + 1, temporary_path.data());
@@ -68,4 +68,4 @@ Result<std::unique_ptr<FileOutput>> create_interruptible(const std::string &path
     return output;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

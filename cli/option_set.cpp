@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
@@ -21,4 +21,4 @@ OptionSet wanted_options(const std::vector<std::string> &arguments)
     return all_usual ? OptionSet::usual : OptionSet::all;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

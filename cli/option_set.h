@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 enum class OptionSet {
     usual, // operands, -o and -t
@@ -18,4 +18,4 @@ enum class OptionSet {
 // names cannot be found by whoever looks for it. A help text names them all.
 OptionSet wanted_options(const std::vector<std::string> &arguments);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

@@ -7,7 +7,7 @@
 #include <system_error>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
@@ -54,4 +54,4 @@ int become_batch(char **arguments)
                        "install it beside pfsdoc"});
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

@@ -8,7 +8,7 @@
 #include <memory>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 inline constexpr std::string_view batch_command = "batch";
 
@@ -19,4 +19,4 @@ std::unique_ptr<CommandLine> batch_command_line();
 // back only where that fails, with the exit code.
 int become_batch(char **arguments);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

@@ -13,7 +13,7 @@
 #include <memory>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 class CommandLine {
 public:
@@ -48,4 +48,4 @@ private:
     std::string name_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

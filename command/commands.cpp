@@ -10,20 +10,20 @@
 #include <unistd.h>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
 // A document to be read, and where its output goes.
 struct Job {
     Document document;
-    std::unique_ptr<FileOutput> output;
+    std::unique_ptr<base::FileOutput> output;
 };
 
 // Pass on what they get as long as the output takes it: what is not wanted need not be read.
 class BlockGuard final : public BlockSink {
 public:
-    BlockGuard(Writer &writer, const FileOutput &output) : writer_(writer), output_(output) {}
+    BlockGuard(Writer &writer, const base::FileOutput &output) : writer_(writer), output_(output) {}
 
     void paragraph(const Paragraph &paragraph) override
     {
@@ -47,7 +47,7 @@ public:
     {
         writer_.end_of_document();
     }
-    static void check(const FileOutput &output)
+    static void check(const base::FileOutput &output)
     {
         if (output.failed()) {
             throw ReadingStopped(*output.failure());
@@ -56,12 +56,15 @@ public:
 
 private:
     Writer &writer_;
-    const FileOutput &output_;
+    const base::FileOutput &output_;
 };
 
 class EventGuard final : public EventSink {
 public:
-    EventGuard(EventWriter &writer, const FileOutput &output) : writer_(writer), output_(output) {}
+    EventGuard(EventWriter &writer, const base::FileOutput &output)
+        : writer_(writer), output_(output)
+    {
+    }
 
     int32_t on_event(const Event &event, uint32_t offset) override
     {
@@ -71,7 +74,7 @@ public:
 
 private:
     EventWriter &writer_;
-    const FileOutput &output_;
+    const base::FileOutput &output_;
 };
 
 // The output is made last: nothing that is wrong with the document may touch it.
@@ -86,7 +89,7 @@ Result<Job> begin(const DocumentRequest &request, bool source_offsets)
     if (!document.ok()) {
         return document.error();
     }
-    Result<std::unique_ptr<FileOutput>> output = make_output(request);
+    Result<std::unique_ptr<base::FileOutput>> output = make_output(request);
     if (!output.ok()) {
         return output.error();
     }
@@ -97,7 +100,7 @@ Status write_events(Job &job, EventWriter &writer, bool in_steps)
 {
     EventGuard guard(writer, *job.output);
     const Status fault = job.document.read_events(guard, in_steps);
-    if (is_read_to_end(fault)) {
+    if (reading::is_read_to_end(fault)) {
         writer.finish();
     }
     return settle(*job.output, fault);
@@ -113,7 +116,7 @@ Status write_blocks(Job &job, Writer &writer)
 // The name that a document is known by: its file's, without the folders.
 std::string title_of(const std::string &file)
 {
-    return file == "-" ? "" : printable(base_name(file));
+    return file == "-" ? "" : base::printable(base::base_name(file));
 }
 
 void report_losses(const std::string &subject, const Writer &writer)
@@ -122,7 +125,7 @@ void report_losses(const std::string &subject, const Writer &writer)
         std::string line = "pfsdoc: " + subject + ": not in the output: ";
         line.append(loss_words(entry.loss)).append(" (").append(std::to_string(entry.count));
         line.append(", first at byte ").append(std::to_string(entry.first_source)).append(")");
-        static_cast<void>(std::fprintf(stderr, "%s\n", printable(line).c_str()));
+        static_cast<void>(std::fprintf(stderr, "%s\n", base::printable(line).c_str()));
     }
 }
 
@@ -139,7 +142,7 @@ Status convert(Job &job, const ConvertRequest &request)
         return writer.error();
     }
     Status fault = write_blocks(job, *writer.value());
-    if (request.report && is_read_to_end(fault)) {
+    if (request.report && reading::is_read_to_end(fault)) {
         report_losses(subject_of(request.document.file), *writer.value());
     }
     return fault;
@@ -156,7 +159,7 @@ int report(const std::string &subject, const Error &error)
     }
     line.append(error.remedy.empty() ? "" : "; ").append(error.remedy);
     // Where standard error is gone there is nobody to tell that it is.
-    static_cast<void>(std::fprintf(stderr, "%s\n", printable(line).c_str()));
+    static_cast<void>(std::fprintf(stderr, "%s\n", base::printable(line).c_str()));
     return exit_code(error.kind);
 }
 
@@ -166,7 +169,7 @@ int run_trace(const TraceRequest &request)
     if (!job.ok()) {
         return report(subject_of(request.document.file), job.error());
     }
-    TraceWriter writer(*job.value().output, request.options);
+    writers::TraceWriter writer(*job.value().output, request.options);
     const Status fault = write_events(job.value(), writer, request.stop);
     return fault ? report(subject_of(request.document.file), *fault) : 0;
 }
@@ -192,7 +195,7 @@ int run_convert(const ConvertRequest &request)
 
 int run_print(std::string_view text)
 {
-    const Result<std::unique_ptr<FileOutput>> output = FileOutput::create("");
+    const Result<std::unique_ptr<base::FileOutput>> output = base::FileOutput::create("");
     if (!output.ok()) {
         return report("", output.error());
     }
@@ -201,4 +204,4 @@ int run_print(std::string_view text)
     return fault ? report("", *fault) : 0;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

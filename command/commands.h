@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 // What the commands for one document have in common. "-" is standard input and standard output.
 struct DocumentRequest {
@@ -25,7 +25,7 @@ struct DocumentRequest {
 
 struct TraceRequest {
     DocumentRequest document;
-    TraceOptions options;
+    writers::TraceOptions options;
     bool stop = false;
 };
 
@@ -39,7 +39,7 @@ struct ConvertRequest {
 struct ExplainRequest {
     DocumentRequest document;
     bool json = false;
-    std::optional<Colours> colours; // unset: on a terminal only
+    std::optional<explaining::Colours> colours; // unset: on a terminal only
     const CodePage *code_page = &CodePage::ibm437();
 };
 
@@ -64,4 +64,4 @@ int run_print(std::string_view text);
 // subject may be empty. The error's exit code.
 int report(const std::string &subject, const Error &error);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

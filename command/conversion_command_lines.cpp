@@ -7,7 +7,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
@@ -266,4 +266,4 @@ std::unique_ptr<CommandLine> trace_command_line()
     return std::make_unique<TraceCommandLine>();
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
@@ -47,14 +47,14 @@ Result<Input> open_input(const DocumentRequest &request)
     return Input{std::move(source.value()), identity.value(), module.value()};
 }
 
-Result<std::unique_ptr<FileOutput>> make_output(const DocumentRequest &request)
+Result<std::unique_ptr<base::FileOutput>> make_output(const DocumentRequest &request)
 {
     return create_interruptible(request.output, request.max_output);
 }
 
-Status settle(FileOutput &output, const Status &fault)
+Status settle(base::FileOutput &output, const Status &fault)
 {
-    if (!is_read_to_end(fault)) {
+    if (!reading::is_read_to_end(fault)) {
         output.flush();
         return fault;
     }
@@ -62,4 +62,4 @@ Status settle(FileOutput &output, const Status &fault)
     return unwritten ? unwritten : fault;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

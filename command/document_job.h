@@ -11,7 +11,7 @@
 #include <memory>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 // A document that was recognised, and what to read it with.
 struct Input {
@@ -24,14 +24,14 @@ struct Input {
 Result<Input> open_input(const DocumentRequest &request);
 
 // To be made last: nothing that is wrong with the document may touch it.
-Result<std::unique_ptr<FileOutput>> make_output(const DocumentRequest &request);
+Result<std::unique_ptr<base::FileOutput>> make_output(const DocumentRequest &request);
 
 // Puts the output in its place if all went well, or as well as it can with a document that is
 // not whole. What has gone to standard output before any other error is out; a named file is
 // not made.
-Status settle(FileOutput &output, const Status &fault);
+Status settle(base::FileOutput &output, const Status &fault);
 
 // A file as a message names it.
 std::string subject_of(const std::string &file);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

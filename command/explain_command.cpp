@@ -9,12 +9,12 @@
 #include <cstdlib>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
 // Colours are for people who look at a terminal and have not asked to be spared.
-Colours wanted_colours(const ExplainRequest &request)
+explaining::Colours wanted_colours(const ExplainRequest &request)
 {
     if (request.colours) {
         return *request.colours;
@@ -23,21 +23,25 @@ Colours wanted_colours(const ExplainRequest &request)
     const bool to_standard_output =
         request.document.output.empty() || request.document.output == "-";
     const bool shown = to_standard_output && ::isatty(STDOUT_FILENO) == 1;
-    return shown && (spared == nullptr || *spared == '\0') ? Colours::on : Colours::off;
+    return shown && (spared == nullptr || *spared == '\0') ? explaining::Colours::on
+                                                           : explaining::Colours::off;
 }
 
 std::unique_ptr<SpanSink> make_writer(Output &output, const ExplainRequest &request)
 {
     if (request.json) {
-        return std::make_unique<ExplainJsonWriter>(output, *request.code_page);
+        return std::make_unique<explaining::ExplainJsonWriter>(output, *request.code_page);
     }
-    return std::make_unique<ExplainTextWriter>(output, *request.code_page, wanted_colours(request));
+    return std::make_unique<explaining::ExplainTextWriter>(output, *request.code_page,
+                                                           wanted_colours(request));
 }
 
 // Passes on what it gets as long as the output takes it: what is not wanted need not be read.
 class SpanGuard final : public SpanSink {
 public:
-    SpanGuard(SpanSink &writer, const FileOutput &output) : writer_(writer), output_(output) {}
+    SpanGuard(SpanSink &writer, const base::FileOutput &output) : writer_(writer), output_(output)
+    {
+    }
 
     void span(const Span &span) override
     {
@@ -49,10 +53,10 @@ public:
 
 private:
     SpanSink &writer_;
-    const FileOutput &output_;
+    const base::FileOutput &output_;
 };
 
-Status explain_into(FileOutput &output, const Input &input, const ExplainRequest &request)
+Status explain_into(base::FileOutput &output, const Input &input, const ExplainRequest &request)
 {
     const std::unique_ptr<SpanSink> writer = make_writer(output, request);
     SpanGuard guard(*writer, output);
@@ -69,7 +73,7 @@ Status run(const ExplainRequest &request)
     if (!input.ok()) {
         return input.error();
     }
-    const Result<std::unique_ptr<FileOutput>> output = make_output(request.document);
+    const Result<std::unique_ptr<base::FileOutput>> output = make_output(request.document);
     if (!output.ok()) {
         return output.error();
     }
@@ -85,4 +89,4 @@ int run_explain(const ExplainRequest &request)
     return fault ? report(subject_of(request.document.file), *fault) : 0;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

@@ -6,7 +6,7 @@
 #include "lib/base/printable.h"
 #include "pfsdoc/examine.h"
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
@@ -39,12 +39,12 @@ Result<Finding> find_out(const std::string &file)
 std::string line_of(const std::string &file, const Finding &finding)
 {
     const DocumentKind kind = finding.identity.kind;
-    std::string line = printable(file);
+    std::string line = base::printable(file);
     line.append(": ").append(display_name(kind));
     line.append(", file id ").append(std::to_string(file_id(kind)));
     line.append(", ").append(confidence_name(finding.examination.confidence));
     line.append(pronom_id(kind).empty() ? "" : ", ").append(pronom_id(kind));
-    line.append(": ").append(printable(finding.identity.basis));
+    line.append(": ").append(base::printable(finding.identity.basis));
     for (const std::string &note : finding.examination.notes) {
         line.append("; ").append(note);
     }
@@ -58,7 +58,7 @@ public:
     Object &text(std::string_view member, std::string_view value)
     {
         name(member);
-        append_json_string(json_, value);
+        base::append_json_string(json_, value);
         return *this;
     }
     Object &text_or_null(std::string_view member, std::string_view value)
@@ -78,7 +78,7 @@ public:
         std::string_view before = "[";
         for (const std::string &value : values) {
             json_.append(before);
-            append_json_string(json_, value);
+            base::append_json_string(json_, value);
             before = ",";
         }
         json_.append(values.empty() ? "[]" : "]");
@@ -93,7 +93,7 @@ private:
     void name(std::string_view member)
     {
         json_.append(json_.empty() ? "{" : ",");
-        append_json_string(json_, member);
+        base::append_json_string(json_, member);
         json_.append(":");
     }
 
@@ -114,11 +114,11 @@ std::string json_of(const std::string &file, const Finding &finding)
     const DocumentKind kind = finding.identity.kind;
     const Examination &examination = finding.examination;
     return Object()
-        .text("file", printable(file))
+        .text("file", base::printable(file))
         .text("kind", display_name(kind))
         .word("file_id", std::to_string(file_id(kind)))
         .text("confidence", confidence_name(examination.confidence))
-        .text("basis", printable(finding.identity.basis))
+        .text("basis", base::printable(finding.identity.basis))
         .text_or_null("pronom", pronom_id(kind))
         .word("pronom_signature", json_word(examination.registry_signature))
         .text_or_null("extension_mismatch", finding.mismatch)
@@ -129,9 +129,9 @@ std::string json_of(const std::string &file, const Finding &finding)
 std::string json_of(const std::string &file, const Error &error)
 {
     return Object()
-        .text("file", printable(file))
-        .text("error", printable(error.what))
-        .text("remedy", printable(error.remedy))
+        .text("file", base::printable(file))
+        .text("error", base::printable(error.what))
+        .text("remedy", base::printable(error.remedy))
         .word("exit_code", std::to_string(exit_code(error.kind)))
         .closed();
 }
@@ -139,7 +139,7 @@ std::string json_of(const std::string &file, const Error &error)
 // Puts one file's findings after the other, in the form that is wanted.
 class Report {
 public:
-    Report(FileOutput &output, IdentifyForm form) : output_(output), form_(form)
+    Report(base::FileOutput &output, IdentifyForm form) : output_(output), form_(form)
     {
         if (form_ == IdentifyForm::json_array) {
             output_.write("[");
@@ -175,7 +175,7 @@ private:
         first_ = false;
     }
 
-    FileOutput &output_;
+    base::FileOutput &output_;
     IdentifyForm form_;
     bool first_ = true;
 };
@@ -185,7 +185,7 @@ private:
 int run_identify(const IdentifyRequest &request)
 {
     constexpr int some_failed = 1;
-    const Result<std::unique_ptr<FileOutput>> output = FileOutput::create("");
+    const Result<std::unique_ptr<base::FileOutput>> output = base::FileOutput::create("");
     if (!output.ok()) {
         return report("", output.error());
     }
@@ -204,4 +204,4 @@ int run_identify(const IdentifyRequest &request)
     return fault ? report("", *fault) : code;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

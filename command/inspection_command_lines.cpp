@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::cli {
 
 namespace {
 
@@ -86,7 +86,8 @@ public:
     int run(const CLI::App &) override
     {
         if (colours_ != "auto") {
-            request_.colours = colours_ == "always" ? Colours::on : Colours::off;
+            request_.colours =
+                colours_ == "always" ? explaining::Colours::on : explaining::Colours::off;
         }
         const Result<CodePage> page = charset_.page();
         if (!page.ok()) {
@@ -114,4 +115,4 @@ std::unique_ptr<CommandLine> explain_command_line()
     return std::make_unique<ExplainCommandLine>();
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::cli

@@ -45,22 +45,22 @@ Exit codes:
   70   a fault of pfsdoc itself, or of its module
   130  interrupted)";
 
-std::vector<std::unique_ptr<pfsdoc::CommandLine>> all_command_lines()
+std::vector<std::unique_ptr<pfsdoc::cli::CommandLine>> all_command_lines()
 {
-    std::vector<std::unique_ptr<pfsdoc::CommandLine>> lines;
-    lines.push_back(pfsdoc::identify_command_line());
-    lines.push_back(pfsdoc::text_command_line());
-    lines.push_back(pfsdoc::convert_command_line());
-    lines.push_back(pfsdoc::explain_command_line());
-    lines.push_back(pfsdoc::trace_command_line());
-    lines.push_back(pfsdoc::batch_command_line());
+    std::vector<std::unique_ptr<pfsdoc::cli::CommandLine>> lines;
+    lines.push_back(pfsdoc::cli::identify_command_line());
+    lines.push_back(pfsdoc::cli::text_command_line());
+    lines.push_back(pfsdoc::cli::convert_command_line());
+    lines.push_back(pfsdoc::cli::explain_command_line());
+    lines.push_back(pfsdoc::cli::trace_command_line());
+    lines.push_back(pfsdoc::cli::batch_command_line());
     return lines;
 }
 
 // The one that is called. All where the first argument is none: as for help.
-std::vector<std::unique_ptr<pfsdoc::CommandLine>> command_lines_for(const std::string &first)
+std::vector<std::unique_ptr<pfsdoc::cli::CommandLine>> command_lines_for(const std::string &first)
 {
-    std::vector<std::unique_ptr<pfsdoc::CommandLine>> lines = all_command_lines();
+    std::vector<std::unique_ptr<pfsdoc::cli::CommandLine>> lines = all_command_lines();
     const auto is_called = [&first](const auto &line) { return line->name() == first; };
     if (std::any_of(lines.begin(), lines.end(), is_called)) {
         std::erase_if(lines, std::not_fn(is_called));
@@ -70,15 +70,15 @@ std::vector<std::unique_ptr<pfsdoc::CommandLine>> command_lines_for(const std::s
 
 int run(int argument_count, char **arguments)
 {
-    if (argument_count > 1 && std::string_view(arguments[1]) == pfsdoc::batch_command) {
-        return pfsdoc::become_batch(arguments + 1);
+    if (argument_count > 1 && std::string_view(arguments[1]) == pfsdoc::cli::batch_command) {
+        return pfsdoc::cli::become_batch(arguments + 1);
     }
     CLI::App app(description, "pfsdoc");
     app.set_version_flag("--version", "pfsdoc " PFSDOC_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(examples);
-    std::vector<std::string> reversed = pfsdoc::reversed_arguments(argument_count, arguments);
-    const pfsdoc::OptionSet wanted = pfsdoc::wanted_options(reversed);
+    std::vector<std::string> reversed = pfsdoc::cli::reversed_arguments(argument_count, arguments);
+    const pfsdoc::cli::OptionSet wanted = pfsdoc::cli::wanted_options(reversed);
     const auto command_lines = command_lines_for(reversed.empty() ? "" : reversed.back());
     for (const auto &line : command_lines) {
         CLI::App *command = app.add_subcommand(line->name(), line->description());
@@ -89,11 +89,12 @@ int run(int argument_count, char **arguments)
     try {
         app.parse(std::move(reversed));
     } catch (const CLI::CallForHelp &) {
-        return pfsdoc::run_print(app.help());
+        return pfsdoc::cli::run_print(app.help());
     } catch (const CLI::CallForVersion &version) {
-        return pfsdoc::run_print(std::string(version.what()) + "\n");
+        return pfsdoc::cli::run_print(std::string(version.what()) + "\n");
     } catch (const CLI::ParseError &error) {
-        return pfsdoc::report("", {pfsdoc::ErrorKind::usage, error.what(), "see pfsdoc --help"});
+        return pfsdoc::cli::report("",
+                                   {pfsdoc::ErrorKind::usage, error.what(), "see pfsdoc --help"});
     }
     const CLI::App &command = *app.get_subcommands().front();
     const auto called =
@@ -111,15 +112,15 @@ int main(int argument_count, char **arguments)
     for (const int signal : {SIGPIPE, SIGXFSZ}) {
         static_cast<void>(std::signal(signal, SIG_IGN));
     }
-    pfsdoc::occupy_standard_streams();
-    pfsdoc::handle_interruptions();
+    pfsdoc::cli::occupy_standard_streams();
+    pfsdoc::cli::handle_interruptions();
     try {
         return run(argument_count, arguments);
     } catch (const std::bad_alloc &) {
-        return pfsdoc::report("", {pfsdoc::ErrorKind::internal, "there is not enough memory",
-                                   "end other programs and try again"});
+        return pfsdoc::cli::report("", {pfsdoc::ErrorKind::internal, "there is not enough memory",
+                                        "end other programs and try again"});
     } catch (const std::exception &fault) {
-        return pfsdoc::report("", {pfsdoc::ErrorKind::internal, fault.what(),
-                                   "please report this as a fault of pfsdoc"});
+        return pfsdoc::cli::report("", {pfsdoc::ErrorKind::internal, fault.what(),
+                                        "please report this as a fault of pfsdoc"});
     }
 }

@@ -13,17 +13,18 @@
 
 namespace {
 
-using pfsdoc::GeneratorTraits;
-using pfsdoc::OdfPackaging;
+using pfsdoc::writers::GeneratorTraits;
+using pfsdoc::writers::OdfPackaging;
 
 std::string written(pfsdoc::Document &document, OdfPackaging packaging, uint64_t portion_elements)
 {
-    const auto portions = pfsdoc::make_odf_portions(packaging, {});
+    const auto portions = pfsdoc::writers::make_odf_portions(packaging, {});
     const GeneratorTraits traits{
         .keeps_styles = true, .portions = portions.get(), .portion_elements = portion_elements};
     pfsdoc::WriterOptions options;
     options.commands = true;
-    pfsdoc::RevengeWriter writer(portions->next(), {document.kind(), "letter"}, options, traits);
+    pfsdoc::writers::RevengeWriter writer(portions->next(), {document.kind(), "letter"}, options,
+                                          traits);
     document.read(writer);
     pfsdoc::StringOutput output;
     portions->finish(output);

@@ -74,13 +74,14 @@ std::string trace_of(const std::string &bytes, bool stop_at_breaks)
         return "not recognised\n";
     }
     pfsdoc::StringOutput output;
-    pfsdoc::TraceOptions trace_options;
+    pfsdoc::writers::TraceOptions trace_options;
     trace_options.fold = true;
-    pfsdoc::TraceWriter writer(output, trace_options);
-    pfsdoc::ReadOptions read_options;
-    read_options.stops = stop_at_breaks ? pfsdoc::Stops::at_breaks : pfsdoc::Stops::none;
-    const pfsdoc::Status fault =
-        pfsdoc::read_document(module.value(), source, identity.value().kind, writer, read_options);
+    pfsdoc::writers::TraceWriter writer(output, trace_options);
+    pfsdoc::reading::ReadOptions read_options;
+    read_options.stops =
+        stop_at_breaks ? pfsdoc::reading::Stops::at_breaks : pfsdoc::reading::Stops::none;
+    const pfsdoc::Status fault = pfsdoc::reading::read_document(
+        module.value(), source, identity.value().kind, writer, read_options);
     // Some lack their end on purpose.
     EXPECT_TRUE(!fault || fault->kind == pfsdoc::ErrorKind::damaged) << fault->what;
     writer.finish();

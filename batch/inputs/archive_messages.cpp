@@ -5,7 +5,7 @@
 #include <cstring>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -55,7 +55,7 @@ std::optional<Message> receive_message(int descriptor)
     }
     MessageHead head{};
     std::memcpy(&head, bytes.data(), sizeof head);
-    Message message{head.kind, Outcome::whole, {}};
+    Message message{head.kind, ArchiveOutcome::whole, {}};
     switch (head.kind) {
     case MessageKind::member:
     case MessageKind::bytes:
@@ -69,10 +69,10 @@ std::optional<Message> receive_message(int descriptor)
         return message;
     case MessageKind::member_end:
     case MessageKind::archive_end:
-        if (head.value > static_cast<uint32_t>(Outcome::reader_ended)) {
+        if (head.value > static_cast<uint32_t>(ArchiveOutcome::reader_ended)) {
             return std::nullopt;
         }
-        message.outcome = static_cast<Outcome>(head.value);
+        message.outcome = static_cast<ArchiveOutcome>(head.value);
         return message;
     }
     return std::nullopt;
@@ -84,9 +84,9 @@ bool send_bytes(int descriptor, MessageKind kind, std::string_view bytes)
            send(descriptor, bytes);
 }
 
-bool send_end(int descriptor, MessageKind kind, Outcome outcome)
+bool send_end(int descriptor, MessageKind kind, ArchiveOutcome outcome)
 {
     return send_head(descriptor, {kind, static_cast<uint32_t>(outcome)});
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

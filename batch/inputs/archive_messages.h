@@ -13,11 +13,11 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 enum class MessageKind : uint32_t { member, bytes, member_end, archive_end };
 
-enum class Outcome : uint32_t {
+enum class ArchiveOutcome : uint32_t {
     whole,
     link,
     special, // a device or a pipe
@@ -40,8 +40,8 @@ constexpr std::size_t longest_message = 65536;
 
 struct Message {
     MessageKind kind;
-    Outcome outcome = Outcome::whole; // of an end
-    std::string bytes;                // of the others
+    ArchiveOutcome outcome = ArchiveOutcome::whole; // of an end
+    std::string bytes;                              // of the others
 };
 
 // Nothing where the other side is gone or says something else.
@@ -49,6 +49,6 @@ std::optional<Message> receive_message(int descriptor);
 
 // No more than the longest message's bytes. False where the other side is gone.
 bool send_bytes(int descriptor, MessageKind kind, std::string_view bytes);
-bool send_end(int descriptor, MessageKind kind, Outcome outcome);
+bool send_end(int descriptor, MessageKind kind, ArchiveOutcome outcome);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

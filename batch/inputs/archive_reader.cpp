@@ -22,7 +22,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -114,12 +114,12 @@ public:
     }
 
     // How the archive ended, or nothing where nobody listens any more.
-    std::optional<Outcome> send_all();
+    std::optional<ArchiveOutcome> send_all();
 
 private:
     bool send_member(archive_entry *entry);
-    Outcome send_content(archive_entry *entry);
-    Outcome send_parts();
+    ArchiveOutcome send_content(archive_entry *entry);
+    ArchiveOutcome send_parts();
 
     archive *archive_;
     int output_;
@@ -136,41 +136,41 @@ std::string_view name_of(archive_entry *entry)
 }
 
 // Whatever breaks off is damage: libarchive has no finer words that hold for all formats.
-Outcome MemberSender::send_parts()
+ArchiveOutcome MemberSender::send_parts()
 {
     std::array<char, part_size> part{};
     uint64_t sent = 0;
     for (;;) {
         const la_ssize_t count = ::archive_read_data(archive_, part.data(), part.size());
         if (count <= 0) {
-            return count == 0 ? Outcome::whole : Outcome::damaged;
+            return count == 0 ? ArchiveOutcome::whole : ArchiveOutcome::damaged;
         }
         const auto length = static_cast<std::size_t>(count);
         sent += length;
         if (sent > options_.max_input) {
-            return Outcome::too_large;
+            return ArchiveOutcome::too_large;
         }
         if (!send_bytes(output_, MessageKind::bytes, {part.data(), length})) {
-            return Outcome::reader_ended;
+            return ArchiveOutcome::reader_ended;
         }
     }
 }
 
-Outcome MemberSender::send_content(archive_entry *entry)
+ArchiveOutcome MemberSender::send_content(archive_entry *entry)
 {
     const auto type = ::archive_entry_filetype(entry);
     if (type == AE_IFLNK || ::archive_entry_hardlink(entry) != nullptr) {
-        return Outcome::link;
+        return ArchiveOutcome::link;
     }
     if (type != AE_IFREG && type != 0) {
-        return Outcome::special;
+        return ArchiveOutcome::special;
     }
     if (::archive_entry_is_encrypted(entry) != 0) {
-        return Outcome::encrypted;
+        return ArchiveOutcome::encrypted;
     }
     const la_int64_t size = ::archive_entry_size(entry);
     if (size > 0 && static_cast<uint64_t>(size) > options_.max_input) {
-        return Outcome::too_large;
+        return ArchiveOutcome::too_large;
     }
     return send_parts();
 }
@@ -184,19 +184,19 @@ bool MemberSender::send_member(archive_entry *entry)
            send_end(output_, MessageKind::member_end, send_content(entry));
 }
 
-std::optional<Outcome> MemberSender::send_all()
+std::optional<ArchiveOutcome> MemberSender::send_all()
 {
     for (bool at_start = true;; at_start = false) {
         archive_entry *entry = nullptr;
         const int result = ::archive_read_next_header(archive_, &entry);
         if (result == ARCHIVE_EOF) {
-            return Outcome::whole;
+            return ArchiveOutcome::whole;
         }
         if (result < ARCHIVE_WARN) {
-            return at_start ? Outcome::not_an_archive : Outcome::damaged;
+            return at_start ? ArchiveOutcome::not_an_archive : ArchiveOutcome::damaged;
         }
         if (static_cast<uint64_t>(::archive_filter_bytes(archive_, 0)) > options_.max_archive) {
-            return Outcome::too_many_bytes;
+            return ArchiveOutcome::too_many_bytes;
         }
         if (!send_member(entry)) {
             return std::nullopt;
@@ -226,9 +226,9 @@ void run_archive_reader(int archive, int output, const InputOptions &options)
     MappedFile file;
     const bool is_mapped = map(archive, file);
     prepare_process(output);
-    std::optional<Outcome> outcome = Outcome::not_an_archive;
+    std::optional<ArchiveOutcome> outcome = ArchiveOutcome::not_an_archive;
     if (!enter_sandbox(options.sandbox).ok()) {
-        outcome = Outcome::no_sandbox;
+        outcome = ArchiveOutcome::no_sandbox;
     } else if (const Archive opened = is_mapped ? open_archive(file) : nullptr) {
         outcome = MemberSender(opened.get(), STDOUT_FILENO, options).send_all();
     }
@@ -238,4 +238,4 @@ void run_archive_reader(int archive, int output, const InputOptions &options)
     ::_exit(EXIT_SUCCESS);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

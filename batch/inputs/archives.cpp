@@ -9,7 +9,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -26,38 +26,39 @@ Error no_reader(int error_number)
             "end other programs"};
 }
 
-Error error_of_member(Outcome outcome, const InputOptions &options)
+Error error_of_member(ArchiveOutcome outcome, const InputOptions &options)
 {
     switch (outcome) {
-    case Outcome::link:
+    case ArchiveOutcome::link:
         return {ErrorKind::input, "is a link inside an archive", "unpack the archive"};
-    case Outcome::special: return {ErrorKind::input, "is a device or a pipe inside an archive", ""};
-    case Outcome::encrypted:
+    case ArchiveOutcome::special:
+        return {ErrorKind::input, "is a device or a pipe inside an archive", ""};
+    case ArchiveOutcome::encrypted:
         return {ErrorKind::input, "is encrypted", "unpack the archive with its password"};
-    case Outcome::too_large: return too_large(options.max_input);
+    case ArchiveOutcome::too_large: return too_large(options.max_input);
     default: return {ErrorKind::damaged, "is damaged inside its archive", "get the archive again"};
     }
 }
 
-Error error_of_archive(Outcome outcome, const InputOptions &options)
+Error error_of_archive(ArchiveOutcome outcome, const InputOptions &options)
 {
     switch (outcome) {
-    case Outcome::not_an_archive:
+    case ArchiveOutcome::not_an_archive:
         return {ErrorKind::input, "is no zip or tar archive, though its name says so",
                 "give it another ending to have it read as a file"};
-    case Outcome::too_many_members:
+    case ArchiveOutcome::too_many_members:
         return {ErrorKind::limit,
                 "has more than " + std::to_string(most_members) + " members; the rest is not read",
                 "unpack it"};
-    case Outcome::too_many_bytes:
+    case ArchiveOutcome::too_many_bytes:
         return {ErrorKind::limit,
                 "unpacks to more than " + std::to_string(options.max_archive) +
                     " bytes; the rest is not read",
                 "unpack it"};
-    case Outcome::no_sandbox:
+    case ArchiveOutcome::no_sandbox:
         return {ErrorKind::internal, "cannot be read: there is no sandbox to do it in",
                 "allow reading without one"};
-    case Outcome::reader_ended:
+    case ArchiveOutcome::reader_ended:
         return {ErrorKind::damaged, "made its reader end; the rest is not read", "unpack it"};
     default:
         return {ErrorKind::damaged, "is a damaged archive; the rest is not read",
@@ -105,10 +106,10 @@ void ArchiveMembers::stop()
     }
 }
 
-std::optional<BatchInput> ArchiveMembers::end(Outcome outcome)
+std::optional<BatchInput> ArchiveMembers::end(ArchiveOutcome outcome)
 {
     stop();
-    if (outcome == Outcome::whole) {
+    if (outcome == ArchiveOutcome::whole) {
         return std::nullopt;
     }
     return BatchInput{name_, OpenFile(), 0, error_of_archive(outcome, options_)};
@@ -121,7 +122,7 @@ std::optional<BatchInput> ArchiveMembers::member(const std::string &path)
         const std::optional<Message> message = receive_message(messages_.get());
         const bool is_content = message && message->kind == MessageKind::bytes;
         if (is_content && bytes_ + message->bytes.size() > options_.max_archive) {
-            return end(Outcome::too_many_bytes);
+            return end(ArchiveOutcome::too_many_bytes);
         }
         if (is_content && store.size() + message->bytes.size() <= options_.max_input) {
             store.write(message->bytes);
@@ -129,11 +130,11 @@ std::optional<BatchInput> ArchiveMembers::member(const std::string &path)
             continue;
         }
         if (!message || message->kind != MessageKind::member_end) {
-            return end(Outcome::reader_ended);
+            return end(ArchiveOutcome::reader_ended);
         }
         std::string name =
             names_.unique(below(name_, safe_name(path, Separators::slash_and_backslash)));
-        if (message->outcome != Outcome::whole) {
+        if (message->outcome != ArchiveOutcome::whole) {
             return BatchInput{std::move(name), OpenFile(), 0,
                               error_of_member(message->outcome, options_)};
         }
@@ -158,12 +159,12 @@ std::optional<BatchInput> ArchiveMembers::next()
         return end(message->outcome);
     }
     if (!message || message->kind != MessageKind::member) {
-        return end(Outcome::reader_ended);
+        return end(ArchiveOutcome::reader_ended);
     }
     if (++members_ > most_members) {
-        return end(Outcome::too_many_members);
+        return end(ArchiveOutcome::too_many_members);
     }
     return member(message->bytes);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

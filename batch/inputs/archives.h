@@ -14,7 +14,7 @@
 
 #include <sys/types.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // An archive of very many empty members would have no other end, and each name costs memory.
 constexpr uint64_t most_members = 1'000'000;
@@ -34,7 +34,7 @@ public:
 private:
     void start(const OpenFile &archive);
     void stop();
-    std::optional<BatchInput> end(Outcome outcome);
+    std::optional<BatchInput> end(ArchiveOutcome outcome);
     std::optional<BatchInput> member(const std::string &path);
 
     std::string name_;
@@ -48,4 +48,4 @@ private:
     std::optional<Error> error_; // why no reader was started
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -72,13 +72,13 @@ Result<Entry> open_entry(int folder, const std::string &path, Links links)
                  {status.st_dev, status.st_ino}};
 }
 
-std::optional<Identity> identity_of(const std::string &path)
+std::optional<FileIdentity> identity_of(const std::string &path)
 {
     struct stat status {};
     if (path.empty() || ::stat(path.c_str(), &status) != 0) {
         return std::nullopt;
     }
-    return Identity{status.st_dev, status.st_ino};
+    return FileIdentity{status.st_dev, status.st_ino};
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

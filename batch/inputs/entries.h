@@ -10,30 +10,30 @@
 
 #include <sys/types.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 enum class Links { followed, refused };
 
 // One file system object on this machine, by whatever name.
-struct Identity {
+struct FileIdentity {
     dev_t device;
     ino_t inode;
-    bool operator==(const Identity &other) const = default;
+    bool operator==(const FileIdentity &other) const = default;
 };
 
 struct Entry {
     OpenFile file;
     bool is_folder;
     uint64_t size;
-    Identity identity;
+    FileIdentity identity;
 };
 
 // A path that is not absolute is looked for in the open folder; AT_FDCWD is the current one.
 Result<Entry> open_entry(int folder, const std::string &path, Links links);
 
 // The folder's identity, or nothing where there is none.
-std::optional<Identity> identity_of(const std::string &path);
+std::optional<FileIdentity> identity_of(const std::string &path);
 
 Error cannot_be_read(int error_number);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -6,7 +6,7 @@
 #include <fcntl.h>
 #include <memory>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -50,7 +50,7 @@ Error too_deep()
 
 } // namespace
 
-FolderWalk::FolderWalk(OpenFile folder, std::string name, std::optional<Identity> exclude,
+FolderWalk::FolderWalk(OpenFile folder, std::string name, std::optional<FileIdentity> exclude,
                        NameSet &names)
     : exclude_(exclude), names_(names)
 {
@@ -112,4 +112,4 @@ std::optional<FoundFile> FolderWalk::next()
     return std::nullopt;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

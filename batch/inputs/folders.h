@@ -9,7 +9,7 @@
 #include "batch/inputs/entries.h"
 #include "batch/inputs/names.h"
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // Each level keeps a descriptor, of which a process may have 1024 as a rule.
 constexpr std::size_t deepest_folder = 256;
@@ -21,7 +21,8 @@ struct FoundFile {
 
 class FolderWalk {
 public:
-    FolderWalk(OpenFile folder, std::string name, std::optional<Identity> exclude, NameSet &names);
+    FolderWalk(OpenFile folder, std::string name, std::optional<FileIdentity> exclude,
+               NameSet &names);
     // Errors are in the input, and the walk goes on behind them.
     std::optional<FoundFile> next();
 
@@ -39,8 +40,8 @@ private:
 
     std::vector<Level> levels_;
     std::optional<FoundFile> first_; // the error of the folder itself
-    std::optional<Identity> exclude_;
+    std::optional<FileIdentity> exclude_;
     NameSet &names_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

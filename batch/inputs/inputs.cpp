@@ -8,7 +8,7 @@
 
 #include <fcntl.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -57,7 +57,7 @@ private:
 
     InputOptions options_;
     ForkServer &server_;
-    std::optional<Identity> exclude_;
+    std::optional<FileIdentity> exclude_;
     NameSet names_;
     std::size_t next_path_ = 0;
     std::size_t next_list_ = 0;
@@ -170,4 +170,4 @@ std::unique_ptr<BatchInputs> open_inputs(const InputOptions &options, ForkServer
     return std::make_unique<AllInputs>(options, server);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

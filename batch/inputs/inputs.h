@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 struct BatchInput {
     // The name that the manifest and the output go by: relative to the folder or archive that
@@ -67,4 +67,4 @@ public:
 // options. The server must outlive the inputs.
 std::unique_ptr<BatchInputs> open_inputs(const InputOptions &options, ForkServer &server);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -7,7 +7,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -137,4 +137,4 @@ std::optional<PathList::Line> PathList::next()
     return std::nullopt;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -11,7 +11,7 @@
 
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // What the system takes as a path.
 constexpr std::size_t longest_path = 4096;
@@ -44,4 +44,4 @@ private:
     std::optional<Error> failure_; // to be told behind the lines that were read
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -8,7 +8,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -39,7 +39,7 @@ void MemberStore::move_to_disk()
 {
     on_disk_ = true;
     const OpenFile memory = std::move(file_);
-    file_ = OpenFile(open_scratch_file());
+    file_ = OpenFile(base::open_scratch_file());
     if (file_.get() < 0) {
         error_number_ = errno;
         return;
@@ -78,4 +78,4 @@ Result<OpenFile> MemberStore::take()
     return std::move(file_);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

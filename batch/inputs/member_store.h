@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // Documents of these kinds are far smaller: they never touch the disk.
 constexpr uint64_t largest_in_memory = uint64_t{16} << 20;
@@ -32,4 +32,4 @@ private:
     int error_number_ = 0; // the first failure; nothing is written after it
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -6,7 +6,7 @@
 #include <array>
 #include <functional>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -48,7 +48,7 @@ std::string safe_part(std::string_view part)
     std::string safe;
     for (;;) {
         const std::size_t backslash = part.find('\\');
-        safe += printable(part.substr(0, backslash));
+        safe += base::printable(part.substr(0, backslash));
         if (backslash == std::string_view::npos) {
             break;
         }
@@ -125,4 +125,4 @@ std::string NameSet::unique(const std::string &name)
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

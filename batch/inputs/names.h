@@ -14,7 +14,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 enum class Separators {
     slash,
@@ -47,4 +47,4 @@ private:
     std::map<std::size_t, uint64_t> next_number_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -190,4 +190,4 @@ void ForkServer::shut_down()
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

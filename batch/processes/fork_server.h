@@ -16,7 +16,7 @@
 #include <span>
 #include <sys/types.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // What a new process goes on with: a function that never returns. The descriptors are its own;
 // it closes those that it does not want, the server's included.
@@ -58,4 +58,4 @@ private:
     OpenFile socket_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -3,7 +3,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 OpenFile::~OpenFile()
 {
@@ -23,4 +23,4 @@ int OpenFile::release()
     return std::exchange(descriptor_, -1);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

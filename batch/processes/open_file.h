@@ -1,7 +1,7 @@
 // A descriptor that is closed with its object. Tests: those of all that open files.
 #pragma once
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 class OpenFile {
 public:
@@ -20,4 +20,4 @@ private:
     int descriptor_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

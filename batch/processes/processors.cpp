@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <sched.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -51,4 +51,4 @@ void bind_beside(pid_t process)
     static_cast<void>(::sched_setaffinity(process, sizeof own, &own));
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

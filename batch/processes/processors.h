@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <sys/types.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // Those that the calling thread may run on; 1 where the system does not tell.
 std::size_t count_processors();
@@ -20,4 +20,4 @@ void bind_to_processor(std::size_t index);
 // From now on that process, which must be of one thread, runs only where the calling thread may.
 void bind_beside(pid_t process);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -7,7 +7,7 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -78,4 +78,4 @@ bool receive_message(int socket, std::span<std::byte> bytes, std::vector<int> *d
     return count == static_cast<ssize_t>(bytes.size()) && (message.msg_flags & MSG_TRUNC) == 0;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // That one record can bring.
 inline constexpr std::size_t max_descriptors = 3;
@@ -39,4 +39,4 @@ std::optional<Record> receive_record(int socket, std::vector<int> *descriptors =
     return received ? std::optional<Record>(record) : std::nullopt;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -15,7 +15,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -84,4 +84,4 @@ Landlock restrict_by_landlock()
     return restricted ? Landlock{version, 0} : Landlock{0, error_number};
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

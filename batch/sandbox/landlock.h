@@ -3,7 +3,7 @@
 // tests/batch/sandbox_test.cpp.
 #pragma once
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 // What became of it.
 struct Landlock {
@@ -14,4 +14,4 @@ struct Landlock {
 // The process must have given up new privileges (PR_SET_NO_NEW_PRIVS).
 Landlock restrict_by_landlock();
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

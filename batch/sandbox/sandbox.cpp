@@ -7,7 +7,7 @@
 #include <sys/prctl.h>
 #include <system_error>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -49,4 +49,4 @@ Result<SandboxReport> enter_sandbox(SandboxMode mode)
     return report;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -32,7 +32,7 @@
 
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 enum class SandboxMode {
     off,
@@ -53,4 +53,4 @@ struct SandboxReport {
 // internal (the kernel lacks something), after which a part of the sandbox may hold.
 Result<SandboxReport> enter_sandbox(SandboxMode mode);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

@@ -14,7 +14,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::batch {
 
 namespace {
 
@@ -185,4 +185,4 @@ bool restrict_system_calls()
     return filter.load();
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::batch

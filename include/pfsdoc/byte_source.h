@@ -3,7 +3,7 @@
 // Positions have 32 bits, so an input of 4 GiB or more is refused rather than read in part.
 // What cannot be positioned (a pipe, a terminal) is copied to a nameless temporary file
 // first. The module takes a failed read for the end of the data, so a source remembers its
-// first failure, to be asked about afterwards. Test: tests/lib/reading/block_files_test.cpp.
+// first failure, to be asked about afterwards. Test: tests/lib/reading/byte_source_test.cpp.
 #pragma once
 
 #include "pfsdoc/error.h"

@@ -1,6 +1,6 @@
 #include "lib/base/code_page_437.h"
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 // Eight to a row, so that the rows can be counted.
 // clang-format off
@@ -40,4 +40,4 @@ constexpr std::array<char16_t, 256> code_page_437 = {
 };
 // clang-format on
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

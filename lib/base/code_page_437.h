@@ -4,8 +4,8 @@
 
 #include <array>
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 extern const std::array<char16_t, 256> code_page_437;
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 namespace {
 
@@ -191,4 +191,4 @@ Status FileOutput::commit()
     return failure();
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

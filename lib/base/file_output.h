@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 class FileOutput final : public Output {
 public:
@@ -56,4 +56,4 @@ private:
     bool over_limit_ = false;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 namespace {
 
@@ -60,4 +60,4 @@ void append_json_member(std::string &json, std::string_view name, std::string_vi
     append_json_string(json, utf8);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 // Appends a string in its quotes. The text must be UTF-8; it may hold any character.
 void append_json_string(std::string &json, std::string_view utf8);
@@ -24,4 +24,4 @@ void append_json_member(std::string &json, std::string_view name, Number value)
     json.append(std::to_string(value));
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

@@ -1,6 +1,6 @@
 #include "lib/base/printable.h"
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 namespace {
 
@@ -85,4 +85,4 @@ std::string printable(std::string_view text)
     return shown;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

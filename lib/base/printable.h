@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 // The text with every control character (C0, DEL, and C1 in UTF-8) and every byte that is
 // not part of valid UTF-8 written as \xNN. Other text is left as it is.
@@ -17,4 +17,4 @@ std::string_view base_name(std::string_view path);
 // Two hexadecimal digits, upper case.
 std::string hex_byte(unsigned value);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

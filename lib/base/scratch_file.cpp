@@ -7,7 +7,7 @@
 #include <string>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 namespace {
 
@@ -41,4 +41,4 @@ Error scratch_error(int error_number)
             "name a folder with room for it in the environment variable TMPDIR"};
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

@@ -1,12 +1,12 @@
 // Files for what must be put aside and memory should not hold: without a name, so that nothing
 // of them is left however the process ends. They are made in the folder that the environment
 // variable TMPDIR names, or in /tmp. Tests: tests/lib/base/scratch_test.cpp and
-// tests/lib/reading/block_files_test.cpp.
+// tests/lib/reading/byte_source_test.cpp.
 #pragma once
 
 #include "pfsdoc/error.h"
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 // A new descriptor, for reading and writing, or -1: errno tells why.
 int open_scratch_file();
@@ -14,4 +14,4 @@ int open_scratch_file();
 // What an error number of opening, reading or writing one means to the user of a writer.
 Error scratch_error(int error_number);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 namespace {
 
@@ -101,4 +101,4 @@ void Utf8Output::hand_on()
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

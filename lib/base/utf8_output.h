@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::base {
 
 class Utf8Output {
 public:
@@ -47,4 +47,4 @@ private:
     bool separator_due_ = false;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::base

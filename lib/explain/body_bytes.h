@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace pfsdoc::body_bytes {
+namespace pfsdoc::explaining::body_bytes {
 
 inline constexpr int32_t form_feed = 0x0C;
 inline constexpr int32_t carriage_return = 0x0D;
@@ -28,4 +28,4 @@ inline constexpr int32_t record_mark = 0x07;
 // Behind the end of a document, where a file transfer has filled the last block.
 inline constexpr int32_t transfer_fill = 0x1A;
 
-} // namespace pfsdoc::body_bytes
+} // namespace pfsdoc::explaining::body_bytes

@@ -5,7 +5,7 @@
 
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 using namespace body_bytes;
 
@@ -163,4 +163,4 @@ bool BodyWalker::take_page_break()
     return due;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

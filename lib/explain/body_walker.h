@@ -16,7 +16,7 @@
 #include <memory>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 // What was announced before the text. Columns are counted from 0.
 struct BodyStart {
@@ -111,4 +111,4 @@ std::unique_ptr<BodyWalker> make_wrapped_text_walker(SpanBuilder &builder, ByteS
 std::unique_ptr<BodyWalker> make_professional_write_walker(SpanBuilder &builder);
 std::unique_ptr<BodyWalker> make_choice3_walker(SpanBuilder &builder);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

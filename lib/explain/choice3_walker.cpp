@@ -13,7 +13,7 @@
 
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 using namespace body_bytes;
 
@@ -206,4 +206,4 @@ std::unique_ptr<BodyWalker> make_choice3_walker(SpanBuilder &builder)
     return std::make_unique<Choice3Walker>(builder);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

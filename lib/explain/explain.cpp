@@ -36,10 +36,10 @@ private:
     void begin_body();
 
     ByteSource &source_;
-    SpanBuilder builder_;
-    BodyStart start_;
+    explaining::SpanBuilder builder_;
+    explaining::BodyStart start_;
     bool spacing_follows_ = false;
-    std::unique_ptr<BodyWalker> body_; // null before the text
+    std::unique_ptr<explaining::BodyWalker> body_; // null before the text
 };
 
 int32_t FileExplainer::on_event(const Event &event, uint32_t offset)
@@ -63,7 +63,7 @@ int16_t column_of(int32_t twips)
 void FileExplainer::on_announcement(const Event &event, uint32_t position)
 {
     if (std::get_if<SectionStart>(&event) != nullptr) {
-        explain_header(builder_, start_.kind, position);
+        explaining::explain_header(builder_, start_.kind, position);
     } else if (const auto *margins = std::get_if<Margins>(&event)) {
         start_.left_margin = column_of(margins->left);
         start_.right_margin = column_of(margins->right);
@@ -79,10 +79,10 @@ void FileExplainer::begin_body()
     switch (start_.kind) {
     case DocumentKind::professional_write_1:
     case DocumentKind::professional_write_2:
-        body_ = make_professional_write_walker(builder_);
+        body_ = explaining::make_professional_write_walker(builder_);
         break;
-    case DocumentKind::first_choice_3: body_ = make_choice3_walker(builder_); break;
-    default: body_ = make_wrapped_text_walker(builder_, source_, start_);
+    case DocumentKind::first_choice_3: body_ = explaining::make_choice3_walker(builder_); break;
+    default: body_ = explaining::make_wrapped_text_walker(builder_, source_, start_);
     }
 }
 
@@ -90,7 +90,7 @@ std::string_view padding_words(int32_t byte)
 {
     switch (byte) {
     case 0: return "behind the end: zeros";
-    case body_bytes::transfer_fill: return "behind the end: fill of file transfers";
+    case explaining::body_bytes::transfer_fill: return "behind the end: fill of file transfers";
     default: return "behind the end: left over";
     }
 }
@@ -114,8 +114,9 @@ std::string_view span_kind_name(SpanKind kind)
 Status explain(const Module &module, ByteSource &source, DocumentKind kind, SpanSink &sink)
 {
     FileExplainer explainer(source, kind, sink);
-    Status status = read_document(module, source, kind, explainer, {Offsets::wanted});
-    if (is_read_to_end(status)) {
+    Status status =
+        reading::read_document(module, source, kind, explainer, {reading::Offsets::wanted});
+    if (reading::is_read_to_end(status)) {
         explainer.finish();
     }
     return status;

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 namespace {
 
@@ -126,7 +126,7 @@ std::string HeaderExplainer::text_value(const HeaderField &field)
     for (uint32_t i = 0; i < field.size; ++i) {
         const int32_t letter = byte(field.offset + i);
         if (letter < first_letter || letter >= behind_letters) {
-            return "byte 0x" + hex_byte(static_cast<unsigned>(letter));
+            return "byte 0x" + base::hex_byte(static_cast<unsigned>(letter));
         }
         text.push_back(static_cast<char>(letter));
     }
@@ -288,4 +288,4 @@ void explain_header(SpanBuilder &builder, DocumentKind kind, uint32_t body)
     builder.separate();
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

@@ -8,9 +8,9 @@
 
 #include <cstdint>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 // Claims everything up to `body`, where the module found the text to begin.
 void explain_header(SpanBuilder &builder, DocumentKind kind, uint32_t body);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

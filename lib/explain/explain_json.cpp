@@ -5,7 +5,7 @@
 #include "lib/base/printable.h"
 #include "pfsdoc/attribute_names.h"
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 namespace {
 
@@ -14,7 +14,7 @@ std::string hex_of(std::string_view bytes)
     std::string hex;
     hex.reserve(2 * bytes.size());
     for (const char byte : bytes) {
-        hex.append(hex_byte(static_cast<unsigned char>(byte)));
+        hex.append(base::hex_byte(static_cast<unsigned char>(byte)));
     }
     return hex;
 }
@@ -25,7 +25,7 @@ void append_attributes(std::string &json, AttributeSet attributes)
     for (const AttributeName &entry : attribute_names) {
         if ((attributes & attribute_bit(static_cast<int32_t>(entry.code))) != 0) {
             json.append(before);
-            append_json_string(json, entry.name);
+            base::append_json_string(json, entry.name);
             before = ",";
         }
     }
@@ -38,13 +38,13 @@ void ExplainJsonWriter::span(const Span &span)
 {
     std::string json = "{\"offset\":" + std::to_string(span.offset) +
                        ",\"length\":" + std::to_string(span.bytes.size());
-    append_json_member(json, "kind", span_kind_name(span.kind));
-    append_json_member(json, "words", span.words);
-    append_json_member(json, "hex", hex_of(span.bytes));
+    base::append_json_member(json, "kind", span_kind_name(span.kind));
+    base::append_json_member(json, "words", span.words);
+    base::append_json_member(json, "hex", hex_of(span.bytes));
     if (!span.characters.empty()) {
         std::string text;
         code_page_.append_utf8(text, span.characters);
-        append_json_member(json, "text", text);
+        base::append_json_member(json, "text", text);
     }
     if (span.attributes != 0) {
         append_attributes(json, span.attributes);
@@ -53,10 +53,11 @@ void ExplainJsonWriter::span(const Span &span)
         json.append(",\"attribute_bytes\":").append(std::to_string(span.attribute_bytes));
     }
     if (span.line_end != LineEnd::none) {
-        append_json_member(json, "line_end", span.line_end == LineEnd::hard ? "hard" : "soft");
+        base::append_json_member(json, "line_end",
+                                 span.line_end == LineEnd::hard ? "hard" : "soft");
     }
     json.append(span.disputed ? ",\"disputed\":true}\n" : "}\n");
     output_.write(json);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 namespace {
 
@@ -87,7 +87,7 @@ void ExplainTextWriter::write_line(const Span &span, std::size_t from, std::size
 void ExplainTextWriter::append_bytes(std::string_view bytes)
 {
     for (const char byte : bytes) {
-        line_.append(hex_byte(static_cast<unsigned char>(byte))).push_back(' ');
+        line_.append(base::hex_byte(static_cast<unsigned char>(byte))).push_back(' ');
     }
     line_.append(3 * (bytes_in_line - bytes.size()) + 1, ' ');
 }
@@ -114,4 +114,4 @@ void ExplainTextWriter::append_coloured(SpanKind kind, std::string_view text)
     line_.append(colour).append(text).append(colour_end);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

@@ -15,7 +15,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 enum class Colours { off, on };
 
@@ -56,4 +56,4 @@ private:
     const CodePage &code_page_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

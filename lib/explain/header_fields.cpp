@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 namespace {
 
@@ -104,4 +104,4 @@ std::span<const HeaderField> choice_header_fields(bool ruler_of_bytes)
     return ruler_of_bytes ? fields_with_ruler_of_bytes : fields_with_ruler_of_bits;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

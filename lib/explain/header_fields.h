@@ -9,7 +9,7 @@
 #include <span>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 enum class FieldForm : uint8_t {
     column,        // 16 bits, low byte first, counted from 1
@@ -59,4 +59,4 @@ std::span<const HeaderField> choice_header_fields(bool ruler_of_bytes);
 inline constexpr uint32_t write_header_size = 1024;
 inline constexpr uint32_t choice_header_size = 512;
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 namespace {
 
@@ -38,4 +38,4 @@ void claim_margin_record(SpanBuilder &builder)
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

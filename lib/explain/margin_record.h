@@ -4,9 +4,9 @@
 
 #include "lib/explain/span_builder.h"
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 // Claims the record whose 0x07 comes next.
 void claim_margin_record(SpanBuilder &builder);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

@@ -2,16 +2,16 @@
 
 #include "lib/explain/body_bytes.h"
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 using namespace body_bytes;
 
 // Every byte from 0x80 up takes the next one with it, also in IBM Writing Assistant, whose
 // characters do so from 0xC0 only.
-NextWord::Token NextWord::read_write(ByteWindow &bytes, uint32_t &position) const
+NextWord::Token NextWord::read_write(reading::ByteWindow &bytes, uint32_t &position) const
 {
     const int32_t byte = bytes.at(position);
-    if (byte == ByteWindow::no_byte || byte == carriage_return || byte == document_end) {
+    if (byte == reading::ByteWindow::no_byte || byte == carriage_return || byte == document_end) {
         return Token::stop;
     }
     position += (byte & high_bit) != 0 ? 2 : 1;
@@ -19,10 +19,10 @@ NextWord::Token NextWord::read_write(ByteWindow &bytes, uint32_t &position) cons
 }
 
 // Attribute bytes are chained without limit, where a character has two at most.
-NextWord::Token NextWord::read_choice(ByteWindow &bytes, uint32_t &position) const
+NextWord::Token NextWord::read_choice(reading::ByteWindow &bytes, uint32_t &position) const
 {
     int32_t byte = bytes.at(position);
-    if (byte == ByteWindow::no_byte || byte == form_feed || byte == carriage_return ||
+    if (byte == reading::ByteWindow::no_byte || byte == form_feed || byte == carriage_return ||
         byte == document_end) {
         return Token::stop;
     }
@@ -30,10 +30,11 @@ NextWord::Token NextWord::read_choice(ByteWindow &bytes, uint32_t &position) con
     if ((byte & high_bit) != 0) {
         const int32_t first = bytes.at(position);
         int32_t last = first;
-        for (++position; last != ByteWindow::no_byte && (last & choice_more_attributes) != 0;) {
+        for (++position;
+             last != reading::ByteWindow::no_byte && (last & choice_more_attributes) != 0;) {
             last = bytes.at(position++);
         }
-        if (last == ByteWindow::no_byte) {
+        if (last == reading::ByteWindow::no_byte) {
             return Token::stop;
         }
         byte = (first & choice_keeps_high_bit) != 0 ? byte : byte & low_seven_bits;
@@ -41,7 +42,7 @@ NextWord::Token NextWord::read_choice(ByteWindow &bytes, uint32_t &position) con
     return byte == space ? Token::blank : Token::word;
 }
 
-NextWord::Token NextWord::read(ByteWindow &bytes, uint32_t &position) const
+NextWord::Token NextWord::read(reading::ByteWindow &bytes, uint32_t &position) const
 {
     return kind_ == DocumentKind::first_choice_2 ? read_choice(bytes, position)
                                                  : read_write(bytes, position);
@@ -90,4 +91,4 @@ int16_t NextWord::length_at(uint32_t position)
     return static_cast<int16_t>(length_);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

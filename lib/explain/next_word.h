@@ -13,7 +13,7 @@
 
 #include <cstdint>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 class NextWord {
 public:
@@ -28,14 +28,14 @@ private:
     enum class Token { word, blank, stop };
 
     // Passes one character of the scan.
-    Token read(ByteWindow &bytes, uint32_t &position) const;
-    Token read_write(ByteWindow &bytes, uint32_t &position) const;
-    Token read_choice(ByteWindow &bytes, uint32_t &position) const;
+    Token read(reading::ByteWindow &bytes, uint32_t &position) const;
+    Token read_write(reading::ByteWindow &bytes, uint32_t &position) const;
+    Token read_choice(reading::ByteWindow &bytes, uint32_t &position) const;
     bool recall(uint32_t position);
     void scan(uint32_t position);
 
-    ByteWindow ahead_;  // where a scan is
-    ByteWindow behind_; // where characters are counted off
+    reading::ByteWindow ahead_;  // where a scan is
+    reading::ByteWindow behind_; // where characters are counted off
     DocumentKind kind_;
     // The last scan, as from begin_ on.
     uint32_t begin_ = 0;
@@ -43,4 +43,4 @@ private:
     uint16_t length_ = 0;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

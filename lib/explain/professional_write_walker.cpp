@@ -13,7 +13,7 @@
 
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 using namespace body_bytes;
 
@@ -202,4 +202,4 @@ std::unique_ptr<BodyWalker> make_professional_write_walker(SpanBuilder &builder)
     return std::make_unique<ProfessionalWriteWalker>(builder);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 namespace {
 
@@ -111,4 +111,4 @@ void SpanBuilder::finish()
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 class SpanBuilder {
 public:
@@ -57,11 +57,11 @@ private:
         return span_.bytes.size() + length <= longest_span;
     }
 
-    ByteWindow window_;
+    reading::ByteWindow window_;
     SpanSink &sink_;
     uint32_t position_ = 0;
     Span span_; // without bytes: none
     bool joinable_ = false;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

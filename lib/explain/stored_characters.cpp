@@ -2,7 +2,7 @@
 
 #include "lib/explain/body_bytes.h"
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 using namespace body_bytes;
 
@@ -87,4 +87,4 @@ bool has_second_attribute_byte(DocumentKind kind, int32_t attribute)
     return is_first_choice(kind) && (attribute & choice_more_attributes) != 0;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

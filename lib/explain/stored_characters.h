@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 struct StoredCharacter {
     uint8_t character = 0;
@@ -40,4 +40,4 @@ StoredCharacter stored_character(DocumentKind kind, int32_t byte, ByteAt byte_at
     return {attributed_character(kind, byte, first), second ? 2U : 1U, !second || byte_at(2) >= 0};
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

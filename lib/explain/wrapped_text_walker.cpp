@@ -15,7 +15,7 @@
 
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::explaining {
 
 using namespace body_bytes;
 
@@ -152,4 +152,4 @@ std::unique_ptr<BodyWalker> make_wrapped_text_walker(SpanBuilder &builder, ByteS
     return std::make_unique<WrappedTextWalker>(builder, source, start);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::explaining

@@ -14,7 +14,7 @@
 #include <span>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::page {
 
 class AttributeNesting {
 public:
@@ -73,4 +73,4 @@ private:
     AttributeSet open_set_ = 0;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::page

@@ -5,11 +5,11 @@
 
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::page {
 
 inline constexpr char tab_byte = '\t';
 inline constexpr char zero_blank = '\0';
 inline constexpr std::string_view blank_bytes{" \0", 2};
 inline constexpr std::string_view gap_bytes{" \0\t", 3}; // what parts words
 
-} // namespace pfsdoc
+} // namespace pfsdoc::page

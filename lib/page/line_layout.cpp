@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::page {
 
 namespace {
 
@@ -29,7 +29,7 @@ std::size_t word_stretch(std::string_view bytes)
 
 } // namespace
 
-LineLayout::LineLayout(Utf8Output &output) : output_(output) {}
+LineLayout::LineLayout(base::Utf8Output &output) : output_(output) {}
 
 void LineLayout::begin(LineGeometry geometry)
 {
@@ -293,4 +293,4 @@ std::size_t LineLayout::alignment_blanks(std::size_t length) const
     return 0;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::page

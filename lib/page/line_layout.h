@@ -33,7 +33,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::page {
 
 enum class LineAlignment { left, centre, right };
 
@@ -68,7 +68,7 @@ class LineLayout {
 public:
     static constexpr std::size_t fallback_tab_columns = 8;
 
-    explicit LineLayout(Utf8Output &output);
+    explicit LineLayout(base::Utf8Output &output);
 
     void begin(LineGeometry geometry);
     void text(std::string_view bytes);
@@ -103,7 +103,7 @@ private:
     void write_line();
     std::size_t alignment_blanks(std::size_t length) const;
 
-    Utf8Output &output_;
+    base::Utf8Output &output_;
     LineGeometry geometry_;
     bool line_written_ = false; // of this paragraph
 
@@ -123,4 +123,4 @@ private:
     std::size_t line_first_gap_ = 0; // of this line's tabs
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::page

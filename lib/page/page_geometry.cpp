@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::page {
 
 namespace {
 
@@ -19,7 +19,7 @@ std::optional<int32_t> leading_alignment_command(const Paragraph &paragraph)
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         const std::string_view bytes = paragraph.piece_bytes(i);
         if (paragraph.pieces[i].kind == PieceKind::command) {
-            if (const std::optional<int32_t> alignment = alignment_command(bytes)) {
+            if (const std::optional<int32_t> alignment = reading::alignment_command(bytes)) {
                 return alignment;
             }
         } else if (bytes.find_first_not_of(blank_bytes) != std::string_view::npos) {
@@ -86,4 +86,4 @@ LineGeometry line_geometry(const Paragraph &paragraph)
     return geometry;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::page

@@ -14,7 +14,7 @@
 
 #include <cstdint>
 
-namespace pfsdoc {
+namespace pfsdoc::page {
 
 // Rulers count columns in eight bits, so nothing that means it has wider margins.
 inline constexpr int32_t widest_page_columns = 255;
@@ -38,4 +38,4 @@ PageColumns page_columns(const Margins &margins);
 LineAlignment line_alignment(const Paragraph &paragraph);
 LineGeometry line_geometry(const Paragraph &paragraph);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::page

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::page {
 
 // What a writer puts behind the piece's own text.
 inline std::string_view cut_mark(const Piece &piece)
@@ -24,4 +24,4 @@ inline bool is_text_only(const Paragraph &paragraph)
                        [](const Piece &piece) { return piece.kind == PieceKind::text; });
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::page

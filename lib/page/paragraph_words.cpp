@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace pfsdoc {
+namespace pfsdoc::page {
 
 namespace {
 
@@ -120,4 +120,4 @@ void tell_words(const Paragraph &paragraph, const WriterOptions &options, Attrib
     teller.end_line();
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::page

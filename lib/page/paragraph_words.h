@@ -21,7 +21,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::page {
 
 struct WordPart {
     std::size_t begin; // index into the word's text
@@ -61,4 +61,4 @@ public:
 void tell_words(const Paragraph &paragraph, const WriterOptions &options, AttributeSet sayable,
                 WordSink &sink);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::page

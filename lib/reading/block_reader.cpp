@@ -5,7 +5,7 @@
 
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 Result<std::unique_ptr<BlockReader>> BlockReader::create(const Module &module, ByteSource &source,
                                                          DocumentKind kind, Offsets offsets,
@@ -174,4 +174,4 @@ void BlockReader::block_end()
 
 void BlockReader::end_of_document() {}
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

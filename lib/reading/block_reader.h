@@ -9,7 +9,7 @@
 // that read it. Tests: tests/lib/reading/document_test.cpp.
 #pragma once
 
-#include "lib/reading/block_files.h"
+#include "lib/reading/block_file.h"
 #include "lib/reading/paragraph_collector.h"
 #include "lib/reading/resume.h"
 #include "lib/reading/session.h"
@@ -21,7 +21,7 @@
 #include <memory>
 #include <optional>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 // Where a read call begins, with all that is known there from what came before.
 struct ReadStart {
@@ -90,4 +90,4 @@ private:
     Status fault_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

@@ -1,6 +1,6 @@
 #include "lib/reading/byte_window.h"
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 // A little before the position, so that a look back stays within the window.
 void ByteWindow::move_to(uint32_t position)
@@ -9,4 +9,4 @@ void ByteWindow::move_to(uint32_t position)
     count_ = source_.read_at(begin_, bytes_).value_or(0);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 class ByteWindow {
 public:
@@ -43,4 +43,4 @@ private:
     std::array<uint8_t, window_size> bytes_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

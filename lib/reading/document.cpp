@@ -80,8 +80,8 @@ struct Document::State {
     std::unique_ptr<ByteSource> source;
     Module module;
     Identity identity;
-    Offsets offsets;
-    std::unique_ptr<BlockReader> reader; // null until blocks are asked for
+    reading::Offsets offsets;
+    std::unique_ptr<reading::BlockReader> reader; // null until blocks are asked for
 
     Status need_reader()
     {
@@ -90,9 +90,9 @@ struct Document::State {
         }
         return {};
     }
-    Status read_from(const BlockPlace &place)
+    Status read_from(const reading::BlockPlace &place)
     {
-        auto made = BlockReader::create(module, *source, identity.kind, offsets, place);
+        auto made = reading::BlockReader::create(module, *source, identity.kind, offsets, place);
         if (!made.ok()) {
             const Status failure = source->failure();
             return failure ? failure : made.error();
@@ -100,9 +100,9 @@ struct Document::State {
         reader = std::move(made.value());
         return {};
     }
-    Result<DocumentMark> mark()
+    Result<reading::DocumentMark> mark()
     {
-        return document_mark(*source, identity.kind, offsets == Offsets::wanted);
+        return reading::document_mark(*source, identity.kind, offsets == reading::Offsets::wanted);
     }
 };
 
@@ -149,9 +149,9 @@ Result<Document> Document::from_source(std::unique_ptr<ByteSource> source,
     if (!module.ok()) {
         return module.error();
     }
-    return Document(std::unique_ptr<State>(
-        new State{std::move(source), module.value(), identity.value(),
-                  options.source_offsets ? Offsets::wanted : Offsets::none, nullptr}));
+    return Document(std::unique_ptr<State>(new State{
+        std::move(source), module.value(), identity.value(),
+        options.source_offsets ? reading::Offsets::wanted : reading::Offsets::none, nullptr}));
 }
 
 DocumentKind Document::kind() const
@@ -171,8 +171,8 @@ uint32_t Document::size() const
 
 Result<PageSetup> Document::page_setup()
 {
-    BlockFile file(*state_->source);
-    auto session = open_session(state_->module, file, kind(), Offsets::none);
+    reading::BlockFile file(*state_->source);
+    auto session = reading::open_session(state_->module, file, kind(), reading::Offsets::none);
     if (!session.ok()) {
         return session.error();
     }
@@ -184,14 +184,14 @@ Result<PageSetup> Document::page_setup()
 
 Status Document::read(BlockSink &sink)
 {
-    ParagraphCollector collector(sink, line_spacing_rule(kind()));
-    if (state_->offsets == Offsets::wanted) {
+    reading::ParagraphCollector collector(sink, reading::line_spacing_rule(kind()));
+    if (state_->offsets == reading::Offsets::wanted) {
         collector.find_lines(*state_->source, kind());
     }
     try {
-        Status fault = read_document(state_->module, *state_->source, kind(), collector,
-                                     {state_->offsets, Stops::for_margins});
-        if (is_read_to_end(fault)) {
+        Status fault = reading::read_document(state_->module, *state_->source, kind(), collector,
+                                              {state_->offsets, reading::Stops::for_margins});
+        if (reading::is_read_to_end(fault)) {
             collector.finish();
         }
         return fault;
@@ -203,8 +203,9 @@ Status Document::read(BlockSink &sink)
 Status Document::read_events(EventSink &sink, bool in_steps)
 {
     try {
-        return read_document(state_->module, *state_->source, kind(), sink,
-                             {state_->offsets, in_steps ? Stops::at_breaks : Stops::none});
+        return reading::read_document(
+            state_->module, *state_->source, kind(), sink,
+            {state_->offsets, in_steps ? reading::Stops::at_breaks : reading::Stops::none});
     } catch (const ReadingStopped &stopped) {
         return stopped.error();
     }
@@ -222,18 +223,18 @@ Result<ResumeToken> Document::place()
     if (fault) {
         return *fault;
     }
-    const Result<BlockPlace> place = state_->reader->place();
-    const Result<DocumentMark> mark = state_->mark();
+    const Result<reading::BlockPlace> place = state_->reader->place();
+    const Result<reading::DocumentMark> mark = state_->mark();
     if (!place.ok() || !mark.ok()) {
         return place.ok() ? mark.error() : place.error();
     }
-    return ResumeToken(token_text({mark.value(), place.value()}));
+    return ResumeToken(reading::token_text({mark.value(), place.value()}));
 }
 
 Status Document::resume(const ResumeToken &token)
 {
-    const Result<MarkedPlace> marked = parse_token(token.text());
-    const Result<DocumentMark> mark = state_->mark();
+    const Result<reading::MarkedPlace> marked = reading::parse_token(token.text());
+    const Result<reading::DocumentMark> mark = state_->mark();
     if (!marked.ok() || !mark.ok()) {
         return marked.ok() ? mark.error() : marked.error();
     }
@@ -246,7 +247,7 @@ Status Document::resume(const ResumeToken &token)
 
 Result<ResumeToken> ResumeToken::parse(std::string_view text)
 {
-    const Result<MarkedPlace> marked = parse_token(text);
+    const Result<reading::MarkedPlace> marked = reading::parse_token(text);
     return marked.ok() ? Result<ResumeToken>(ResumeToken(std::string(text))) : marked.error();
 }
 

@@ -27,7 +27,7 @@ constexpr int32_t last_column = 255;
 constexpr uint32_t most_fill = 65536;
 constexpr bool is_fill(int32_t byte)
 {
-    return byte == 0 || byte == body_bytes::transfer_fill;
+    return byte == 0 || byte == explaining::body_bytes::transfer_fill;
 }
 
 std::string at_offset(uint32_t offset)
@@ -48,7 +48,7 @@ private:
         return bytes_.at(at) + byte_values * bytes_.at(at + 1);
     }
     bool has(uint32_t offset, std::string_view text);
-    std::span<const HeaderField> fields();
+    std::span<const explaining::HeaderField> fields();
     uint32_t body_offset();
 
     bool check_header();
@@ -64,7 +64,7 @@ private:
         return false;
     }
 
-    ByteWindow bytes_;
+    reading::ByteWindow bytes_;
     DocumentKind kind_;
     Examination examination_;
 };
@@ -80,17 +80,19 @@ bool Examiner::has(uint32_t offset, std::string_view text)
 }
 
 // The form of the ruler does not matter here.
-std::span<const HeaderField> Examiner::fields()
+std::span<const explaining::HeaderField> Examiner::fields()
 {
-    return is_first_choice(kind_) ? choice_header_fields(false) : write_header_fields();
+    return is_first_choice(kind_) ? explaining::choice_header_fields(false)
+                                  : explaining::write_header_fields();
 }
 
 bool Examiner::check_margins()
 {
     std::array<int32_t, 2> margins{};
     std::size_t count = 0;
-    for (const HeaderField &field : fields()) {
-        if (field.form == FieldForm::column && (field.kinds & kind_bit(kind_)) != 0) {
+    for (const explaining::HeaderField &field : fields()) {
+        if (field.form == explaining::FieldForm::column &&
+            (field.kinds & explaining::kind_bit(kind_)) != 0) {
             margins.at(count++) = word(field.offset);
         }
     }
@@ -105,8 +107,9 @@ bool Examiner::check_margins()
 bool Examiner::check_lines()
 {
     bool plausible = true;
-    for (const HeaderField &field : fields()) {
-        if (field.form == FieldForm::line_text && bytes_.at(field.offset - 1U) > field.size) {
+    for (const explaining::HeaderField &field : fields()) {
+        if (field.form == explaining::FieldForm::line_text &&
+            bytes_.at(field.offset - 1U) > field.size) {
             plausible = odd(std::string(field.name) + " is longer than its room");
         }
     }
@@ -117,10 +120,10 @@ bool Examiner::check_lines()
 uint32_t Examiner::body_offset()
 {
     if (is_first_choice(kind_)) {
-        return choice_header_size;
+        return explaining::choice_header_size;
     }
-    uint32_t offset = write_header_size;
-    while (offset < bytes_.size() && bytes_.at(offset) != body_bytes::form_feed) {
+    uint32_t offset = explaining::write_header_size;
+    while (offset < bytes_.size() && bytes_.at(offset) != explaining::body_bytes::form_feed) {
         ++offset;
     }
     return offset;
@@ -145,7 +148,7 @@ bool Examiner::check_end()
     while (end > 0 && size - end < most_fill && is_fill(bytes_.at(end - 1))) {
         --end;
     }
-    if (end <= body_offset() || bytes_.at(end - 1) != body_bytes::document_end) {
+    if (end <= body_offset() || bytes_.at(end - 1) != explaining::body_bytes::document_end) {
         return odd("its last byte is no end mark: it is cut short, or other bytes follow its end");
     }
     if (end < size) {
@@ -161,7 +164,7 @@ bool Examiner::has_write_signature()
     using namespace std::string_view_literals;
     const bool page = has(2, "\x06\x00"sv) || has(2, "\x0C\x00"sv);
     return has(0, "\x42\x00"sv) && page && has(10, "\x0A\x00\x46\x00"sv) && bytes_.size() > 0 &&
-           bytes_.at(bytes_.size() - 1) == body_bytes::document_end;
+           bytes_.at(bytes_.size() - 1) == explaining::body_bytes::document_end;
 }
 
 RegistrySignature Examiner::registry_signature()
@@ -170,8 +173,12 @@ RegistrySignature Examiner::registry_signature()
     switch (kind_) {
     case DocumentKind::write_a:
     case DocumentKind::write_b: matches = has_write_signature(); break;
-    case DocumentKind::first_choice_2: matches = has(choice_signature_offset, "GERBILDOC "); break;
-    case DocumentKind::first_choice_3: matches = has(choice_signature_offset, "GERBILDOC3"); break;
+    case DocumentKind::first_choice_2:
+        matches = has(explaining::choice_signature_offset, "GERBILDOC ");
+        break;
+    case DocumentKind::first_choice_3:
+        matches = has(explaining::choice_signature_offset, "GERBILDOC3");
+        break;
     default: return RegistrySignature::none;
     }
     return matches ? RegistrySignature::matches : RegistrySignature::differs;

@@ -68,7 +68,7 @@ char lower_case(char letter)
 // Without its dot, in lower case; empty where there is none.
 std::string extension_of(std::string_view file_name)
 {
-    const std::string_view name = base_name(file_name);
+    const std::string_view name = base::base_name(file_name);
     const std::size_t dot = name.rfind('.');
     if (dot == std::string_view::npos || dot == 0) {
         return {};

@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view choice_signature = "GERBILDOC";
 constexpr char generation_3 = '3';
 
-constexpr std::size_t examined_size = write_variant_offset + 1;
+constexpr std::size_t examined_size = explaining::write_variant_offset + 1;
 
 struct KindEntry {
     DocumentKind kind;
@@ -97,7 +97,7 @@ std::string byte_text(std::string_view byte)
     }
     const char c = byte.front();
     return c > ' ' && c < 0x7F ? std::string("\"").append(byte).append("\"")
-                               : "byte 0x" + hex_byte(static_cast<unsigned char>(c));
+                               : "byte 0x" + base::hex_byte(static_cast<unsigned char>(c));
 }
 
 Error not_a_document(const std::string &what)
@@ -109,19 +109,21 @@ Error not_a_document(const std::string &what)
 
 Identity choice_identity(const Start &start)
 {
-    const bool is_3 = start.at(choice_generation_offset, 1) == std::string_view(&generation_3, 1);
+    const bool is_3 =
+        start.at(explaining::choice_generation_offset, 1) == std::string_view(&generation_3, 1);
     return {is_3 ? DocumentKind::first_choice_3 : DocumentKind::first_choice_2,
-            found_at(choice_signature, choice_signature_offset) + ", generation " +
-                byte_text(start.at(choice_generation_offset, 1)) + " at " +
-                std::to_string(choice_generation_offset)};
+            found_at(choice_signature, explaining::choice_signature_offset) + ", generation " +
+                byte_text(start.at(explaining::choice_generation_offset, 1)) + " at " +
+                std::to_string(explaining::choice_generation_offset)};
 }
 
 // The two kinds of PFS: WRITE.
 Result<Identity> variant_identity(const Start &start, const Signature &signature)
 {
-    const std::string_view variant = start.at(write_variant_offset, 1);
-    const std::string basis = found_at(signature.text, write_signature_offset) + ", variant " +
-                              byte_text(variant) + " at " + std::to_string(write_variant_offset);
+    const std::string_view variant = start.at(explaining::write_variant_offset, 1);
+    const std::string basis = found_at(signature.text, explaining::write_signature_offset) +
+                              ", variant " + byte_text(variant) + " at " +
+                              std::to_string(explaining::write_variant_offset);
     if (variant == "1") {
         return Identity{DocumentKind::write_a, basis};
     }
@@ -137,9 +139,9 @@ Error unknown(const Start &start)
         return not_a_document("is empty");
     }
     for (const Relative &relative : relatives) {
-        if (start.has(choice_signature_offset, relative.magic)) {
+        if (start.has(explaining::choice_signature_offset, relative.magic)) {
             return not_a_document("is " + std::string(relative.name) + " (" +
-                                  found_at(relative.magic, choice_signature_offset) +
+                                  found_at(relative.magic, explaining::choice_signature_offset) +
                                   "), not a document");
         }
     }
@@ -148,13 +150,14 @@ Error unknown(const Start &start)
 
 Result<Identity> identify_start(const Start &start)
 {
-    if (start.has(choice_signature_offset, choice_signature)) {
+    if (start.has(explaining::choice_signature_offset, choice_signature)) {
         return choice_identity(start);
     }
     for (const Signature &signature : signatures) {
-        if (start.has(write_signature_offset, signature.text)) {
+        if (start.has(explaining::write_signature_offset, signature.text)) {
             return signature.kind
-                       ? Identity{*signature.kind, found_at(signature.text, write_signature_offset)}
+                       ? Identity{*signature.kind,
+                                  found_at(signature.text, explaining::write_signature_offset)}
                        : variant_identity(start, signature);
         }
     }

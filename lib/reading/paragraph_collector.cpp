@@ -5,7 +5,7 @@
 
 #include <variant>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 namespace {
 
@@ -358,4 +358,4 @@ void ParagraphCollector::set_source_range()
     paragraph_.source_end = text_elsewhere ? text_end_ : offset_;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

@@ -32,7 +32,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 // Where to look for a paragraph's spacing.
 //
@@ -147,4 +147,4 @@ private:
     std::string_view line_ends_; // the bytes that end a line
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

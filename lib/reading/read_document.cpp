@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 namespace {
 
@@ -120,4 +120,4 @@ Status read_document(const Module &module, ByteSource &source, DocumentKind kind
     return failure ? failure : status;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

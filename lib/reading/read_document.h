@@ -2,7 +2,7 @@
 // know about sessions. Test: tests/lib/reading/session_test.cpp.
 #pragma once
 
-#include "lib/reading/block_files.h"
+#include "lib/reading/block_file.h"
 #include "lib/reading/resume.h"
 #include "lib/reading/session.h"
 #include "pfsdoc/error.h"
@@ -12,7 +12,7 @@
 
 #include <memory>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 enum class Stops {
     none,
@@ -56,4 +56,4 @@ bool text_changes_margins(DocumentKind kind);
 // Professional Write never undoes a paragraph's indents; all others do, after its break.
 IndentsReset indents_reset(DocumentKind kind);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

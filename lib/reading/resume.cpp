@@ -2,7 +2,7 @@
 
 #include "pfsdoc/attribute_names.h"
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 namespace {
 
@@ -196,4 +196,4 @@ bool read_with_stops(std::span<Session *const> sessions, Stitcher &stitcher)
     return true;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

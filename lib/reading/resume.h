@@ -28,7 +28,7 @@
 #include <string_view>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 // Whether a kind of document undoes a paragraph's indents after its break.
 enum class IndentsReset { never, after_break };
@@ -121,4 +121,4 @@ private:
 // where that session happens to stand. False when the file refuses a position.
 bool read_with_stops(std::span<Session *const> sessions, Stitcher &stitcher);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

@@ -8,7 +8,7 @@
 #include <exception>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 namespace {
 
@@ -231,4 +231,4 @@ Result<MarkedPlace> parse_token(std::string_view text)
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

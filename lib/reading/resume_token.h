@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 // What a token is for.
 struct DocumentMark {
@@ -32,4 +32,4 @@ std::string token_text(const MarkedPlace &marked);
 // ErrorKind::usage for a text that is no token.
 Result<MarkedPlace> parse_token(std::string_view text);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

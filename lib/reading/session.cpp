@@ -3,7 +3,7 @@
 #include <cstring>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 namespace {
 
@@ -253,4 +253,4 @@ bool Session::go_to(const Place &place)
     return seek(place.position);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

@@ -18,7 +18,7 @@
 #include <memory>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 // Whether events carry the source offset: a question to the stream for each of them.
 enum class Offsets { none, wanted };
@@ -117,4 +117,4 @@ private:
     std::size_t held_count_; // or none_is_held
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

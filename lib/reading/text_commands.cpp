@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 namespace {
 
@@ -55,4 +55,4 @@ bool command_takes_effect(std::string_view text)
                                                   });
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

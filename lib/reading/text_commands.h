@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 // The VwAlignment that a command asks for, if it is a centre or right-align command. The text
 // includes both asterisks; upper and lower case are the same.
@@ -17,4 +17,4 @@ std::optional<int32_t> alignment_command(std::string_view text);
 // and those that begin a page, which come with a page break.
 bool command_takes_effect(std::string_view text);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

@@ -4,7 +4,7 @@
 #include "lib/page/page_geometry.h"
 #include "vs_pfs.h"
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -12,7 +12,7 @@ bool has_tabs(const Paragraph &paragraph)
 {
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         if (paragraph.pieces[i].kind == PieceKind::text &&
-            paragraph.piece_bytes(i).find(tab_byte) != std::string_view::npos) {
+            paragraph.piece_bytes(i).find(page::tab_byte) != std::string_view::npos) {
             return true;
         }
     }
@@ -65,7 +65,7 @@ void FlowWriter::add_layout_losses(const Paragraph &paragraph)
     if (paragraph.bytes.empty()) {
         return;
     }
-    const bool left_aligned = line_alignment(paragraph) == LineAlignment::left;
+    const bool left_aligned = page::line_alignment(paragraph) == page::LineAlignment::left;
     const bool indented = paragraph.left_indent != 0 || paragraph.first_line_indent != 0;
     losses_.add(Loss::alignment, source, !left_aligned && !abilities_.alignment ? 1 : 0);
     losses_.add(Loss::indents, source, left_aligned && indented ? 1 : 0);
@@ -111,4 +111,4 @@ void FlowWriter::begin_block()
     has_blocks = true;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -20,7 +20,7 @@
 #include <optional>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 class FlowWriter : public Writer {
 public:
@@ -57,7 +57,7 @@ protected:
     // To be called before each block; a paragraph may be several, or none.
     void begin_block();
     // Takes all text: the body's, or the footers' while one is written.
-    Utf8Output &out()
+    base::Utf8Output &out()
     {
         return place_ == Place::footer ? footer_text_ : text_;
     }
@@ -83,12 +83,12 @@ private:
     Place place_ = Place::body;
     std::optional<Margins> last_margins_;
 
-    Utf8Output text_;
+    base::Utf8Output text_;
     bool has_blocks_ = false;
     StringOutput footers_;
-    Utf8Output footer_text_;
+    base::Utf8Output footer_text_;
     bool has_footer_blocks_ = false;
     std::size_t footer_bytes_ = 0;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

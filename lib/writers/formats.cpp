@@ -9,8 +9,9 @@ namespace pfsdoc {
 namespace {
 
 constexpr std::array all_formats = {
-    &text_format, &markdown_format, &json_format, &pandoc_format,
-    &html_format, &odt_format,      &fodt_format, &trace_format,
+    &writers::text_format,   &writers::markdown_format, &writers::json_format,
+    &writers::pandoc_format, &writers::html_format,     &writers::odt_format,
+    &writers::fodt_format,   &writers::trace_format,
 };
 
 } // namespace

@@ -3,7 +3,7 @@
 
 #include "pfsdoc/writer.h"
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 extern const Format json_format;
 extern const Format markdown_format;
@@ -14,4 +14,4 @@ extern const Format odt_format;
 extern const Format text_format;
 extern const Format trace_format;
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -1,6 +1,6 @@
 #include "lib/writers/html_style.h"
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 // Text lines are half a column wider than the document's, since a browser's column is not
 // always the exact width of a letter; half a column never lets another letter onto a line.
@@ -156,4 +156,4 @@ sup {
 
 const std::string_view html_stylesheet_hash = "NOSll04YEPvWpcwh7pcazXdZej09I7yfI3bbxCCyO28=";
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

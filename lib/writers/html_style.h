@@ -16,10 +16,10 @@
 
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 extern const std::string_view html_stylesheet;
 // Of the stylesheet, SHA-256 in base 64.
 extern const std::string_view html_stylesheet_hash;
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -101,12 +101,12 @@ void ShownText::add(std::string_view bytes, AttributeSet attributes)
 
 bool ShownText::has_word() const
 {
-    return bytes_.find_first_not_of(gap_bytes) != std::string::npos;
+    return bytes_.find_first_not_of(page::gap_bytes) != std::string::npos;
 }
 
 // ----------------------------------------------------------------------- HtmlText -----
 
-HtmlText::HtmlText(Utf8Output &output, const CodePage &code_page) : output_(output)
+HtmlText::HtmlText(base::Utf8Output &output, const CodePage &code_page) : output_(output)
 {
     for (unsigned byte = 0; byte < classes_.size(); ++byte) {
         const auto value = static_cast<uint8_t>(byte);
@@ -119,7 +119,7 @@ HtmlText::HtmlText(Utf8Output &output, const CodePage &code_page) : output_(outp
     }
 }
 
-void HtmlText::write(const ShownText &text, const std::vector<TabGap> &tabs,
+void HtmlText::write(const ShownText &text, const std::vector<page::TabGap> &tabs,
                      bool outer_blanks_shown)
 {
     text_ = &text;
@@ -145,7 +145,7 @@ HtmlText::Range HtmlText::visible_range(bool outer_blanks_shown) const
     return range;
 }
 
-void HtmlText::write_visible(const Range &range, const std::vector<TabGap> &tabs)
+void HtmlText::write_visible(const Range &range, const std::vector<page::TabGap> &tabs)
 {
     std::size_t at = range.begin;
     std::size_t tab = 0;
@@ -191,7 +191,7 @@ constexpr std::array<HtmlText::ClassOfAscii, 7> HtmlText::ascii_classes = {{
 
 HtmlText::ByteClass HtmlText::class_of(uint8_t byte, char16_t character)
 {
-    if (byte == static_cast<uint8_t>(tab_byte)) {
+    if (byte == static_cast<uint8_t>(page::tab_byte)) {
         return ByteClass::tab;
     }
     if (is_ascii_letter_or_digit(character) || is_letter_beyond_ascii(character)) {
@@ -273,7 +273,7 @@ void HtmlText::write_word(const Range &word)
 
 // The tab that the range begins with, and the blanks behind it if they are not shown. Returns
 // where it has written to.
-std::size_t HtmlText::write_tab(const Range &range, const TabGap &gap)
+std::size_t HtmlText::write_tab(const Range &range, const page::TabGap &gap)
 {
     std::size_t end = range.begin + 1;
     while (gap.takes_blanks && end < range.end && byte_class(end) == ByteClass::blank) {
@@ -353,4 +353,4 @@ void HtmlText::set_elements(uint8_t wanted)
     open_elements_ = wanted;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

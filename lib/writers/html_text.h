@@ -32,7 +32,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 // Appends UTF-8 with the characters escaped that mean something in HTML text.
 void append_html_escaped(std::string &html, std::string_view utf8);
@@ -66,11 +66,12 @@ private:
 class HtmlText {
 public:
     // The output must outlive it.
-    HtmlText(Utf8Output &output, const CodePage &code_page);
+    HtmlText(base::Utf8Output &output, const CodePage &code_page);
 
     // `tabs` has one gap for each tab. `outer_blanks_shown` is false where blanks before the
     // text and behind it have no width.
-    void write(const ShownText &text, const std::vector<TabGap> &tabs, bool outer_blanks_shown);
+    void write(const ShownText &text, const std::vector<page::TabGap> &tabs,
+               bool outer_blanks_shown);
 
 private:
     // What a byte is for the line breaking of browsers.
@@ -101,9 +102,9 @@ private:
     std::size_t next_stop(std::size_t at) const;
     Range word_around(std::size_t at, std::size_t written) const;
     bool may_be_broken(const Range &word) const;
-    void write_visible(const Range &range, const std::vector<TabGap> &tabs);
+    void write_visible(const Range &range, const std::vector<page::TabGap> &tabs);
     void write_word(const Range &word);
-    std::size_t write_tab(const Range &range, const TabGap &gap);
+    std::size_t write_tab(const Range &range, const page::TabGap &gap);
     void write_hidden(const Range &blanks);
     void write_plain(const Range &range);
     void write_escaped(std::size_t at);
@@ -111,7 +112,7 @@ private:
     void go_to(std::size_t at);
     void set_elements(uint8_t wanted);
 
-    Utf8Output &output_;
+    base::Utf8Output &output_;
     std::array<ByteClass, 256> classes_{};
     std::array<bool, 256> is_stop_{}; // bytes that writing has to look at
 
@@ -121,4 +122,4 @@ private:
     bool in_word_ = false;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -36,7 +36,7 @@
 #include <optional>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -69,13 +69,13 @@ private:
     std::string text_;
 };
 
-std::string class_attribute(LineAlignment alignment, bool is_double_spaced)
+std::string class_attribute(page::LineAlignment alignment, bool is_double_spaced)
 {
     std::string names;
     switch (alignment) {
-    case LineAlignment::left: break;
-    case LineAlignment::centre: names = "center"; break;
-    case LineAlignment::right: names = "right"; break;
+    case page::LineAlignment::left: break;
+    case page::LineAlignment::centre: names = "center"; break;
+    case page::LineAlignment::right: names = "right"; break;
     }
     if (is_double_spaced) {
         names.append(names.empty() ? "double" : " double");
@@ -114,26 +114,26 @@ private:
 
     void write_paragraph(const Paragraph &paragraph);
     void show_piece(const Paragraph &paragraph, std::size_t index);
-    void write_part(const Paragraph &paragraph, const LineGeometry &geometry);
-    void lay_out_tabs(const LineGeometry &geometry);
+    void write_part(const Paragraph &paragraph, const page::LineGeometry &geometry);
+    void lay_out_tabs(const page::LineGeometry &geometry);
     void hide_outer_tabs();
 
     WriterOptions options_;
     DocumentInfo info_;
-    Utf8Output html_;
+    base::Utf8Output html_;
     HtmlText text_;
 
     NoOutput no_output_;
-    Utf8Output unused_lines_{no_output_};
-    LineLayout layout_{unused_lines_};
-    std::vector<TabGap> tabs_;
+    base::Utf8Output unused_lines_{no_output_};
+    page::LineLayout layout_{unused_lines_};
+    std::vector<page::TabGap> tabs_;
 
     std::optional<BlockKind> block_; // the header's or footer's, while in it
     std::vector<Paragraph> headers_;
     std::vector<Paragraph> footers_;
     uint64_t page_breaks_before_body_ = 0;
     bool page_begun_ = false;
-    PageColumns page_; // the page's own
+    page::PageColumns page_; // the page's own
 
     ShownText shown_; // of the part of a paragraph that is at hand
     bool part_continues_ = false;
@@ -153,7 +153,7 @@ void HtmlWriter::paragraph(const Paragraph &paragraph)
 
 void HtmlWriter::keep_running_line(std::vector<Paragraph> &lines, const Paragraph &paragraph)
 {
-    const bool is_empty = paragraph.bytes.find_first_not_of(blank_bytes) == std::string::npos;
+    const bool is_empty = paragraph.bytes.find_first_not_of(page::blank_bytes) == std::string::npos;
     if (!options_.headers || is_empty) {
         return;
     }
@@ -208,7 +208,7 @@ void HtmlWriter::begin_page(const Paragraph *first)
     if (page_begun_) {
         return;
     }
-    page_ = first != nullptr ? page_columns(first->margins) : PageColumns{};
+    page_ = first != nullptr ? page::page_columns(first->margins) : page::PageColumns{};
     write_head();
     html_.utf8("<body>\n");
     write_running_lines("header", headers_);
@@ -259,7 +259,7 @@ std::size_t HtmlWriter::running_rows(const std::vector<Paragraph> &lines)
 {
     std::size_t rows = 0;
     for (const Paragraph &line : lines) {
-        const auto width = static_cast<std::size_t>(page_columns(line.margins).width());
+        const auto width = static_cast<std::size_t>(page::page_columns(line.margins).width());
         rows += 1 + (line.bytes.size() - 1) / width;
     }
     return rows;
@@ -270,7 +270,7 @@ std::size_t HtmlWriter::running_rows(const std::vector<Paragraph> &lines)
 void HtmlWriter::write_paragraph(const Paragraph &paragraph)
 {
     add_common_losses(paragraph, options_);
-    LineGeometry geometry = line_geometry(paragraph);
+    page::LineGeometry geometry = page::line_geometry(paragraph);
     part_continues_ = false;
     shown_.clear();
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
@@ -293,13 +293,13 @@ void HtmlWriter::show_piece(const Paragraph &paragraph, std::size_t index)
     const Piece &piece = paragraph.pieces[index];
     if (piece.kind != PieceKind::command || options_.commands) {
         shown_.add(paragraph.piece_bytes(index), piece.attributes);
-        shown_.add(cut_mark(piece), piece.attributes);
+        shown_.add(page::cut_mark(piece), piece.attributes);
     }
 }
 
-void HtmlWriter::write_part(const Paragraph &paragraph, const LineGeometry &geometry)
+void HtmlWriter::write_part(const Paragraph &paragraph, const page::LineGeometry &geometry)
 {
-    if (!shown_.has_word() && !is_text_only(paragraph)) {
+    if (!shown_.has_word() && !page::is_text_only(paragraph)) {
         return;
     }
     const auto left = static_cast<std::size_t>(page_.left);
@@ -315,15 +315,16 @@ void HtmlWriter::write_part(const Paragraph &paragraph, const LineGeometry &geom
         html_.utf8("<br>");
     } else {
         lay_out_tabs(geometry);
-        text_.write(shown_, tabs_, geometry.alignment == LineAlignment::left && !part_continues_);
+        text_.write(shown_, tabs_,
+                    geometry.alignment == page::LineAlignment::left && !part_continues_);
     }
     html_.utf8("</p>\n");
 }
 
-void HtmlWriter::lay_out_tabs(const LineGeometry &geometry)
+void HtmlWriter::lay_out_tabs(const page::LineGeometry &geometry)
 {
     tabs_.clear();
-    if (shown_.bytes().find(tab_byte) != std::string::npos) {
+    if (shown_.bytes().find(page::tab_byte) != std::string::npos) {
         layout_.begin(geometry);
         if (part_continues_) {
             layout_.end_line(); // which leaves out the blanks that come next
@@ -331,7 +332,7 @@ void HtmlWriter::lay_out_tabs(const LineGeometry &geometry)
         layout_.text(shown_.bytes());
         layout_.end(false);
         tabs_ = layout_.tab_gaps();
-        if (geometry.alignment != LineAlignment::left) {
+        if (geometry.alignment != page::LineAlignment::left) {
             hide_outer_tabs();
         }
     }
@@ -341,11 +342,11 @@ void HtmlWriter::lay_out_tabs(const LineGeometry &geometry)
 void HtmlWriter::hide_outer_tabs()
 {
     const std::string &bytes = shown_.bytes();
-    const std::size_t first = bytes.find_first_not_of(gap_bytes); // npos: no words
-    const std::size_t last = bytes.find_last_not_of(gap_bytes);
+    const std::size_t first = bytes.find_first_not_of(page::gap_bytes); // npos: no words
+    const std::size_t last = bytes.find_last_not_of(page::gap_bytes);
     std::size_t tab = 0;
-    for (std::size_t at = bytes.find(tab_byte); at < bytes.size();
-         at = bytes.find(tab_byte, at + 1)) {
+    for (std::size_t at = bytes.find(page::tab_byte); at < bytes.size();
+         at = bytes.find(page::tab_byte, at + 1)) {
         if (at < first || at > last) {
             tabs_[tab] = {0, true};
         }
@@ -373,4 +374,4 @@ const Format html_format = {
     .wants_offsets = false,
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

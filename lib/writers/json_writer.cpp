@@ -7,7 +7,7 @@
 #include "pfsdoc/attribute_names.h"
 #include "vs_pfs.h"
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -26,12 +26,12 @@ void append_separator(std::string &json)
     }
 }
 
-std::string_view alignment_name(LineAlignment alignment)
+std::string_view alignment_name(page::LineAlignment alignment)
 {
     switch (alignment) {
-    case LineAlignment::right: return "right";
-    case LineAlignment::centre: return "centre";
-    case LineAlignment::left: break;
+    case page::LineAlignment::right: return "right";
+    case page::LineAlignment::centre: return "centre";
+    case page::LineAlignment::left: break;
     }
     return "left";
 }
@@ -39,7 +39,7 @@ std::string_view alignment_name(LineAlignment alignment)
 // A code without a known meaning is named by its number.
 void append_attributes(std::string &json, AttributeSet attributes)
 {
-    append_json_name(json, "attributes");
+    base::append_json_name(json, "attributes");
     json.push_back('[');
     for (int32_t code = 0; code < attribute_codes_end; ++code) {
         if ((attributes & attribute_bit(code)) == 0) {
@@ -47,7 +47,8 @@ void append_attributes(std::string &json, AttributeSet attributes)
         }
         append_separator(json);
         const std::string_view name = attribute_name(code);
-        append_json_string(json, name.empty() ? "code " + std::to_string(code) : std::string(name));
+        base::append_json_string(json,
+                                 name.empty() ? "code " + std::to_string(code) : std::string(name));
     }
     json.push_back(']');
 }
@@ -65,10 +66,10 @@ void JsonWriter::append_document(const DocumentInfo &info)
 {
     json_.append("{\"pfsdoc\":").append(std::to_string(json_schema_version));
     json_.append(",\"document\":{\"kind\":");
-    append_json_string(json_, display_name(info.kind));
-    append_json_member(json_, "file_id", file_id(info.kind));
-    append_json_member(json_, "title", info.title);
-    append_json_member(json_, "charset", options_.code_page->name());
+    base::append_json_string(json_, display_name(info.kind));
+    base::append_json_member(json_, "file_id", file_id(info.kind));
+    base::append_json_member(json_, "title", info.title);
+    base::append_json_member(json_, "charset", options_.code_page->name());
     json_.append(options_.lines ? "}}\n" : "},\n\"blocks\":[\n");
 }
 
@@ -101,7 +102,7 @@ void JsonWriter::page_break(uint32_t source)
 {
     if (options_.page_breaks) {
         begin_block("page_break");
-        append_json_member(json_, "source", source);
+        base::append_json_member(json_, "source", source);
         end_block();
     }
 }
@@ -125,7 +126,7 @@ void JsonWriter::paragraph(const Paragraph &paragraph)
     add_common_losses(paragraph, options_);
     begin_block(paragraph_type_);
     append_layout(paragraph);
-    append_json_name(json_, "runs");
+    base::append_json_name(json_, "runs");
     json_.push_back('[');
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         append_run(paragraph, i);
@@ -136,14 +137,14 @@ void JsonWriter::paragraph(const Paragraph &paragraph)
 
 void JsonWriter::append_layout(const Paragraph &paragraph)
 {
-    append_json_member(json_, "source_begin", paragraph.source_begin);
-    append_json_member(json_, "source_end", paragraph.source_end);
-    append_json_member(json_, "alignment", alignment_name(line_alignment(paragraph)));
-    append_json_member(json_, "left_indent", paragraph.left_indent);
-    append_json_member(json_, "first_line_indent", paragraph.first_line_indent);
-    append_json_member(json_, "line_spacing", paragraph.line_spacing);
-    append_json_member(json_, "left_margin", paragraph.margins.left);
-    append_json_member(json_, "right_margin", paragraph.margins.right);
+    base::append_json_member(json_, "source_begin", paragraph.source_begin);
+    base::append_json_member(json_, "source_end", paragraph.source_end);
+    base::append_json_member(json_, "alignment", alignment_name(page::line_alignment(paragraph)));
+    base::append_json_member(json_, "left_indent", paragraph.left_indent);
+    base::append_json_member(json_, "first_line_indent", paragraph.first_line_indent);
+    base::append_json_member(json_, "line_spacing", paragraph.line_spacing);
+    base::append_json_member(json_, "left_margin", paragraph.margins.left);
+    base::append_json_member(json_, "right_margin", paragraph.margins.right);
     append_tab_stops(paragraph, "tab_stops", VW_TAB_LEFT);
     append_tab_stops(paragraph, "decimal_tab_stops", VW_TAB_DECIMAL);
 }
@@ -151,7 +152,7 @@ void JsonWriter::append_layout(const Paragraph &paragraph)
 // Numbers in two lists: each paragraph has them, and there may be thirty.
 void JsonWriter::append_tab_stops(const Paragraph &paragraph, std::string_view name, VwTabKind kind)
 {
-    append_json_name(json_, name);
+    base::append_json_name(json_, name);
     json_.push_back('[');
     for (const TabStop &stop : paragraph.tab_stops) {
         if ((stop.kind == VW_TAB_DECIMAL) == (kind == VW_TAB_DECIMAL)) {
@@ -184,7 +185,7 @@ void JsonWriter::append_run(const Paragraph &paragraph, std::size_t index)
     if (piece.cut) {
         json_.append(",\"cut\":true");
     }
-    append_json_member(json_, "source", piece.source);
+    base::append_json_member(json_, "source", piece.source);
     json_.push_back('}');
 }
 
@@ -192,29 +193,29 @@ void JsonWriter::append_text(std::string_view bytes)
 {
     utf8_.clear();
     while (!bytes.empty()) {
-        const std::string_view characters = bytes.substr(0, bytes.find(tab_byte));
+        const std::string_view characters = bytes.substr(0, bytes.find(page::tab_byte));
         options_.code_page->append_utf8(utf8_, characters);
         bytes.remove_prefix(characters.size());
         if (!bytes.empty()) {
-            utf8_.push_back(tab_byte);
+            utf8_.push_back(page::tab_byte);
             bytes.remove_prefix(1);
         }
     }
-    append_json_member(json_, "text", utf8_);
+    base::append_json_member(json_, "text", utf8_);
 }
 
 // ----------------------------------------------------------------------- end ----------
 
 void JsonWriter::append_losses()
 {
-    append_json_name(json_, "losses");
+    base::append_json_name(json_, "losses");
     json_.push_back('[');
     for (const LossEntry &entry : losses_.entries()) {
         append_separator(json_);
         json_.append("{\"what\":");
-        append_json_string(json_, loss_name(entry.loss));
-        append_json_member(json_, "count", entry.count);
-        append_json_member(json_, "first_source", entry.first_source);
+        base::append_json_string(json_, loss_name(entry.loss));
+        base::append_json_member(json_, "count", entry.count);
+        base::append_json_member(json_, "first_source", entry.first_source);
         json_.push_back('}');
     }
     json_.push_back(']');
@@ -224,7 +225,7 @@ void JsonWriter::end_of_document()
 {
     if (options_.lines) {
         json_.append("{\"type\":\"end\"");
-        append_json_member(json_, "blocks", blocks_);
+        base::append_json_member(json_, "blocks", blocks_);
     } else {
         json_.append("\n]");
     }
@@ -256,4 +257,4 @@ const Format json_format = {
     .wants_offsets = true,
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -31,7 +31,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 // Of what is written, raised when a reader of an earlier version would misunderstand it.
 inline constexpr int json_schema_version = 1;
@@ -65,4 +65,4 @@ private:
     std::string utf8_; // of one run
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -6,7 +6,7 @@
 #include <array>
 #include <optional>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -148,7 +148,7 @@ bool has_both_emphases(const Paragraph &paragraph)
 } // namespace
 
 MarkdownWriter::MarkdownWriter(Output &output, const WriterOptions &options)
-    : FlowWriter(output, options, {AttributeNesting(nesting_order).known(), false, "\n"}),
+    : FlowWriter(output, options, {page::AttributeNesting(nesting_order).known(), false, "\n"}),
       nesting_(nesting_order), italic_mark_(lone_italic_mark)
 {
 }
@@ -156,7 +156,7 @@ MarkdownWriter::MarkdownWriter(Output &output, const WriterOptions &options)
 void MarkdownWriter::write_paragraph(const Paragraph &paragraph)
 {
     italic_mark_ = has_both_emphases(paragraph) ? italic_mark_beside_bold : lone_italic_mark;
-    tell_words(paragraph, options(), sayable(), *this);
+    page::tell_words(paragraph, options(), sayable(), *this);
     end_line();
 }
 
@@ -200,7 +200,7 @@ std::string_view MarkdownWriter::mark(AttributeCode code) const
 
 // --------------------------------------------------------------------- words ----------
 
-void MarkdownWriter::word(const Word &word)
+void MarkdownWriter::word(const page::Word &word)
 {
     begin_word(word);
     for (std::size_t part = 0; part < word.parts.size(); ++part) {
@@ -210,7 +210,7 @@ void MarkdownWriter::word(const Word &word)
     out().utf8(raw_);
 }
 
-void MarkdownWriter::begin_word(const Word &word)
+void MarkdownWriter::begin_word(const page::Word &word)
 {
     raw_.clear();
     escaped_at_ = std::string_view::npos;
@@ -223,7 +223,7 @@ void MarkdownWriter::begin_word(const Word &word)
 
 // Marks that both close and open here are neighbours of each other, which is punctuation
 // enough for all of them.
-void MarkdownWriter::change_attributes(const Word &word, std::size_t part)
+void MarkdownWriter::change_attributes(const page::Word &word, std::size_t part)
 {
     const AttributeSet wanted = word.parts[part].attributes;
     closing_marks_.clear();
@@ -246,7 +246,7 @@ void MarkdownWriter::change_attributes(const Word &word, std::size_t part)
 
 // Whether the marks can open behind punctuation only. A character that stands alone between
 // changes may itself become a reference, and so punctuation, later.
-bool MarkdownWriter::opening_needs_punctuation(std::string_view marks, const Word &word,
+bool MarkdownWriter::opening_needs_punctuation(std::string_view marks, const page::Word &word,
                                                std::size_t part) const
 {
     const std::string_view text = word.part_text(part);
@@ -264,7 +264,7 @@ bool MarkdownWriter::closing_needs_punctuation(std::string_view marks) const
     return !is_one_mark || is_reference || !is_plain(last_character_);
 }
 
-void MarkdownWriter::append_part(const Word &word, std::size_t part)
+void MarkdownWriter::append_part(const page::Word &word, std::size_t part)
 {
     const std::size_t end = word.part_end(part);
     for (std::size_t at = word.parts[part].begin; at < end;) {
@@ -274,7 +274,7 @@ void MarkdownWriter::append_part(const Word &word, std::size_t part)
     }
 }
 
-void MarkdownWriter::append_character(const Word &word, std::size_t at, std::size_t length)
+void MarkdownWriter::append_character(const page::Word &word, std::size_t at, std::size_t length)
 {
     const std::string_view utf8 = std::string_view(word.utf8).substr(at, length);
     last_character_begin_ = raw_.size();
@@ -321,4 +321,4 @@ const Format markdown_format = {
     .wants_offsets = false,
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -38,9 +38,9 @@
 #include <cstddef>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
-class MarkdownWriter final : public FlowWriter, private WordSink {
+class MarkdownWriter final : public FlowWriter, private page::WordSink {
 public:
     MarkdownWriter(Output &output, const WriterOptions &options);
 
@@ -48,22 +48,22 @@ private:
     void write_paragraph(const Paragraph &paragraph) override;
     void write_page_break() override;
     void write_end() override;
-    void word(const Word &word) override;
+    void word(const page::Word &word) override;
     void blanks(std::size_t count, AttributeSet attributes) override;
     void page_break_in_text() override;
 
-    void begin_word(const Word &word);
-    void change_attributes(const Word &word, std::size_t part);
-    bool opening_needs_punctuation(std::string_view marks, const Word &word,
+    void begin_word(const page::Word &word);
+    void change_attributes(const page::Word &word, std::size_t part);
+    bool opening_needs_punctuation(std::string_view marks, const page::Word &word,
                                    std::size_t part) const;
     bool closing_needs_punctuation(std::string_view marks) const;
-    void append_part(const Word &word, std::size_t part);
-    void append_character(const Word &word, std::size_t at, std::size_t length);
+    void append_part(const page::Word &word, std::size_t part);
+    void append_character(const page::Word &word, std::size_t at, std::size_t length);
     void append_reference(unsigned character);
     void end_line();
     std::string_view mark(AttributeCode code) const;
 
-    AttributeNesting nesting_;
+    page::AttributeNesting nesting_;
     std::string_view italic_mark_;
     bool line_open_ = false;
 
@@ -77,4 +77,4 @@ private:
     unsigned last_character_ = 0;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

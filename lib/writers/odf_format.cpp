@@ -25,7 +25,7 @@
 #include <utility>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -226,7 +226,7 @@ void PluginWriter::check() const
     case OdfFailure::none: break;
     case OdfFailure::too_large:
     case OdfFailure::out_of_memory: throw ReadingStopped(too_large_for_odf());
-    case OdfFailure::scratch: throw ReadingStopped(scratch_error(writer_->system_error()));
+    case OdfFailure::scratch: throw ReadingStopped(base::scratch_error(writer_->system_error()));
     case OdfFailure::other:
         throw ReadingStopped({ErrorKind::internal, "cannot be written as OpenDocument", ""});
     }
@@ -291,4 +291,4 @@ const Format fodt_format = {
     .scratch_files = 2,
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

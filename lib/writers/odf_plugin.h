@@ -17,7 +17,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 enum class OdfPackaging : uint32_t { zip, flat };
 
@@ -65,4 +65,4 @@ inline constexpr const char *odf_plugin_file_name = "pfsdoc_odf.so";
 inline constexpr const char *odf_plugin_symbol = "pfsdoc_odf_plugin";
 using GetOdfPlugin = const OdfPlugin *(*)();
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <array>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -47,7 +47,7 @@ constexpr std::string_view begin_of(AttributeCode code)
 void append_str(std::string &json, std::string_view utf8)
 {
     json.append(str_begin);
-    append_json_string(json, utf8);
+    base::append_json_string(json, utf8);
     json.append(str_end);
 }
 
@@ -75,14 +75,14 @@ struct AlignmentNames {
     std::string_view css;
 };
 
-constexpr AlignmentNames names_of(LineAlignment alignment)
+constexpr AlignmentNames names_of(page::LineAlignment alignment)
 {
     switch (alignment) {
-    case LineAlignment::centre:
+    case page::LineAlignment::centre:
         return {R"("center")", R"(["custom-style","Center"])", R"(["style","text-align: center"])"};
-    case LineAlignment::right:
+    case page::LineAlignment::right:
         return {R"("right")", R"(["custom-style","Right"])", R"(["style","text-align: right"])"};
-    case LineAlignment::left: break;
+    case page::LineAlignment::left: break;
     }
     return {};
 }
@@ -90,7 +90,8 @@ constexpr AlignmentNames names_of(LineAlignment alignment)
 } // namespace
 
 PandocWriter::PandocWriter(Output &output, const DocumentInfo &info, const WriterOptions &options)
-    : FlowWriter(output, options, {AttributeNesting(nesting_order).known(), true, block_separator}),
+    : FlowWriter(output, options,
+                 {page::AttributeNesting(nesting_order).known(), true, block_separator}),
       nesting_(nesting_order)
 {
     json_.append(document_begin);
@@ -101,9 +102,9 @@ PandocWriter::PandocWriter(Output &output, const DocumentInfo &info, const Write
 
 void PandocWriter::write_paragraph(const Paragraph &paragraph)
 {
-    alignment_ = line_alignment(paragraph);
-    tell_words(paragraph, options(), sayable(), *this);
-    if (!paragraph_open_ && place() == Place::body && is_text_only(paragraph)) {
+    alignment_ = page::line_alignment(paragraph);
+    page::tell_words(paragraph, options(), sayable(), *this);
+    if (!paragraph_open_ && place() == Place::body && page::is_text_only(paragraph)) {
         begin_paragraph();
     }
     end_paragraph();
@@ -180,7 +181,7 @@ void PandocWriter::end_paragraph()
 
 // ------------------------------------------------------------------- inlines ----------
 
-void PandocWriter::word(const Word &word)
+void PandocWriter::word(const page::Word &word)
 {
     if (!paragraph_open_) {
         begin_paragraph();
@@ -251,4 +252,4 @@ const Format pandoc_format = {
     .wants_offsets = false,
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

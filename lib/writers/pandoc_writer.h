@@ -31,9 +31,9 @@
 #include <cstddef>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
-class PandocWriter final : public FlowWriter, private WordSink {
+class PandocWriter final : public FlowWriter, private page::WordSink {
 public:
     PandocWriter(Output &output, const DocumentInfo &info, const WriterOptions &options);
 
@@ -41,7 +41,7 @@ private:
     void write_paragraph(const Paragraph &paragraph) override;
     void write_page_break() override;
     void write_end() override;
-    void word(const Word &word) override;
+    void word(const page::Word &word) override;
     void blanks(std::size_t count, AttributeSet attributes) override;
     void page_break_in_text() override;
 
@@ -52,12 +52,12 @@ private:
     void close_unwanted(AttributeSet wanted);
     void open_wanted(AttributeSet wanted);
 
-    AttributeNesting nesting_;
-    LineAlignment alignment_ = LineAlignment::left;
+    page::AttributeNesting nesting_;
+    page::LineAlignment alignment_ = page::LineAlignment::left;
     bool paragraph_open_ = false;
     bool in_div_ = false;
     bool has_elder_ = false; // something stands before the next element of the list
     std::string json_;       // what one call writes
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

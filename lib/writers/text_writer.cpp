@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -16,10 +16,10 @@ namespace {
 constexpr std::size_t unlimited_columns = std::size_t{1} << 30;
 
 // As the options want it.
-LineGeometry wanted_geometry(const Paragraph &paragraph, const WriterOptions &options)
+page::LineGeometry wanted_geometry(const Paragraph &paragraph, const WriterOptions &options)
 {
-    LineGeometry geometry = line_geometry(paragraph);
-    if (options.raw_lines && geometry.alignment == LineAlignment::left) {
+    page::LineGeometry geometry = page::line_geometry(paragraph);
+    if (options.raw_lines && geometry.alignment == page::LineAlignment::left) {
         geometry.width = unlimited_columns;
     }
     if (!options.wrap) {
@@ -30,7 +30,7 @@ LineGeometry wanted_geometry(const Paragraph &paragraph, const WriterOptions &op
     if (*options.wrap == 0) {
         geometry.width = unlimited_columns;
         geometry.first_line_indent = geometry.indent = 0;
-        geometry.alignment = LineAlignment::left;
+        geometry.alignment = page::LineAlignment::left;
     }
     geometry.first_line_indent = std::min(geometry.first_line_indent, geometry.width - 1);
     geometry.indent = std::min(geometry.indent, geometry.width - 1);
@@ -55,16 +55,16 @@ void TextBlockWriter::paragraph(const Paragraph &paragraph)
     }
     add_losses(paragraph);
     next_line_ = 0;
-    LineLayout &layout = place_ == Place::footer ? footer_layout_ : layout_;
+    page::LineLayout &layout = place_ == Place::footer ? footer_layout_ : layout_;
     layout.begin(wanted_geometry(paragraph, options_));
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         lay_out_piece(paragraph, i, layout);
     }
-    layout.end(place_ == Place::body && is_text_only(paragraph));
+    layout.end(place_ == Place::body && page::is_text_only(paragraph));
 }
 
 void TextBlockWriter::lay_out_piece(const Paragraph &paragraph, std::size_t index,
-                                    LineLayout &layout)
+                                    page::LineLayout &layout)
 {
     const Piece &piece = paragraph.pieces[index];
     switch (piece.kind) {
@@ -72,7 +72,7 @@ void TextBlockWriter::lay_out_piece(const Paragraph &paragraph, std::size_t inde
     case PieceKind::command:
         if (options_.commands) {
             lay_out_lines(paragraph, index, layout);
-            lay_out_text(cut_mark(piece), layout);
+            lay_out_text(page::cut_mark(piece), layout);
         }
         break;
     case PieceKind::page_break:
@@ -86,7 +86,7 @@ void TextBlockWriter::lay_out_piece(const Paragraph &paragraph, std::size_t inde
 
 // In stretches, where lines end as they do in the file.
 void TextBlockWriter::lay_out_lines(const Paragraph &paragraph, std::size_t index,
-                                    LineLayout &layout)
+                                    page::LineLayout &layout)
 {
     const std::string_view bytes = paragraph.piece_bytes(index);
     const std::size_t begin = paragraph.pieces[index].begin;
@@ -103,7 +103,7 @@ void TextBlockWriter::lay_out_lines(const Paragraph &paragraph, std::size_t inde
     lay_out_text(bytes.substr(done), layout);
 }
 
-void TextBlockWriter::lay_out_text(std::string_view bytes, LineLayout &layout)
+void TextBlockWriter::lay_out_text(std::string_view bytes, page::LineLayout &layout)
 {
     if (place_ == Place::footer) {
         bytes = bytes.substr(0, max_footer_bytes - footer_bytes_);
@@ -134,7 +134,7 @@ void TextBlockWriter::add_losses(const Paragraph &paragraph)
     const bool is_double_spaced = paragraph.line_spacing == VW_DOUBLE_SPACING;
     losses_.add(Loss::line_spacing, paragraph.source_begin, is_double_spaced ? 1 : 0);
     if (options_.wrap == 0U) {
-        const bool is_aligned = line_alignment(paragraph) != LineAlignment::left;
+        const bool is_aligned = page::line_alignment(paragraph) != page::LineAlignment::left;
         const bool is_indented = paragraph.left_indent != 0 || paragraph.first_line_indent != 0;
         losses_.add(Loss::alignment, paragraph.source_begin, is_aligned ? 1 : 0);
         losses_.add(Loss::indents, paragraph.source_begin, is_indented && !is_aligned ? 1 : 0);
@@ -208,4 +208,4 @@ const Format text_format = {
     .wants_offsets = false,
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

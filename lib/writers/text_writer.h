@@ -38,7 +38,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 // Writes blocks as text.
 class TextBlockWriter final : public Writer {
@@ -62,17 +62,17 @@ private:
 
     void add_losses(const Paragraph &paragraph);
     bool page_break_is_shown(uint32_t source);
-    void lay_out_piece(const Paragraph &paragraph, std::size_t index, LineLayout &layout);
-    void lay_out_lines(const Paragraph &paragraph, std::size_t index, LineLayout &layout);
-    void lay_out_text(std::string_view bytes, LineLayout &layout);
+    void lay_out_piece(const Paragraph &paragraph, std::size_t index, page::LineLayout &layout);
+    void lay_out_lines(const Paragraph &paragraph, std::size_t index, page::LineLayout &layout);
+    void lay_out_text(std::string_view bytes, page::LineLayout &layout);
 
     WriterOptions options_;
     Place place_ = Place::body;
-    Utf8Output text_;
-    LineLayout layout_;
+    base::Utf8Output text_;
+    page::LineLayout layout_;
     StringOutput footers_;
-    Utf8Output footer_text_;
-    LineLayout footer_layout_;
+    base::Utf8Output footer_text_;
+    page::LineLayout footer_layout_;
     std::size_t footer_bytes_ = 0;
     std::size_t next_line_ = 0; // of the paragraph's line starts
 };
@@ -91,7 +91,7 @@ public:
 
 private:
     TextBlockWriter blocks_;
-    ParagraphCollector collector_;
+    reading::ParagraphCollector collector_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -9,7 +9,7 @@
 #include <initializer_list>
 #include <optional>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -45,7 +45,7 @@ std::string byte_words(std::string text, int32_t value)
     if (!is_byte(value)) {
         return words(text + " value", {value});
     }
-    text.append(" ").append(hex_byte(static_cast<unsigned>(value)));
+    text.append(" ").append(base::hex_byte(static_cast<unsigned>(value)));
     if (is_visible(value)) {
         text.append(" ").append(1, static_cast<char>(value));
     }
@@ -59,7 +59,7 @@ std::string quoted(int32_t byte)
         return {'\\', character};
     }
     return is_visible(byte) || byte == ' ' ? std::string(1, character)
-                                           : "\\x" + hex_byte(static_cast<unsigned>(byte));
+                                           : "\\x" + base::hex_byte(static_cast<unsigned>(byte));
 }
 
 struct EventText {
@@ -278,4 +278,4 @@ const Format trace_format = {
     .wants_offsets = false,
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

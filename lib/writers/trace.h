@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <string>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 struct TraceOptions {
     bool offsets = false; // the source offset as first column
@@ -47,4 +47,4 @@ private:
 // One event as its line says it, without indentation.
 std::string trace_text(const Event &event);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -43,7 +43,7 @@ void Writer::add_common_losses(const Paragraph &paragraph, const WriterOptions &
         const Piece &piece = paragraph.pieces[i];
         const std::string_view bytes = paragraph.piece_bytes(i);
         const bool is_command = piece.kind == PieceKind::command;
-        if (is_command && !options.commands && !command_takes_effect(bytes)) {
+        if (is_command && !options.commands && !reading::command_takes_effect(bytes)) {
             losses_.add(Loss::command, piece.source);
         }
         if (is_command && piece.cut) {

@@ -214,7 +214,7 @@ TEST_F(Archives, that_are_none_are_errors)
 
 TEST_F(Archives, have_errors_for_members_that_are_too_large)
 {
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.max_input = 1000;
     for (const Sort &sort : {zip, tar, tar_gz}) {
         write_archive("a", sort,
@@ -250,7 +250,7 @@ TEST_F(Archives, are_not_believed_a_huge_size)
     std::string header = bytes_of("a.tar").substr(0, 512);
     set_tar_size(header, "77777777777"); // 8 GB
     write("a.tar", header + std::string(512, 'x'));
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.paths = {"a.tar"};
     EXPECT_EQ(lines_of(options), "a.tar/a !limit has more than the 4294967296 bytes allowed\n"
                                  "a.tar !damaged is a damaged archive; the rest is not read\n");
@@ -321,7 +321,7 @@ void write_zeros(const std::string &path, const Sort &sort, uint64_t size)
 TEST_F(Archives, that_are_bombs_cost_nothing_but_time)
 {
     constexpr uint64_t size = uint64_t{256} << 20;
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.max_input = 1 << 20;
     for (const Sort &sort : {zip, tar_gz}) {
         const std::string name = std::string("a") + sort.ending;
@@ -341,7 +341,7 @@ TEST_F(Archives, may_not_have_too_much_together)
     const std::string content(1000, 'x');
     write_archive("a.zip", zip, {{"a", content}, {"b", content}, {"c", content}});
     write_zeros("b.tar.gz", tar_gz, 1 << 20);
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.max_input = 1000;
     options.paths = {"a.zip"};
     options.max_archive = 2999;
@@ -362,10 +362,10 @@ TEST_F(Archives, hold_large_members_outside_memory)
 {
     constexpr uint64_t size = uint64_t{40} << 20;
     write_zeros("a.tar.gz", tar_gz, size);
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.paths = {"a.tar.gz"};
     tests::ServedInputs inputs(options);
-    const std::optional<pfsdoc::BatchInput> input = inputs.next();
+    const std::optional<pfsdoc::batch::BatchInput> input = inputs.next();
     ASSERT_TRUE(input.has_value() && !input->error);
     EXPECT_EQ(input->size, size);
     EXPECT_EQ(tests::content_of(input->file), std::string(size, '\0'));
@@ -393,7 +393,7 @@ TEST_F(Archives, whose_reader_dies_give_one_error_for_the_rest)
     const std::string large(1 << 20, 'x');
     write_archive("a.tar", tar, {{"a", "1"}, {"b", large}, {"c", large}});
     write("z", "2");
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.paths = {"a.tar", "z"};
     tests::ServedInputs inputs(options);
     EXPECT_EQ(line_of(*inputs.next()), "a.tar/a = 1\n");
@@ -409,9 +409,9 @@ TEST_F(Archives, whose_reader_dies_give_one_error_for_the_rest)
 TEST_F(Archives, are_read_without_a_sandbox_where_that_is_asked_for)
 {
     write_archive("a.zip", zip, {{"a", "1"}});
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.paths = {"a.zip"};
-    options.sandbox = pfsdoc::SandboxMode::off;
+    options.sandbox = pfsdoc::batch::SandboxMode::off;
     EXPECT_EQ(lines_of(options), "a.zip/a = 1\n");
 }
 
@@ -419,7 +419,7 @@ TEST_F(Archives, that_nobody_reads_on_leave_no_process)
 {
     const std::string large(1 << 20, 'x');
     write_archive("a.tar", tar, {{"a", "1"}, {"b", large}});
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.paths = {"a.tar"};
     tests::ServedInputs inputs(options);
     EXPECT_TRUE(inputs.next().has_value());

@@ -11,10 +11,10 @@
 
 namespace {
 
-using pfsdoc::MessageHead;
-using pfsdoc::MessageKind;
-using pfsdoc::Outcome;
-using pfsdoc::receive_message;
+using pfsdoc::batch::ArchiveOutcome;
+using pfsdoc::batch::MessageHead;
+using pfsdoc::batch::MessageKind;
+using pfsdoc::batch::receive_message;
 
 class Messages : public ::testing::Test {
 protected:
@@ -22,8 +22,8 @@ protected:
     {
         std::array<int, 2> ends{};
         ASSERT_EQ(::pipe(ends.data()), 0);
-        input = pfsdoc::OpenFile(ends[0]);
-        output = pfsdoc::OpenFile(ends[1]);
+        input = pfsdoc::batch::OpenFile(ends[0]);
+        output = pfsdoc::batch::OpenFile(ends[1]);
     }
 
     // As a reader that has been taken over would say it, and nothing behind it.
@@ -36,18 +36,18 @@ protected:
         said += bytes;
         ASSERT_EQ(::write(output.get(), said.data(), said.size()),
                   static_cast<ssize_t>(said.size()));
-        output = pfsdoc::OpenFile();
+        output = pfsdoc::batch::OpenFile();
     }
 
-    pfsdoc::OpenFile input;
-    pfsdoc::OpenFile output;
+    pfsdoc::batch::OpenFile input;
+    pfsdoc::batch::OpenFile output;
 };
 
 TEST_F(Messages, come_as_they_were_sent)
 {
     EXPECT_TRUE(send_bytes(output.get(), MessageKind::member, "a.doc"));
     EXPECT_TRUE(send_bytes(output.get(), MessageKind::bytes, ""));
-    EXPECT_TRUE(send_end(output.get(), MessageKind::member_end, Outcome::encrypted));
+    EXPECT_TRUE(send_end(output.get(), MessageKind::member_end, ArchiveOutcome::encrypted));
     const auto member = receive_message(input.get());
     ASSERT_TRUE(member && member->kind == MessageKind::member);
     EXPECT_EQ(member->bytes, "a.doc");
@@ -56,12 +56,12 @@ TEST_F(Messages, come_as_they_were_sent)
     EXPECT_EQ(bytes->bytes, "");
     const auto end = receive_message(input.get());
     ASSERT_TRUE(end && end->kind == MessageKind::member_end);
-    EXPECT_EQ(end->outcome, Outcome::encrypted);
+    EXPECT_EQ(end->outcome, ArchiveOutcome::encrypted);
 }
 
 TEST_F(Messages, end_with_the_other_side)
 {
-    output = pfsdoc::OpenFile();
+    output = pfsdoc::batch::OpenFile();
     EXPECT_FALSE(receive_message(input.get()).has_value());
 }
 
@@ -77,7 +77,7 @@ TEST_F(Messages, that_nobody_may_say_are_refused)
     const auto member = static_cast<uint32_t>(MessageKind::member);
     const auto bytes = static_cast<uint32_t>(MessageKind::bytes);
     const auto archive_end = static_cast<uint32_t>(MessageKind::archive_end);
-    const auto last_outcome = static_cast<uint32_t>(Outcome::reader_ended);
+    const auto last_outcome = static_cast<uint32_t>(ArchiveOutcome::reader_ended);
     struct Refused {
         const char *told;
         uint32_t kind;
@@ -85,7 +85,7 @@ TEST_F(Messages, that_nobody_may_say_are_refused)
         std::string bytes;
     };
     const Refused all[] = {
-        {"too long a name", member, pfsdoc::longest_message + 1, ""},
+        {"too long a name", member, pfsdoc::batch::longest_message + 1, ""},
         {"all of the memory", bytes, UINT32_MAX, ""},
         {"less than was told", bytes, 5, "1234"},
         {"an outcome that there is not", archive_end, last_outcome + 1, ""},

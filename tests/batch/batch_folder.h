@@ -22,7 +22,7 @@ namespace tests {
 
 namespace fs = std::filesystem;
 
-inline std::string content_of(const pfsdoc::OpenFile &file)
+inline std::string content_of(const pfsdoc::batch::OpenFile &file)
 {
     std::string content;
     std::array<char, 65536> part{};
@@ -45,7 +45,7 @@ inline std::string_view kind_of(const pfsdoc::Error &error)
     }
 }
 
-inline std::string line_of(const pfsdoc::BatchInput &input)
+inline std::string line_of(const pfsdoc::batch::BatchInput &input)
 {
     if (input.error) {
         EXPECT_LT(input.file.get(), 0) << input.name << " has an error and is open";
@@ -61,18 +61,18 @@ inline std::string line_of(const pfsdoc::BatchInput &input)
 // With a server for the archives among them.
 class ServedInputs {
 public:
-    explicit ServedInputs(const pfsdoc::InputOptions &options)
+    explicit ServedInputs(const pfsdoc::batch::InputOptions &options)
     {
-        auto started = pfsdoc::ForkServer::start(
+        auto started = pfsdoc::batch::ForkServer::start(
             {.archive_reader =
                  [&options](std::span<const int> descriptors) {
-                     pfsdoc::run_archive_reader(descriptors[0], descriptors[1], options);
+                     pfsdoc::batch::run_archive_reader(descriptors[0], descriptors[1], options);
                  },
              .worker = {}});
         server_ = std::move(started.value());
-        inputs_ = pfsdoc::open_inputs(options, *server_);
+        inputs_ = pfsdoc::batch::open_inputs(options, *server_);
     }
-    std::optional<pfsdoc::BatchInput> next()
+    std::optional<pfsdoc::batch::BatchInput> next()
     {
         return inputs_->next();
     }
@@ -90,15 +90,15 @@ public:
     }
 
 private:
-    std::unique_ptr<pfsdoc::ForkServer> server_;
-    std::unique_ptr<pfsdoc::BatchInputs> inputs_;
+    std::unique_ptr<pfsdoc::batch::ForkServer> server_;
+    std::unique_ptr<pfsdoc::batch::BatchInputs> inputs_;
 };
 
-inline std::string lines_of(const pfsdoc::InputOptions &options)
+inline std::string lines_of(const pfsdoc::batch::InputOptions &options)
 {
     std::string lines;
     ServedInputs inputs(options);
-    while (const std::optional<pfsdoc::BatchInput> input = inputs.next()) {
+    while (const std::optional<pfsdoc::batch::BatchInput> input = inputs.next()) {
         lines += line_of(*input);
     }
     EXPECT_FALSE(inputs.next().has_value()) << "there is more behind the end";
@@ -133,7 +133,7 @@ protected:
 
     static std::string found(const std::vector<std::string> &paths)
     {
-        pfsdoc::InputOptions options;
+        pfsdoc::batch::InputOptions options;
         options.paths = paths;
         return lines_of(options);
     }
@@ -141,7 +141,7 @@ protected:
     static std::string listed(const std::string &content)
     {
         write("list", content);
-        pfsdoc::InputOptions options;
+        pfsdoc::batch::InputOptions options;
         options.list_files = {"list"};
         return lines_of(options);
     }

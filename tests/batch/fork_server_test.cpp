@@ -18,8 +18,8 @@
 
 namespace {
 
-using pfsdoc::ForkServer;
-using pfsdoc::ProcessRole;
+using pfsdoc::batch::ForkServer;
+using pfsdoc::batch::ProcessRole;
 using tests::Pipe;
 
 constexpr int exit_code = 3;
@@ -32,7 +32,7 @@ void write_to(int descriptor, const std::string &text)
 }
 
 // One role says how many descriptors it was given and ends, the other says its name and stays.
-pfsdoc::ProcessRoles roles()
+pfsdoc::batch::ProcessRoles roles()
 {
     return {.archive_reader =
                 [](std::span<const int> descriptors) {
@@ -72,7 +72,7 @@ protected:
 
 TEST_F(Forks, ProcessesWithTheirDescriptors)
 {
-    for (std::size_t count = 1; count <= pfsdoc::max_descriptors; ++count) {
+    for (std::size_t count = 1; count <= pfsdoc::batch::max_descriptors; ++count) {
         Pipe pipe;
         const std::vector<int> descriptors(count, pipe.writing.get());
         const auto process = server->fork(ProcessRole::archive_reader, descriptors);

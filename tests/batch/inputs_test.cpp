@@ -103,7 +103,7 @@ TEST_F(Inputs, that_are_too_large_are_errors)
 {
     write("in/a", "123");
     write("in/b", "1234");
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.paths = {"in"};
     options.max_input = 3;
     EXPECT_EQ(lines_of(options), "in/a = 123\n"
@@ -133,7 +133,7 @@ TEST_F(Inputs, that_are_no_files_are_errors)
 {
     fs::create_directory("in");
     ASSERT_EQ(::mkfifo("in/pipe", 0600), 0);
-    const pfsdoc::OpenFile socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const pfsdoc::batch::OpenFile socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_un address{AF_UNIX, "in/socket"};
     ASSERT_EQ(::bind(socket.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
     EXPECT_EQ(found({"in", "in/pipe", "/dev/null"}), "in/pipe !input is a pipe\n"
@@ -197,7 +197,7 @@ TEST_F(Inputs, pass_over_the_excluded_folder)
     write("in/out/b", "2");
     write("in/z/out/c", "3");
     fs::create_directory_symlink("in/out", "out");
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.paths = {"in", "in/out"};
     options.exclude = "out"; // by another name
     EXPECT_EQ(lines_of(options), "in/a = 1\n"
@@ -302,7 +302,7 @@ TEST_F(Lists, are_read_across_the_parts_of_the_file)
 
 TEST_F(Lists, that_cannot_be_read_are_errors)
 {
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.list_files = {"no", "in"};
     EXPECT_EQ(lines_of(options), "no !input cannot be read: No such file or directory\n"
                                  "in !input cannot be read: Is a directory\n");
@@ -312,7 +312,7 @@ TEST_F(Lists, come_behind_the_paths_and_one_after_the_other)
 {
     write("one", "in/b");
     write("two", "in/a");
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.paths = {"two"};
     options.list_files = {"one", "two"};
     EXPECT_EQ(lines_of(options), "two = in/a\n"
@@ -323,10 +323,10 @@ TEST_F(Lists, come_behind_the_paths_and_one_after_the_other)
 TEST_F(Lists, come_from_standard_input)
 {
     write("list", "in/a\n");
-    const pfsdoc::OpenFile list(::open("list", O_RDONLY | O_CLOEXEC));
-    const pfsdoc::OpenFile saved(::dup(STDIN_FILENO));
+    const pfsdoc::batch::OpenFile list(::open("list", O_RDONLY | O_CLOEXEC));
+    const pfsdoc::batch::OpenFile saved(::dup(STDIN_FILENO));
     ::dup2(list.get(), STDIN_FILENO);
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.list_files = {"-"};
     EXPECT_EQ(lines_of(options), "in/a = 1\n");
     ::dup2(saved.get(), STDIN_FILENO);
@@ -337,7 +337,7 @@ TEST_F(Lists, are_waited_for_until_no_more_is_wanted)
 {
     const tests::Pipe list;
     const tests::Pipe stop;
-    pfsdoc::InputOptions options;
+    pfsdoc::batch::InputOptions options;
     options.list_files = {"/proc/self/fd/" + std::to_string(list.reading.get())};
     options.stop = stop.reading.get();
     tests::ServedInputs inputs(options);
@@ -356,7 +356,7 @@ TEST_F(Lists, tell_each_path_as_soon_as_it_is_there)
     using namespace std::string_literals;
     for (const std::string &path : {"in/a\0"s, std::string(4092, '/') + "in/a\n"}) {
         const tests::Pipe list;
-        pfsdoc::InputOptions options;
+        pfsdoc::batch::InputOptions options;
         options.list_files = {"/proc/self/fd/" + std::to_string(list.reading.get())};
         const auto size = static_cast<ssize_t>(path.size());
         EXPECT_EQ(::write(list.writing.get(), path.data(), path.size()), size);

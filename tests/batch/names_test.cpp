@@ -7,9 +7,9 @@
 
 namespace {
 
-using pfsdoc::NameSet;
-using pfsdoc::safe_name;
-using pfsdoc::Separators;
+using pfsdoc::batch::NameSet;
+using pfsdoc::batch::safe_name;
+using pfsdoc::batch::Separators;
 
 struct NameCase {
     const char *told;
@@ -90,10 +90,10 @@ TEST(ArchiveName, is_told_by_its_ending)
 {
     for (const char *name : {"a.zip", "A.ZIP", ".zip", "a.tar", "a.tar.gz", "a.Tgz", "a.tar.bz2",
                              "a.tar.xz", "a.tar.zst", "b.doc.zip"}) {
-        EXPECT_TRUE(pfsdoc::is_archive_name(name)) << name;
+        EXPECT_TRUE(pfsdoc::batch::is_archive_name(name)) << name;
     }
     for (const char *name : {"", "zip", "a.gz", "a.zip.doc", "a.zip2", "azip", "a.tar.Z"}) {
-        EXPECT_FALSE(pfsdoc::is_archive_name(name)) << name;
+        EXPECT_FALSE(pfsdoc::batch::is_archive_name(name)) << name;
     }
 }
 

@@ -17,8 +17,8 @@ struct Pipe {
     {
         std::array<int, 2> ends{};
         EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
-        reading = pfsdoc::OpenFile(ends[0]);
-        writing = pfsdoc::OpenFile(ends[1]);
+        reading = pfsdoc::batch::OpenFile(ends[0]);
+        writing = pfsdoc::batch::OpenFile(ends[1]);
     }
     std::string read_some() const
     {
@@ -29,15 +29,15 @@ struct Pipe {
     // Waits until nobody can write any more.
     std::string read_all()
     {
-        writing = pfsdoc::OpenFile();
+        writing = pfsdoc::batch::OpenFile();
         std::string all;
         for (std::string some = read_some(); !some.empty(); some = read_some()) {
             all += some;
         }
         return all;
     }
-    pfsdoc::OpenFile reading;
-    pfsdoc::OpenFile writing;
+    pfsdoc::batch::OpenFile reading;
+    pfsdoc::batch::OpenFile writing;
 };
 
 } // namespace tests

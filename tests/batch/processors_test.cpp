@@ -12,9 +12,9 @@
 
 namespace {
 
-using pfsdoc::bind_beside;
-using pfsdoc::bind_to_processor;
-using pfsdoc::count_processors;
+using pfsdoc::batch::bind_beside;
+using pfsdoc::batch::bind_to_processor;
+using pfsdoc::batch::count_processors;
 
 // Where a process, or with 0 the calling thread, may run.
 std::vector<int> processors_of(pid_t process)

@@ -12,7 +12,7 @@ namespace tests {
 
 namespace {
 
-using pfsdoc::SandboxMode;
+using pfsdoc::batch::SandboxMode;
 
 constexpr unsigned patience_seconds = 60;
 
@@ -58,7 +58,7 @@ std::string all_of(int descriptor)
 
 std::string child_says(SandboxMode mode, const std::function<std::string()> &work)
 {
-    const auto sandbox = pfsdoc::enter_sandbox(mode);
+    const auto sandbox = pfsdoc::batch::enter_sandbox(mode);
     if (!sandbox.ok()) {
         return "no sandbox: " + sandbox.error().what;
     }

@@ -35,7 +35,7 @@
 namespace {
 
 using namespace tests;
-using pfsdoc::SandboxMode;
+using pfsdoc::batch::SandboxMode;
 namespace fs = std::filesystem;
 
 // ------------------------------------------------------------------ surroundings -----
@@ -342,7 +342,7 @@ TEST_F(Sandbox, SendsNothingToAnAddress)
 
 std::string report_words(SandboxMode mode)
 {
-    const auto report = pfsdoc::enter_sandbox(mode);
+    const auto report = pfsdoc::batch::enter_sandbox(mode);
     return report.ok() ? report.value().words()
                        : report.error().what + "; " + report.error().remedy + "; exit code " +
                              std::to_string(pfsdoc::exit_code(report.error().kind));

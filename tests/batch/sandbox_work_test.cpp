@@ -36,7 +36,7 @@ namespace {
 using namespace tests;
 using pfsdoc::Document;
 using pfsdoc::Format;
-using pfsdoc::SandboxMode;
+using pfsdoc::batch::SandboxMode;
 
 constexpr const char *letter = SAMPLES_DIRECTORY "/1012-pfs-write-a/letter.doc";
 

@@ -17,7 +17,7 @@ namespace {
 class Golden : public ::testing::TestWithParam<DocumentFile> {};
 
 template <typename Writer, typename Options>
-std::string written(const DocumentFile &file, const Options &options, pfsdoc::Stops stops)
+std::string written(const DocumentFile &file, const Options &options, pfsdoc::reading::Stops stops)
 {
     const std::string bytes = file.bytes();
     pfsdoc::MemorySource source({bytes.begin(), bytes.end()});
@@ -25,8 +25,8 @@ std::string written(const DocumentFile &file, const Options &options, pfsdoc::St
     const auto identity = pfsdoc::identify(source);
     pfsdoc::StringOutput output;
     Writer writer(output, options);
-    EXPECT_FALSE(pfsdoc::read_document(module.value(), source, identity.value().kind, writer,
-                                       {pfsdoc::Offsets::none, stops}));
+    EXPECT_FALSE(pfsdoc::reading::read_document(module.value(), source, identity.value().kind,
+                                                writer, {pfsdoc::reading::Offsets::none, stops}));
     writer.finish();
     return output.text;
 }
@@ -48,16 +48,17 @@ void expect_same_text(const std::string &actual, const std::string &expected)
 
 TEST_P(Golden, TraceIsAsCommitted)
 {
-    pfsdoc::TraceOptions options;
+    pfsdoc::writers::TraceOptions options;
     options.fold = GetParam().path.stem() == "prose";
-    expect_same_text(written<pfsdoc::TraceWriter>(GetParam(), options, pfsdoc::Stops::none),
-                     golden(GetParam(), ".trace"));
+    expect_same_text(
+        written<pfsdoc::writers::TraceWriter>(GetParam(), options, pfsdoc::reading::Stops::none),
+        golden(GetParam(), ".trace"));
 }
 
 TEST_P(Golden, TextIsAsCommitted)
 {
-    expect_same_text(written<pfsdoc::TextWriter>(GetParam(), pfsdoc::WriterOptions{},
-                                                 pfsdoc::Stops::for_margins),
+    expect_same_text(written<pfsdoc::writers::TextWriter>(GetParam(), pfsdoc::WriterOptions{},
+                                                          pfsdoc::reading::Stops::for_margins),
                      golden(GetParam(), ".text"));
 }
 
@@ -73,9 +74,11 @@ std::string converted(const DocumentFile &file, const pfsdoc::Format &format)
     const pfsdoc::DocumentKind kind = identity.value().kind;
     pfsdoc::StringOutput output;
     const auto writer = format.make_writer(output, {kind, file.path.filename().string()}, {});
-    pfsdoc::ParagraphCollector collector(*writer.value(), pfsdoc::line_spacing_rule(kind));
-    EXPECT_FALSE(pfsdoc::read_document(module.value(), source, kind, collector,
-                                       {pfsdoc::Offsets::none, pfsdoc::Stops::for_margins}));
+    pfsdoc::reading::ParagraphCollector collector(*writer.value(),
+                                                  pfsdoc::reading::line_spacing_rule(kind));
+    EXPECT_FALSE(pfsdoc::reading::read_document(
+        module.value(), source, kind, collector,
+        {pfsdoc::reading::Offsets::none, pfsdoc::reading::Stops::for_margins}));
     collector.finish();
     return output.text;
 }

@@ -11,16 +11,16 @@ namespace {
 
 class Resuming : public ::testing::TestWithParam<DocumentFile> {};
 
-std::string trace(const std::string &bytes, pfsdoc::Stops stops)
+std::string trace(const std::string &bytes, pfsdoc::reading::Stops stops)
 {
     pfsdoc::MemorySource source({bytes.begin(), bytes.end()});
     const auto module = pfsdoc::Module::linked();
     const auto identity = pfsdoc::identify(source);
     pfsdoc::StringOutput output;
-    pfsdoc::TraceWriter writer(output, {.offsets = true});
-    const pfsdoc::ReadOptions options = {pfsdoc::Offsets::wanted, stops};
-    EXPECT_FALSE(
-        pfsdoc::read_document(module.value(), source, identity.value().kind, writer, options));
+    pfsdoc::writers::TraceWriter writer(output, {.offsets = true});
+    const pfsdoc::reading::ReadOptions options = {pfsdoc::reading::Offsets::wanted, stops};
+    EXPECT_FALSE(pfsdoc::reading::read_document(module.value(), source, identity.value().kind,
+                                                writer, options));
     writer.finish();
     return output.text;
 }
@@ -28,9 +28,9 @@ std::string trace(const std::string &bytes, pfsdoc::Stops stops)
 TEST_P(Resuming, AtEveryBreakGivesTheSameEventsAtTheSameOffsets)
 {
     const std::string bytes = GetParam().bytes();
-    const std::string whole = trace(bytes, pfsdoc::Stops::none);
+    const std::string whole = trace(bytes, pfsdoc::reading::Stops::none);
     EXPECT_NE(whole.find("break end"), std::string::npos);
-    EXPECT_TRUE(trace(bytes, pfsdoc::Stops::at_breaks) == whole);
+    EXPECT_TRUE(trace(bytes, pfsdoc::reading::Stops::at_breaks) == whole);
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, Resuming, ::testing::ValuesIn(sample_files()),

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -195,4 +195,4 @@ void JoinedXml::copy_to(Output &output) const
     output.write(tail_);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

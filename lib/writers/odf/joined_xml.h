@@ -27,7 +27,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 class JoinedXml final : public OdfDocumentHandler, private Output {
 public:
@@ -91,4 +91,4 @@ private:
     std::size_t paragraphs_ = 0; // so far
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

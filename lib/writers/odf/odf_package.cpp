@@ -4,7 +4,7 @@
 
 #include <new>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -135,4 +135,4 @@ void OdfPackage::end_entry()
     check(zipCloseFileInZip(zip_));
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

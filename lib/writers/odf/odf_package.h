@@ -13,7 +13,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 class OdfPackage final : public Output {
 public:
@@ -55,4 +55,4 @@ private:
     void *zip_; // null when complete
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -10,7 +10,7 @@
 #include <memory>
 #include <new>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -135,9 +135,10 @@ constexpr OdfPlugin plugin{PFSDOC_PLUGIN_BUILD, open_writer};
 
 } // namespace
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers
 
-extern "C" __attribute__((visibility("default"))) const pfsdoc::OdfPlugin *pfsdoc_odf_plugin()
+extern "C" __attribute__((visibility("default"))) const pfsdoc::writers::OdfPlugin *
+pfsdoc_odf_plugin()
 {
-    return &pfsdoc::plugin;
+    return &pfsdoc::writers::plugin;
 }

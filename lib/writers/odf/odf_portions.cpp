@@ -9,7 +9,7 @@
 
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -112,4 +112,4 @@ std::unique_ptr<OdfPortions> make_odf_portions(OdfPackaging packaging, std::span
     return std::make_unique<PackagedPortions>(files);
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -10,7 +10,7 @@
 #include <memory>
 #include <span>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 class OdfPortions : public Portions {
 public:
@@ -22,4 +22,4 @@ public:
 // one for the package.
 std::unique_ptr<OdfPortions> make_odf_portions(OdfPackaging packaging, std::span<const int> files);
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

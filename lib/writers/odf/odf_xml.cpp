@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -129,4 +129,4 @@ void XmlStream::write_if_full()
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 // Values that an attribute has, and what is written in their place.
 struct NewValues {
@@ -49,4 +49,4 @@ private:
     bool tag_open_ = false;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -44,7 +44,7 @@ double vertical_margin(bool is_used)
 }
 
 // The document's columns, and the paper's where they are fewer.
-int32_t paper_columns(const PageColumns &page)
+int32_t paper_columns(const page::PageColumns &page)
 {
     return std::max(usual_page_columns, page.right + 1);
 }
@@ -57,8 +57,8 @@ void insert_columns(RVNGPropertyList &properties, const char *name, int32_t colu
     }
 }
 
-void insert_margins(RVNGPropertyList &properties, const LineGeometry &geometry,
-                    const PageColumns &page, bool continues)
+void insert_margins(RVNGPropertyList &properties, const page::LineGeometry &geometry,
+                    const page::PageColumns &page, bool continues)
 {
     const int32_t paper = paper_columns(page);
     const auto left_margin = std::min(static_cast<int32_t>(geometry.left_margin), paper - 1);
@@ -84,18 +84,20 @@ void append_stop(RVNGPropertyListVector &stops, int32_t position, bool is_decima
 
 // Tabs beyond the last stop go to every eighth column, so a paragraph that has tabs gets stops
 // there too.
-void insert_tab_stops(RVNGPropertyList &properties, const LineGeometry &geometry, bool has_tab)
+void insert_tab_stops(RVNGPropertyList &properties, const page::LineGeometry &geometry,
+                      bool has_tab)
 {
-    std::vector<TabColumn> columns = geometry.tab_stops;
-    std::sort(columns.begin(), columns.end(),
-              [](const TabColumn &a, const TabColumn &b) { return a.column < b.column; });
+    std::vector<page::TabColumn> columns = geometry.tab_stops;
+    std::sort(
+        columns.begin(), columns.end(),
+        [](const page::TabColumn &a, const page::TabColumn &b) { return a.column < b.column; });
     std::size_t last = columns.empty() ? 0 : columns.back().column;
-    const std::size_t step = LineLayout::fallback_tab_columns;
+    const std::size_t step = page::LineLayout::fallback_tab_columns;
     for (last += step - last % step; has_tab && last < geometry.width; last += step) {
         columns.push_back({last, false});
     }
     RVNGPropertyListVector stops;
-    for (const TabColumn &stop : columns) {
+    for (const page::TabColumn &stop : columns) {
         const auto column = static_cast<int32_t>(stop.column);
         append_stop(stops, column - static_cast<int32_t>(geometry.indent), stop.decimal);
     }
@@ -104,12 +106,12 @@ void insert_tab_stops(RVNGPropertyList &properties, const LineGeometry &geometry
     }
 }
 
-const char *alignment_name(LineAlignment alignment)
+const char *alignment_name(page::LineAlignment alignment)
 {
     switch (alignment) {
-    case LineAlignment::right: return "end";
-    case LineAlignment::centre: return "center";
-    case LineAlignment::left: break;
+    case page::LineAlignment::right: return "end";
+    case page::LineAlignment::centre: return "center";
+    case page::LineAlignment::left: break;
     }
     return "left";
 }
@@ -144,7 +146,7 @@ RVNGPropertyList make_span_properties(AttributeSet attributes)
 
 } // namespace
 
-RVNGPropertyList page_properties(const PageColumns &page, bool has_header, bool has_footer)
+RVNGPropertyList page_properties(const page::PageColumns &page, bool has_header, bool has_footer)
 {
     const int32_t paper = paper_columns(page);
     RVNGPropertyList properties;
@@ -179,7 +181,8 @@ void RevengeStyles::begin_body()
     place_ = &body_;
 }
 
-RVNGPropertyList RevengeStyles::make_properties(const ParagraphLook &look, const PageColumns &page)
+RVNGPropertyList RevengeStyles::make_properties(const ParagraphLook &look,
+                                                const page::PageColumns &page)
 {
     const bool is_double = look.line_spacing == VW_DOUBLE_SPACING;
     RVNGPropertyList properties;
@@ -195,10 +198,10 @@ RVNGPropertyList RevengeStyles::make_properties(const ParagraphLook &look, const
 }
 
 const RVNGPropertyList &RevengeStyles::paragraph_properties(const Paragraph &paragraph,
-                                                            const PageColumns &page,
+                                                            const page::PageColumns &page,
                                                             const ParagraphStart &start)
 {
-    ParagraphLook look{line_geometry(paragraph), paragraph.line_spacing, start};
+    ParagraphLook look{page::line_geometry(paragraph), paragraph.line_spacing, start};
     auto known = place_->looks.find(look);
     if (known == place_->looks.end()) {
         if (!generator_keeps_styles_ && place_->looks.size() == looks_kept) {
@@ -266,4 +269,4 @@ void RevengeStyles::define_span(RVNGPropertyList properties, int number)
     elements_ += style_elements;
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -19,7 +19,7 @@
 #include <map>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 // Every page has a margin of six lines at the top and at the bottom. A header or footer takes
 // the inner ones of it, the empty lines that part it from the text included; more lines than
@@ -36,7 +36,7 @@ struct ParagraphStart {
     auto operator<=>(const ParagraphStart &) const = default;
 };
 
-librevenge::RVNGPropertyList page_properties(const PageColumns &page, bool has_header,
+librevenge::RVNGPropertyList page_properties(const page::PageColumns &page, bool has_header,
                                              bool has_footer);
 
 // Property lists take longer to make than the text between them to convert, and most
@@ -64,7 +64,7 @@ public:
 
     // The answers are valid until the next call. All calls are for the same page.
     const librevenge::RVNGPropertyList &paragraph_properties(const Paragraph &paragraph,
-                                                             const PageColumns &page,
+                                                             const page::PageColumns &page,
                                                              const ParagraphStart &start);
     const librevenge::RVNGPropertyList &span_properties(AttributeSet attributes);
 
@@ -81,7 +81,7 @@ private:
 
     // All of a paragraph that its properties depend on.
     struct ParagraphLook {
-        LineGeometry geometry;
+        page::LineGeometry geometry;
         int32_t line_spacing;
         ParagraphStart start;
 
@@ -95,7 +95,7 @@ private:
     };
 
     static librevenge::RVNGPropertyList make_properties(const ParagraphLook &look,
-                                                        const PageColumns &page);
+                                                        const page::PageColumns &page);
     librevenge::RVNGPropertyList defined_paragraph(librevenge::RVNGPropertyList properties);
     librevenge::RVNGPropertyList defined_span(const librevenge::RVNGPropertyList &properties);
     void define_span(librevenge::RVNGPropertyList properties, int number);
@@ -109,4 +109,4 @@ private:
     Place *place_ = &header_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -51,7 +51,7 @@ std::size_t visible_end(const Paragraph &paragraph)
     if (!ends_in_plain_text) {
         return paragraph.bytes.size();
     }
-    const std::size_t last = paragraph.bytes.find_last_not_of(blank_bytes);
+    const std::size_t last = paragraph.bytes.find_last_not_of(page::blank_bytes);
     const std::size_t end = last == std::string::npos ? 0 : last + 1;
     return std::max(end, paragraph.pieces.back().begin);
 }
@@ -73,7 +73,7 @@ RevengeWriter::RevengeWriter(librevenge::RVNGTextInterface &document, const Docu
 
 void RevengeWriter::paragraph(const Paragraph &paragraph)
 {
-    page_ = page_.value_or(page_columns(paragraph.margins));
+    page_ = page_.value_or(page::page_columns(paragraph.margins));
     if (block_) {
         hold_line(paragraph);
         return;
@@ -86,7 +86,7 @@ void RevengeWriter::paragraph(const Paragraph &paragraph)
 void RevengeWriter::hold_line(const Paragraph &paragraph)
 {
     std::vector<Paragraph> &lines = *block_ == BlockKind::header ? headers_ : footers_;
-    const bool is_empty = paragraph.bytes.find_first_not_of(gap_bytes) == std::string::npos;
+    const bool is_empty = paragraph.bytes.find_first_not_of(page::gap_bytes) == std::string::npos;
     if (!options_.headers || is_empty) {
         return;
     }
@@ -141,7 +141,7 @@ void RevengeWriter::end_document()
 void RevengeWriter::begin_body()
 {
     if (!in_body_) {
-        page_ = page_.value_or(PageColumns());
+        page_ = page_.value_or(page::PageColumns());
         open_page();
     }
 }
@@ -251,13 +251,13 @@ void RevengeWriter::write_paragraph(const Paragraph &paragraph)
 {
     now_.paragraph = &paragraph;
     now_.start = {};
-    now_.start.has_tab = paragraph.bytes.find(tab_byte) != std::string::npos;
+    now_.start.has_tab = paragraph.bytes.find(page::tab_byte) != std::string::npos;
     now_.visible_end = visible_end(paragraph);
     now_.held_blanks = 0;
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         write_piece(paragraph, i);
     }
-    if (!now_.is_open && is_text_only(paragraph)) {
+    if (!now_.is_open && page::is_text_only(paragraph)) {
         open_paragraph();
     }
     close_paragraph();
@@ -276,7 +276,7 @@ void RevengeWriter::write_piece(const Paragraph &paragraph, std::size_t index)
     case PieceKind::command:
         if (options_.commands) {
             write_text(bytes, attributes);
-            write_text(cut_mark(piece), attributes);
+            write_text(page::cut_mark(piece), attributes);
         }
         break;
     case PieceKind::page_break:
@@ -357,7 +357,7 @@ void RevengeWriter::write_text(std::string_view bytes, AttributeSet attributes)
     }
     open_span(attributes);
     while (!bytes.empty()) {
-        const std::size_t word = std::min(bytes.find_first_of(gap_bytes), bytes.size());
+        const std::size_t word = std::min(bytes.find_first_of(page::gap_bytes), bytes.size());
         options_.code_page->append_utf8(now_.text, bytes.substr(0, word));
         now_.after_gap = now_.after_gap && word == 0;
         bytes = write_gap(bytes.substr(word));
@@ -371,9 +371,9 @@ std::string_view RevengeWriter::hold_blanks(std::string_view bytes, AttributeSet
     if ((attributes & underline) != 0) {
         return bytes;
     }
-    const std::size_t count = std::min(bytes.find_first_not_of(blank_bytes), bytes.size());
+    const std::size_t count = std::min(bytes.find_first_not_of(page::blank_bytes), bytes.size());
     const bool are_kept =
-        !now_.start.continues && line_alignment(*now_.paragraph) == LineAlignment::left;
+        !now_.start.continues && page::line_alignment(*now_.paragraph) == page::LineAlignment::left;
     now_.held_blanks += are_kept ? count : 0;
     return bytes.substr(count);
 }
@@ -381,14 +381,14 @@ std::string_view RevengeWriter::hold_blanks(std::string_view bytes, AttributeSet
 // The blanks, or the tab, that the bytes begin with.
 std::string_view RevengeWriter::write_gap(std::string_view bytes)
 {
-    if (bytes.starts_with(tab_byte)) {
+    if (bytes.starts_with(page::tab_byte)) {
         flush_text();
         count_elements(1);
         document_->insertTab();
         now_.after_gap = true;
         return bytes.substr(1);
     }
-    std::size_t blanks = std::min(bytes.find_first_not_of(blank_bytes), bytes.size());
+    std::size_t blanks = std::min(bytes.find_first_not_of(page::blank_bytes), bytes.size());
     bytes.remove_prefix(blanks);
     if (blanks != 0 && !now_.after_gap) {
         now_.text.push_back(' ');
@@ -427,4 +427,4 @@ void RevengeWriter::count_elements(std::size_t count)
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

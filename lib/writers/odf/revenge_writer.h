@@ -39,7 +39,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 // Gives a writer one generator after the other.
 class Portions {
@@ -136,8 +136,8 @@ private:
     std::optional<BlockKind> block_; // that lines belong to
     std::vector<Paragraph> headers_;
     std::vector<Paragraph> footers_;
-    std::optional<PageColumns> page_; // of the first paragraph
-    bool in_body_ = false;            // the page is open, its header and footer are written
+    std::optional<page::PageColumns> page_; // of the first paragraph
+    bool in_body_ = false;                  // the page is open, its header and footer are written
     bool body_is_empty_ = true;
     uint64_t breaks_pending_ = 0; // before the next paragraph
 
@@ -154,4 +154,4 @@ private:
     InParagraph now_;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -7,7 +7,7 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 namespace {
 
@@ -44,7 +44,7 @@ void Scratch::write_at(uint64_t offset, std::string_view bytes)
 void Scratch::move_to_file()
 {
     if (file_ == none) {
-        file_ = open_scratch_file();
+        file_ = base::open_scratch_file();
     }
     if (file_ == none) {
         throw ScratchFailure{errno};
@@ -87,4 +87,4 @@ void Scratch::copy_to(Output &output) const
     }
 }
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace pfsdoc {
+namespace pfsdoc::writers {
 
 // The file cannot be made, written or read.
 struct ScratchFailure {
@@ -60,4 +60,4 @@ private:
     uint64_t size_ = 0;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::writers

@@ -111,7 +111,7 @@ std::string chosen; // by --canary
 
 } // namespace
 
-void add_canary_option(CLI::App &app)
+void batch::add_canary_option(CLI::App &app)
 {
     std::vector<std::string> names;
     for (const Canary &canary : canaries) {
@@ -120,7 +120,7 @@ void add_canary_option(CLI::App &app)
     app.add_option("--canary", chosen)->check(CLI::IsMember(names));
 }
 
-void sing(ByteSource &document, Output &output)
+void batch::sing(ByteSource &document, Output &output)
 {
     std::vector<uint8_t> bytes(document.size());
     document.read_at(0, bytes);

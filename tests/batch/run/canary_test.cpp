@@ -26,7 +26,7 @@ std::vector<Deed> all_deeds()
         {"kill", "crashed, the process that read it was ended by SIGSYS"},
         {"open", "crashed, the process that read it was ended by SIGABRT"},
     };
-    if (!pfsdoc::memory_is_shadowed) {
+    if (!pfsdoc::batch::memory_is_shadowed) {
         deeds.push_back({"memory", "memory, needs more memory than is allowed"});
     }
     std::sort(deeds.begin(), deeds.end(),

@@ -17,8 +17,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using pfsdoc::ErrorKind;
-using pfsdoc::FileStatus;
-using pfsdoc::Ledger;
+using pfsdoc::batch::FileStatus;
+using pfsdoc::batch::Ledger;
 
 const pfsdoc::Error full_disk{ErrorKind::output, "the disk is full", "make room"};
 
@@ -40,11 +40,11 @@ protected:
                 {},
                 FileStatus::converted,
                 line,
-                pfsdoc::PendingOutput(pfsdoc::OpenFile(), "", "")};
+                pfsdoc::batch::PendingOutput(pfsdoc::batch::OpenFile(), "", "")};
     }
 
     Ledger ledger;
-    pfsdoc::Tally tally;
+    pfsdoc::batch::Tally tally;
 };
 
 TEST_F(Ledgers, HaveTheLinesInOrder)

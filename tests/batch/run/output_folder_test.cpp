@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using pfsdoc::ErrorKind;
-using pfsdoc::PendingOutput;
+using pfsdoc::batch::PendingOutput;
 
 class Folder : public testing::Test {
 protected:
@@ -28,7 +28,7 @@ protected:
         std::string name = (fs::temp_directory_path() / "pfsdoc-XXXXXX").string();
         ASSERT_NE(::mkdtemp(name.data()), nullptr);
         directory = name;
-        auto opened = pfsdoc::OutputFolder::open(directory);
+        auto opened = pfsdoc::batch::OutputFolder::open(directory);
         ASSERT_TRUE(opened.ok());
         folder.emplace(std::move(opened.value()));
     }
@@ -66,7 +66,7 @@ protected:
     }
 
     fs::path directory;
-    std::optional<pfsdoc::OutputFolder> folder;
+    std::optional<pfsdoc::batch::OutputFolder> folder;
 };
 
 TEST_F(Folder, GivesOutputsTheirNames)
@@ -122,7 +122,7 @@ TEST_F(Folder, TellsWhenNothingCanBeWritten)
     const pfsdoc::Status fault = output.commit();
     ASSERT_TRUE(fault);
     EXPECT_EQ(fault->kind, ErrorKind::output);
-    const auto none = pfsdoc::OutputFolder::open("/proc/none");
+    const auto none = pfsdoc::batch::OutputFolder::open("/proc/none");
     ASSERT_FALSE(none.ok());
     EXPECT_EQ(none.error().kind, ErrorKind::output);
 }

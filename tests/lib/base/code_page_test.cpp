@@ -9,7 +9,7 @@
 
 namespace {
 
-using pfsdoc::code_page_437;
+using pfsdoc::base::code_page_437;
 
 std::string utf8(std::string_view bytes)
 {

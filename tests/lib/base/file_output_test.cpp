@@ -40,9 +40,9 @@ protected:
     {
         return std::distance(fs::directory_iterator(directory), fs::directory_iterator());
     }
-    static std::unique_ptr<FileOutput> open(const std::string &path)
+    static std::unique_ptr<base::FileOutput> open(const std::string &path)
     {
-        Result<std::unique_ptr<FileOutput>> output = FileOutput::create(path);
+        Result<std::unique_ptr<base::FileOutput>> output = base::FileOutput::create(path);
         EXPECT_TRUE(output.ok()) << output.error().what;
         return std::move(output.value());
     }
@@ -159,14 +159,14 @@ TEST_F(FileOutputTest, TellsOfAFullDisk)
 
 TEST_F(FileOutputTest, TellsOfADirectoryThatIsNotThere)
 {
-    const auto output = FileOutput::create((directory / "none" / "out").string());
+    const auto output = base::FileOutput::create((directory / "none" / "out").string());
     ASSERT_FALSE(output.ok());
     expect_output_error(output.error(), "No such file or directory");
 }
 
 TEST_F(FileOutputTest, DoesNotReplaceADirectory)
 {
-    const auto output = FileOutput::create(directory.string());
+    const auto output = base::FileOutput::create(directory.string());
     ASSERT_FALSE(output.ok());
     expect_output_error(output.error(), "Is a directory");
 }

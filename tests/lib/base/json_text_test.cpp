@@ -13,7 +13,7 @@ namespace {
 std::string json_string(std::string_view utf8)
 {
     std::string json;
-    pfsdoc::append_json_string(json, utf8);
+    pfsdoc::base::append_json_string(json, utf8);
     return json;
 }
 
@@ -38,7 +38,7 @@ TEST(JsonText, EscapesControlCharacters)
 TEST(JsonText, IsAppended)
 {
     std::string json = "[";
-    pfsdoc::append_json_string(json, "one");
+    pfsdoc::base::append_json_string(json, "one");
     EXPECT_EQ(json, R"(["one")");
 }
 
@@ -55,14 +55,14 @@ TEST(JsonText, IsReadAgainAsItWas)
 TEST(JsonText, HasMembersOfObjects)
 {
     std::string json = "{";
-    pfsdoc::append_json_member(json, "words", "a \"{\"");
-    pfsdoc::append_json_member(json, "number", -7);
-    pfsdoc::append_json_member(json, "large", UINT64_MAX);
-    pfsdoc::append_json_name(json, "object");
+    pfsdoc::base::append_json_member(json, "words", "a \"{\"");
+    pfsdoc::base::append_json_member(json, "number", -7);
+    pfsdoc::base::append_json_member(json, "large", UINT64_MAX);
+    pfsdoc::base::append_json_name(json, "object");
     json += "{";
-    pfsdoc::append_json_member(json, "first", 0);
+    pfsdoc::base::append_json_member(json, "first", 0);
     json += "}";
-    pfsdoc::append_json_member(json, "last", "{");
+    pfsdoc::base::append_json_member(json, "last", "{");
     json += "}";
     EXPECT_EQ(json, R"({"words":"a \"{\"","number":-7,"large":18446744073709551615,)"
                     R"("object":{"first":0},"last":"{"})");

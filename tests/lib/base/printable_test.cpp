@@ -5,9 +5,9 @@
 
 namespace {
 
-using pfsdoc::base_name;
-using pfsdoc::hex_byte;
-using pfsdoc::printable;
+using pfsdoc::base::base_name;
+using pfsdoc::base::hex_byte;
+using pfsdoc::base::printable;
 
 TEST(Printable, LeavesTextAlone)
 {

@@ -19,10 +19,10 @@
 namespace {
 
 using pfsdoc::ErrorKind;
-using pfsdoc::open_scratch_file;
-using pfsdoc::Scratch;
-using pfsdoc::ScratchFailure;
 using pfsdoc::StringOutput;
+using pfsdoc::base::open_scratch_file;
+using pfsdoc::writers::Scratch;
+using pfsdoc::writers::ScratchFailure;
 namespace fs = std::filesystem;
 
 constexpr std::size_t fits = Scratch::most_in_memory;
@@ -222,11 +222,11 @@ TEST_F(ScratchTest, FailsWhereTheFileWasCut)
 
 TEST(ScratchError, SaysWhatCanBeDone)
 {
-    const pfsdoc::Error full = pfsdoc::scratch_error(ENOSPC);
+    const pfsdoc::Error full = pfsdoc::base::scratch_error(ENOSPC);
     EXPECT_EQ(full.kind, ErrorKind::output);
     EXPECT_EQ(full.what, "a temporary file cannot be written: No space left on device");
     EXPECT_EQ(full.remedy, "name a folder with room for it in the environment variable TMPDIR");
-    const pfsdoc::Error too_large = pfsdoc::scratch_error(EFBIG);
+    const pfsdoc::Error too_large = pfsdoc::base::scratch_error(EFBIG);
     EXPECT_EQ(too_large.kind, ErrorKind::limit);
     EXPECT_EQ(too_large.what, "needs a temporary file that is larger than is allowed");
     EXPECT_EQ(too_large.remedy,

@@ -24,14 +24,14 @@ std::string walked(DocumentKind kind, const std::string &text, const std::vector
 {
     const auto source = source_from(text);
     KeepingSpans sink;
-    SpanBuilder builder(*source, sink);
-    std::unique_ptr<BodyWalker> walker;
+    explaining::SpanBuilder builder(*source, sink);
+    std::unique_ptr<explaining::BodyWalker> walker;
     switch (kind) {
     case DocumentKind::professional_write_1:
-        walker = make_professional_write_walker(builder);
+        walker = explaining::make_professional_write_walker(builder);
         break;
-    case DocumentKind::first_choice_3: walker = make_choice3_walker(builder); break;
-    default: walker = make_wrapped_text_walker(builder, *source, {kind, 0, 10});
+    case DocumentKind::first_choice_3: walker = explaining::make_choice3_walker(builder); break;
+    default: walker = explaining::make_wrapped_text_walker(builder, *source, {kind, 0, 10});
     }
     for (const Told &told : events) {
         walker->on_event(told.event, told.position);

@@ -21,7 +21,7 @@ std::string long_text()
 TEST(ByteWindow, DeliversEveryByteForwards)
 {
     const auto source = source_from(long_text());
-    ByteWindow window(*source);
+    reading::ByteWindow window(*source);
     for (uint32_t i = 0; i < window.size(); ++i) {
         ASSERT_EQ(window.at(i), static_cast<int32_t>(i % 251));
     }
@@ -30,7 +30,7 @@ TEST(ByteWindow, DeliversEveryByteForwards)
 TEST(ByteWindow, DeliversEveryByteBackwards)
 {
     const auto source = source_from(long_text());
-    ByteWindow window(*source);
+    reading::ByteWindow window(*source);
     for (uint32_t i = window.size(); i-- > 0;) {
         ASSERT_EQ(window.at(i), static_cast<int32_t>(i % 251));
     }
@@ -39,25 +39,25 @@ TEST(ByteWindow, DeliversEveryByteBackwards)
 TEST(ByteWindow, HasNoByteBehindTheEnd)
 {
     const auto source = source_from("ab");
-    ByteWindow window(*source);
+    reading::ByteWindow window(*source);
     EXPECT_EQ(window.at(1), 'b');
-    EXPECT_EQ(window.at(2), ByteWindow::no_byte);
-    EXPECT_EQ(window.at(UINT32_MAX), ByteWindow::no_byte);
+    EXPECT_EQ(window.at(2), reading::ByteWindow::no_byte);
+    EXPECT_EQ(window.at(UINT32_MAX), reading::ByteWindow::no_byte);
     EXPECT_EQ(window.at(0), 'a');
 }
 
 TEST(ByteWindow, HasNoByteInAnEmptyFile)
 {
     const auto source = source_from("");
-    ByteWindow window(*source);
-    EXPECT_EQ(window.at(0), ByteWindow::no_byte);
+    reading::ByteWindow window(*source);
+    EXPECT_EQ(window.at(0), reading::ByteWindow::no_byte);
 }
 
 TEST(ByteWindow, HasNoByteThatCannotBeRead)
 {
     DescriptorSource source(-1, 100);
-    ByteWindow window(source);
-    EXPECT_EQ(window.at(0), ByteWindow::no_byte);
+    reading::ByteWindow window(source);
+    EXPECT_EQ(window.at(0), reading::ByteWindow::no_byte);
     EXPECT_TRUE(source.failure());
 }
 

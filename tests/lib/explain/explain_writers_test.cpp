@@ -8,18 +8,18 @@ namespace {
 using namespace tests;
 using namespace pfsdoc;
 
-std::string dump(const Span &span, Colours colours = Colours::off,
+std::string dump(const Span &span, explaining::Colours colours = explaining::Colours::off,
                  const CodePage &page = CodePage::ibm437())
 {
     StringOutput output;
-    ExplainTextWriter(output, page, colours).span(span);
+    explaining::ExplainTextWriter(output, page, colours).span(span);
     return output.text;
 }
 
 std::string json(const Span &span)
 {
     StringOutput output;
-    ExplainJsonWriter(output, CodePage::ibm437()).span(span);
+    explaining::ExplainJsonWriter(output, CodePage::ibm437()).span(span);
     return output.text;
 }
 
@@ -85,10 +85,10 @@ TEST(ExplainText, ColoursWordsOnlyWhenAsked)
 {
     const Span end = span_with(SpanKind::end_mark, "\x0E", "end of the document");
     EXPECT_EQ(dump(end).find('\x1B'), std::string::npos);
-    EXPECT_NE(dump(end, Colours::on).find("\x1B[31mend of the document\x1B[0m\n"),
+    EXPECT_NE(dump(end, explaining::Colours::on).find("\x1B[31mend of the document\x1B[0m\n"),
               std::string::npos);
     const Span text = span_with(SpanKind::text, "", "text");
-    EXPECT_EQ(dump(text, Colours::on).find('\x1B'), std::string::npos);
+    EXPECT_EQ(dump(text, explaining::Colours::on).find('\x1B'), std::string::npos);
 }
 
 TEST(ExplainText, ShowsBytesInTheDocumentsCharacterSet)
@@ -97,7 +97,8 @@ TEST(ExplainText, ShowsBytesInTheDocumentsCharacterSet)
     const Result<CodePage> latin = CodePage::named("ISO-8859-1");
     ASSERT_TRUE(latin.ok());
     EXPECT_NE(dump(span).find("|\u0398|"), std::string::npos);
-    EXPECT_NE(dump(span, Colours::off, latin.value()).find("|\u00E9|"), std::string::npos);
+    EXPECT_NE(dump(span, explaining::Colours::off, latin.value()).find("|\u00E9|"),
+              std::string::npos);
 }
 
 // Whatever a document holds, a terminal gets nothing but printable characters and line ends.

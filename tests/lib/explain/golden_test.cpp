@@ -10,7 +10,7 @@ using namespace pfsdoc;
 std::string dump_from(const std::string &document, uint32_t offset)
 {
     StringOutput output;
-    ExplainTextWriter writer(output, CodePage::ibm437(), Colours::off);
+    explaining::ExplainTextWriter writer(output, CodePage::ibm437(), explaining::Colours::off);
     for (const Span &span : spans_of(document)) {
         if (span.offset >= offset) {
             writer.span(span);

@@ -175,15 +175,16 @@ TEST(ExplainedHeader, MayHaveNoTextBehindIt)
 
 TEST(HeaderFields, LieWithinTheirHeaders)
 {
-    for (const HeaderField &field : write_header_fields()) {
-        EXPECT_LE(field.offset + field.size, write_header_size) << field.name;
+    for (const explaining::HeaderField &field : explaining::write_header_fields()) {
+        EXPECT_LE(field.offset + field.size, explaining::write_header_size) << field.name;
         EXPECT_NE(field.kinds, 0) << field.name;
-        EXPECT_FALSE(field.kinds & kind_bit(DocumentKind::first_choice_2)) << field.name;
+        EXPECT_FALSE(field.kinds & explaining::kind_bit(DocumentKind::first_choice_2))
+            << field.name;
     }
     for (const bool of_bytes : {false, true}) {
-        for (const HeaderField &field : choice_header_fields(of_bytes)) {
-            EXPECT_LE(field.offset + field.size, choice_header_size) << field.name;
-            EXPECT_FALSE(field.kinds & kind_bit(DocumentKind::write_a)) << field.name;
+        for (const explaining::HeaderField &field : explaining::choice_header_fields(of_bytes)) {
+            EXPECT_LE(field.offset + field.size, explaining::choice_header_size) << field.name;
+            EXPECT_FALSE(field.kinds & explaining::kind_bit(DocumentKind::write_a)) << field.name;
         }
     }
 }

@@ -16,7 +16,7 @@ constexpr auto choice = DocumentKind::first_choice_2;
 int length_of(DocumentKind kind, const std::string &notation, uint32_t position = 0)
 {
     const auto source = source_from(bytes(notation));
-    NextWord word(*source, kind);
+    explaining::NextWord word(*source, kind);
     return word.length_at(position);
 }
 
@@ -82,10 +82,10 @@ TEST(NextWord, AnswersTheSameWhateverItRemembers)
         const std::string text = random_text(random);
         const auto source = source_from(text);
         const DocumentKind kind = i % 2 == 0 ? DocumentKind::writing_assistant : choice;
-        NextWord remembering(*source, kind);
+        explaining::NextWord remembering(*source, kind);
         for (uint32_t at = 0; at < text.size(); ++at) {
             if (text[at] == '\x0D' || text[at] == '\x0C') {
-                NextWord anew(*source, kind);
+                explaining::NextWord anew(*source, kind);
                 ASSERT_EQ(remembering.length_at(at + 1), anew.length_at(at + 1))
                     << "text " << i << " at " << at;
             }

@@ -20,7 +20,7 @@ struct Building {
 
     std::unique_ptr<MemorySource> source;
     KeepingSpans sink;
-    SpanBuilder builder;
+    explaining::SpanBuilder builder;
 };
 
 TEST(SpanBuilder, JoinsWhatSaysTheSame)

@@ -9,11 +9,12 @@ namespace {
 using namespace tests;
 using namespace pfsdoc;
 
-StoredCharacter stored(DocumentKind kind, const std::string &text)
+explaining::StoredCharacter stored(DocumentKind kind, const std::string &text)
 {
-    return stored_character(kind, static_cast<unsigned char>(text[0]), [&text](uint32_t at) {
-        return at < text.size() ? int32_t{static_cast<unsigned char>(text[at])} : -1;
-    });
+    return explaining::stored_character(
+        kind, static_cast<unsigned char>(text[0]), [&text](uint32_t at) {
+            return at < text.size() ? int32_t{static_cast<unsigned char>(text[at])} : -1;
+        });
 }
 
 // What the module makes of the bytes, behind a letter so that a space is no indent.
@@ -33,7 +34,7 @@ constexpr DocumentKind all_kinds[] = {
 // The character in front of the bar, and where the bar was read.
 void expect_as_module(DocumentKind kind, const std::string &text)
 {
-    const StoredCharacter expected = stored(kind, text);
+    const explaining::StoredCharacter expected = stored(kind, text);
     const KeepingSink sink = read_by_module(kind, text.substr(0, 1 + expected.attribute_bytes));
     const std::vector<Character> characters = sink.all<Character>();
     ASSERT_GE(characters.size(), 2U);
@@ -49,7 +50,7 @@ TEST(StoredCharacters, AreTheModulesWithEachAttributeByte)
         for (int byte = 0x80; byte < 0x100; ++byte) {
             for (const char attribute : {'\x00', '\x01', '\x08', '\x10', '\x20', '\x30', '\x3F'}) {
                 const std::string text = {static_cast<char>(byte), attribute};
-                if (has_attribute_bytes(kind, byte)) {
+                if (explaining::has_attribute_bytes(kind, byte)) {
                     expect_as_module(kind, text);
                 }
             }
@@ -61,7 +62,7 @@ TEST(StoredCharacters, AreTheModulesWithoutAttributeBytes)
 {
     for (const DocumentKind kind : all_kinds) {
         for (int byte = 0x0F; byte < 0xC0; ++byte) {
-            if (!has_attribute_bytes(kind, byte)) {
+            if (!explaining::has_attribute_bytes(kind, byte)) {
                 expect_as_module(kind, std::string(1, static_cast<char>(byte)));
             }
         }

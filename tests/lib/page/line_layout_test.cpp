@@ -38,7 +38,7 @@ TEST(Text, FillsALineUpToTheRightMarginsColumn)
 
 TEST(Text, ShowsTheLeftMarginAsBlanks)
 {
-    EXPECT_EQ(text(TypedEvents().margins(10, 29).line("The quick brown fox jumps")), page(R"(
+    EXPECT_EQ(text(TypedEvents().margins(10, 29).line("The quick brown fox jumps")), page_text(R"(
           The quick brown fox
           jumps
 )"));
@@ -46,7 +46,7 @@ TEST(Text, ShowsTheLeftMarginAsBlanks)
 
 TEST(Text, ShowsEmptyParagraphsAsEmptyLines)
 {
-    EXPECT_EQ(text(TypedEvents().margins(5, 29).line("One").line("").line("Two")), page(R"(
+    EXPECT_EQ(text(TypedEvents().margins(5, 29).line("One").line("").line("Two")), page_text(R"(
      One
 
      Two
@@ -83,7 +83,8 @@ TEST(Text, LetsAWordLongerThanTheLineStandAlone)
 honorificabilitudinitatibus
 b
 )");
-    EXPECT_EQ(text(TypedEvents().margins(5, 14).line("honorificabilitudinitatibus b")), page(R"(
+    EXPECT_EQ(text(TypedEvents().margins(5, 14).line("honorificabilitudinitatibus b")),
+              page_text(R"(
      honorificabilitudinitatibus
      b
 )"));
@@ -140,7 +141,7 @@ TEST(TabStops, AreColumnsOfThePage)
 {
     TypedEvents events;
     events.margins(5, 39).tabs({10, 20}).line("a\tb\tc").line("\td");
-    EXPECT_EQ(text(events), page(R"(
+    EXPECT_EQ(text(events), page_text(R"(
      a    b         c
           d
 )"));
@@ -253,11 +254,12 @@ TEST(DecimalStops, AreAPlaceForTheNextTabToStartFrom)
 
 // ------------------------------------------------------------------ in any stretches ---
 
-std::string laid_out(std::string_view bytes, std::size_t stretch, const LineGeometry &geometry)
+std::string laid_out(std::string_view bytes, std::size_t stretch,
+                     const page::LineGeometry &geometry)
 {
     StringOutput output;
-    Utf8Output encoded(output);
-    LineLayout layout(encoded);
+    base::Utf8Output encoded(output);
+    page::LineLayout layout(encoded);
     layout.begin(geometry);
     for (; !bytes.empty(); bytes.remove_prefix(std::min(stretch, bytes.size()))) {
         layout.text(bytes.substr(0, stretch));
@@ -279,11 +281,11 @@ TEST(LineLayout, IsTheSameHoweverTheTextIsCutUp)
             const char byte = alphabet[random() % (alphabet.size() - random() % 2)];
             bytes.push_back(random() % 60 == 0 ? '\0' : byte);
         }
-        LineGeometry geometry;
+        page::LineGeometry geometry;
         geometry.width = 1 + random() % 30;
         geometry.first_line_indent = random() % geometry.width;
         geometry.indent = random() % geometry.width;
-        geometry.alignment = static_cast<LineAlignment>(random() % 3);
+        geometry.alignment = static_cast<page::LineAlignment>(random() % 3);
         geometry.tab_stops = {{random() % 30, false}, {random() % 30, true}};
         const std::string expected = laid_out(bytes, 1, geometry);
         for (const std::size_t stretch : {2U, 7U, 50U, 200U}) {
@@ -296,51 +298,54 @@ TEST(LineLayout, IsTheSameHoweverTheTextIsCutUp)
 
 // ------------------------------------------------------------------------ tab gaps ---
 
-std::vector<TabGap> tab_gaps(std::string_view bytes, const LineGeometry &geometry)
+std::vector<page::TabGap> tab_gaps(std::string_view bytes, const page::LineGeometry &geometry)
 {
     StringOutput output;
-    Utf8Output lines(output);
-    LineLayout layout(lines);
+    base::Utf8Output lines(output);
+    page::LineLayout layout(lines);
     layout.begin(geometry);
     layout.text(bytes);
     layout.end(false);
     return layout.tab_gaps();
 }
 
-const LineGeometry gap_geometry = {.width = 20, .indent = 2, .tab_stops = {{5, false}, {15, true}}};
+const page::LineGeometry gap_geometry = {
+    .width = 20, .indent = 2, .tab_stops = {{5, false}, {15, true}}};
 
 TEST(TabGaps, ReachFromTheTextToTheStop)
 {
-    EXPECT_EQ(tab_gaps("no tabs", gap_geometry), std::vector<TabGap>{});
-    EXPECT_EQ(tab_gaps("\ta", gap_geometry), (std::vector<TabGap>{{5, false}}));
-    EXPECT_EQ(tab_gaps("abc \ta", gap_geometry), (std::vector<TabGap>{{1, false}}));
+    EXPECT_EQ(tab_gaps("no tabs", gap_geometry), std::vector<page::TabGap>{});
+    EXPECT_EQ(tab_gaps("\ta", gap_geometry), (std::vector<page::TabGap>{{5, false}}));
+    EXPECT_EQ(tab_gaps("abc \ta", gap_geometry), (std::vector<page::TabGap>{{1, false}}));
 }
 
 TEST(TabGaps, OfDecimalStopsEndWhereTheWordBegins)
 {
-    EXPECT_EQ(tab_gaps("\t\t1.5", gap_geometry), (std::vector<TabGap>{{5, false}, {9, true}}));
-    EXPECT_EQ(tab_gaps("\t\t", gap_geometry), (std::vector<TabGap>{{5, false}, {10, true}}));
-    EXPECT_EQ(tab_gaps("0123456789012\t1234.5", gap_geometry), (std::vector<TabGap>{{1, true}}));
+    EXPECT_EQ(tab_gaps("\t\t1.5", gap_geometry),
+              (std::vector<page::TabGap>{{5, false}, {9, true}}));
+    EXPECT_EQ(tab_gaps("\t\t", gap_geometry), (std::vector<page::TabGap>{{5, false}, {10, true}}));
+    EXPECT_EQ(tab_gaps("0123456789012\t1234.5", gap_geometry),
+              (std::vector<page::TabGap>{{1, true}}));
 }
 
 TEST(TabGaps, OfTabsThatEndTheirLineAreWhatIsLeftOfIt)
 {
     EXPECT_EQ(tab_gaps("01234567 01234567 \t\ta", gap_geometry),
-              (std::vector<TabGap>{{2, true}, {3, false}}));
+              (std::vector<page::TabGap>{{2, true}, {3, false}}));
     EXPECT_EQ(tab_gaps("0123456789012345678901234\ta", gap_geometry),
-              (std::vector<TabGap>{{0, true}}));
+              (std::vector<page::TabGap>{{0, true}}));
 }
 
 TEST(TabGaps, OfTabsThatAreDroppedAreNothing)
 {
-    EXPECT_EQ(tab_gaps("\t0123456789abcdef", gap_geometry), (std::vector<TabGap>{{0, true}}));
+    EXPECT_EQ(tab_gaps("\t0123456789abcdef", gap_geometry), (std::vector<page::TabGap>{{0, true}}));
 }
 
 TEST(TabGaps, AreOneParagraphsAlone)
 {
     StringOutput output;
-    Utf8Output lines(output);
-    LineLayout layout(lines);
+    base::Utf8Output lines(output);
+    page::LineLayout layout(lines);
     for (int i = 0; i < 2; ++i) {
         layout.begin(gap_geometry);
         layout.text("\ta");

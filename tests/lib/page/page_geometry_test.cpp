@@ -7,14 +7,14 @@
 
 namespace {
 
-using pfsdoc::line_alignment;
-using pfsdoc::line_geometry;
-using pfsdoc::LineAlignment;
-using pfsdoc::LineGeometry;
-using pfsdoc::page_columns;
-using pfsdoc::PageColumns;
 using pfsdoc::Paragraph;
 using pfsdoc::PieceKind;
+using pfsdoc::page::line_alignment;
+using pfsdoc::page::line_geometry;
+using pfsdoc::page::LineAlignment;
+using pfsdoc::page::LineGeometry;
+using pfsdoc::page::page_columns;
+using pfsdoc::page::PageColumns;
 
 constexpr int32_t columns(int32_t count)
 {

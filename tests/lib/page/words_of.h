@@ -12,9 +12,9 @@ namespace tests {
 
 // A word's parts stand in brackets with the codes of their attributes, gaps as their width:
 // "[One] 2 [tw][2:o]"; a page break is "/".
-class WordLog final : public pfsdoc::WordSink {
+class WordLog final : public pfsdoc::page::WordSink {
 public:
-    void word(const pfsdoc::Word &word) override
+    void word(const pfsdoc::page::Word &word) override
     {
         separate();
         for (std::size_t i = 0; i < word.parts.size(); ++i) {
@@ -76,11 +76,11 @@ inline std::string words_of(const TypedEvents &events, const pfsdoc::WriterOptio
                             pfsdoc::AttributeSet sayable = every_attribute)
 {
     FirstParagraph blocks;
-    pfsdoc::ParagraphCollector collector(blocks);
+    pfsdoc::reading::ParagraphCollector collector(blocks);
     events.tell(collector);
     collector.finish();
     WordLog words;
-    pfsdoc::tell_words(blocks.first, options, sayable, words);
+    pfsdoc::page::tell_words(blocks.first, options, sayable, words);
     return words.log;
 }
 

@@ -2,7 +2,7 @@
 // kind, and reading in one call.
 #pragma once
 
-#include "lib/reading/block_files.h"
+#include "lib/reading/block_file.h"
 #include "lib/reading/read_document.h"
 #include "lib/reading/session.h"
 #include "pfsdoc/events.h"
@@ -64,19 +64,20 @@ inline pfsdoc::Module linked_module()
 // A session on a document in memory, not opened yet.
 struct DocumentSession {
     explicit DocumentSession(std::string_view document,
-                             pfsdoc::Offsets offsets = pfsdoc::Offsets::none)
+                             pfsdoc::reading::Offsets offsets = pfsdoc::reading::Offsets::none)
         : source(source_from(document)), file(*source),
-          session(std::move(pfsdoc::Session::create(linked_module(), file.get(), offsets).value()))
+          session(std::move(
+              pfsdoc::reading::Session::create(linked_module(), file.get(), offsets).value()))
     {
     }
-    pfsdoc::Session *operator->()
+    pfsdoc::reading::Session *operator->()
     {
         return session.get();
     }
 
     std::unique_ptr<pfsdoc::MemorySource> source;
-    pfsdoc::BlockFile file;
-    std::unique_ptr<pfsdoc::Session> session;
+    pfsdoc::reading::BlockFile file;
+    std::unique_ptr<pfsdoc::reading::Session> session;
 };
 
 struct KindExample {
@@ -141,12 +142,12 @@ inline Patch header_line(pfsdoc::DocumentKind kind, int line, std::string_view t
 
 // Of a whole document or one that is cut.
 inline KeepingSink read_at_once(const std::string &document, pfsdoc::DocumentKind kind,
-                                pfsdoc::ReadOptions options = {})
+                                pfsdoc::reading::ReadOptions options = {})
 {
     KeepingSink sink;
     const auto source = source_from(document);
     const pfsdoc::Status fault =
-        pfsdoc::read_document(linked_module(), *source, kind, sink, options);
+        pfsdoc::reading::read_document(linked_module(), *source, kind, sink, options);
     EXPECT_TRUE(!fault || fault->kind == pfsdoc::ErrorKind::damaged) << fault->what;
     return sink;
 }

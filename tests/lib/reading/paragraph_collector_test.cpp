@@ -63,17 +63,18 @@ private:
 std::string blocks(const TypedEvents &events)
 {
     BlockNotes sink;
-    ParagraphCollector collector(sink);
+    reading::ParagraphCollector collector(sink);
     events.tell(collector);
     collector.finish();
     return sink.notes;
 }
 
-Paragraph last_paragraph(const TypedEvents &events,
-                         LineSpacingRule rule = LineSpacingRule::at_last_character)
+Paragraph
+last_paragraph(const TypedEvents &events,
+               reading::LineSpacingRule rule = reading::LineSpacingRule::at_last_character)
 {
     BlockNotes sink;
-    ParagraphCollector collector(sink, rule);
+    reading::ParagraphCollector collector(sink, rule);
     events.tell(collector);
     collector.finish();
     return sink.last;
@@ -104,7 +105,7 @@ TEST(Collector, EndsADocumentWhoseEndWasNotReported)
 TEST(Collector, TellsTheEndOnceAndNothingAfterIt)
 {
     BlockNotes sink;
-    ParagraphCollector collector(sink);
+    reading::ParagraphCollector collector(sink);
     TypedEvents().end().line("late").end().tell(collector);
     collector.finish();
     collector.finish();
@@ -114,7 +115,7 @@ TEST(Collector, TellsTheEndOnceAndNothingAfterIt)
 TEST(Collector, NeverAsksForAStop)
 {
     BlockNotes sink;
-    ParagraphCollector collector(sink);
+    reading::ParagraphCollector collector(sink);
     EXPECT_EQ(collector.on_event(Character{'x'}, 0), 0);
     EXPECT_EQ(collector.on_event(Break{VW_BREAK_PARAGRAPH, 0}, 0), 0);
 }
@@ -207,7 +208,7 @@ TEST(Collector, KeepsNoMoreTabStopsThanATableHolds)
         events.add(TabStop{VW_TAB_LEFT, 0, 0, column});
     }
     events.add(TabStopsEnd{}).line("x");
-    EXPECT_EQ(last_paragraph(events).tab_stops.size(), ParagraphCollector::max_tab_stops);
+    EXPECT_EQ(last_paragraph(events).tab_stops.size(), reading::ParagraphCollector::max_tab_stops);
 }
 
 TEST(Collector, TakesTheAlignmentAtTheBreak)
@@ -244,9 +245,11 @@ TEST(LineSpacing, OfFirstChoiceIsThatOfTheLastLinesEnd)
 {
     TypedEvents events;
     events.spacing(240).text("double").spacing(480).paragraph();
-    EXPECT_EQ(last_paragraph(events, LineSpacingRule::at_break).line_spacing, VW_DOUBLE_SPACING);
+    EXPECT_EQ(last_paragraph(events, reading::LineSpacingRule::at_break).line_spacing,
+              VW_DOUBLE_SPACING);
     events.text("single").spacing(240).paragraph();
-    EXPECT_EQ(last_paragraph(events, LineSpacingRule::at_break).line_spacing, VW_SINGLE_SPACING);
+    EXPECT_EQ(last_paragraph(events, reading::LineSpacingRule::at_break).line_spacing,
+              VW_SINGLE_SPACING);
 }
 
 TEST(LineSpacing, OfAnEmptyParagraphIsTheOneAtTheBreak)
@@ -258,11 +261,12 @@ TEST(LineSpacing, OfAnEmptyParagraphIsTheOneAtTheBreak)
 
 TEST(LineSpacing, RuleFollowsTheKind)
 {
-    EXPECT_EQ(line_spacing_rule(DocumentKind::professional_write_1),
-              LineSpacingRule::at_last_character);
-    EXPECT_EQ(line_spacing_rule(DocumentKind::professional_write_2),
-              LineSpacingRule::at_last_character);
-    EXPECT_EQ(line_spacing_rule(DocumentKind::first_choice_2), LineSpacingRule::at_break);
+    EXPECT_EQ(reading::line_spacing_rule(DocumentKind::professional_write_1),
+              reading::LineSpacingRule::at_last_character);
+    EXPECT_EQ(reading::line_spacing_rule(DocumentKind::professional_write_2),
+              reading::LineSpacingRule::at_last_character);
+    EXPECT_EQ(reading::line_spacing_rule(DocumentKind::first_choice_2),
+              reading::LineSpacingRule::at_break);
 }
 
 // ---------------------------------------------------------- commands and page breaks ----
@@ -306,10 +310,10 @@ TEST(Collector, ShortensACommandThatDoesNotEnd)
     TypedEvents events;
     events.special("*PRINTER ").special(std::string(100000, 'x')).special("*").line("text");
     const std::string kept =
-        "*PRINTER " + std::string(ParagraphCollector::max_command_bytes - 9, 'x');
+        "*PRINTER " + std::string(reading::ParagraphCollector::max_command_bytes - 9, 'x');
     EXPECT_EQ(blocks(events), "paragraph [" + kept + "~][text]\nend\n");
     EXPECT_EQ(last_paragraph(events).omitted_command_bytes,
-              100000U + 10U - ParagraphCollector::max_command_bytes);
+              100000U + 10U - reading::ParagraphCollector::max_command_bytes);
 }
 
 TEST(Collector, EndsAnUnterminatedCommandWithWhateverComesNext)

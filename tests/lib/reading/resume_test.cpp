@@ -32,7 +32,7 @@ private:
 std::string lines_of(const std::vector<Told> &told)
 {
     StringOutput output;
-    TraceWriter writer(output, {true, false});
+    writers::TraceWriter writer(output, {true, false});
     for (const Told &one : told) {
         writer.on_event(one.event, one.offset);
     }
@@ -57,22 +57,22 @@ std::vector<Told> read_stopping(const std::string &document, DocumentKind kind,
                                 std::size_t session_count)
 {
     std::vector<std::unique_ptr<DocumentSession>> owners;
-    std::vector<Session *> sessions;
+    std::vector<reading::Session *> sessions;
     for (std::size_t index = 0; index < session_count; ++index) {
-        owners.push_back(std::make_unique<DocumentSession>(document, Offsets::wanted));
+        owners.push_back(std::make_unique<DocumentSession>(document, reading::Offsets::wanted));
         sessions.push_back(owners.back()->session.get());
         EXPECT_TRUE(sessions.back()->open(file_id(kind)));
     }
     KeepingSink sink;
     sessions[0]->section(sink);
-    Stitcher stitcher(sink, indents_reset(kind));
-    EXPECT_TRUE(read_with_stops(sessions, stitcher));
+    reading::Stitcher stitcher(sink, reading::indents_reset(kind));
+    EXPECT_TRUE(reading::read_with_stops(sessions, stitcher));
     return sink.told;
 }
 
 void expect_resumable(const std::string &document, DocumentKind kind)
 {
-    const std::vector<Told> at_once = read_at_once(document, kind, {Offsets::wanted}).told;
+    const std::vector<Told> at_once = read_at_once(document, kind, {reading::Offsets::wanted}).told;
     for (const std::size_t session_count : {std::size_t{1}, std::size_t{2}, std::size_t{3}}) {
         ASSERT_TRUE(is_same(at_once, read_stopping(document, kind, session_count)))
             << display_name(kind) << " in " << session_count << " sessions";
@@ -93,7 +93,7 @@ TEST(Resume, StopsAtEveryParagraphBreak)
         DocumentSession session(document);
         ASSERT_TRUE(session->open(file_id(example.kind)));
         KeepingSink sink;
-        Stitcher stitcher(sink, indents_reset(example.kind));
+        reading::Stitcher stitcher(sink, reading::indents_reset(example.kind));
         CountingSink counter(stitcher);
         unsigned reads = 0;
         for (; !session->ended(); ++reads) {
@@ -190,7 +190,7 @@ TEST(Resume, GoesBackToAPlaceThatWasLeft)
     KeepingSink first;
     first.answer = 1;
     session->read(first);
-    const Place place = session->place();
+    const reading::Place place = session->place();
     KeepingSink once;
     session->read(once);
     EXPECT_TRUE(session->ended());
@@ -222,7 +222,7 @@ std::vector<std::string> pieces_of(DocumentKind kind)
           "C2 06", "C3 4A 06", "A0 00", "FF FF", "0C", "0D", "0D", "07 05 01 03 20", "0E"}) {
         pieces.push_back(bytes(notation));
     }
-    const bool is_professional = indents_reset(kind) == IndentsReset::never;
+    const bool is_professional = reading::indents_reset(kind) == reading::IndentsReset::never;
     for (const char *notation : {"00", "01", "02", "03", "01", "03 '  '"}) {
         if (is_professional) {
             pieces.push_back(bytes(notation));

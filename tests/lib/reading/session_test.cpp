@@ -91,7 +91,7 @@ TEST(Session, StopsAtAParagraphThatIsAnsweredWithOne)
 TEST(Session, OffsetsAreThoseOfTheByteAfter)
 {
     const KeepingSink sink = read_at_once(write_document(2, bytes("0D 'ab' C3 01 0D 0E")),
-                                          DocumentKind::write_b, {Offsets::wanted});
+                                          DocumentKind::write_b, {reading::Offsets::wanted});
     std::vector<uint32_t> offsets;
     for (const Told &told : sink.told) {
         if (std::holds_alternative<Character>(told.event)) {
@@ -106,7 +106,8 @@ TEST(Session, OffsetsAreThoseOfTheByteAfter)
 TEST(Session, APageBreakStandsBehindTheCommandThatAsksForIt)
 {
     const std::string document = choice_document('2', bytes("'*N*' 0E"));
-    const auto told = read_at_once(document, DocumentKind::first_choice_2, {Offsets::wanted}).told;
+    const auto told =
+        read_at_once(document, DocumentKind::first_choice_2, {reading::Offsets::wanted}).told;
     const auto found = std::find_if(told.begin(), told.end(), [](const Told &one) {
         return std::holds_alternative<PageBreak>(one.event);
     });
@@ -145,7 +146,7 @@ public:
     bool failing = false;
 };
 
-TextSink text_of_write_b(std::string_view body, Offsets offsets)
+TextSink text_of_write_b(std::string_view body, reading::Offsets offsets)
 {
     DocumentSession session(write_document(2, bytes(body)), offsets);
     EXPECT_TRUE(session->open(1013));
@@ -156,7 +157,8 @@ TextSink text_of_write_b(std::string_view body, Offsets offsets)
 
 TEST(Session, HandsOnTogetherWhatCameTogether)
 {
-    const TextSink sink = text_of_write_b("0D 'ab' C3 01 'd*N*e' 0D 'f' 0D 0E", Offsets::none);
+    const TextSink sink =
+        text_of_write_b("0D 'ab' C3 01 'd*N*e' 0D 'f' 0D 0E", reading::Offsets::none);
     EXPECT_EQ(sink.told.substr(sink.told.find('a')), "ab|C|d||||e|f||");
     EXPECT_EQ(sink.stretches, 5U);
 }
@@ -167,14 +169,14 @@ TEST(Session, HandsOnALongTextWholeAndInOrder)
     for (int line = 0; line < 2000; ++line) {
         text += std::to_string(line) + ",";
     }
-    const TextSink sink = text_of_write_b("0D '" + text + "' 0D 0E", Offsets::none);
+    const TextSink sink = text_of_write_b("0D '" + text + "' 0D 0E", reading::Offsets::none);
     EXPECT_NE(sink.told.find("|" + text + "|"), std::string::npos);
     EXPECT_LT(sink.stretches, text.size() / 100);
 }
 
 TEST(Session, TellsCharactersOneByOneWhereOffsetsAreWanted)
 {
-    const TextSink sink = text_of_write_b("0D 'ab' 0D 0E", Offsets::wanted);
+    const TextSink sink = text_of_write_b("0D 'ab' 0D 0E", reading::Offsets::wanted);
     EXPECT_NE(sink.told.find("|??|"), std::string::npos);
     EXPECT_EQ(sink.stretches, 0U);
 }
@@ -255,9 +257,9 @@ TEST(Session, SeveralOnOneFileDoNotDisturbEachOther)
 {
     const std::string document = write_document(2, bytes("0D 'x'x4000 0D 0D 'y'x4000 0D 0E"));
     const auto source = source_from(document);
-    BlockFile file(*source);
-    auto one = std::move(Session::create(linked_module(), file.get()).value());
-    auto other = std::move(Session::create(linked_module(), file.get()).value());
+    reading::BlockFile file(*source);
+    auto one = std::move(reading::Session::create(linked_module(), file.get()).value());
+    auto other = std::move(reading::Session::create(linked_module(), file.get()).value());
     ASSERT_TRUE(one->open(1013));
     ASSERT_TRUE(other->open(1013));
     KeepingSink ones;
@@ -280,7 +282,7 @@ TEST(Session, ReadsThroughALoadedModuleAsWell)
         const std::string document = document_of(example.kind, bytes(example.body));
         const auto source = source_from(document);
         KeepingSink sink;
-        const Status fault = read_document(loaded.value(), *source, example.kind, sink);
+        const Status fault = reading::read_document(loaded.value(), *source, example.kind, sink);
         ASSERT_FALSE(fault) << fault->what;
         EXPECT_EQ(sink.told, read_at_once(document, example.kind).told);
     }
@@ -323,7 +325,8 @@ TEST(ReadDocument, TellsOfAReadThatFailed)
 {
     FailingSource source(write_document(2, bytes("0D 'x'x3000 0D 0E")), 2048);
     KeepingSink sink;
-    const Status fault = read_document(linked_module(), source, DocumentKind::write_b, sink);
+    const Status fault =
+        reading::read_document(linked_module(), source, DocumentKind::write_b, sink);
     ASSERT_TRUE(fault);
     EXPECT_EQ(fault->what, "is damaged");
     EXPECT_EQ(sink.all<Character>().size(), 2048 - write_body_offset - 1);
@@ -333,9 +336,10 @@ TEST(ReadDocument, TellsWhenTheModuleDoesNotRecogniseIt)
 {
     const auto source = source_from("no document");
     KeepingSink sink;
-    for (const Stops stops : {Stops::none, Stops::at_breaks, Stops::for_margins}) {
-        const Status fault = read_document(linked_module(), *source, DocumentKind::write_b, sink,
-                                           {Offsets::none, stops});
+    for (const reading::Stops stops :
+         {reading::Stops::none, reading::Stops::at_breaks, reading::Stops::for_margins}) {
+        const Status fault = reading::read_document(linked_module(), *source, DocumentKind::write_b,
+                                                    sink, {reading::Offsets::none, stops});
         ASSERT_TRUE(fault);
         EXPECT_EQ(exit_code(fault->kind), 70);
     }
@@ -347,9 +351,10 @@ TEST(ReadDocument, StoppingAtBreaksChangesNothing)
     for (const KindExample &example : kind_examples()) {
         const std::string document =
             document_of(example.kind, bytes(example.body), {header_line(example.kind, 1, "head")});
-        const auto at_once = read_at_once(document, example.kind, {Offsets::wanted, Stops::none});
-        const auto stopped =
-            read_at_once(document, example.kind, {Offsets::wanted, Stops::at_breaks});
+        const auto at_once =
+            read_at_once(document, example.kind, {reading::Offsets::wanted, reading::Stops::none});
+        const auto stopped = read_at_once(document, example.kind,
+                                          {reading::Offsets::wanted, reading::Stops::at_breaks});
         EXPECT_EQ(at_once.told, stopped.told) << display_name(example.kind);
     }
 }
@@ -362,16 +367,18 @@ TEST(ReadDocument, TellsOfNewMarginsBeforeTheBreakOfTheirParagraph)
     for (const KindExample &example : kind_examples()) {
         const std::string document =
             document_of(example.kind, bytes(example.body), {header_line(example.kind, 1, "head")});
-        auto told =
-            read_at_once(document, example.kind, {Offsets::wanted, Stops::for_margins}).told;
+        auto told = read_at_once(document, example.kind,
+                                 {reading::Offsets::wanted, reading::Stops::for_margins})
+                        .told;
         const auto found = std::find_if(told.begin(), told.end(),
                                         [&](const Told &one) { return one.event == new_margins; });
-        ASSERT_EQ(found != told.end(), indents_reset(example.kind) == IndentsReset::never);
+        ASSERT_EQ(found != told.end(),
+                  reading::indents_reset(example.kind) == reading::IndentsReset::never);
         if (found != told.end()) {
             EXPECT_EQ((found + 1)->event, paragraph_end);
             told.erase(found);
         }
-        EXPECT_EQ(told, read_at_once(document, example.kind, {Offsets::wanted}).told);
+        EXPECT_EQ(told, read_at_once(document, example.kind, {reading::Offsets::wanted}).told);
     }
 }
 
@@ -381,7 +388,8 @@ TEST(ReadDocument, TellsWhenItEndedEarly)
     const auto source = source_from(write_document(2, bytes("0D 'a' 0D 'b' 0D 0E")));
     KeepingSink sink;
     sink.answer = 1;
-    const Status fault = read_document(linked_module(), *source, DocumentKind::write_b, sink);
+    const Status fault =
+        reading::read_document(linked_module(), *source, DocumentKind::write_b, sink);
     ASSERT_TRUE(fault);
     EXPECT_NE(fault->what.find("before the document's end"), std::string::npos);
 }

@@ -13,7 +13,7 @@ namespace tests {
 inline std::string text(const TypedEvents &events, const pfsdoc::WriterOptions &options = {})
 {
     pfsdoc::StringOutput output;
-    pfsdoc::TextWriter writer(output, options);
+    pfsdoc::writers::TextWriter writer(output, options);
     events.tell(writer);
     writer.finish();
     return output.text;
@@ -34,7 +34,7 @@ inline pfsdoc::WriterOptions with_commands()
 }
 
 // Expected text that begins on a line of its own, so that its columns can be seen.
-inline std::string page(std::string_view written)
+inline std::string page_text(std::string_view written)
 {
     return std::string(written.substr(1));
 }

@@ -75,7 +75,7 @@ bool is_clean(const std::string &text)
             without.push_back(c);
         }
     }
-    return pfsdoc::printable(without) == without;
+    return pfsdoc::base::printable(without) == without;
 }
 
 void expect_sound(const Case &test, const std::string &bytes, const std::string &what)

@@ -75,7 +75,7 @@ TEST(HtmlPage, HoldsEverythingItNeedsAndAllowsNothingElse)
                              "<meta charset=\"utf-8\">\n"
                              "<meta http-equiv=\"Content-Security-Policy\" content=\""
                              "default-src 'none'; style-src-elem 'sha256-" +
-                             std::string(html_stylesheet_hash) +
+                             std::string(writers::html_stylesheet_hash) +
                              "'; style-src-attr 'unsafe-inline'; base-uri 'none'; "
                              "form-action 'none'\">\n"
                              "<meta name=\"viewport\" content=\"width=device-width, "
@@ -84,7 +84,7 @@ TEST(HtmlPage, HoldsEverythingItNeedsAndAllowsNothingElse)
                              "<meta name=\"generator\" content=\"pfsdoc\">\n"
                              "<title>LETTER</title>\n"
                              "<style>" +
-                             std::string(html_stylesheet) +
+                             std::string(writers::html_stylesheet) +
                              "</style>\n"
                              "</head>\n";
     const std::string rest = "<body>\n"
@@ -530,7 +530,8 @@ TEST(HtmlCommand, IsTextIfItIsAskedFor)
 
 TEST(HtmlCommand, ThatIsCutShowsIt)
 {
-    const std::string command = "*" + std::string(ParagraphCollector::max_command_bytes, 'x');
+    const std::string command =
+        "*" + std::string(reading::ParagraphCollector::max_command_bytes, 'x');
     const std::string shown =
         main_part(TypedEvents().special(command).paragraph(), with_commands());
     EXPECT_EQ(shown.substr(shown.size() - 13), "xxxxx...</p>\n");
@@ -662,7 +663,7 @@ TEST(HostileHtml, ParagraphOfAMegabyteIsWrittenInChunks)
 {
     const Cost found = cost(one_paragraph(std::string(megabyte, 'x')));
     EXPECT_EQ(found.bytes, megabyte + paragraph_tags);
-    EXPECT_LE(found.largest_write, Utf8Output::chunk_size);
+    EXPECT_LE(found.largest_write, base::Utf8Output::chunk_size);
 }
 
 TEST(HostileHtml, WordThatMightBeBrokenAnywhere)

@@ -16,9 +16,9 @@
 namespace {
 
 using librevenge::RVNGPropertyList;
-using pfsdoc::JoinedXml;
-using pfsdoc::Scratch;
 using pfsdoc::StringOutput;
+using pfsdoc::writers::JoinedXml;
+using pfsdoc::writers::Scratch;
 
 // One word, or an attribute, ahead.
 class Words {

@@ -217,7 +217,7 @@ TEST(JsonWriter, HandsAParagraphOnInPiecesWhereEveryCharacterIsARun)
     LargestWrite output;
     auto writer = format.make_writer(output, {}, {});
     ASSERT_TRUE(writer.ok());
-    pfsdoc::ParagraphCollector collector(*writer.value());
+    pfsdoc::reading::ParagraphCollector collector(*writer.value());
     TypedEvents events;
     for (int i = 0; i < 200000; ++i) {
         events.attribute(bold, i % 2 == 0).text("x");

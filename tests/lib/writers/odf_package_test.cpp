@@ -13,10 +13,10 @@
 
 namespace {
 
-using pfsdoc::OdfPackage;
-using pfsdoc::Scratch;
-using pfsdoc::ScratchFailure;
 using pfsdoc::StringOutput;
+using pfsdoc::writers::OdfPackage;
+using pfsdoc::writers::Scratch;
+using pfsdoc::writers::ScratchFailure;
 using tests::Entry;
 using tests::unpacked;
 

@@ -4,13 +4,13 @@
 
 namespace {
 
-constexpr pfsdoc::OdfPlugin plugin{"another build", nullptr};
+constexpr pfsdoc::writers::OdfPlugin plugin{"another build", nullptr};
 
 } // namespace
 
-extern "C" const pfsdoc::OdfPlugin *pfsdoc_odf_plugin();
+extern "C" const pfsdoc::writers::OdfPlugin *pfsdoc_odf_plugin();
 
-extern "C" const pfsdoc::OdfPlugin *pfsdoc_odf_plugin()
+extern "C" const pfsdoc::writers::OdfPlugin *pfsdoc_odf_plugin()
 {
     return &plugin;
 }

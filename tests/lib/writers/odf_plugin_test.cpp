@@ -114,7 +114,7 @@ TEST_F(OdfPlugin, EscapesTitleAndText)
     pfsdoc::StringOutput output;
     const auto writer = make(output, {pfsdoc::DocumentKind::write_a, "<a> & \"b\""});
     ASSERT_TRUE(writer.ok());
-    pfsdoc::ParagraphCollector collector(*writer.value());
+    pfsdoc::reading::ParagraphCollector collector(*writer.value());
     TypedEvents().line("</text:p><x/>&").end().tell(collector);
     EXPECT_TRUE(contains(output.text, "<dc:title>&lt;a&gt; &amp; &quot;b&quot;</dc:title>"));
     EXPECT_TRUE(contains(output.text, ">&lt;/text:p&gt;&lt;x/&gt;&amp;<"));

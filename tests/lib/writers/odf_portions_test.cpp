@@ -37,9 +37,9 @@ namespace {
 
 using namespace tests;
 using pfsdoc::AttributeCode;
-using pfsdoc::GeneratorTraits;
-using pfsdoc::OdfPackaging;
 using pfsdoc::WriterOptions;
+using pfsdoc::writers::GeneratorTraits;
+using pfsdoc::writers::OdfPackaging;
 namespace fs = std::filesystem;
 
 constexpr int32_t bold = static_cast<int32_t>(AttributeCode::bold);
@@ -51,9 +51,9 @@ constexpr int32_t superscript = static_cast<int32_t>(AttributeCode::superscript)
 using TellBlocks = std::function<void(pfsdoc::BlockSink &)>;
 
 // Counts portions on their way.
-class CountedPortions final : public pfsdoc::Portions {
+class CountedPortions final : public pfsdoc::writers::Portions {
 public:
-    explicit CountedPortions(pfsdoc::Portions &portions) : portions_(portions) {}
+    explicit CountedPortions(pfsdoc::writers::Portions &portions) : portions_(portions) {}
 
     librevenge::RVNGTextInterface &next() override
     {
@@ -64,7 +64,7 @@ public:
     std::size_t count = 0;
 
 private:
-    pfsdoc::Portions &portions_;
+    pfsdoc::writers::Portions &portions_;
 };
 
 struct Told {
@@ -77,11 +77,12 @@ Told told(const TellBlocks &tell, OdfPackaging packaging, uint64_t portion_eleme
 {
     const auto document = make_odf_portions(packaging, {});
     CountedPortions portions(*document);
-    pfsdoc::RevengeWriter writer(portions.next(), {pfsdoc::DocumentKind::write_a, "LETTER"}, {},
-                                 {.most_elements = most_elements,
-                                  .keeps_styles = true,
-                                  .portions = &portions,
-                                  .portion_elements = portion_elements});
+    pfsdoc::writers::RevengeWriter writer(portions.next(),
+                                          {pfsdoc::DocumentKind::write_a, "LETTER"}, {},
+                                          {.most_elements = most_elements,
+                                           .keeps_styles = true,
+                                           .portions = &portions,
+                                           .portion_elements = portion_elements});
     tell(writer);
     pfsdoc::StringOutput output;
     document->finish(output);
@@ -92,12 +93,12 @@ Told told(const TellBlocks &tell, OdfPackaging packaging, uint64_t portion_eleme
 std::string generated(const TellBlocks &tell)
 {
     pfsdoc::StringOutput output;
-    pfsdoc::XmlStream xml(output);
+    pfsdoc::writers::XmlStream xml(output);
     {
         OdtGenerator generator;
         generator.addDocumentHandler(&xml, ODF_FLAT_XML);
-        pfsdoc::RevengeWriter writer(generator, {pfsdoc::DocumentKind::write_a, "LETTER"}, {},
-                                     {.keeps_styles = true});
+        pfsdoc::writers::RevengeWriter writer(generator, {pfsdoc::DocumentKind::write_a, "LETTER"},
+                                              {}, {.keeps_styles = true});
         tell(writer);
     }
     return output.text;
@@ -164,7 +165,8 @@ void expect_the_same_in_portions(const TellBlocks &tell)
 TellBlocks blocks_of(const TypedEvents &events)
 {
     return [events](pfsdoc::BlockSink &sink) {
-        pfsdoc::ParagraphCollector collector(sink, pfsdoc::LineSpacingRule::at_break);
+        pfsdoc::reading::ParagraphCollector collector(sink,
+                                                      pfsdoc::reading::LineSpacingRule::at_break);
         events.tell(collector);
         collector.finish();
     };
@@ -451,7 +453,7 @@ TEST(OdfPortions, DefineStylesAgainThatTheyHaveForgotten)
     const auto few = definitions_of(300);
     EXPECT_EQ(few.size(), 300U + 1U); // the first paragraph has one of its own
     const std::size_t size = few.begin()->size();
-    const auto many = static_cast<int32_t>(2 * pfsdoc::JoinedXml::most_remembered / size);
+    const auto many = static_cast<int32_t>(2 * pfsdoc::writers::JoinedXml::most_remembered / size);
     EXPECT_EQ(definitions_of(many).size(), 2U * static_cast<unsigned>(many));
 }
 
@@ -478,7 +480,7 @@ TEST(OdfPortions, MayBeManyWhereOneWouldBeTooLarge)
     }
     const TellBlocks blocks = blocks_of(events.end());
     EXPECT_GT(told(blocks, OdfPackaging::flat, 50, 100).portions, 50U);
-    EXPECT_THROW(told(blocks, OdfPackaging::flat, 200, 100), pfsdoc::TooManyElements);
+    EXPECT_THROW(told(blocks, OdfPackaging::flat, 200, 100), pfsdoc::writers::TooManyElements);
 }
 
 // Each document has its own generators, scratches and numbers.
@@ -506,7 +508,7 @@ TEST(OdfPortions, OfManyDocumentsAreIndependent)
 // ---------------------------------------------------------------------- what is told -----
 
 // Prints what each generator is told.
-class PrintedPortions final : public pfsdoc::Portions {
+class PrintedPortions final : public pfsdoc::writers::Portions {
 public:
     librevenge::RVNGTextInterface &next() override
     {
@@ -525,7 +527,7 @@ std::string last_portion(const TypedEvents &events, uint64_t portion_elements)
     testing::internal::CaptureStdout();
     {
         PrintedPortions portions;
-        pfsdoc::RevengeWriter writer(
+        pfsdoc::writers::RevengeWriter writer(
             portions.next(), {pfsdoc::DocumentKind::write_a, ""}, {},
             {.keeps_styles = true, .portions = &portions, .portion_elements = portion_elements});
         blocks_of(events)(writer);

@@ -10,7 +10,7 @@ namespace {
 using librevenge::RVNGPropertyList;
 using librevenge::RVNGPropertyListVector;
 using pfsdoc::StringOutput;
-using pfsdoc::XmlStream;
+using pfsdoc::writers::XmlStream;
 
 TEST(XmlStream, WritesElementsAndCharacters)
 {
@@ -68,7 +68,7 @@ TEST(XmlStream, WritesOtherValuesOfOneAttribute)
 {
     StringOutput output;
     XmlStream xml(output);
-    const pfsdoc::NewValues changed = {"a", {{"one", "1"}, {"two", "<2>"}}};
+    const pfsdoc::writers::NewValues changed = {"a", {{"one", "1"}, {"two", "<2>"}}};
     xml.startDocument();
     for (const char *value : {"one", "two", "three", ""}) {
         RVNGPropertyList attributes;

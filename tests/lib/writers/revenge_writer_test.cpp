@@ -385,11 +385,11 @@ TEST(RevengeWriter, CountsHeaderLinesThatComeTooLateOrAreTooMany)
 {
     librevenge::RVNGString text;
     librevenge::RVNGTextTextGenerator generator(text);
-    pfsdoc::RevengeWriter writer(generator, letter(), {});
-    pfsdoc::ParagraphCollector collector(writer, spacing_rule);
+    pfsdoc::writers::RevengeWriter writer(generator, letter(), {});
+    pfsdoc::reading::ParagraphCollector collector(writer, spacing_rule);
     TypedEvents events;
     events.header();
-    for (std::size_t line = 0; line < pfsdoc::RevengeWriter::max_block_lines + 2; ++line) {
+    for (std::size_t line = 0; line < pfsdoc::writers::RevengeWriter::max_block_lines + 2; ++line) {
         events.line("x");
     }
     events.close_block().line("body").footer().line("late").close_block().end();
@@ -501,8 +501,8 @@ TEST(RevengeWriter, CountsWhatItHides)
 {
     librevenge::RVNGString text;
     librevenge::RVNGTextTextGenerator generator(text);
-    pfsdoc::RevengeWriter writer(generator, letter(), {});
-    pfsdoc::ParagraphCollector collector(writer, spacing_rule);
+    pfsdoc::writers::RevengeWriter writer(generator, letter(), {});
+    pfsdoc::reading::ParagraphCollector collector(writer, spacing_rule);
     TypedEvents().text("a").special("*JOIN NOTES*").line("b").end().tell(collector);
     ASSERT_EQ(writer.losses().entries().size(), 1U);
     EXPECT_EQ(writer.losses().entries()[0].loss, pfsdoc::Loss::command);
@@ -638,10 +638,10 @@ TEST(RevengeWriter, StopsAtTheMostElements)
 {
     librevenge::RVNGString text;
     librevenge::RVNGTextTextGenerator generator(text);
-    pfsdoc::RevengeWriter writer(generator, letter(), {}, {.most_elements = 10});
-    pfsdoc::ParagraphCollector collector(writer, spacing_rule);
+    pfsdoc::writers::RevengeWriter writer(generator, letter(), {}, {.most_elements = 10});
+    pfsdoc::reading::ParagraphCollector collector(writer, spacing_rule);
     TypedEvents().line("\t\t\t\t\t\t\t\t").tell(collector); // with the paragraph and its run, 10
-    EXPECT_THROW(TypedEvents().line("").tell(collector), pfsdoc::TooManyElements);
+    EXPECT_THROW(TypedEvents().line("").tell(collector), pfsdoc::writers::TooManyElements);
 }
 
 // A generator that keeps styles holds more for one than for a paragraph.
@@ -649,14 +649,14 @@ TEST(RevengeWriter, CountsStylesAsSeveralElements)
 {
     librevenge::RVNGString text;
     librevenge::RVNGTextTextGenerator generator(text);
-    pfsdoc::RevengeWriter writer(generator, letter(), {},
-                                 {.most_elements = 30, .keeps_styles = true});
-    pfsdoc::ParagraphCollector collector(writer, spacing_rule);
+    pfsdoc::writers::RevengeWriter writer(generator, letter(), {},
+                                          {.most_elements = 30, .keeps_styles = true});
+    pfsdoc::reading::ParagraphCollector collector(writer, spacing_rule);
     TypedEvents events;
     for (int32_t indent = 0; indent < 10; ++indent) {
         events.indents(indent, 0).paragraph();
     }
-    EXPECT_THROW(events.tell(collector), pfsdoc::TooManyElements);
+    EXPECT_THROW(events.tell(collector), pfsdoc::writers::TooManyElements);
 }
 
 } // namespace

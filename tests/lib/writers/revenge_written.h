@@ -15,7 +15,8 @@
 
 namespace tests {
 
-inline constexpr pfsdoc::LineSpacingRule spacing_rule = pfsdoc::LineSpacingRule::at_break;
+inline constexpr pfsdoc::reading::LineSpacingRule spacing_rule =
+    pfsdoc::reading::LineSpacingRule::at_break;
 
 // The document is of PFS: WRITE A, named "LETTER".
 inline pfsdoc::DocumentInfo letter()
@@ -25,17 +26,17 @@ inline pfsdoc::DocumentInfo letter()
 
 inline void tell(librevenge::RVNGTextInterface &generator, const TypedEvents &events,
                  const pfsdoc::WriterOptions &options = {},
-                 const pfsdoc::GeneratorTraits &traits = {})
+                 const pfsdoc::writers::GeneratorTraits &traits = {})
 {
-    pfsdoc::RevengeWriter writer(generator, letter(), options, traits);
-    pfsdoc::ParagraphCollector collector(writer, spacing_rule);
+    pfsdoc::writers::RevengeWriter writer(generator, letter(), options, traits);
+    pfsdoc::reading::ParagraphCollector collector(writer, spacing_rule);
     events.tell(collector);
     collector.finish();
 }
 
 // The generator prints what it is told, one call a line, indented by what is open.
 inline std::string trace_of(const TypedEvents &events, const pfsdoc::WriterOptions &options = {},
-                            const pfsdoc::GeneratorTraits &traits = {})
+                            const pfsdoc::writers::GeneratorTraits &traits = {})
 {
     testing::internal::CaptureStdout();
     {
@@ -47,7 +48,7 @@ inline std::string trace_of(const TypedEvents &events, const pfsdoc::WriterOptio
 
 // The same of what stands on the page: without the calls around it and their indentation.
 inline std::string page_of(const TypedEvents &events, const pfsdoc::WriterOptions &options = {},
-                           const pfsdoc::GeneratorTraits &traits = {})
+                           const pfsdoc::writers::GeneratorTraits &traits = {})
 {
     std::istringstream trace(trace_of(events, options, traits));
     std::string page;

@@ -21,7 +21,7 @@ using namespace tests;
 TEST(Writer, FlushesOnceWhetherOrNotTheEndIsReported)
 {
     StringOutput output;
-    TextWriter writer(output);
+    writers::TextWriter writer(output);
     narrow_page().line("One").end().tell(writer);
     EXPECT_EQ(output.text, "One\n");
     writer.finish();
@@ -56,13 +56,13 @@ void tell_character(EventSink &sink, char byte, std::size_t times)
 TEST(Writer, WritesInChunks)
 {
     WriteSizes output;
-    TextWriter writer(output);
+    writers::TextWriter writer(output);
     for (std::size_t i = 0; i < 100000; ++i) {
         TypedEvents().margins(0, 59).line("A line of some length.").tell(writer);
     }
     writer.finish();
     EXPECT_EQ(output.total, 100000U * 23U);
-    EXPECT_LE(output.largest, Utf8Output::chunk_size);
+    EXPECT_LE(output.largest, base::Utf8Output::chunk_size);
     EXPECT_LE(output.writes, 50U);
 }
 
@@ -83,7 +83,7 @@ struct Hostile {
     }
 
     WriteSizes output;
-    TextWriter writer;
+    writers::TextWriter writer;
 };
 
 TEST(HostileDocument, WithAWordThatNeverEnds)
@@ -92,7 +92,7 @@ TEST(HostileDocument, WithAWordThatNeverEnds)
     tell_character(hostile.writer, '\xC4', 10 * megabyte);
     hostile.finish();
     EXPECT_EQ(hostile.output.total, 10 + 30 * megabyte + 1);
-    EXPECT_LE(hostile.output.largest, Utf8Output::chunk_size);
+    EXPECT_LE(hostile.output.largest, base::Utf8Output::chunk_size);
 }
 
 TEST(HostileDocument, WithNothingButBlanks)
@@ -156,7 +156,7 @@ TEST(HostileDocument, WithACommandThatNeverEnds)
         hostile.writer.on_event(byte, 0);
     }
     TypedEvents().end().tell(hostile.writer);
-    EXPECT_EQ(hostile.output.total, ParagraphCollector::max_command_bytes + 3 + 1);
+    EXPECT_EQ(hostile.output.total, reading::ParagraphCollector::max_command_bytes + 3 + 1);
 }
 
 TEST(HostileDocument, WithAnAttributeForEachCharacter)
@@ -187,8 +187,8 @@ TEST(HostileDocument, WithAnEndlessFooter)
         TypedEvents().line("footer line").tell(hostile.writer);
     }
     hostile.finish();
-    EXPECT_GE(hostile.output.total, TextBlockWriter::max_footer_bytes);
-    EXPECT_LE(hostile.output.total, 2 * TextBlockWriter::max_footer_bytes);
+    EXPECT_GE(hostile.output.total, writers::TextBlockWriter::max_footer_bytes);
+    EXPECT_LE(hostile.output.total, 2 * writers::TextBlockWriter::max_footer_bytes);
 }
 
 TEST(HostileDocument, WithEventsOfEveryKindAndAnyValue)
@@ -197,7 +197,7 @@ TEST(HostileDocument, WithEventsOfEveryKindAndAnyValue)
                                          7,         42, 144, 10080, 1 << 20, INT32_MAX};
     StringOutput output;
     WriterOptions options = with_commands();
-    TextWriter writer(output, options);
+    writers::TextWriter writer(output, options);
     for (const int32_t a : values) {
         for (const int32_t b : values) {
             const auto position = static_cast<uint32_t>(b);

@@ -48,7 +48,7 @@ TEST(AlignedLines, LieBetweenTheMargins)
     TypedEvents events;
     events.margins(5, 24).alignment(VW_ALIGN_CENTRE).line("Title");
     events.alignment(VW_ALIGN_RIGHT).line("Date").alignment(VW_ALIGN_LEFT).line("Text");
-    EXPECT_EQ(text(events), page(R"(
+    EXPECT_EQ(text(events), page_text(R"(
             Title
                      Date
      Text
@@ -101,13 +101,13 @@ TEST(AlignedLines, CommandMayFollowBlanksAndOtherCommandsButNotText)
 
 TEST(AlignedLines, CommandIsKnownInFullOnly)
 {
-    EXPECT_EQ(alignment_command("*CENTER*"), VW_ALIGN_CENTRE);
-    EXPECT_EQ(alignment_command("*cEnTeR*"), VW_ALIGN_CENTRE);
-    EXPECT_EQ(alignment_command("*C*"), VW_ALIGN_CENTRE);
-    EXPECT_EQ(alignment_command("*RIGHT*"), VW_ALIGN_RIGHT);
-    EXPECT_EQ(alignment_command("*r*"), VW_ALIGN_RIGHT);
+    EXPECT_EQ(reading::alignment_command("*CENTER*"), VW_ALIGN_CENTRE);
+    EXPECT_EQ(reading::alignment_command("*cEnTeR*"), VW_ALIGN_CENTRE);
+    EXPECT_EQ(reading::alignment_command("*C*"), VW_ALIGN_CENTRE);
+    EXPECT_EQ(reading::alignment_command("*RIGHT*"), VW_ALIGN_RIGHT);
+    EXPECT_EQ(reading::alignment_command("*r*"), VW_ALIGN_RIGHT);
     for (const char *other : {"", "*", "**", "*C", "C*", "*CC*", "*CENTER *", "*RIGH*", "*N*"}) {
-        EXPECT_EQ(alignment_command(other), std::nullopt) << other;
+        EXPECT_EQ(reading::alignment_command(other), std::nullopt) << other;
     }
 }
 
@@ -173,7 +173,7 @@ TEST(Commands, ThatAreCutSaySo)
 {
     TypedEvents events = narrow_page();
     events.special("*" + std::string(100000, 'x')).paragraph();
-    const std::string kept(ParagraphCollector::max_command_bytes - 1, 'x');
+    const std::string kept(reading::ParagraphCollector::max_command_bytes - 1, 'x');
     EXPECT_EQ(text(events, with_commands()), "*" + kept + "...\n");
     EXPECT_EQ(text(events), "");
 }
@@ -189,7 +189,7 @@ TEST(HeadersAndFooters, StandAtTheTextsStartAndEnd)
     events.alignment(VW_ALIGN_LEFT).footer().alignment(VW_ALIGN_RIGHT).line("Page 1");
     events.alignment(VW_ALIGN_LEFT).line("end").close_block();
     events.indents(0, 0).alignment(VW_ALIGN_LEFT).line("Dear Sir").line("").line("Yours").end();
-    EXPECT_EQ(text(events), page(R"(
+    EXPECT_EQ(text(events), page_text(R"(
           Memo
         of July
 

@@ -14,10 +14,10 @@ namespace {
 
 using namespace pfsdoc;
 
-std::string trace(const std::vector<Event> &events, const TraceOptions &options = {})
+std::string trace(const std::vector<Event> &events, const writers::TraceOptions &options = {})
 {
     StringOutput output;
-    TraceWriter writer(output, options);
+    writers::TraceWriter writer(output, options);
     uint32_t offset = 100;
     for (const Event &event : events) {
         EXPECT_EQ(writer.on_event(event, offset++), 0);
@@ -42,51 +42,52 @@ std::string folded(std::string_view text)
 
 TEST(TraceText, SaysTheUsualEventsShortly)
 {
-    EXPECT_EQ(trace_text(SectionStart{0}), "section 0");
-    EXPECT_EQ(trace_text(TabStopsBegin{}), "tabs");
-    EXPECT_EQ(trace_text(TabStopsEnd{}), "tabs end");
-    EXPECT_EQ(trace_text(TabStop{VW_TAB_LEFT, 0, 0, 2880}), "tab left 2880");
-    EXPECT_EQ(trace_text(TabStop{VW_TAB_DECIMAL, '.', 0, 2880}), "tab decimal 2880");
-    EXPECT_EQ(trace_text(AttributeChange{4, 1}), "attribute 4 underline on");
-    EXPECT_EQ(trace_text(AttributeChange{11, 0}), "attribute 11 superscript off");
-    EXPECT_EQ(trace_text(Margins{1296, 9936}), "margins 1296 9936");
-    EXPECT_EQ(trace_text(Indents{288, 0, 0}), "indents 288 0 0");
-    EXPECT_EQ(trace_text(Alignment{1}), "alignment left");
-    EXPECT_EQ(trace_text(Alignment{2}), "alignment right");
-    EXPECT_EQ(trace_text(Alignment{3}), "alignment centre");
-    EXPECT_EQ(trace_text(Font{24}), "font 24");
-    EXPECT_EQ(trace_text(LineSpacing{1, 240, 0, 0}), "spacing 240");
-    EXPECT_EQ(trace_text(Character{'A'}), "char 41 A");
-    EXPECT_EQ(trace_text(Character{' '}), "char 20");
-    EXPECT_EQ(trace_text(Character{0x9B}), "char 9B");
-    EXPECT_EQ(trace_text(SpecialCharacter{'*', 7}), "special 2A *");
-    EXPECT_EQ(trace_text(PageBreak{4, 0}), "page-break");
-    EXPECT_EQ(trace_text(Break{VW_BREAK_PARAGRAPH, 0}), "break paragraph");
-    EXPECT_EQ(trace_text(Break{VW_BREAK_END_OF_DOCUMENT, 0}), "break end");
-    EXPECT_EQ(trace_text(Break{VW_BREAK_BLOCK_OPEN, 0}), "block open");
-    EXPECT_EQ(trace_text(Break{VW_BREAK_BLOCK_CLOSE, 0}), "block close");
-    EXPECT_EQ(trace_text(HeaderFooter{1, 3}), "block header");
-    EXPECT_EQ(trace_text(HeaderFooter{2, 3}), "block footer");
+    EXPECT_EQ(writers::trace_text(SectionStart{0}), "section 0");
+    EXPECT_EQ(writers::trace_text(TabStopsBegin{}), "tabs");
+    EXPECT_EQ(writers::trace_text(TabStopsEnd{}), "tabs end");
+    EXPECT_EQ(writers::trace_text(TabStop{VW_TAB_LEFT, 0, 0, 2880}), "tab left 2880");
+    EXPECT_EQ(writers::trace_text(TabStop{VW_TAB_DECIMAL, '.', 0, 2880}), "tab decimal 2880");
+    EXPECT_EQ(writers::trace_text(AttributeChange{4, 1}), "attribute 4 underline on");
+    EXPECT_EQ(writers::trace_text(AttributeChange{11, 0}), "attribute 11 superscript off");
+    EXPECT_EQ(writers::trace_text(Margins{1296, 9936}), "margins 1296 9936");
+    EXPECT_EQ(writers::trace_text(Indents{288, 0, 0}), "indents 288 0 0");
+    EXPECT_EQ(writers::trace_text(Alignment{1}), "alignment left");
+    EXPECT_EQ(writers::trace_text(Alignment{2}), "alignment right");
+    EXPECT_EQ(writers::trace_text(Alignment{3}), "alignment centre");
+    EXPECT_EQ(writers::trace_text(Font{24}), "font 24");
+    EXPECT_EQ(writers::trace_text(LineSpacing{1, 240, 0, 0}), "spacing 240");
+    EXPECT_EQ(writers::trace_text(Character{'A'}), "char 41 A");
+    EXPECT_EQ(writers::trace_text(Character{' '}), "char 20");
+    EXPECT_EQ(writers::trace_text(Character{0x9B}), "char 9B");
+    EXPECT_EQ(writers::trace_text(SpecialCharacter{'*', 7}), "special 2A *");
+    EXPECT_EQ(writers::trace_text(PageBreak{4, 0}), "page-break");
+    EXPECT_EQ(writers::trace_text(Break{VW_BREAK_PARAGRAPH, 0}), "break paragraph");
+    EXPECT_EQ(writers::trace_text(Break{VW_BREAK_END_OF_DOCUMENT, 0}), "break end");
+    EXPECT_EQ(writers::trace_text(Break{VW_BREAK_BLOCK_OPEN, 0}), "block open");
+    EXPECT_EQ(writers::trace_text(Break{VW_BREAK_BLOCK_CLOSE, 0}), "block close");
+    EXPECT_EQ(writers::trace_text(HeaderFooter{1, 3}), "block header");
+    EXPECT_EQ(writers::trace_text(HeaderFooter{2, 3}), "block footer");
 }
 
 TEST(TraceText, SpellsUnusualArgumentsOut)
 {
-    EXPECT_EQ(trace_text(Character{-1}), "char value -1");
-    EXPECT_EQ(trace_text(Character{256}), "char value 256");
-    EXPECT_EQ(trace_text(SpecialCharacter{'*', 5}), "special 2A * type 5");
-    EXPECT_EQ(trace_text(SpecialCharacter{-1, 7}), "special value -1");
-    EXPECT_EQ(trace_text(PageBreak{4, 1}), "page-break 4 1");
-    EXPECT_EQ(trace_text(AttributeChange{7, 1}), "attribute 7 on");
-    EXPECT_EQ(trace_text(AttributeChange{2, 5}), "attribute 2 bold 5");
-    EXPECT_EQ(trace_text(Alignment{0}), "alignment 0");
-    EXPECT_EQ(trace_text(TabStop{VW_TAB_LEFT, '.', 0, 5}), "tab kind 1 alignment 46 leader 0 at 5");
-    EXPECT_EQ(trace_text(TabStop{3, 0, 9, 5}), "tab kind 3 alignment 0 leader 9 at 5");
-    EXPECT_EQ(trace_text(HeaderFooter{1, 2}), "block kind 1 2");
-    EXPECT_EQ(trace_text(HeaderFooter{3, 3}), "block kind 3 3");
-    EXPECT_EQ(trace_text(Break{1, 1}), "break 1 1");
-    EXPECT_EQ(trace_text(Break{9, 0}), "break 9 0");
-    EXPECT_EQ(trace_text(LineSpacing{2, 240, 0, 0}), "spacing 2 240 0 0");
-    EXPECT_EQ(trace_text(LineSpacing{1, 240, 0, 7}), "spacing 1 240 0 7");
+    EXPECT_EQ(writers::trace_text(Character{-1}), "char value -1");
+    EXPECT_EQ(writers::trace_text(Character{256}), "char value 256");
+    EXPECT_EQ(writers::trace_text(SpecialCharacter{'*', 5}), "special 2A * type 5");
+    EXPECT_EQ(writers::trace_text(SpecialCharacter{-1, 7}), "special value -1");
+    EXPECT_EQ(writers::trace_text(PageBreak{4, 1}), "page-break 4 1");
+    EXPECT_EQ(writers::trace_text(AttributeChange{7, 1}), "attribute 7 on");
+    EXPECT_EQ(writers::trace_text(AttributeChange{2, 5}), "attribute 2 bold 5");
+    EXPECT_EQ(writers::trace_text(Alignment{0}), "alignment 0");
+    EXPECT_EQ(writers::trace_text(TabStop{VW_TAB_LEFT, '.', 0, 5}),
+              "tab kind 1 alignment 46 leader 0 at 5");
+    EXPECT_EQ(writers::trace_text(TabStop{3, 0, 9, 5}), "tab kind 3 alignment 0 leader 9 at 5");
+    EXPECT_EQ(writers::trace_text(HeaderFooter{1, 2}), "block kind 1 2");
+    EXPECT_EQ(writers::trace_text(HeaderFooter{3, 3}), "block kind 3 3");
+    EXPECT_EQ(writers::trace_text(Break{1, 1}), "break 1 1");
+    EXPECT_EQ(writers::trace_text(Break{9, 0}), "break 9 0");
+    EXPECT_EQ(writers::trace_text(LineSpacing{2, 240, 0, 0}), "spacing 2 240 0 0");
+    EXPECT_EQ(writers::trace_text(LineSpacing{1, 240, 0, 7}), "spacing 1 240 0 7");
 }
 
 // Every argument can be read back only if no two events share a line.
@@ -107,7 +108,7 @@ TEST(TraceText, IsDifferentForDifferentEvents)
     }
     std::map<std::string, Event> told;
     for (const Event &event : events) {
-        const auto [entry, is_new] = told.try_emplace(trace_text(event), event);
+        const auto [entry, is_new] = told.try_emplace(writers::trace_text(event), event);
         EXPECT_TRUE(is_new || entry->second == event) << entry->first;
     }
     EXPECT_GT(told.size(), 10000U);

@@ -30,7 +30,7 @@ inline Written written(std::string_view format, const TypedEvents &events,
         ADD_FAILURE() << writer.error().what;
         return {};
     }
-    pfsdoc::ParagraphCollector collector(*writer.value());
+    pfsdoc::reading::ParagraphCollector collector(*writer.value());
     events.tell(collector);
     collector.finish();
     return {output.text, writer.value()->losses().entries()};

@@ -1,5 +1,5 @@
 // A document's bytes as the module wants them: a record of operations over a ByteSource.
-// Test: tests/lib/reading/block_files_test.cpp.
+// Test: tests/lib/reading/byte_source_test.cpp.
 #pragma once
 
 #include "pfsdoc/byte_source.h"
@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-namespace pfsdoc {
+namespace pfsdoc::reading {
 
 // A reading position over a source, which must outlive it. The module opens no further
 // files, and a host asked to read one document has no business opening others for it: the
@@ -36,4 +36,4 @@ private:
     uint32_t position_ = 0;
 };
 
-} // namespace pfsdoc
+} // namespace pfsdoc::reading

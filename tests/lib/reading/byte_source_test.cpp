@@ -1,5 +1,5 @@
 // Byte sources over memory, files and pipes, and the block file that the module reads.
-#include "lib/reading/block_files.h"
+#include "lib/reading/block_file.h"
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ std::string some_bytes(std::size_t size)
 // All of a source as the module gets it, through a character stream.
 std::string read_through_stream(ByteSource &source)
 {
-    BlockFile file(source);
+    reading::BlockFile file(source);
     VwCharStream *stream = VwBlockToChar(file.get());
     std::string bytes;
     for (int32_t byte = VwCharGet(stream); byte >= 0; byte = VwCharGet(stream)) {
@@ -133,7 +133,7 @@ TEST(MemorySource, EndsWhereItEnds)
 TEST(BlockFile, SeeksFromTheStartAndFromTheEnd)
 {
     MemorySource source({10, 11, 12, 13});
-    BlockFile block(source);
+    reading::BlockFile block(source);
     VwBlockFile *file = block.get();
     EXPECT_EQ(file->seek(file, 2, -1), 0);
     EXPECT_EQ(position_of(file), 3U);
@@ -152,7 +152,7 @@ TEST(BlockFile, SeeksFromTheStartAndFromTheEnd)
 TEST(BlockFile, TakesAPositionForUnsigned)
 {
     MemorySource source({1});
-    BlockFile block(source);
+    reading::BlockFile block(source);
     EXPECT_EQ(block.get()->seek(block.get(), 0, -2), 0);
     EXPECT_EQ(position_of(block.get()), 0xFFFFFFFEU);
 }
@@ -160,7 +160,7 @@ TEST(BlockFile, TakesAPositionForUnsigned)
 TEST(BlockFile, RefusesWhatIsNoPosition)
 {
     MemorySource source({1, 2});
-    BlockFile block(source);
+    reading::BlockFile block(source);
     VwBlockFile *file = block.get();
     EXPECT_NE(file->seek(file, 2, -3), 0);
     EXPECT_NE(file->seek(file, 1, 0), 0);
@@ -171,7 +171,7 @@ TEST(BlockFile, RefusesWhatIsNoPosition)
 TEST(BlockFile, OpensNoOtherFile)
 {
     MemorySource source({1});
-    BlockFile block(source);
+    reading::BlockFile block(source);
     EXPECT_EQ(VwBlockOpen(block.get(), "/etc/passwd", 0),
               reinterpret_cast<VwBlockFile *>(intptr_t{-1}));
 }
@@ -179,7 +179,7 @@ TEST(BlockFile, OpensNoOtherFile)
 TEST(BlockFile, ReadsNothingOnceClosed)
 {
     MemorySource source({1});
-    BlockFile block(source);
+    reading::BlockFile block(source);
     VwBlockFile *file = block.get();
     EXPECT_EQ(VwBlockClose(file), 0);
     uint8_t byte = 0;
