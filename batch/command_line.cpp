@@ -51,17 +51,6 @@ SandboxMode sandbox_mode(const std::string &name)
     return name == "off" ? SandboxMode::off : SandboxMode::available;
 }
 
-// A writer's plug-in is loaded with its first writer.
-Status load_writer(const ConversionSettings &settings)
-{
-    if (settings.format->make_writer == nullptr) {
-        return {};
-    }
-    StringOutput nowhere;
-    const auto writer = settings.format->make_writer(nowhere, {}, settings.options);
-    return writer.ok() ? Status() : Status(writer.error());
-}
-
 // Every worker will need such files, and better fails now than at the first one's start.
 Status check_scratch_files(const Format &format)
 {
@@ -202,8 +191,7 @@ Result<ConversionSettings> BatchCommandLine::conversion()
     options_.page_breaks = !no_page_breaks_;
     options_.headers = !no_headers_;
     const ConversionSettings settings{format, options_, &*module_, max_output_};
-    Status unfit = load_writer(settings);
-    unfit = unfit ? unfit : check_scratch_files(*format);
+    const Status unfit = check_scratch_files(*format);
     return unfit ? Result<ConversionSettings>(*unfit) : settings;
 }
 

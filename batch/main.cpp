@@ -5,28 +5,10 @@
 
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
-#include <filesystem>
 #include <new>
-#include <system_error>
 
 namespace {
-
-constexpr const char *plugins_variable = "PFSDOC_PLUGINS";
-
-// Plug-ins are looked for as seen from the program, and this one does not stand where pfsdoc
-// does.
-void find_plugins()
-{
-    std::error_code failure;
-    const std::filesystem::path own =
-        std::filesystem::read_symlink("/proc/self/exe", failure).parent_path();
-    const std::filesystem::path plugins = own / PFSDOC_PLUGIN_DIRECTORY;
-    if (!failure && std::filesystem::is_directory(plugins, failure)) {
-        ::setenv(plugins_variable, plugins.c_str(), 0);
-    }
-}
 
 int run(int argument_count, char **arguments)
 {
@@ -55,7 +37,6 @@ int main(int argument_count, char **arguments)
         static_cast<void>(std::signal(signal, SIG_IGN));
     }
     pfsdoc::cli::occupy_standard_streams();
-    find_plugins();
     try {
         return run(argument_count, arguments);
     } catch (const std::bad_alloc &) {

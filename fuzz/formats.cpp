@@ -35,7 +35,7 @@ void require(bool holds)
 void write_in_every_format(Document &document)
 {
     for (const pfsdoc::Format *format : pfsdoc::formats()) {
-        if (format->make_writer == nullptr || format->needs_plugin) {
+        if (format->make_writer == nullptr) {
             continue;
         }
         Drain output;

@@ -1,6 +1,5 @@
 # The Debian package, one for everything that is installed: the command with its module, the
-# plug-in for OpenDocument, the library with headers and what builds find it by, and the files
-# for other programs. scripts/package makes it; tests/package looks at it from outside.
+# library with headers and what builds find it by, and the files for other programs. scripts/package makes it; tests/package looks at it from outside.
 #
 # dpkg-shlibdeps finds what the binaries need, so the package suits the release of Debian that
 # it was built on. Debian's rules of compression and of the changelog are kept in the staged

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # A command's manual page against what the program says of itself: each option and each format
 # in the help text has its place in the page, and so has each exit code. A page may say more:
-# formats come and go with plug-ins.
+# a format may be missing where the program was built.
 #   manual_page.sh PROGRAM COMMAND PAGE
 set -euo pipefail
 program=$1

@@ -3,11 +3,10 @@
 //
 // A class with virtual functions bears it even where all of it is inline, so that the program
 // and the library agree on what type an object is. Plain records, templates and constexpr
-// functions have nothing to show. What compiles some of the library's files into itself, such
-// as a plug-in, defines PFSDOC_STATIC and shows nothing. Test: tests/install/exported_names.sh.
+// functions have nothing to show. Test: tests/install/exported_names.sh.
 #pragma once
 
-#if defined(__GNUC__) && !defined(PFSDOC_STATIC)
+#if defined(__GNUC__)
 #define PFSDOC_API __attribute__((visibility("default")))
 #else
 #define PFSDOC_API

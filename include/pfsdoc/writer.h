@@ -78,8 +78,7 @@ public:
     virtual void finish() = 0;
 };
 
-// The output must outlive the writer. An error where the writer cannot be had: what it needs
-// is not installed.
+// The output must outlive the writer. An error where the writer cannot be made.
 using MakeWriter = Result<std::unique_ptr<Writer>> (*)(Output &, const DocumentInfo &,
                                                        const WriterOptions &);
 using MakeEventWriter = std::unique_ptr<EventWriter> (*)(Output &, const WriterOptions &);
@@ -93,8 +92,6 @@ struct Format {
     MakeEventWriter make_event_writer; // null for all others
     // Whether paragraphs are to come with the offsets of their source, which costs time.
     bool wants_offsets;
-    // Whether the writer stands in a library of its own, which need not be installed.
-    bool needs_plugin = false;
     bool is_binary = false; // nothing to be shown on a terminal
     // In how many files its writer puts bytes aside that need not fit in memory. Short
     // documents need none.

@@ -10,7 +10,10 @@ namespace {
 
 constexpr std::array all_formats = {
     &writers::text_format,   &writers::markdown_format, &writers::json_format,
-    &writers::pandoc_format, &writers::html_format,     &writers::odt_format,
+    &writers::pandoc_format, &writers::html_format,
+#ifdef PFSDOC_HAS_ZLIB
+    &writers::odt_format,
+#endif
     &writers::fodt_format,   &writers::trace_format,
 };
 

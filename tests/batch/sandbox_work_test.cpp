@@ -408,52 +408,16 @@ TEST_P(SandboxConversion, GivesTheBytesFromOutside)
     EXPECT_EQ(inside.said, converted(format, descriptor));
 }
 
-std::vector<std::string> own_formats()
+std::vector<std::string> format_names()
 {
-    std::vector<std::string> own;
+    std::vector<std::string> names;
     for (const Format *format : pfsdoc::formats()) {
-        if (!format->needs_plugin) {
-            own.emplace_back(format->name);
-        }
+        names.emplace_back(format->name);
     }
-    return own;
+    return names;
 }
 
-INSTANTIATE_TEST_SUITE_P(Sandbox, SandboxConversion, ::testing::ValuesIn(own_formats()),
+INSTANTIATE_TEST_SUITE_P(Sandbox, SandboxConversion, ::testing::ValuesIn(format_names()),
                          [](const auto &parameter) { return parameter.param; });
-
-#ifdef PLUGIN_DIRECTORY
-// The plug-in is loaded with a first writer, which needs files; the others need none.
-class SandboxPlugin : public ::testing::TestWithParam<const char *> {};
-
-TEST_P(SandboxPlugin, GivesTheBytesFromOutsideOnceItIsLoaded)
-{
-    ::setenv("PFSDOC_PLUGINS", PLUGIN_DIRECTORY, 1);
-    const Format &format = *pfsdoc::find_format(GetParam());
-    const int descriptor = open_letter();
-    pfsdoc::StringOutput nowhere;
-    const Ending inside =
-        in_sandbox_after([&] { EXPECT_TRUE(format.make_writer(nowhere, {}, {}).ok()); },
-                         [&] { return converted(format, descriptor); });
-    EXPECT_GT(inside.said.size(), 500U) << inside.said;
-    EXPECT_TRUE(inside.said == converted(format, descriptor)); // too long to be shown
-}
-
-TEST_P(SandboxPlugin, IsNotFoundWhereItIsNotLoaded)
-{
-    // Spelled in another way, so that another test's plug-in does not count.
-    ::setenv("PFSDOC_PLUGINS", PLUGIN_DIRECTORY "/.", 1);
-    const Format &format = *pfsdoc::find_format(GetParam());
-    const int descriptor = open_letter();
-    const Ending inside = sandboxed([&] { return converted(format, descriptor); });
-    EXPECT_EQ(inside.said,
-              "the plug-in for OpenDocument is not installed: there is no pfsdoc_odf.so");
-    EXPECT_EQ(inside.exit_status, 0);
-    ::close(descriptor);
-}
-
-INSTANTIATE_TEST_SUITE_P(Sandbox, SandboxPlugin, ::testing::Values("odt", "fodt"),
-                         [](const auto &parameter) { return std::string(parameter.param); });
-#endif
 
 } // namespace

@@ -32,12 +32,10 @@ field Package pfsdoc
 field Version "${version//./\\.}-1"
 field Architecture "$(dpkg --print-architecture)"
 field Maintainer 'the vs_pfs authors <.*\.invalid>'
-# What the command, the libraries and the plug-in are linked with, and nothing of what building
+# What the command and the libraries are linked with, and nothing of what building
 # needs.
 field Depends '.*libc6 \(>= [0-9.]+\).*'
-field Depends '.*libodfgen-0\.1-1.*'
-field Depends '.*librevenge-0\.0-0.*'
-field Depends '.*libminizip1.*'
+field Depends '.*zlib1g.*'
 field Depends '.*libarchive13.*'
 field Depends '.*libseccomp2.*'
 field Depends '.*libssl3.*'
@@ -56,7 +54,7 @@ libraries=$root/usr/lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)
 share=$root/usr/share
 pfsdoc=$root/usr/bin/pfsdoc
 for file in "$root/usr/libexec/pfsdoc/pfsdoc-batch" \
-    "$libraries"/{libvs_pfs.so,libpfsdoc.so,libvs_pfs_static.a,pfsdoc/pfsdoc_odf.so} \
+    "$libraries"/{libvs_pfs.so,libpfsdoc.so,libvs_pfs_static.a} \
     "$libraries"/cmake/{pfsdoc/pfsdocConfig,vs_pfs/vs_pfsConfig}.cmake \
     "$libraries"/pkgconfig/{pfsdoc,vs_pfs}.pc "$root"/usr/include/{vs_pfs,pfsdoc/document}.h \
     "$share"/bash-completion/completions/pfsdoc "$share/pfsdoc/pfsdoc.schema.json" \
@@ -98,7 +96,7 @@ if grep -rlF "$source" "$root"; then
     failed "has a path of the machine that built it"
 fi
 
-# It runs where it was unpacked, with the module and the plug-in that are beside it.
+# It runs where it was unpacked, with the module that is beside it.
 count=0
 for text in "$samples"/*/*.text; do
     sample=${text%.text}.doc

@@ -33,9 +33,6 @@ std::vector<Case> cases()
 {
     std::vector<Case> cases;
     for (const Format *format : pfsdoc::formats()) {
-        if (format->needs_plugin) {
-            continue;
-        }
         const std::string name(format->name);
         cases.push_back({format, {}, name});
         WriterOptions options;
@@ -88,7 +85,7 @@ void expect_sound(const Case &test, const std::string &bytes, const std::string 
     }
     const std::string text = converted(test, first.value());
     EXPECT_EQ(text, converted(test, second.value())) << what;
-    EXPECT_TRUE(is_clean(text)) << what;
+    EXPECT_TRUE(test.format->is_binary || is_clean(text)) << what;
 }
 
 class EveryFormat : public ::testing::TestWithParam<Case> {};

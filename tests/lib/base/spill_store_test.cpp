@@ -1,7 +1,8 @@
 // What a writer puts aside, in memory and in files.
-#include "lib/writers/odf/scratch.h"
+#include "lib/base/spill_store.h"
 
 #include "lib/base/scratch_file.h"
+#include "pfsdoc/reading_stopped.h"
 
 #include <gtest/gtest.h>
 
@@ -21,18 +22,17 @@ namespace {
 using pfsdoc::ErrorKind;
 using pfsdoc::StringOutput;
 using pfsdoc::base::open_scratch_file;
-using pfsdoc::writers::Scratch;
-using pfsdoc::writers::ScratchFailure;
+using pfsdoc::base::SpillStore;
 namespace fs = std::filesystem;
 
-constexpr std::size_t fits = Scratch::most_in_memory;
+constexpr std::size_t fits = SpillStore::most_in_memory;
 
 // In a folder of its own, which is the one for temporary files.
-class ScratchTest : public ::testing::Test {
+class SpillStoreTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        std::string name = (fs::temp_directory_path() / "scratch-XXXXXX").string();
+        std::string name = (fs::temp_directory_path() / "spill-XXXXXX").string();
         ASSERT_NE(::mkdtemp(name.data()), nullptr);
         directory = name;
         ::setenv("TMPDIR", directory.c_str(), 1);
@@ -46,10 +46,10 @@ protected:
     fs::path directory;
 };
 
-std::string content_of(const Scratch &scratch)
+std::string content_of(const SpillStore &store)
 {
     StringOutput output;
-    scratch.copy_to(output);
+    store.copy_to(output);
     return output.text;
 }
 
@@ -60,71 +60,52 @@ off_t size_of(int descriptor)
     return status.st_size;
 }
 
-// What a call fails with, 0 where it does not.
-template <typename Call> int error_number_of(Call call)
+// What a call stops the reading with, empty where it does not.
+template <typename Call> std::string error_of(Call call)
 {
     try {
         call();
-    } catch (const ScratchFailure &failure) {
-        return failure.error_number;
+    } catch (const pfsdoc::ReadingStopped &stopped) {
+        return stopped.error().what;
     }
-    return 0;
+    return {};
 }
 
-TEST_F(ScratchTest, HoldsWhatFitsInMemory)
+std::string words_for(int error_number)
 {
-    Scratch scratch;
-    EXPECT_EQ(content_of(scratch), "");
-    scratch.append("Dear ");
-    scratch.append("Sir");
-    EXPECT_EQ(content_of(scratch), "Dear Sir");
-    scratch.append(std::string(fits - 8, 'x'));
-    EXPECT_EQ(scratch.size(), fits);
-    EXPECT_TRUE(scratch.is_in_memory());
+    return pfsdoc::base::scratch_error(error_number).what;
 }
 
-TEST_F(ScratchTest, HoldsTheRestInAFileWithoutAName)
+TEST_F(SpillStoreTest, HoldsWhatFitsInMemory)
+{
+    SpillStore store;
+    EXPECT_EQ(content_of(store), "");
+    store.write("Dear ");
+    store.write("Sir");
+    EXPECT_EQ(content_of(store), "Dear Sir");
+    store.write(std::string(fits - 8, 'x'));
+    EXPECT_EQ(store.size(), fits);
+    EXPECT_TRUE(store.is_in_memory());
+}
+
+TEST_F(SpillStoreTest, HoldsTheRestInAFileWithoutAName)
 {
     std::string expected;
-    Scratch scratch;
+    SpillStore store;
     for (int line = 0; expected.size() <= 3 * fits; ++line) {
         const std::string text = "line " + std::to_string(line) + "\n";
-        scratch.append(text);
+        store.write(text);
         expected.append(text);
     }
-    EXPECT_FALSE(scratch.is_in_memory());
-    EXPECT_EQ(scratch.size(), expected.size());
-    EXPECT_TRUE(content_of(scratch) == expected); // too long to be shown
+    EXPECT_FALSE(store.is_in_memory());
+    EXPECT_EQ(store.size(), expected.size());
+    EXPECT_TRUE(content_of(store) == expected); // too long to be shown
     EXPECT_TRUE(fs::is_empty(directory));
-}
-
-// As an archive's first bytes are, when its size is known: before and after it is in a file,
-// over its end, and where nothing has been written yet.
-TEST_F(ScratchTest, IsWrittenAtAnyOffset)
-{
-    for (const std::size_t size : {std::size_t{100}, fits, fits + 1, 2 * fits}) {
-        SCOPED_TRACE(size);
-        std::string expected(size, 'x');
-        Scratch scratch;
-        scratch.append(expected);
-        const auto write = [&](std::size_t offset, std::string_view bytes) {
-            scratch.write_at(offset, bytes);
-            expected.resize(std::max(expected.size(), offset + bytes.size()));
-            expected.replace(offset, bytes.size(), bytes);
-        };
-        write(0, "first");
-        write(50, "middle");
-        write(size - 2, "across");
-        write(size + 10, "beyond");
-        EXPECT_EQ(scratch.size(), size + 16);
-        EXPECT_EQ(scratch.is_in_memory(), size + 16 <= fits);
-        EXPECT_TRUE(content_of(scratch) == expected);
-    }
 }
 
 // ------------------------------------------------------------------------- given files -----
 
-TEST_F(ScratchTest, UsesTheFileItIsGiven)
+TEST_F(SpillStoreTest, UsesTheFileItIsGiven)
 {
     const int file = open_scratch_file();
     ASSERT_GE(file, 0);
@@ -132,28 +113,28 @@ TEST_F(ScratchTest, UsesTheFileItIsGiven)
     for (const char letter : {'a', 'b', 'c'}) {
         const std::string content(fits + static_cast<std::size_t>(letter), letter);
         {
-            Scratch scratch(file);
-            scratch.append("x");
+            SpillStore store(file);
+            store.write(content.substr(0, 1));
             EXPECT_EQ(size_of(file), 0) << "written to before there is need";
-            scratch.write_at(0, content);
+            store.write(content.substr(1));
             EXPECT_EQ(size_of(file), static_cast<off_t>(content.size()));
-            EXPECT_TRUE(content_of(scratch) == content);
+            EXPECT_TRUE(content_of(store) == content);
         }
         EXPECT_EQ(size_of(file), 0) << "not left empty";
     }
-    EXPECT_EQ(::close(file), 0) << "was not the scratch's to close";
+    EXPECT_EQ(::close(file), 0) << "was not the store's to close";
 }
 
-TEST_F(ScratchTest, TakesNoNoticeOfWhatAFileHolds)
+TEST_F(SpillStoreTest, TakesNoNoticeOfWhatAFileHolds)
 {
     const int file = open_scratch_file();
     const std::string left(3 * fits, 'x');
     ASSERT_EQ(::pwrite(file, left.data(), left.size(), 0), static_cast<ssize_t>(left.size()));
     {
         const std::string content(2 * fits, 'y');
-        Scratch scratch(file);
-        scratch.append(content);
-        EXPECT_TRUE(content_of(scratch) == content);
+        SpillStore store(file);
+        store.write(content);
+        EXPECT_TRUE(content_of(store) == content);
     }
     EXPECT_EQ(size_of(file), 0);
     ::close(file);
@@ -161,15 +142,15 @@ TEST_F(ScratchTest, TakesNoNoticeOfWhatAFileHolds)
 
 // ------------------------------------------------------------------------------ faults -----
 
-TEST_F(ScratchTest, FailsWithoutAFolder)
+TEST_F(SpillStoreTest, FailsWithoutAFolder)
 {
     ::setenv("TMPDIR", (directory / "missing").c_str(), 1);
-    Scratch scratch;
-    EXPECT_EQ(error_number_of([&] { scratch.append(std::string(fits, 'x')); }), 0);
-    EXPECT_EQ(error_number_of([&] { scratch.append("x"); }), ENOENT);
+    SpillStore store;
+    EXPECT_EQ(error_of([&] { store.write(std::string(fits, 'x')); }), "");
+    EXPECT_EQ(error_of([&] { store.write("x"); }), words_for(ENOENT));
 }
 
-TEST_F(ScratchTest, UsesTheUsualFolderUnlessOneIsNamed)
+TEST_F(SpillStoreTest, UsesTheUsualFolderUnlessOneIsNamed)
 {
     for (const char *named : {static_cast<const char *>(nullptr), ""}) {
         if (named == nullptr) {
@@ -184,7 +165,7 @@ TEST_F(ScratchTest, UsesTheUsualFolderUnlessOneIsNamed)
 }
 
 // The signal is one that the commands ignore too.
-TEST_F(ScratchTest, FailsWhereFilesMustBeSmaller)
+TEST_F(SpillStoreTest, FailsWhereFilesMustBeSmaller)
 {
     const auto before = std::signal(SIGXFSZ, SIG_IGN);
     rlimit limit{};
@@ -192,32 +173,32 @@ TEST_F(ScratchTest, FailsWhereFilesMustBeSmaller)
     rlimit smaller = limit;
     smaller.rlim_cur = 2 * fits;
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &smaller), 0);
-    Scratch scratch;
+    SpillStore store;
     const std::string text(fits + 1, 'x');
-    EXPECT_EQ(error_number_of([&] { scratch.append(text); }), 0);
-    EXPECT_EQ(error_number_of([&] { scratch.append(text); }), EFBIG);
+    EXPECT_EQ(error_of([&] { store.write(text); }), "");
+    EXPECT_EQ(error_of([&] { store.write(text); }), words_for(EFBIG));
     ::setrlimit(RLIMIT_FSIZE, &limit);
     static_cast<void>(std::signal(SIGXFSZ, before));
 }
 
-TEST_F(ScratchTest, FailsOnAFullDisk)
+TEST_F(SpillStoreTest, FailsOnAFullDisk)
 {
     const int full = ::open("/dev/full", O_RDWR | O_CLOEXEC);
     ASSERT_GE(full, 0);
     {
-        Scratch scratch(full);
-        EXPECT_EQ(error_number_of([&] { scratch.append(std::string(fits + 1, 'x')); }), ENOSPC);
+        SpillStore store(full);
+        EXPECT_EQ(error_of([&] { store.write(std::string(fits + 1, 'x')); }), words_for(ENOSPC));
     }
     ::close(full);
 }
 
-TEST_F(ScratchTest, FailsWhereTheFileWasCut)
+TEST_F(SpillStoreTest, FailsWhereTheFileWasCut)
 {
     const int file = open_scratch_file();
-    Scratch scratch(file);
-    scratch.append(std::string(2 * fits, 'x'));
+    SpillStore store(file);
+    store.write(std::string(2 * fits, 'x'));
     ASSERT_EQ(::ftruncate(file, 100), 0);
-    EXPECT_EQ(error_number_of([&] { content_of(scratch); }), EIO);
+    EXPECT_EQ(error_of([&] { content_of(store); }), words_for(EIO));
 }
 
 TEST(ScratchError, SaysWhatCanBeDone)
