@@ -237,8 +237,9 @@ private:
 
     void check_header_footer(const HeaderFooter &block, std::size_t first_text)
     {
-        const TextLimits &limits =
-            is_choice(document_.kind) ? choice_header_text_limits : write_header_text_limits;
+        const formats::LineTable &limits = is_choice(document_.kind)
+                                               ? formats::choice::line_text_sizes
+                                               : formats::write::line_text_sizes;
         for (std::size_t i = 0; i < block.lines.size(); ++i) {
             const std::size_t limit = limits[first_text + i];
             if (block.lines[i].size() > limit) {

@@ -70,9 +70,6 @@ void put_ruler(std::string &file, const std::vector<TabStop> &stops, bool as_bit
 
 } // namespace
 
-const TextLimits choice_header_text_limits =
-    text_limits(line_length_offsets, header_alignment_offset);
-
 std::string choice_header(const Document &document)
 {
     const char own_generation = document.kind == Kind::first_choice_3 ? generation_3 : generation_2;

@@ -25,17 +25,4 @@ std::string encode_record(const OtherRecord &record);
 // The margins that the body begins with: the header's or those of the last margin record.
 Margins margins_before_body(const Document &document);
 
-// How long each of the four header and footer texts may be: header 1 and 2, footer 1 and 2.
-using TextLimits = std::array<std::size_t, 4>;
-
-// Each text stands behind its length and ends where the next length, or `end`, stands.
-constexpr TextLimits text_limits(const std::array<uint32_t, formats::header_footer_lines> &lengths,
-                                 uint32_t end)
-{
-    return {lengths[1] - lengths[0] - 1, lengths[2] - lengths[1] - 1, lengths[3] - lengths[2] - 1,
-            end - lengths[3] - 1};
-}
-extern const TextLimits write_header_text_limits;
-extern const TextLimits choice_header_text_limits;
-
 } // namespace pfs_builder

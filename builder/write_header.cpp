@@ -108,8 +108,6 @@ std::string record(const std::string &type_and_data)
 
 } // namespace
 
-const TextLimits write_header_text_limits = text_limits(line_length_offsets, signature_offset);
-
 std::string encode_record(const MarginRecord &margins)
 {
     std::string bytes;

@@ -12,7 +12,7 @@ inline constexpr std::array<std::string_view, 18> command_words = {
     "N*", "NEW ",    "PAGE*", "JUSTIFY ", "JY ", "YES*",  "Y*", "NO*",    "PRINTER ",
     "P ", "CENTER*", "C*",    "GRAPH ",   "G ",  "JOIN ", "J ", "RIGHT*", "R*"};
 
-// Places in the list.
+// Positions in the list.
 enum CommandWord : int {
     command_n, // new page; after the justify words the answer no
     command_new,

@@ -22,15 +22,16 @@ inline constexpr char generation_2 = '2';
 inline constexpr char generation_3 = '3';
 inline constexpr int unused_after_generation = 2;
 
-// Each text stands behind its length, a byte.
-inline constexpr std::array<uint32_t, header_footer_lines> line_length_offsets = {28, 110, 192,
-                                                                                  274};
-
 // A letter each; any other is left.
 inline constexpr uint32_t header_alignment_offset = 356;
 inline constexpr uint32_t footer_alignment_offset = 357;
 inline constexpr char letter_centred = 'C';
 inline constexpr char letter_right = 'R';
+
+// Each text stands behind its length.
+inline constexpr LineTable line_length_offsets = {28, 110, 192, 274};
+inline constexpr LineTable line_text_sizes =
+    room_for_texts(line_length_offsets, header_alignment_offset);
 
 // Two letters each; any other is no style.
 inline constexpr uint32_t footer_style_offset = 359;

@@ -14,6 +14,17 @@ struct Kind {
     std::string_view pronom_id;
 };
 
+// Positions in the list.
+enum KindIndex : uint8_t {
+    write_a,
+    write_b,
+    professional_write_1,
+    professional_write_2,
+    writing_assistant,
+    first_choice_2,
+    first_choice_3
+};
+
 inline constexpr std::array<Kind, 7> kinds = {{
     {1012, "PFS: WRITE A", "fmt/1414"},
     {1013, "PFS: WRITE B", "fmt/1414"},

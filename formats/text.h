@@ -1,6 +1,7 @@
 // Bytes of the text that mean the same in all kinds of documents.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 namespace formats {
@@ -27,7 +28,19 @@ inline constexpr uint8_t italic = 0x04;
 inline constexpr uint8_t superscript = 0x08;
 inline constexpr uint8_t subscript = 0x10;
 
+// What a file transfer has filled the last block with, behind the end of the document.
+inline constexpr uint8_t transfer_fill = 0x1A;
+
 // The texts of a header have this order: header lines 1 and 2, footer lines 1 and 2.
 inline constexpr int header_footer_lines = 4;
+using LineTable = std::array<uint32_t, header_footer_lines>;
+
+// The room for each text: it stands behind its length, a byte, and ends where the next length
+// stands, or something else at `end`.
+constexpr LineTable room_for_texts(const LineTable &length_offsets, uint32_t end)
+{
+    return {length_offsets[1] - length_offsets[0] - 1, length_offsets[2] - length_offsets[1] - 1,
+            length_offsets[3] - length_offsets[2] - 1, end - length_offsets[3] - 1};
+}
 
 } // namespace formats

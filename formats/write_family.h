@@ -25,10 +25,6 @@ inline constexpr int ruler_entry_size = 2;
 inline constexpr uint8_t ruler_tab_stop = 0x0F;
 inline constexpr uint8_t ruler_decimal_stop = 0x10;
 
-// Each text stands behind its length, a byte.
-inline constexpr std::array<uint32_t, header_footer_lines> line_length_offsets = {328, 402, 484,
-                                                                                  558};
-
 // Two of the signatures are those of both kinds of PFS: WRITE: a digit tells them apart.
 inline constexpr uint32_t signature_offset = 641;
 inline constexpr int signature_size = 6;
@@ -40,6 +36,10 @@ inline constexpr std::string_view signature_professional_2 = "TYPE 4";
 inline constexpr uint32_t variant_offset = 649;
 inline constexpr char variant_a = '1';
 inline constexpr char variant_b = '2';
+
+// Each text stands behind its length.
+inline constexpr LineTable line_length_offsets = {328, 402, 484, 558};
+inline constexpr LineTable line_text_sizes = room_for_texts(line_length_offsets, signature_offset);
 
 // Words; any other value of theirs is left too.
 inline constexpr uint32_t header_alignment_offset = 822;

@@ -3,8 +3,6 @@
 
 #include "vs_pfs/filter_interface.h"
 
-#include <array>
-
 namespace vs_pfs {
 
 // Values of formatType.
@@ -40,10 +38,8 @@ int32_t PfsSkipBytes(int16_t count, VwInstance *instance);
 int32_t MergeTabStops(int16_t normalCount, int16_t decimalCount, const int16_t *normalList,
                       const int16_t *decimalList, VwInstance *instance);
 
-// Where a header holds the lengths of its header and footer lines.
-using LineOffsets = std::array<uint32_t, header_footer_lines>;
-// Sets the lengths and marks the lines pending that have text.
-void read_header_footer_lengths(VwInstance *instance, const LineOffsets &offsets);
+// Reads the lengths of the header and footer lines and marks those pending that have text.
+void read_header_footer_lengths(VwInstance *instance, const formats::LineTable &offsets);
 // Copies the margins into both pairs of hfMargins.
 void copy_margins_to_header_footer(VwInstance *instance);
 

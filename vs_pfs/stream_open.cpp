@@ -48,7 +48,7 @@ void reset(VwCharStream *stream, VwInstance *instance)
 }
 
 // A header or footer line's text stands behind its length, a byte.
-void set_text_positions(const LineOffsets &length_offsets, FilterState &state)
+void set_text_positions(const formats::LineTable &length_offsets, FilterState &state)
 {
     std::transform(length_offsets.begin(), length_offsets.end(), state.hfTextPos,
                    [](uint32_t offset) { return offset + 1; });

@@ -183,7 +183,7 @@ int32_t MergeTabStops(int16_t normalCount, int16_t decimalCount, const int16_t *
     return 0;
 }
 
-void read_header_footer_lengths(VwInstance *instance, const LineOffsets &offsets)
+void read_header_footer_lengths(VwInstance *instance, const formats::LineTable &offsets)
 {
     FilterState &state = instance->state;
     for (int line = 0; line < header_footer_lines; ++line) {

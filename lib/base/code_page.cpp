@@ -1,6 +1,6 @@
 #include "pfsdoc/code_page.h"
 
-#include "lib/base/code_page_437.h"
+#include "formats/code_page_437.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -116,7 +116,7 @@ private:
 // Nothing where the set is not one byte a character, or no extension of ASCII.
 std::optional<std::array<char16_t, 256>> all_characters(Converter &converter)
 {
-    std::array<char16_t, 256> characters = base::code_page_437;
+    std::array<char16_t, 256> characters = formats::code_page_437;
     for (unsigned byte = 0; byte < characters.size(); ++byte) {
         if (is_graphic(byte)) {
             continue;
@@ -147,7 +147,7 @@ Error unfit(const std::string &name, const std::string &what)
 
 const CodePage &CodePage::ibm437()
 {
-    static const CodePage page("437", base::code_page_437);
+    static const CodePage page("437", formats::code_page_437);
     return page;
 }
 

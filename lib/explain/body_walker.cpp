@@ -1,13 +1,13 @@
 #include "lib/explain/body_walker.h"
 
-#include "lib/explain/body_bytes.h"
+#include "formats/text.h"
 #include "vs_pfs.h"
 
 #include <utility>
 
 namespace pfsdoc::explaining {
 
-using namespace body_bytes;
+using namespace formats;
 
 std::string_view line_end_words(LineEnd end)
 {
@@ -102,7 +102,7 @@ void BodyWalker::read_character(int32_t first)
 void BodyWalker::take_text(const Decoded &decoded)
 {
     last_character_ =
-        decoded.character == no_picture ? static_cast<uint8_t>(space) : decoded.character;
+        decoded.character == no_glyph ? static_cast<uint8_t>(space) : decoded.character;
     builder_.claim_character(last_character_, decoded.attribute_bytes, attributes_);
     reported_ = true;
     on_character(decoded.character);

@@ -7,7 +7,7 @@
 //                                   long and the second has bit 0x01
 //
 // Tests: tests/lib/explain/partition_test.cpp, golden_test.cpp.
-#include "lib/explain/body_bytes.h"
+#include "formats/first_choice.h"
 #include "lib/explain/body_walker.h"
 #include "lib/explain/stored_characters.h"
 
@@ -15,28 +15,15 @@
 
 namespace pfsdoc::explaining {
 
-using namespace body_bytes;
+using namespace formats;
 
 namespace {
 
-constexpr int32_t header_text_line = 0x10;
-constexpr int32_t header_special_line = 0x08;
-constexpr int32_t header_ruler = 0x04;
-constexpr int32_t header_more = 0x40;
-constexpr int32_t header_hard_end = 0x01;
-constexpr uint16_t hard_end_chain_length = 2;
-
-constexpr uint32_t ruler_unused_bytes = 3;
-constexpr int32_t ruler_tab_stop = 0x54;
-constexpr int32_t ruler_left_margin = 0x5B;
-constexpr int32_t ruler_right_margin = 0x5D;
-constexpr int32_t ruler_prefix_low = 0xC2;
-constexpr int32_t ruler_prefix_high = 0xC5;
 constexpr int most_tab_stops = 100; // the last of them ends the ruler, one byte later
 
 bool is_special_line(int32_t header)
 {
-    return (header & (header_text_line | header_special_line)) == header_special_line;
+    return (header & (choice::line_text | choice::line_special)) == choice::line_special;
 }
 
 class Choice3Walker final : public BodyWalker {
@@ -90,7 +77,7 @@ void Choice3Walker::begin_line(int32_t header)
 {
     if (!is_special_line(header)) {
         begin_text_line(header);
-    } else if ((header & header_ruler) != 0) {
+    } else if ((header & choice::line_ruler) != 0) {
         read_ruler();
     } else {
         read_page_break(header);
@@ -101,7 +88,7 @@ int32_t Choice3Walker::read_chain(int32_t header, uint32_t &length)
 {
     int32_t last = header;
     length = 1;
-    while (last >= 0 && (last & header_more) != 0) {
+    while (last >= 0 && (last & choice::line_more) != 0) {
         last = builder_.byte(position() + length);
         length += last >= 0 ? 1 : 0;
     }
@@ -116,8 +103,8 @@ void Choice3Walker::begin_text_line(int32_t header)
         builder_.claim(SpanKind::cut, length, "a line's header cut off by the end of the file");
         return;
     }
-    ends_paragraph_ =
-        static_cast<uint16_t>(length) == hard_end_chain_length && (last & header_hard_end) != 0;
+    ends_paragraph_ = static_cast<uint16_t>(length) == choice::hard_end_chain_length &&
+                      (last & choice::line_hard_end) != 0;
     builder_.separate();
     builder_.claim(SpanKind::line_type, length,
                    ends_paragraph_ ? "line header: text that ends its paragraph"
@@ -148,14 +135,15 @@ void Choice3Walker::read_page_break(int32_t header)
 void Choice3Walker::read_ruler()
 {
     builder_.claim_alone(SpanKind::line_type, 1, "line header: ruler");
-    builder_.claim(SpanKind::unused, ruler_unused_bytes, "first bytes of a ruler: passed over");
+    builder_.claim(SpanKind::unused, choice::ruler_unused_bytes,
+                   "first bytes of a ruler: passed over");
     uint8_t column = 0;
     int stops = 0;
     int32_t byte = next_byte();
     while (byte >= 0 && byte != carriage_return && stops < most_tab_stops) {
         read_ruler_column(byte, column);
         column = static_cast<uint8_t>(column + 1);
-        stops += byte == ruler_tab_stop ? 1 : 0;
+        stops += byte == choice::mark_tab_stop ? 1 : 0;
         byte = next_byte();
     }
     builder_.claim(SpanKind::record, 1,
@@ -167,16 +155,18 @@ void Choice3Walker::read_ruler_column(int32_t byte, uint8_t column)
 {
     const std::string at = " at column " + std::to_string(column);
     switch (byte) {
-    case ruler_tab_stop: builder_.claim_alone(SpanKind::record, 1, "ruler: tab stop" + at); break;
-    case ruler_left_margin:
+    case choice::mark_tab_stop:
+        builder_.claim_alone(SpanKind::record, 1, "ruler: tab stop" + at);
+        break;
+    case choice::mark_left_margin:
         builder_.claim_alone(SpanKind::record, 1, "ruler: left margin" + at);
         break;
-    case ruler_right_margin:
+    case choice::mark_right_margin:
         builder_.claim_alone(SpanKind::record, 1, "ruler: right margin" + at);
         break;
     default:
         builder_.claim(SpanKind::record,
-                       byte == ruler_prefix_low || byte == ruler_prefix_high ? 2 : 1,
+                       byte == choice::prefix_low || byte == choice::prefix_high ? 2 : 1,
                        "ruler: no mark");
     }
 }

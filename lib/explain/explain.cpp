@@ -1,6 +1,6 @@
 #include "pfsdoc/explain.h"
 
-#include "lib/explain/body_bytes.h"
+#include "formats/text.h"
 #include "lib/explain/body_walker.h"
 #include "lib/explain/explain_header.h"
 #include "lib/reading/read_document.h"
@@ -90,7 +90,7 @@ std::string_view padding_words(int32_t byte)
 {
     switch (byte) {
     case 0: return "behind the end: zeros";
-    case explaining::body_bytes::transfer_fill: return "behind the end: fill of file transfers";
+    case formats::transfer_fill: return "behind the end: fill of file transfers";
     default: return "behind the end: left over";
     }
 }

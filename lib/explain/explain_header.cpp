@@ -1,7 +1,9 @@
 #include "lib/explain/explain_header.h"
 
+#include "formats/first_choice.h"
+#include "formats/text.h"
+#include "formats/write_family.h"
 #include "lib/base/printable.h"
-#include "lib/explain/body_bytes.h"
 #include "lib/explain/margin_record.h"
 #include "pfsdoc/attribute_names.h"
 
@@ -12,20 +14,19 @@ namespace pfsdoc::explaining {
 
 namespace {
 
-constexpr uint8_t ruler_tab_stop = 0x0F;
-constexpr uint8_t ruler_decimal_stop = 0x10;
-constexpr uint32_t columns_in_byte = 8;
+using formats::FieldForm;
+using formats::HeaderField;
 
-constexpr int32_t centred = 0;
-constexpr int32_t right = 2;
+constexpr uint32_t columns_in_byte = 8;
 
 // Attribute bits of header and footer lines.
 struct AttributeBit {
     int32_t bit;
     AttributeCode code;
 };
-constexpr AttributeBit attribute_bits[] = {
-    {0x01, AttributeCode::underline}, {0x02, AttributeCode::bold}, {0x04, AttributeCode::italic}};
+constexpr AttributeBit attribute_bits[] = {{formats::underline, AttributeCode::underline},
+                                           {formats::bold, AttributeCode::bold},
+                                           {formats::italic, AttributeCode::italic}};
 
 void append_to_list(std::string &list, std::string_view item)
 {
@@ -71,7 +72,7 @@ private:
 void HeaderExplainer::explain(std::span<const HeaderField> fields)
 {
     for (const HeaderField &field : fields) {
-        if ((field.kinds & kind_bit(kind_)) != 0) {
+        if ((field.kinds & reading::kind_bit(kind_)) != 0) {
             builder_.claim_to(field.offset, SpanKind::unused, "not used");
             explain_field(field);
         }
@@ -136,8 +137,8 @@ std::string HeaderExplainer::text_value(const HeaderField &field)
 std::string_view HeaderExplainer::alignment_value(uint32_t at)
 {
     switch (byte(at)) {
-    case centred: return "centred";
-    case right: return "right";
+    case formats::write::alignment_centred: return "centred";
+    case formats::write::alignment_right: return "right";
     default: return "left";
     }
 }
@@ -156,8 +157,8 @@ std::string HeaderExplainer::attributes_value(uint32_t at)
 std::string_view HeaderExplainer::align_letter_value(uint32_t at)
 {
     switch (byte(at)) {
-    case 'C': return "centred";
-    case 'R': return "right";
+    case formats::choice::letter_centred: return "centred";
+    case formats::choice::letter_right: return "right";
     default: return "left";
     }
 }
@@ -168,10 +169,10 @@ std::string HeaderExplainer::style_value(uint32_t at)
         return byte(at) == letter || byte(at + 1) == letter;
     };
     std::string list;
-    if (has('U')) {
+    if (has(formats::choice::letter_underline)) {
         append_to_list(list, "underline");
     }
-    if (has('B')) {
+    if (has(formats::choice::letter_bold)) {
         append_to_list(list, "bold");
     }
     return list.empty() ? "none" : list;
@@ -223,7 +224,7 @@ std::string HeaderExplainer::ruler_words(const HeaderField &field, uint32_t unit
     switch (field.form) {
     case FieldForm::ruler_kinds: return std::string(ruler_entry(unit));
     case FieldForm::ruler_columns:
-        return ruler_entry(unit) == ruler_entry(ruler_entries)
+        return ruler_entry(unit) == ruler_entry(formats::write::ruler_entries)
                    ? "not used"
                    : "at column " + std::to_string(word(field.offset + 2 * unit));
     case FieldForm::ruler_bytes:
@@ -235,7 +236,9 @@ std::string HeaderExplainer::ruler_words(const HeaderField &field, uint32_t unit
 // An entry behind the last one is no tab stop.
 std::string_view HeaderExplainer::ruler_entry(uint32_t entry)
 {
-    switch (entry < ruler_entries ? byte(ruler_kinds_offset + 2 * entry) : 0) {
+    using namespace formats::write;
+    const bool is_entry = entry < static_cast<uint32_t>(ruler_entries);
+    switch (is_entry ? byte(ruler_kinds_offset + ruler_entry_size * entry) : 0) {
     case ruler_tab_stop: return "tab stop";
     case ruler_decimal_stop: return "decimal tab stop";
     default: return "no tab stop";
@@ -260,7 +263,7 @@ void explain_way_to_text(SpanBuilder &builder, uint32_t body)
     const auto is_before = [&builder, body](int32_t sought) {
         return builder.position() < body && builder.byte(builder.position()) != sought;
     };
-    while (is_before(body_bytes::form_feed)) {
+    while (is_before(formats::form_feed)) {
         builder.claim(SpanKind::unused, 1, "before the form feed: passed over");
     }
     builder.claim(SpanKind::field, builder.position() < body ? 1 : 0,
@@ -276,13 +279,15 @@ void explain_header(SpanBuilder &builder, DocumentKind kind, uint32_t body)
 {
     HeaderExplainer header(builder, kind);
     if (is_first_choice(kind)) {
-        const int32_t generation = builder.byte(choice_generation_offset);
-        header.explain(choice_header_fields(generation != '2' && generation != '3'));
-        builder.claim_to(std::min(choice_header_size, builder.size()), SpanKind::unused,
-                         "not used");
+        using namespace formats::choice;
+        const int32_t generation = builder.byte(generation_offset);
+        const bool ruler_of_bytes = generation != generation_2 && generation != generation_3;
+        header.explain(formats::choice_header_fields(ruler_of_bytes));
+        builder.claim_to(std::min(header_size, builder.size()), SpanKind::unused, "not used");
     } else {
-        header.explain(write_header_fields());
-        builder.claim_to(std::min(write_header_size, builder.size()), SpanKind::unused, "not used");
+        header.explain(formats::write_header_fields);
+        builder.claim_to(std::min(formats::write::header_size, builder.size()), SpanKind::unused,
+                         "not used");
         explain_way_to_text(builder, body);
     }
     builder.separate();

@@ -3,8 +3,8 @@
 // Tests: tests/lib/explain/header_test.cpp, golden_test.cpp.
 #pragma once
 
-#include "lib/explain/header_fields.h"
 #include "lib/explain/span_builder.h"
+#include "lib/reading/kind_tables.h"
 
 #include <cstdint>
 

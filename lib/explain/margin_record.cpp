@@ -1,5 +1,7 @@
 #include "lib/explain/margin_record.h"
 
+#include "formats/write_family.h"
+
 #include <algorithm>
 #include <string>
 
@@ -7,10 +9,9 @@ namespace pfsdoc::explaining {
 
 namespace {
 
-constexpr int32_t type_margins = 1;
-// Read whatever the record's length says.
-constexpr int32_t size_with_type = 3;
-constexpr int32_t size_with_margins = 5;
+using formats::write::record_least_size;
+using formats::write::record_margins;
+using formats::write::record_margins_size;
 
 std::string margin_words(SpanBuilder &builder)
 {
@@ -26,11 +27,11 @@ void claim_margin_record(SpanBuilder &builder)
     const uint32_t at = builder.position();
     const int32_t length = builder.byte(at + 1);
     const int32_t type = builder.byte(at + 2);
-    const int32_t least = type == type_margins ? size_with_margins : size_with_type;
+    const int32_t least = type == record_margins ? record_margins_size : record_least_size;
     const auto size = static_cast<uint32_t>(std::max(length, least));
     if (size > builder.size() - at) {
         builder.claim_alone(SpanKind::record, size, "record, cut off by the end of the file");
-    } else if (type == type_margins) {
+    } else if (type == record_margins) {
         builder.claim_alone(SpanKind::record, size, margin_words(builder));
     } else {
         builder.claim_alone(SpanKind::record, size,

@@ -1,10 +1,10 @@
 #include "lib/explain/next_word.h"
 
-#include "lib/explain/body_bytes.h"
+#include "formats/first_choice.h"
 
 namespace pfsdoc::explaining {
 
-using namespace body_bytes;
+using namespace formats;
 
 // Every byte from 0x80 up takes the next one with it, also in IBM Writing Assistant, whose
 // characters do so from 0xC0 only.
@@ -31,13 +31,13 @@ NextWord::Token NextWord::read_choice(reading::ByteWindow &bytes, uint32_t &posi
         const int32_t first = bytes.at(position);
         int32_t last = first;
         for (++position;
-             last != reading::ByteWindow::no_byte && (last & choice_more_attributes) != 0;) {
+             last != reading::ByteWindow::no_byte && (last & choice::more_attributes) != 0;) {
             last = bytes.at(position++);
         }
         if (last == reading::ByteWindow::no_byte) {
             return Token::stop;
         }
-        byte = (first & choice_keeps_high_bit) != 0 ? byte : byte & low_seven_bits;
+        byte = (first & choice::keep_high_bit) != 0 ? byte : byte & low_seven_bits;
     }
     return byte == space ? Token::blank : Token::word;
 }

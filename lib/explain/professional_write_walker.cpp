@@ -6,7 +6,7 @@
 //
 // A second 0x02, or a 0x03, within a line that 0x02 began hides the rest of the line.
 // 0x07 begins a record, 0x0C is passed over. Tests: tests/lib/explain/partition_test.cpp.
-#include "lib/explain/body_bytes.h"
+#include "formats/write_family.h"
 #include "lib/explain/body_walker.h"
 #include "lib/explain/margin_record.h"
 #include "lib/explain/stored_characters.h"
@@ -15,15 +15,11 @@
 
 namespace pfsdoc::explaining {
 
-using namespace body_bytes;
+using namespace formats;
 
 namespace {
 
-constexpr int32_t type_continued = 0x00;
-constexpr int32_t type_single = 0x01;
-constexpr int32_t type_hiding = 0x02;
-constexpr int32_t type_double = 0x03;
-constexpr int32_t last_type = type_double;
+constexpr int32_t last_type = write::line_double;
 
 class ProfessionalWriteWalker final : public BodyWalker {
 public:
@@ -73,7 +69,7 @@ void ProfessionalWriteWalker::step()
     if (!in_line_) {
         begin_line();
     } else if (byte <= last_type) {
-        const bool may_hide = byte == type_hiding || byte == type_double;
+        const bool may_hide = byte == write::line_suppress || byte == write::line_double;
         if (may_hide && hiding_ == Hiding::possible) {
             hiding_ = Hiding::on;
             builder_.claim_alone(SpanKind::line_type, 1, "hides the rest of the line");
@@ -91,7 +87,7 @@ void ProfessionalWriteWalker::begin_line()
     const int32_t byte = next_byte();
     in_line_ = true;
     line_start_ = LineStart::indent;
-    ends_paragraph_ = byte == type_single || byte == type_double;
+    ends_paragraph_ = byte == write::line_single || byte == write::line_double;
     has_type_ = byte <= last_type;
     if (has_type_) {
         set_type(byte);
@@ -101,7 +97,7 @@ void ProfessionalWriteWalker::begin_line()
 
 void ProfessionalWriteWalker::set_type(int32_t byte)
 {
-    if (byte != type_hiding) {
+    if (byte != write::line_suppress) {
         hiding_ = Hiding::off;
     } else {
         hiding_ = hiding_ == Hiding::possible ? Hiding::on : Hiding::possible;
@@ -112,9 +108,9 @@ void ProfessionalWriteWalker::claim_type(int32_t byte)
 {
     std::string words = "line type: ";
     switch (byte) {
-    case type_continued: words += "goes on in the next line"; break;
-    case type_single: words += "ends its paragraph, single spacing"; break;
-    case type_double: words += "ends its paragraph, double spacing"; break;
+    case write::line_continued: words += "goes on in the next line"; break;
+    case write::line_single: words += "ends its paragraph, single spacing"; break;
+    case write::line_double: words += "ends its paragraph, double spacing"; break;
     default: words += hiding_ == Hiding::on ? "hidden, goes on" : "goes on, may hide text"; break;
     }
     if (ended_ != LineEnd::none) {
@@ -155,7 +151,7 @@ void ProfessionalWriteWalker::on_line_end(LineEnd actual, bool as_space)
 void ProfessionalWriteWalker::read_within_line(int32_t byte)
 {
     switch (byte) {
-    case record_mark: read_record(); break;
+    case write::record_mark: read_record(); break;
     case form_feed:
         builder_.claim(SpanKind::unused, 1, "form feed within the text: passed over");
         break;

@@ -8,7 +8,7 @@
 //   First Choice 2.0     0x0C, 0x0D    0x80-0xFF, one or two
 //
 // Tests: tests/lib/explain/line_end_test.cpp, partition_test.cpp.
-#include "lib/explain/body_bytes.h"
+#include "formats/text.h"
 #include "lib/explain/body_walker.h"
 #include "lib/explain/next_word.h"
 #include "lib/explain/stored_characters.h"
@@ -17,7 +17,7 @@
 
 namespace pfsdoc::explaining {
 
-using namespace body_bytes;
+using namespace formats;
 
 namespace {
 

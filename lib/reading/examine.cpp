@@ -1,8 +1,8 @@
 #include "pfsdoc/examine.h"
 
-#include "lib/explain/body_bytes.h"
-#include "lib/explain/header_fields.h"
+#include "formats/text.h"
 #include "lib/reading/byte_window.h"
+#include "lib/reading/kind_tables.h"
 
 #include <algorithm>
 #include <array>
@@ -12,12 +12,8 @@ namespace pfsdoc {
 
 namespace {
 
-// Registry entries. PRONOM knows no IBM Writing Assistant, and of Professional Write no
-// signature.
-constexpr std::string_view pronom_write = "fmt/1414";
-constexpr std::string_view pronom_professional_write = "x-fmt/353";
-constexpr std::string_view pronom_choice_1_and_2 = "fmt/1282";
-constexpr std::string_view pronom_choice_3 = "fmt/1283";
+using formats::FieldForm;
+using formats::HeaderField;
 
 // The last column that a ruler of any kind can mark.
 constexpr int32_t last_column = 255;
@@ -27,7 +23,7 @@ constexpr int32_t last_column = 255;
 constexpr uint32_t most_fill = 65536;
 constexpr bool is_fill(int32_t byte)
 {
-    return byte == 0 || byte == explaining::body_bytes::transfer_fill;
+    return byte == 0 || byte == formats::transfer_fill;
 }
 
 std::string at_offset(uint32_t offset)
@@ -48,7 +44,7 @@ private:
         return bytes_.at(at) + byte_values * bytes_.at(at + 1);
     }
     bool has(uint32_t offset, std::string_view text);
-    std::span<const explaining::HeaderField> fields();
+    std::span<const HeaderField> fields();
     uint32_t body_offset();
 
     bool check_header();
@@ -80,19 +76,18 @@ bool Examiner::has(uint32_t offset, std::string_view text)
 }
 
 // The form of the ruler does not matter here.
-std::span<const explaining::HeaderField> Examiner::fields()
+std::span<const HeaderField> Examiner::fields()
 {
-    return is_first_choice(kind_) ? explaining::choice_header_fields(false)
-                                  : explaining::write_header_fields();
+    return is_first_choice(kind_) ? formats::choice_header_fields(false)
+                                  : std::span<const HeaderField>(formats::write_header_fields);
 }
 
 bool Examiner::check_margins()
 {
     std::array<int32_t, 2> margins{};
     std::size_t count = 0;
-    for (const explaining::HeaderField &field : fields()) {
-        if (field.form == explaining::FieldForm::column &&
-            (field.kinds & explaining::kind_bit(kind_)) != 0) {
+    for (const HeaderField &field : fields()) {
+        if (field.form == FieldForm::column && (field.kinds & reading::kind_bit(kind_)) != 0) {
             margins.at(count++) = word(field.offset);
         }
     }
@@ -107,9 +102,8 @@ bool Examiner::check_margins()
 bool Examiner::check_lines()
 {
     bool plausible = true;
-    for (const explaining::HeaderField &field : fields()) {
-        if (field.form == explaining::FieldForm::line_text &&
-            bytes_.at(field.offset - 1U) > field.size) {
+    for (const HeaderField &field : fields()) {
+        if (field.form == FieldForm::line_text && bytes_.at(field.offset - 1U) > field.size) {
             plausible = odd(std::string(field.name) + " is longer than its room");
         }
     }
@@ -120,10 +114,10 @@ bool Examiner::check_lines()
 uint32_t Examiner::body_offset()
 {
     if (is_first_choice(kind_)) {
-        return explaining::choice_header_size;
+        return formats::choice::header_size;
     }
-    uint32_t offset = explaining::write_header_size;
-    while (offset < bytes_.size() && bytes_.at(offset) != explaining::body_bytes::form_feed) {
+    uint32_t offset = formats::write::header_size;
+    while (offset < bytes_.size() && bytes_.at(offset) != formats::form_feed) {
         ++offset;
     }
     return offset;
@@ -148,7 +142,7 @@ bool Examiner::check_end()
     while (end > 0 && size - end < most_fill && is_fill(bytes_.at(end - 1))) {
         --end;
     }
-    if (end <= body_offset() || bytes_.at(end - 1) != explaining::body_bytes::document_end) {
+    if (end <= body_offset() || bytes_.at(end - 1) != formats::document_end) {
         return odd("its last byte is no end mark: it is cut short, or other bytes follow its end");
     }
     if (end < size) {
@@ -164,7 +158,7 @@ bool Examiner::has_write_signature()
     using namespace std::string_view_literals;
     const bool page = has(2, "\x06\x00"sv) || has(2, "\x0C\x00"sv);
     return has(0, "\x42\x00"sv) && page && has(10, "\x0A\x00\x46\x00"sv) && bytes_.size() > 0 &&
-           bytes_.at(bytes_.size() - 1) == explaining::body_bytes::document_end;
+           bytes_.at(bytes_.size() - 1) == formats::document_end;
 }
 
 RegistrySignature Examiner::registry_signature()
@@ -174,10 +168,10 @@ RegistrySignature Examiner::registry_signature()
     case DocumentKind::write_a:
     case DocumentKind::write_b: matches = has_write_signature(); break;
     case DocumentKind::first_choice_2:
-        matches = has(explaining::choice_signature_offset, "GERBILDOC ");
+        matches = has(formats::choice::magic_offset, "GERBILDOC ");
         break;
     case DocumentKind::first_choice_3:
-        matches = has(explaining::choice_signature_offset, "GERBILDOC3");
+        matches = has(formats::choice::magic_offset, "GERBILDOC3");
         break;
     default: return RegistrySignature::none;
     }
@@ -211,15 +205,7 @@ std::string_view confidence_name(Confidence confidence)
 
 std::string_view pronom_id(DocumentKind kind)
 {
-    switch (kind) {
-    case DocumentKind::write_a:
-    case DocumentKind::write_b: return pronom_write;
-    case DocumentKind::professional_write_1:
-    case DocumentKind::professional_write_2: return pronom_professional_write;
-    case DocumentKind::first_choice_2: return pronom_choice_1_and_2;
-    case DocumentKind::first_choice_3: return pronom_choice_3;
-    default: return {};
-    }
+    return reading::facts_of(kind).pronom_id;
 }
 
 Examination examine(ByteSource &source, DocumentKind kind)

@@ -1,7 +1,9 @@
 #include "pfsdoc/identify.h"
 
+#include "formats/first_choice.h"
+#include "formats/write_family.h"
 #include "lib/base/printable.h"
-#include "lib/explain/header_fields.h"
+#include "lib/reading/kind_tables.h"
 
 #include <algorithm>
 #include <array>
@@ -11,25 +13,10 @@ namespace pfsdoc {
 
 namespace {
 
-constexpr std::string_view choice_signature = "GERBILDOC";
-constexpr char generation_3 = '3';
+namespace choice = formats::choice;
+namespace write = formats::write;
 
-constexpr std::size_t examined_size = explaining::write_variant_offset + 1;
-
-struct KindEntry {
-    DocumentKind kind;
-    int32_t file_id;
-    std::string_view name;
-};
-constexpr std::array<KindEntry, 7> kinds = {{
-    {DocumentKind::write_a, 1012, "PFS: WRITE A"},
-    {DocumentKind::write_b, 1013, "PFS: WRITE B"},
-    {DocumentKind::professional_write_1, 1014, "Professional Write 1"},
-    {DocumentKind::professional_write_2, 1015, "Professional Write 2"},
-    {DocumentKind::writing_assistant, 1016, "IBM Writing Assistant"},
-    {DocumentKind::first_choice_2, 1017, "PFS: First Choice 2.0"},
-    {DocumentKind::first_choice_3, 1058, "PFS: First Choice 3.0"},
-}};
+constexpr std::size_t examined_size = write::variant_offset + 1;
 
 // A signature without a kind belongs to both kinds of PFS: WRITE: the variant digit decides.
 struct Signature {
@@ -37,11 +24,11 @@ struct Signature {
     std::optional<DocumentKind> kind;
 };
 constexpr std::array<Signature, 5> signatures = {{
-    {"WRD PC", std::nullopt},
-    {"TYPE 2", std::nullopt},
-    {"IBM   ", DocumentKind::writing_assistant},
-    {"TYPE 3", DocumentKind::professional_write_1},
-    {"TYPE 4", DocumentKind::professional_write_2},
+    {write::signature_wrd_pc, std::nullopt},
+    {write::signature_type_2, std::nullopt},
+    {write::signature_writing_assistant, DocumentKind::writing_assistant},
+    {write::signature_professional_1, DocumentKind::professional_write_1},
+    {write::signature_professional_2, DocumentKind::professional_write_2},
 }};
 
 // Files of the same makers that are no documents.
@@ -54,12 +41,6 @@ constexpr std::array<Relative, 3> relatives = {{
     {"GERBILCLIP", "a First Choice clipboard"},
     {"RABBITGRAPH", "a First Choice graph"},
 }};
-
-const KindEntry &entry_of(DocumentKind kind)
-{
-    return *std::find_if(kinds.begin(), kinds.end(),
-                         [kind](const KindEntry &entry) { return entry.kind == kind; });
-}
 
 // The examined start of a file; empty where the file ends.
 class Start {
@@ -110,24 +91,23 @@ Error not_a_document(const std::string &what)
 Identity choice_identity(const Start &start)
 {
     const bool is_3 =
-        start.at(explaining::choice_generation_offset, 1) == std::string_view(&generation_3, 1);
+        start.at(choice::generation_offset, 1) == std::string_view(&choice::generation_3, 1);
     return {is_3 ? DocumentKind::first_choice_3 : DocumentKind::first_choice_2,
-            found_at(choice_signature, explaining::choice_signature_offset) + ", generation " +
-                byte_text(start.at(explaining::choice_generation_offset, 1)) + " at " +
-                std::to_string(explaining::choice_generation_offset)};
+            found_at(choice::magic, choice::magic_offset) + ", generation " +
+                byte_text(start.at(choice::generation_offset, 1)) + " at " +
+                std::to_string(choice::generation_offset)};
 }
 
 // The two kinds of PFS: WRITE.
 Result<Identity> variant_identity(const Start &start, const Signature &signature)
 {
-    const std::string_view variant = start.at(explaining::write_variant_offset, 1);
-    const std::string basis = found_at(signature.text, explaining::write_signature_offset) +
-                              ", variant " + byte_text(variant) + " at " +
-                              std::to_string(explaining::write_variant_offset);
-    if (variant == "1") {
+    const std::string_view variant = start.at(write::variant_offset, 1);
+    const std::string basis = found_at(signature.text, write::signature_offset) + ", variant " +
+                              byte_text(variant) + " at " + std::to_string(write::variant_offset);
+    if (variant == std::string_view(&write::variant_a, 1)) {
         return Identity{DocumentKind::write_a, basis};
     }
-    if (variant == "2") {
+    if (variant == std::string_view(&write::variant_b, 1)) {
         return Identity{DocumentKind::write_b, basis};
     }
     return not_a_document("is marked as PFS: WRITE, but of an unknown variant (" + basis + ")");
@@ -139,9 +119,9 @@ Error unknown(const Start &start)
         return not_a_document("is empty");
     }
     for (const Relative &relative : relatives) {
-        if (start.has(explaining::choice_signature_offset, relative.magic)) {
+        if (start.has(choice::magic_offset, relative.magic)) {
             return not_a_document("is " + std::string(relative.name) + " (" +
-                                  found_at(relative.magic, explaining::choice_signature_offset) +
+                                  found_at(relative.magic, choice::magic_offset) +
                                   "), not a document");
         }
     }
@@ -150,15 +130,14 @@ Error unknown(const Start &start)
 
 Result<Identity> identify_start(const Start &start)
 {
-    if (start.has(explaining::choice_signature_offset, choice_signature)) {
+    if (start.has(choice::magic_offset, choice::magic)) {
         return choice_identity(start);
     }
     for (const Signature &signature : signatures) {
-        if (start.has(explaining::write_signature_offset, signature.text)) {
-            return signature.kind
-                       ? Identity{*signature.kind,
-                                  found_at(signature.text, explaining::write_signature_offset)}
-                       : variant_identity(start, signature);
+        if (start.has(write::signature_offset, signature.text)) {
+            return signature.kind ? Identity{*signature.kind,
+                                             found_at(signature.text, write::signature_offset)}
+                                  : variant_identity(start, signature);
         }
     }
     return unknown(start);
@@ -168,12 +147,12 @@ Result<Identity> identify_start(const Start &start)
 
 int32_t file_id(DocumentKind kind)
 {
-    return entry_of(kind).file_id;
+    return reading::facts_of(kind).file_id;
 }
 
 std::string_view display_name(DocumentKind kind)
 {
-    return entry_of(kind).name;
+    return reading::facts_of(kind).name;
 }
 
 Result<Identity> identify(ByteSource &source)

@@ -1,5 +1,5 @@
 // The code page's characters.
-#include "lib/base/code_page_437.h"
+#include "formats/code_page_437.h"
 #include "pfsdoc/code_page.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 
 namespace {
 
-using pfsdoc::base::code_page_437;
+using formats::code_page_437;
 
 std::string utf8(std::string_view bytes)
 {

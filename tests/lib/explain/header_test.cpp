@@ -1,5 +1,5 @@
 // The headers: that each kind has its own fields and no others, and what damaged ones become.
-#include "lib/explain/header_fields.h"
+#include "lib/reading/kind_tables.h"
 
 #include "tests/lib/explain/explained.h"
 
@@ -175,16 +175,15 @@ TEST(ExplainedHeader, MayHaveNoTextBehindIt)
 
 TEST(HeaderFields, LieWithinTheirHeaders)
 {
-    for (const explaining::HeaderField &field : explaining::write_header_fields()) {
-        EXPECT_LE(field.offset + field.size, explaining::write_header_size) << field.name;
+    for (const formats::HeaderField &field : formats::write_header_fields) {
+        EXPECT_LE(field.offset + field.size, formats::write::header_size) << field.name;
         EXPECT_NE(field.kinds, 0) << field.name;
-        EXPECT_FALSE(field.kinds & explaining::kind_bit(DocumentKind::first_choice_2))
-            << field.name;
+        EXPECT_FALSE(field.kinds & reading::kind_bit(DocumentKind::first_choice_2)) << field.name;
     }
     for (const bool of_bytes : {false, true}) {
-        for (const explaining::HeaderField &field : explaining::choice_header_fields(of_bytes)) {
-            EXPECT_LE(field.offset + field.size, explaining::choice_header_size) << field.name;
-            EXPECT_FALSE(field.kinds & explaining::kind_bit(DocumentKind::write_a)) << field.name;
+        for (const formats::HeaderField &field : formats::choice_header_fields(of_bytes)) {
+            EXPECT_LE(field.offset + field.size, formats::choice::header_size) << field.name;
+            EXPECT_FALSE(field.kinds & reading::kind_bit(DocumentKind::write_a)) << field.name;
         }
     }
 }
