@@ -79,6 +79,9 @@ TEST_F(Convert, RefusesFormatsThatThereAreNot)
 
 TEST_F(Convert, KeepsBinaryFormatsFromTerminals)
 {
+    if (pfsdoc::find_format("odt") == nullptr) {
+        GTEST_SKIP() << "the only one is missing here";
+    }
     const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
     ASSERT_GE(terminal, 0);
     ASSERT_EQ(::grantpt(terminal), 0);
