@@ -1,10 +1,11 @@
 #include "command/batch_command.h"
 
+#include "lib/base/program_directory.h"
+
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <string>
-#include <system_error>
 #include <unistd.h>
 
 namespace pfsdoc::cli {
@@ -41,9 +42,7 @@ std::unique_ptr<CommandLine> batch_command_line()
 
 int become_batch(char **arguments)
 {
-    std::error_code failure;
-    const std::filesystem::path own =
-        std::filesystem::read_symlink("/proc/self/exe", failure).parent_path();
+    const std::filesystem::path own = base::program_directory();
     int reason = ENOENT;
     for (const std::filesystem::path &folder : {own, own / PFSDOC_LIBEXEC_DIRECTORY}) {
         ::execv((folder / program_name).c_str(), arguments);

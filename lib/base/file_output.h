@@ -1,8 +1,10 @@
 // Document output to a file or to standard output, buffered, and whole or not at all where
-// that can be had: a named file is written under a temporary name beside it, and takes its
-// own name only when everything is on the disk. Test: tests/lib/base/file_output_test.cpp.
+// that is possible: a named file is written under a temporary name beside it, and is renamed
+// to its own only when all of it is on the disk. Test: tests/lib/base/file_output_test.cpp.
 #pragma once
 
+#include "lib/base/descriptor.h"
+#include "lib/base/descriptor_output.h"
 #include "pfsdoc/error.h"
 #include "pfsdoc/output.h"
 
@@ -25,35 +27,38 @@ public:
     FileOutput(const FileOutput &) = delete;
     FileOutput &operator=(const FileOutput &) = delete;
 
-    // After a failure nothing more is written; commit tells of it.
-    void write(std::string_view bytes) override;
+    // After a failure nothing more is written; commit reports it.
+    void write(std::string_view bytes) override
+    {
+        output_.write(bytes);
+    }
     bool failed() const
     {
-        return error_number_ != 0 || over_limit_;
+        return commit_error_ != 0 || output_.failed();
     }
     Status failure() const;
-    // Where the bytes are until commit; empty when they are written to their place directly.
+    // Where the bytes are until commit; empty when they are written to the target directly.
     const std::string &temporary_path() const
     {
         return temporary_;
     }
     // Hands on what is buffered.
-    void flush();
-    // Brings all that was written to where it belongs. Once, at the end.
+    void flush()
+    {
+        output_.flush();
+    }
+    // Finishes the output under its own name. Once, at the end.
     Status commit();
 
 private:
-    FileOutput(int descriptor, std::string temporary, std::string target, uint64_t max_bytes);
-    void note_failure(int error_number);
+    FileOutput(Descriptor descriptor, std::string temporary, std::string target,
+               uint64_t max_bytes);
 
-    int descriptor_;
+    Descriptor descriptor_;
+    DescriptorOutput output_;
     std::string temporary_; // empty when written to directly
     std::string target_;
-    std::string buffer_;
-    uint64_t max_bytes_;
-    uint64_t bytes_ = 0; // that were to be written
-    int error_number_ = 0;
-    bool over_limit_ = false;
+    int commit_error_ = 0;
 };
 
 } // namespace pfsdoc::base

@@ -1,6 +1,8 @@
 #include "pfsdoc/byte_source.h"
 
+#include "lib/base/descriptor.h"
 #include "lib/base/scratch_file.h"
+#include "lib/base/transfers.h"
 
 #include <algorithm>
 #include <array>
@@ -15,31 +17,6 @@ namespace pfsdoc {
 namespace {
 
 constexpr std::size_t copy_size = 65536;
-
-// A descriptor that is closed unless it is handed on.
-class Descriptor {
-public:
-    explicit Descriptor(int value) : value_(value) {}
-    ~Descriptor()
-    {
-        if (value_ >= 0) {
-            ::close(value_);
-        }
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    int get() const
-    {
-        return value_;
-    }
-    int release()
-    {
-        return std::exchange(value_, -1);
-    }
-
-private:
-    int value_;
-};
 
 std::string reason(int error_number)
 {
@@ -71,33 +48,12 @@ Error not_spooled(int error_number)
             "make room there, or name another directory in the environment variable TMPDIR"};
 }
 
-ssize_t read_some(int descriptor, std::span<uint8_t> destination)
-{
-    ssize_t count = 0;
-    do {
-        count = ::read(descriptor, destination.data(), destination.size());
-    } while (count < 0 && errno == EINTR);
-    return count;
-}
-
-bool write_all(int descriptor, std::span<const uint8_t> bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) {
-            return false;
-        }
-        bytes = bytes.subspan(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    }
-    return true;
-}
-
 // Copies all that `from` still has to give; the number of bytes.
 Result<uint64_t> copy_to(int to, int from, uint64_t limit)
 {
-    std::array<uint8_t, copy_size> buffer;
+    std::array<char, copy_size> buffer;
     for (uint64_t total = 0;;) {
-        const ssize_t count = read_some(from, buffer);
+        const ssize_t count = base::read_some(from, buffer.data(), buffer.size());
         if (count <= 0) {
             return count == 0 ? Result<uint64_t>(total) : unreadable(errno);
         }
@@ -105,7 +61,7 @@ Result<uint64_t> copy_to(int to, int from, uint64_t limit)
         if (total >= limit) {
             return too_large();
         }
-        if (!write_all(to, std::span(buffer).first(static_cast<std::size_t>(count)))) {
+        if (!base::write_all(to, {buffer.data(), static_cast<std::size_t>(count)})) {
             return not_spooled(errno);
         }
     }
@@ -113,7 +69,7 @@ Result<uint64_t> copy_to(int to, int from, uint64_t limit)
 
 using SourceResult = Result<std::unique_ptr<ByteSource>>;
 
-SourceResult positioned_source(Descriptor &descriptor, uint64_t size, uint64_t limit)
+SourceResult positioned_source(base::Descriptor descriptor, uint64_t size, uint64_t limit)
 {
     if (size >= limit) {
         return too_large();
@@ -123,17 +79,17 @@ SourceResult positioned_source(Descriptor &descriptor, uint64_t size, uint64_t l
     return source;
 }
 
-SourceResult spooled_source(Descriptor &descriptor, uint64_t limit)
+SourceResult spooled_source(const base::Descriptor &descriptor, uint64_t limit)
 {
-    Descriptor spool(base::open_scratch_file());
-    if (spool.get() < 0) {
+    base::Descriptor spool(base::open_scratch_file());
+    if (!spool.is_open()) {
         return not_spooled(errno);
     }
     const Result<uint64_t> size = copy_to(spool.get(), descriptor.get(), limit);
     if (!size.ok()) {
         return size.error();
     }
-    return positioned_source(spool, size.value(), limit);
+    return positioned_source(std::move(spool), size.value(), limit);
 }
 
 } // namespace
@@ -161,24 +117,13 @@ DescriptorSource::~DescriptorSource()
 
 std::optional<uint32_t> DescriptorSource::read_at(uint32_t position, std::span<uint8_t> destination)
 {
-    std::size_t total = 0;
-    while (total < destination.size()) {
-        const auto rest = destination.subspan(total);
-        const ssize_t count = ::pread(descriptor_, rest.data(), rest.size(),
-                                      static_cast<off_t>(position + uint64_t{total}));
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            error_number_ = errno;
-            return std::nullopt;
-        }
-        if (count == 0) {
-            break;
-        }
-        total += static_cast<std::size_t>(count);
+    const std::optional<std::size_t> count =
+        base::read_full_at(descriptor_, destination.data(), destination.size(), position);
+    if (!count) {
+        error_number_ = errno;
+        return std::nullopt;
     }
-    return static_cast<uint32_t>(total);
+    return static_cast<uint32_t>(*count);
 }
 
 Status DescriptorSource::failure() const
@@ -188,7 +133,7 @@ Status DescriptorSource::failure() const
 
 SourceResult source_of(int descriptor, uint64_t limit)
 {
-    Descriptor owned(descriptor);
+    base::Descriptor owned(descriptor);
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) {
         return unreadable(errno);
@@ -198,7 +143,7 @@ SourceResult source_of(int descriptor, uint64_t limit)
     }
     // Standard input may stand inside its file: the document is then what is left of it.
     if (S_ISREG(status.st_mode) && ::lseek(descriptor, 0, SEEK_CUR) == 0) {
-        return positioned_source(owned, static_cast<uint64_t>(status.st_size), limit);
+        return positioned_source(std::move(owned), static_cast<uint64_t>(status.st_size), limit);
     }
     return spooled_source(owned, limit);
 }

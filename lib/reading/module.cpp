@@ -1,5 +1,7 @@
 #include "pfsdoc/module.h"
 
+#include "lib/base/program_directory.h"
+
 #include <array>
 #include <cstdlib>
 #include <dlfcn.h>
@@ -100,16 +102,10 @@ std::string last_load_error()
     return message != nullptr ? message : "unknown reason";
 }
 
-std::filesystem::path program_directory()
-{
-    std::error_code failure;
-    return std::filesystem::read_symlink("/proc/self/exe", failure).parent_path();
-}
-
 // The module that stands where it was installed or built, or an empty path.
 std::filesystem::path module_beside_program(const std::string &library_directory)
 {
-    const std::filesystem::path directory = program_directory();
+    const std::filesystem::path directory = base::program_directory();
     if (directory.empty()) {
         return {};
     }
