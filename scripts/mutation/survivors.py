@@ -1,45 +1,62 @@
-"""Reads the list of changes that no test can notice, which says why: for each file a heading,
-and below it blocks of changes with the reason behind each block.
+"""Reads the list of changes that no test can detect: classes with a reason each, and below it
+one entry for each change.
 
-    ## vs_pfs/attributes.cpp
+    - `vs_pfs/attributes.cpp`, `change_attributes`: `uint8_t pending` → `uint16_t pending`
+    - `vs_pfs/char_stream.cpp`, `VwCharToBlock`: `std::free(stream);` removed
 
-    ```diff
-    @@ check_attributes
-    - the line as it stands in the source, without indentation and comment
-    + the line as the change leaves it
-    ```
-    Why nothing can come of it.
-
-A change of several lines has several of either sort. The function is left out of a change
+An entry quotes as much of the line as names the change. The function is left out of a change
 that is in none. Line numbers there are none, so the list stays true when lines move.
 """
 import re
+from dataclasses import dataclass
 
-SECTION = re.compile(r"^## (\S+)\n(.*?)(?=^## |\Z)", re.MULTILINE | re.DOTALL)
-BLOCK = re.compile(r"^```diff\n(.*?)^```", re.MULTILINE | re.DOTALL)
-CHANGE = re.compile(r"^@@ ?(.*)\n|((?:^- .*\n)+)((?:^\+ .*\n)+)", re.MULTILINE)
-
-
-def lines_of(group):
-    return tuple(line[2:] for line in group.rstrip("\n").split("\n"))
+ENTRY = re.compile(
+    r"^- `([^`]+)`(?:, `([^`]+)`)?: `([^`]+)` (?:→ `([^`]+)`|removed)$", re.MULTILINE)
+REMOVED = ";"  # what scripts/mutate leaves of a statement
 
 
-def explained(text):
-    """The keys of the changes that the list explains: see Mutant.key."""
-    keys = set()
-    for path, section in SECTION.findall(text):
-        for block in BLOCK.findall(section):
-            function = ""
-            for named, old, new in CHANGE.findall(block):
-                if old:
-                    keys.add((path, function, lines_of(old), lines_of(new)))
-                else:
-                    function = named
-    return keys
+@dataclass(frozen=True)
+class Entry:
+    path: str
+    function: str
+    old: str
+    new: str
+
+    def explains(self, mutant):
+        if (self.path, self.function) != (mutant.path, mutant.function):
+            return False
+        old, new = ("\n".join(lines) for lines in mutant.difference)
+        return any(old[:at] + self.new + old[at + len(self.old):] == new
+                   for at in positions_of(self.old, old))
+
+    def __str__(self):
+        return " ".join([self.path, self.function, self.old, "->", self.new])
 
 
-def block_of(mutant):
-    """The change as the list has it."""
+def positions_of(part, line):
+    return [match.start() for match in re.finditer(re.escape(part), line)]
+
+
+def entries(text):
+    return [Entry(path, function or "", old, new or REMOVED)
+            for path, function, old, new in ENTRY.findall(text)]
+
+
+def explained(listed, mutants):
+    """The keys of the mutants that the entries explain: see Mutant.key."""
+    by_path = {}
+    for entry in listed:
+        by_path.setdefault(entry.path, []).append(entry)
+    return {mutant.key for mutant in mutants
+            if any(entry.explains(mutant) for entry in by_path.get(mutant.path, ()))}
+
+
+def stale(listed, mutants):
+    """The entries that explain nothing any more."""
+    return [entry for entry in listed if not any(entry.explains(mutant) for mutant in mutants)]
+
+
+def difference_of(mutant):
     old, new = mutant.difference
-    lines = [f"@@ {mutant.function}"] if mutant.function else []
+    lines = [f"in {mutant.function}"] if mutant.function else []
     return "\n".join([*lines, *(f"- {line}" for line in old), *(f"+ {line}" for line in new)])
