@@ -1,6 +1,6 @@
-// What the module's attribute codes mean. The module only relays the numbers; these readings
-// come from the formats' own style letters and their users' notes, and this is the one place
-// to correct them. Test: tests/lib/writers/trace_test.cpp.
+// The meaning of the module's attribute codes. The module only passes the numbers on; these
+// interpretations come from the formats' own style letters and their users' notes, and are
+// defined here only. Test: tests/lib/writers/trace_test.cpp.
 #pragma once
 
 #include <array>
@@ -30,7 +30,7 @@ inline constexpr std::array<AttributeName, 5> attribute_names = {{
     {AttributeCode::superscript, "superscript"},
 }};
 
-// Empty for a code without a known meaning.
+// The name of a code; empty if its meaning is not known.
 constexpr std::string_view attribute_name(int32_t code)
 {
     for (const AttributeName &entry : attribute_names) {

@@ -1,10 +1,10 @@
-// A document's character set. Documents do not say which one they were written in: code page
-// 437 unless the user knows better.
+// A document's character set. Documents do not record theirs: code page 437 unless the user
+// knows better.
 //
-// All 256 bytes are characters: the code pages of DOS have graphics where other character
-// sets have control codes, so nothing that is converted can control a terminal. A host that
-// treats a byte as a control code, such as the tab, takes it out before converting. Byte 0 is
-// the blank cell and becomes a space. Tests: tests/lib/base/code_page_test.cpp.
+// All 256 bytes are characters: DOS code pages have glyphs where other character sets have
+// control codes, so converted text cannot control a terminal. A caller that treats a byte as a
+// control code, such as the tab, removes it before converting. Byte 0 is the empty glyph and
+// becomes a space. Tests: tests/lib/base/code_page_test.cpp.
 #pragma once
 
 #include "pfsdoc/error.h"
@@ -19,13 +19,12 @@ namespace pfsdoc {
 
 class PFSDOC_API CodePage {
 public:
-    // What an undefined byte becomes: U+FFFD.
+    // The character of an undefined byte: U+FFFD.
     static constexpr char16_t replacement = u'\uFFFD';
 
     static const CodePage &ibm437();
-    // By a number ("850") or any name that iconv knows ("CP850", "ISO-8859-1"). Refused with
-    // ErrorKind::usage where the name is unknown, or the set is no extension of ASCII with
-    // one byte for each character.
+    // By a number ("850") or any name that iconv knows ("CP850", "ISO-8859-1"). Fails with
+    // ErrorKind::usage if the name is unknown or the set is not a single-byte extension of ASCII.
     static Result<CodePage> named(const std::string &name);
 
     const std::string &name() const

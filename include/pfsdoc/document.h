@@ -1,13 +1,13 @@
-// A document: opened once, then read whole into a sink, or block by block.
+// A document: opened once, then read as a whole into a sink, or block by block.
 //
-// Block by block, reading can stop anywhere: place() gives a token, and resume() goes on from
-// one, in this process or another, in any document opened on the same file. What comes is the
+// Block by block, reading can stop anywhere: place() returns a token, and resume() continues from
+// one, in this process or another, in any document opened on the same file. The blocks are the
 // same as without the stop.
 //
 // A Document is used by one thread at a time; documents in different threads share nothing.
 // Memory is bounded by the largest paragraph, and that by max_paragraph_bytes. Errors are
 // values; nothing is thrown but what a sink throws, and std::bad_alloc. A sink that throws
-// ReadingStopped (reading_stopped.h) ends the reading, which answers with its error. Tests:
+// ReadingStopped (reading_stopped.h) ends the reading, which returns its error. Tests:
 // tests/lib/reading/document_test.cpp.
 #pragma once
 
@@ -32,10 +32,10 @@ struct VwBlockFile;
 namespace pfsdoc {
 
 struct OpenOptions {
-    // What to read with: null for the module that is built into this library. Copied.
+    // The module to read with; null for the one that is built into this library. Copied.
     const Module *module = nullptr;
-    // Whether paragraphs and pieces know their place in the file; without, reading is faster
-    // and all their offsets are 0.
+    // Whether paragraphs and pieces carry their offsets in the file. If not, reading is faster
+    // and all offsets are 0.
     bool source_offsets = true;
 };
 
@@ -44,24 +44,24 @@ struct Block {
 
     Kind kind = Kind::paragraph;
     Paragraph paragraph;      // empty for page breaks
-    uint32_t source = 0;      // of page breaks: the first one's offset in the file
-    uint64_t page_breaks = 0; // how many in a row
+    uint32_t source = 0;      // of page breaks: the first one's offset in the file, in bytes
+    uint64_t page_breaks = 0; // how many in a row; 0 in other blocks
 
     bool operator==(const Block &) const = default;
 };
 
-// What a paragraph in front of the text would have.
+// The layout that the document begins with. Units are twips.
 struct PageSetup {
     Margins margins{};
     std::vector<TabStop> tab_stops;
 };
 
-// A place between two blocks of a document. Its text has no line ends and may be kept
-// anywhere; it means nothing for any other document.
+// A position between two blocks of a document. Its text has no line ends and can be stored
+// anywhere; it is valid for that document only.
 class PFSDOC_API ResumeToken {
 public:
-    // Refused with ErrorKind::usage when the text is no token. One that was tampered with may
-    // give nonsense when it is resumed from, and never worse.
+    // Fails with ErrorKind::usage if the text is not a token. Resuming from one that has been
+    // tampered with may produce nonsense, never worse.
     static Result<ResumeToken> parse(std::string_view text);
     const std::string &text() const
     {
@@ -77,13 +77,13 @@ private:
 
 class PFSDOC_API Document {
 public:
-    // Each identifies the document by its content. Errors: input (cannot be read),
-    // not_a_document, limit (4 GiB or more), internal (the module is unfit).
+    // All identify the document by its content. Errors: input (cannot be read), not_a_document,
+    // limit (4 GiB or more), internal (the module is unsuitable).
     static Result<Document> open(const std::string &path, const OpenOptions &options = {});
     static Result<Document> from_bytes(std::vector<uint8_t> bytes, const OpenOptions &options = {});
     static Result<Document> from_source(std::unique_ptr<ByteSource> source,
                                         const OpenOptions &options = {});
-    // The record must outlive the document, which never closes it.
+    // The block file must outlive the document, which does not close it.
     static Result<Document> from_block_file(VwBlockFile &file, const OpenOptions &options = {});
 
     Document(Document &&other) noexcept;
@@ -93,25 +93,26 @@ public:
     DocumentKind kind() const;
     const Identity &identity() const;
     uint32_t size() const; // of the file, in bytes
+    // Does not affect next(). Errors: input, internal.
     Result<PageSetup> page_setup();
 
-    // Delivers the whole document, wherever next() stands. Stops with ErrorKind::limit at a
-    // paragraph that is too large. An error may come after blocks were
-    // delivered; after ErrorKind::damaged all of them have been, and the end: the file ends
-    // before the document does.
+    // Delivers the whole document, independently of next(). A paragraph that is too large ends it
+    // with ErrorKind::limit. An error may come after some blocks have been delivered; before
+    // ErrorKind::damaged, which means that the file ends before the document does, all blocks and
+    // the end have been delivered.
     Status read(BlockSink &sink);
-    // The same in the module's own events. With in_steps the reading stops at every paragraph
-    // and goes on from a saved state in another instance: slower, and the same events.
+    // The same with the module's own events. With in_steps reading stops at every paragraph and
+    // continues from a saved state in another instance: slower, with the same events.
     Status read_events(EventSink &sink, bool in_steps = false);
 
-    // The next block, or nothing at the end of the document. A document that is cut short
-    // gives ErrorKind::damaged in place of its end. After an error every call repeats it.
+    // The next block, or nothing at the end of the document. A truncated document ends with
+    // ErrorKind::damaged instead. After an error every call returns it again.
     Result<std::optional<Block>> next();
 
-    // The place in front of the block that next() would give.
+    // The position of the block that next() would return.
     Result<ResumeToken> place();
-    // The next block is the one in front of which the token was taken. Refused with
-    // ErrorKind::usage where the token is of another document or of other OpenOptions.
+    // After this, next() returns the block at the token's position. Fails with ErrorKind::usage if
+    // the token is of another document or of other OpenOptions.
     Status resume(const ResumeToken &token);
 
 private:

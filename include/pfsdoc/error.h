@@ -1,5 +1,5 @@
-// Errors are values: what went wrong, what can be done about it, and a kind that decides the
-// command's exit code. Tests: those of every file that answers with one.
+// Errors are values: what went wrong, a remedy, and a kind that determines the command's exit
+// code. Tests: those of every file that returns one.
 #pragma once
 
 #include <cstdint>
@@ -13,19 +13,19 @@ namespace pfsdoc {
 enum class ErrorKind {
     usage,          // the command line asks for something impossible
     input,          // the input cannot be read
-    not_a_document, // it can, but is none of the kinds we know
-    damaged,        // it is one, but not whole: what there is of it was read
-    limit,          // it is larger than a limit allows
+    not_a_document, // the input is not a document of a known kind
+    damaged,        // the document is truncated; the part that could be read was delivered
+    limit,          // something is larger than a limit allows
     output,         // the output cannot be written
-    internal,       // our own fault, a missing or unfit module included
+    internal,       // an internal error, including a missing or unsuitable module
     interrupted     // by the user
 };
 
 struct Error {
     ErrorKind kind;
     std::string what;
-    std::string remedy;               // empty where nothing can be done
-    std::optional<uint64_t> offset{}; // in the file, where the error has a place there
+    std::string remedy;               // empty if there is none
+    std::optional<uint64_t> offset{}; // in the file, in bytes, if the error has a position there
 };
 
 // Stable: scripts rely on them, and the manual page lists them.
@@ -44,7 +44,7 @@ constexpr int exit_code(ErrorKind kind)
     return 70;
 }
 
-// A value or the error that stood in its way. value() and error() must match ok().
+// A value, or the error that prevented it. value() only if ok(), error() only if not.
 template <typename T> class [[nodiscard]] Result {
 public:
     Result(T value) : content_(std::in_place_index<0>, std::move(value)) {}
@@ -71,7 +71,7 @@ private:
     std::variant<T, Error> content_;
 };
 
-// For what has no value: empty means success.
+// The result of an operation without a value; empty means success.
 using Status = std::optional<Error>;
 
 } // namespace pfsdoc

@@ -1,6 +1,5 @@
-// Typed events: one type for each output routine that the module calls, holding the
-// routine's own arguments as they came. Everything in the host above the module session is
-// written against these, never against raw calls.
+// Typed events: one type for each output routine that the module calls, with the routine's
+// arguments unchanged. Everything above the module session uses these, never raw calls.
 #pragma once
 
 #include "pfsdoc/export.h"
@@ -12,11 +11,11 @@
 namespace pfsdoc {
 
 struct Character {
-    int32_t byte; // 0 to 255; -1: a missing byte of a header text that is cut short
+    int32_t byte; // 0 to 255; -1: a missing byte of a truncated header text
     bool operator==(const Character &) const = default;
 };
-// A space of a line that holds only spaces, or one byte of an embedded command, which runs
-// from one '*' to the next.
+// A space in a line of spaces only, or one byte of an embedded command, which extends from one
+// '*' to the next.
 struct SpecialCharacter {
     int32_t byte;
     int32_t type;
@@ -40,7 +39,7 @@ struct Alignment {
     int32_t value; // VwAlignment
     bool operator==(const Alignment &) const = default;
 };
-// Twips from the margins. Sent after a paragraph's text and before its break.
+// In twips from the margins. Reported after a paragraph's text and before its break.
 struct Indents {
     int32_t left;
     int32_t right;
@@ -61,8 +60,8 @@ struct TabStop {
     bool operator==(const TabStop &) const = default;
 };
 struct Margins {
-    int32_t left; // twips from the page's left edge
-    int32_t right;
+    int32_t left;  // twips from the page's left edge
+    int32_t right; // twips from the page's left edge
     bool operator==(const Margins &) const = default;
 };
 struct HeaderFooter {
@@ -95,13 +94,11 @@ using Event = std::variant<Character, SpecialCharacter, PageBreak, AttributeChan
 class PFSDOC_API EventSink {
 public:
     virtual ~EventSink() = default;
-    // `offset` is the file position of the byte after those that gave rise to the event, or
-    // 0 where the session was not asked for offsets. The answer counts after a paragraph
-    // Break only: 1 ends the read call.
+    // `offset` is the file position after the bytes that caused the event, or 0 if offsets were
+    // not requested. The return value matters only after a paragraph Break: 1 ends the read call.
     virtual int32_t on_event(const Event &event, uint32_t offset) = 0;
-    // Characters of 0 to 255 that came one after the other, at least one. Only where the
-    // session was not asked for offsets. A sink that has no use for them together gets them
-    // one by one.
+    // A run of one or more consecutive characters, 0 to 255; only if offsets were not requested.
+    // By default each is passed to on_event.
     virtual void on_characters(std::string_view bytes)
     {
         for (const char byte : bytes) {

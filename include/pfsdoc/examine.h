@@ -1,6 +1,6 @@
-// A closer look at a file that has been identified: how sure its kind is, what the PRONOM
-// registry calls it, what is odd about it. Decided by content alone, as the kind itself; only
-// the extension's verdict is about the name. Test: tests/lib/reading/examine_test.cpp.
+// A closer look at an identified file: how certain its kind is, its entry in the PRONOM registry,
+// and what is unusual about it. Decided by content alone, as the kind itself; only
+// extension_mismatch looks at the name. Test: tests/lib/reading/examine_test.cpp.
 #pragma once
 
 #include "pfsdoc/byte_source.h"
@@ -15,9 +15,9 @@
 namespace pfsdoc {
 
 enum class Confidence : uint8_t {
-    certain,  // signature, a plausible header, and an end mark behind which only fill comes
+    certain,  // signature, a plausible header, and an end mark followed only by padding
     likely,   // signature and a plausible header
-    signature // the signature, and a header that is not plausible
+    signature // signature, but an implausible header
 };
 
 // "certain", "likely", "signature".
@@ -32,14 +32,15 @@ PFSDOC_API std::string_view pronom_id(DocumentKind kind);
 struct Examination {
     Confidence confidence = Confidence::signature;
     RegistrySignature registry_signature = RegistrySignature::none;
-    std::vector<std::string> notes; // what is odd, in words
+    std::vector<std::string> notes; // what is unusual, in words
 };
 
+// `kind` is what identify() returned for the source. Read errors are in source.failure().
 PFSDOC_API Examination examine(ByteSource &source, DocumentKind kind);
 
-// Words for a name whose extension belongs to another well-known format, or to another of
-// the kinds here; empty where it fits or means nothing. Extensions are taken without regard
-// to case. Much of what these programs wrote has none, or one of the writer's own.
+// A note if the name's extension, in either case, belongs to another well-known format or to
+// another of these kinds; empty if it fits or is unknown. Many of these documents have no
+// extension, or one that their author made up.
 PFSDOC_API std::string extension_mismatch(std::string_view file_name, DocumentKind kind);
 
 } // namespace pfsdoc

@@ -1,13 +1,13 @@
-// A document explained: every byte of the file, in order, with what it was read as.
+// A document explained: every byte of the file, in order, with its meaning.
 //
-// The module does the reading and is the authority: what became a character, a command, a
-// paragraph's end is taken from its events and their positions. The bytes between two events
-// are then told apart by the rules of the document's kind. So the spans cover the file from
-// its first byte to its last, and none of them overlap.
+// The module reads the document and is the authority: what became a character, a command or a
+// paragraph end is taken from its events and their positions. The bytes between two events are
+// then classified by the rules of the document's kind. The spans cover the file from its first
+// byte to its last without overlap.
 //
-// Whether a line end is soft or hard is the module's decision too; the reason that a span
-// gives is worked out again here, and a span whose reason leads to another decision than the
-// module's says that it is disputed. Tests: tests/lib/explain/.
+// The module also decides whether a line end is soft or hard. The reason that a span gives is
+// derived again here; if it leads to a different decision, the span is marked as disputed. Tests:
+// tests/lib/explain/.
 #pragma once
 
 #include "pfsdoc/byte_source.h"
@@ -28,7 +28,7 @@ enum class SpanKind : uint8_t {
     field,           // of the header: its name and value
     header_text,     // of a header or footer line
     record,          // margin and font records, rulers within the text
-    line_type,       // what a line begins with to say what it is, or how it or the next ends
+    line_type,       // the bytes at the start of a line that specify its type or its line end
     text,            // characters of one byte each
     attributed_text, // characters each with the attribute bytes that follow it
     hidden_text,     // characters that are read and not reported
@@ -37,36 +37,36 @@ enum class SpanKind : uint8_t {
     line_end,        // of a line, soft or hard
     page_break,      // a line that is a page break
     end_mark,        // of the document
-    padding,         // behind the end of the document
-    unused,          // not read, or read and passed over
-    cut              // a character of which the end of the file cut something off
+    padding,         // after the end of the document
+    unused,          // not read, or read and skipped
+    cut              // a character truncated by the end of the file
 };
 
-// "field", "header_text", ...: stable, for programs.
+// "field", "header_text", ...: stable names for programs.
 PFSDOC_API std::string_view span_kind_name(SpanKind kind);
 
 enum class LineEnd : uint8_t {
     none,
-    soft, // the line goes on in the next one
-    hard  // it ends its paragraph
+    soft, // word wrap: the paragraph continues in the next line
+    hard  // the line ends its paragraph
 };
 
 struct Span {
-    uint32_t offset = 0;
+    uint32_t offset = 0; // of its first byte in the file
     SpanKind kind = SpanKind::unused;
-    std::string bytes; // as they stand in the file; never empty
-    std::string words; // what they were read as, for people
-    // What the module reported of them as text: bytes of the document's character set. A soft
-    // line end may be reported as a space.
+    std::string bytes; // as stored in the file; never empty
+    std::string words; // their meaning, for people
+    // The text that the module reported for them, in the document's character set. A soft line
+    // end may be reported as a space.
     std::string characters;
     AttributeSet attributes = 0;  // of text
     uint32_t attribute_bytes = 0; // after each character of attributed text
     // Of line ends. A type byte of Professional Write ends the line before it.
     LineEnd line_end = LineEnd::none;
-    bool disputed = false; // the reason in words does not lead to what the module did
+    bool disputed = false; // the reason in `words` contradicts the module's decision
 };
 
-// Stretches of one sort that are longer are cut up into spans of this length at most.
+// The greatest length of a span, in bytes; longer runs are split.
 inline constexpr std::size_t longest_span = 4096;
 
 class PFSDOC_API SpanSink {
@@ -75,9 +75,9 @@ public:
     virtual void span(const Span &span) = 0;
 };
 
-// Delivers the spans of a whole file. Memory does not grow with the file, time only in
-// proportion to it. After ErrorKind::damaged, as after success, all spans have been delivered:
-// the document is cut short.
+// Delivers the spans of a whole file. Memory use is constant, time proportional to the file's size.
+// ErrorKind::damaged means that the document is truncated; all spans have been delivered, as
+// after success.
 PFSDOC_API Status explain(const Module &module, ByteSource &source, DocumentKind kind,
                           SpanSink &sink);
 

@@ -1,9 +1,9 @@
-// What the shared library shows. Everything in it is hidden but what bears PFSDOC_API, and
-// only these headers use it: what they do not declare, a program cannot come to rely on.
+// What the shared library exports. Everything without PFSDOC_API is hidden, and only these headers
+// use it, so a program cannot come to rely on anything that they do not declare.
 //
-// A class with virtual functions bears it even where all of it is inline, so that the program
-// and the library agree on what type an object is. Plain records, templates and constexpr
-// functions have nothing to show. Test: tests/install/exported_names.sh.
+// A class with virtual functions has it even if it is entirely inline, so that program and
+// library agree on an object's type. Plain structs, templates and constexpr functions have
+// nothing to export. Test: tests/install/exported_names.sh.
 #pragma once
 
 #if defined(__GNUC__)

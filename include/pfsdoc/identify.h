@@ -1,7 +1,6 @@
-// What a file is: decided by its content alone, at the places that the module itself looks
-// at, so that an answer here and a successful open are the same thing. Names and dates are
-// worth nothing: these files come with any extension or none. Test:
-// tests/lib/reading/identify_test.cpp.
+// What a file is: decided by its content alone, at the offsets that the module itself checks, so
+// that a kind is found here exactly if the module opens the file. Names and dates are ignored:
+// these files have any extension or none. Test: tests/lib/reading/identify_test.cpp.
 #pragma once
 
 #include "pfsdoc/byte_source.h"
@@ -29,16 +28,16 @@ constexpr bool is_first_choice(DocumentKind kind)
     return kind == DocumentKind::first_choice_2 || kind == DocumentKind::first_choice_3;
 }
 
-// The module's number for a kind, and the name that it gives to that number.
+// The module's number for a kind, 1012 to 1058, and its name for that number.
 PFSDOC_API int32_t file_id(DocumentKind kind);
 PFSDOC_API std::string_view display_name(DocumentKind kind);
 
 struct Identity {
     DocumentKind kind;
-    std::string basis; // what was found where
+    std::string basis; // the evidence: what was found at which offset
 };
 
-// For a file of another kind the error says what it is, as far as that can be told.
+// Errors: input, and not_a_document, whose text says what the file is, if that is known.
 PFSDOC_API Result<Identity> identify(ByteSource &source);
 
 } // namespace pfsdoc

@@ -1,5 +1,5 @@
-// What of a document a format could not say: counted by the writer as it goes, so that
-// nobody has to compare by eye. Test: tests/lib/writers/loss_report_test.cpp.
+// What a document contains that the output format cannot express, counted by the writer.
+// Test: tests/lib/writers/loss_report_test.cpp.
 #pragma once
 
 #include "pfsdoc/export.h"
@@ -22,21 +22,21 @@ enum class Loss : uint8_t {
     indents,
     tab_stops,
     line_spacing,
-    margins, // paragraphs whose margins differ from those before them
+    margins, // paragraphs whose margins differ from the previous ones
     page_break,
     header_footer, // lines
-    command,       // commands embedded in the text, those without effect on it
-    cut_command,   // commands too long to be kept whole
+    command,       // embedded commands that have no effect on the text
+    cut_command,   // commands that were too long and have been truncated
     character,     // bytes that the character set does not define
 };
 
 struct LossEntry {
     Loss loss;
     uint64_t count;
-    uint32_t first_source; // offset in the file; 0 where offsets were not asked for
+    uint32_t first_source; // byte offset of the first in the file; 0 if offsets were not requested
 };
 
-// In the plural: "embedded commands".
+// For people, in the plural: "embedded commands".
 PFSDOC_API std::string_view loss_words(Loss loss);
 // For programs: "bold", "tab_stops".
 PFSDOC_API std::string_view loss_name(Loss loss);

@@ -1,8 +1,8 @@
 // The filter module as the host sees it: the table that VwGetRtns fills, and nothing else.
 //
 // The table comes either from libvs_pfs.so, loaded at run time, or from the module linked
-// into the program. Both ways end in the same checks: a module of another build could have a
-// saved state of another size, and finding out by a damaged heap is finding out too late.
+// into the program. Both are checked in the same way: a module of another build could have a
+// saved state of another size, which would otherwise corrupt the heap.
 // Test: tests/lib/reading/module_test.cpp.
 #pragma once
 
@@ -34,17 +34,19 @@ struct ModuleEntries {
     void (*set_so_rtn)(int32_t, VwRoutine, VwInstance *);
 };
 
-// VwGetRtns' own type.
+// The type of VwGetRtns.
 using GetEntries = void (*)(VwRoutine *table, uint32_t interface_version);
 
 class PFSDOC_API Module {
 public:
+    // All fail with ErrorKind::internal.
+
     // The module that is linked into this program.
     static Result<Module> linked();
     // Loads a module. A path without a slash is a file in the current directory: the system's
-    // library directories are never searched.
+    // library directories are never searched. Copies of the Module keep it loaded.
     static Result<Module> load(const std::string &path);
-    // A module known by its VwGetRtns, which must outlive this one.
+    // A module given by its VwGetRtns, which must stay loaded as long as the result is used.
     static Result<Module> from(GetEntries get_entries);
 
     const ModuleEntries &entries() const
@@ -59,9 +61,9 @@ private:
     std::shared_ptr<void> library_; // null for the linked-in module
 };
 
-// What was asked for, in this order: `option` if it is not empty, else the environment
-// variable VS_PFS_MODULE, else libvs_pfs.so beside the program or in `library_directory`
-// (relative to the program's own), else the linked-in module. "linked" stands for the last.
+// Finds the module to use: `option` if it is not empty, else the environment variable
+// VS_PFS_MODULE, else libvs_pfs.so beside the program or in `library_directory` (relative to the
+// program's own), else the linked-in module. The value "linked" selects the last.
 PFSDOC_API Result<Module> find_module(const std::string &option,
                                       const std::string &library_directory);
 

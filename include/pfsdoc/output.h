@@ -1,4 +1,4 @@
-// Where writers put their bytes.
+// The destination of a writer's bytes.
 #pragma once
 
 #include "pfsdoc/export.h"
@@ -11,6 +11,8 @@ namespace pfsdoc {
 class PFSDOC_API Output {
 public:
     virtual ~Output() = default;
+    // Appends the bytes, which are valid during the call only. A destination that fails remembers
+    // it, or throws ReadingStopped.
     virtual void write(std::string_view bytes) = 0;
 };
 

@@ -1,5 +1,5 @@
-// How a sink ends the reading of a document: it throws this, and Document::read answers with
-// the error. Nothing more is delivered. Test: tests/lib/reading/document_test.cpp.
+// Thrown by a sink to end reading: Document::read returns the error and delivers nothing more.
+// Test: tests/lib/reading/document_test.cpp.
 #pragma once
 
 #include "pfsdoc/error.h"

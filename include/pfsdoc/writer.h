@@ -1,9 +1,9 @@
 // Output formats: each turns a document's blocks, or its raw events, into bytes.
 //
-// A format is one file: it implements Writer and is listed in lib/writers/formats.cpp. Writers take
-// blocks as they come and hold one paragraph at most, with the header and footer lines where
-// a format wants them elsewhere; what else must wait is put aside in files. Tests:
-// tests/lib/writers/*_writer_test.cpp.
+// A format is one file: it implements Writer and is listed in lib/writers/formats.cpp. A writer
+// processes blocks one by one and holds at most one paragraph, and the header and footer lines
+// if the format stores them elsewhere; anything else that must wait goes to temporary files.
+// Tests: tests/lib/writers/*_writer_test.cpp.
 #pragma once
 
 #include "pfsdoc/block_sink.h"
@@ -24,7 +24,7 @@
 
 namespace pfsdoc {
 
-// For add_attribute_losses.
+// For add_attribute_losses: the format supports none.
 inline constexpr AttributeSet all_attributes = 0xFFFF;
 
 // What is known of a document before its first block.
@@ -39,20 +39,19 @@ struct WriterOptions {
     bool page_breaks = true;
     bool headers = true;   // header and footer lines too
     bool commands = false; // show the commands embedded in the text
-    // Columns that lines are filled to, 0 for one line a paragraph; unset for the document's
-    // own margins.
+    // Line width in columns; 0: one line per paragraph; unset: the document's own margins.
     std::optional<uint32_t> wrap;
-    bool raw_lines = false; // lines end where they end in the file
-    bool lines = false;     // one JSON object a line
+    bool raw_lines = false; // keep the line ends of the file
+    bool lines = false;     // one JSON object per line
     bool offsets = false;   // with the source offset of each event
-    bool fold = false;      // characters that follow each other on one line
-    // Descriptors of files to read and write, as many as the format says, for a writer that
-    // could open none where it works. They are that writer's until it is gone, and then
-    // empty; the span outlives it. Without them it opens files when it needs them.
+    bool fold = false;      // consecutive characters on one line
+    // Descriptors of files open for reading and writing, as many as the format needs, for a
+    // writer that runs where it cannot open any. The writer uses them as long as it exists and
+    // leaves them empty; the span outlives it. Without them it opens files when needed.
     std::span<const int> scratch_files;
 };
 
-// Takes a document's blocks; its output is complete when end_of_document has been called.
+// Writes a document's blocks; its output is complete after end_of_document.
 class PFSDOC_API Writer : public BlockSink {
 public:
     // Complete at the end of the document.
@@ -63,22 +62,22 @@ public:
 
 protected:
     // What a paragraph loses in every format: commands without effect unless they are shown,
-    // the ends of commands that were cut, bytes without a character.
+    // the rest of truncated commands, bytes without a character.
     void add_common_losses(const Paragraph &paragraph, const WriterOptions &options);
-    // Of each text piece that has it, for the attributes that the format cannot say.
+    // One loss for each text piece and each of its attributes that the format does not support.
     void add_attribute_losses(const Paragraph &paragraph, AttributeSet unsayable);
 
     LossReport losses_;
 };
 
-// Takes a document's events.
+// Writes a document's events.
 class PFSDOC_API EventWriter : public EventSink {
 public:
-    // Ends the output; to be called once after the last event.
+    // Ends the output. Call it once, after the last event.
     virtual void finish() = 0;
 };
 
-// The output must outlive the writer. An error where the writer cannot be made.
+// The output must outlive the writer. Fails if the writer cannot be created.
 using MakeWriter = Result<std::unique_ptr<Writer>> (*)(Output &, const DocumentInfo &,
                                                        const WriterOptions &);
 using MakeEventWriter = std::unique_ptr<EventWriter> (*)(Output &, const WriterOptions &);
@@ -87,14 +86,13 @@ struct Format {
     std::string_view name;
     std::string_view extension; // without the dot
     std::string_view description;
-    std::string_view options;          // names of WriterOptions that it reads, a blank after each
+    std::string_view options;          // names of the WriterOptions it uses, a space after each
     MakeWriter make_writer;            // null for a format of events
     MakeEventWriter make_event_writer; // null for all others
-    // Whether paragraphs are to come with the offsets of their source, which costs time.
+    // Whether paragraphs need their source offsets, which cost time.
     bool wants_offsets;
-    bool is_binary = false; // nothing to be shown on a terminal
-    // In how many files its writer puts bytes aside that need not fit in memory. Short
-    // documents need none.
+    bool is_binary = false; // not to be shown on a terminal
+    // The number of temporary files that its writer needs for long documents.
     std::size_t scratch_files = 0;
 
     bool reads_option(std::string_view option) const
