@@ -1,7 +1,9 @@
 // What a writer puts aside, in memory and in files.
 #include "lib/base/spill_store.h"
 
+#include "lib/base/descriptor.h"
 #include "lib/base/scratch_file.h"
+#include "lib/base/transfers.h"
 #include "pfsdoc/reading_stopped.h"
 
 #include <gtest/gtest.h>
@@ -21,6 +23,7 @@ namespace {
 
 using pfsdoc::ErrorKind;
 using pfsdoc::StringOutput;
+using pfsdoc::base::Descriptor;
 using pfsdoc::base::open_scratch_file;
 using pfsdoc::base::SpillStore;
 namespace fs = std::filesystem;
@@ -138,6 +141,49 @@ TEST_F(SpillStoreTest, TakesNoNoticeOfWhatAFileHolds)
     }
     EXPECT_EQ(size_of(file), 0);
     ::close(file);
+}
+
+// -------------------------------------------------------------------------------- taken -----
+
+std::string read_from_here(const Descriptor &file)
+{
+    std::string content(4 * fits, '\0');
+    const auto length = pfsdoc::base::read_full(file.get(), content.data(), content.size());
+    content.resize(length.value_or(0));
+    return content;
+}
+
+TEST_F(SpillStoreTest, IsTakenAsAFileThatStandsAtItsStart)
+{
+    for (const std::size_t size : {std::size_t{0}, std::size_t{100}, fits, fits + 1, 3 * fits}) {
+        SCOPED_TRACE(size);
+        const std::string content(size, 'x');
+        Descriptor file;
+        {
+            SpillStore store;
+            store.write(content);
+            file = store.take();
+        }
+        ASSERT_TRUE(file.is_open());
+        EXPECT_TRUE(read_from_here(file) == content);
+        EXPECT_EQ(size_of(file.get()), static_cast<off_t>(size));
+        EXPECT_TRUE(fs::is_empty(directory));
+    }
+}
+
+TEST_F(SpillStoreTest, FailsAsItsUserSays)
+{
+    ::setenv("TMPDIR", (directory / "missing").c_str(), 1);
+    SpillStore store([](int error_number) {
+        return pfsdoc::Error{ErrorKind::input, "not unpacked: " + std::to_string(error_number), ""};
+    });
+    try {
+        store.write(std::string(fits + 1, 'x'));
+        FAIL() << "written nowhere";
+    } catch (const pfsdoc::ReadingStopped &stopped) {
+        EXPECT_EQ(stopped.error().kind, ErrorKind::input);
+        EXPECT_EQ(stopped.error().what, "not unpacked: " + std::to_string(ENOENT));
+    }
 }
 
 // ------------------------------------------------------------------------------ faults -----
