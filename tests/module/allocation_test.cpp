@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <iterator>
 #include <new>
 
 namespace {
@@ -16,6 +19,7 @@ volatile bool counting = false;
 volatile bool refusing = false;
 volatile unsigned allocations = 0;
 volatile unsigned mallocs = 0; // of these, by malloc
+volatile bool soiling = false; // malloc hands out memory that has been used
 
 bool refuse_one()
 {
@@ -72,7 +76,11 @@ void *__wrap_realloc(void *block, std::size_t size);
 void *__wrap_malloc(std::size_t size)
 {
     mallocs = mallocs + (counting ? 1 : 0);
-    return refuse_one() ? nullptr : __real_malloc(size);
+    void *block = refuse_one() ? nullptr : __real_malloc(size);
+    if (soiling && block != nullptr) {
+        std::memset(block, 0xA5, size);
+    }
+    return block;
 }
 void *__wrap_calloc(std::size_t count, std::size_t size)
 {
@@ -136,6 +144,20 @@ TEST(Allocation, TakesTheStreamFromWhereTheInstanceComes)
     VwBlockFile *wrapped = nullptr;
     VwLocalDown(stream, &wrapped, instance);
     VwFreeProc(instance);
+}
+
+TEST(Allocation, LeavesNothingOfUsedMemoryInAStream)
+{
+    MemoryBlockFile file("abc");
+    soiling = true;
+    VwCharStream *stream = VwBlockToChar(&file);
+    soiling = false;
+    EXPECT_EQ(VwCharTell(stream), 0U);
+    EXPECT_EQ(stream->bufferLength, 0U);
+    EXPECT_EQ(stream->cursor, stream->buffer);
+    EXPECT_TRUE(std::all_of(std::begin(stream->buffer), std::end(stream->buffer),
+                            [](uint8_t byte) { return byte == 0; }));
+    VwCharToBlock(stream);
 }
 
 TEST(Allocation, DoesNotHappenWhileADocumentIsOpenedAndRead)
