@@ -1,5 +1,5 @@
-// The program's own malloc, calloc and realloc stand before the C library's for everything
-// that it loads. They count and pass on; what they pass on to is the GNU C library's.
+// The program's own malloc, calloc and realloc replace the C library's for everything that it
+// loads. They count each call and forward it to the GNU C library.
 #include "bench/allocation_count.h"
 
 #include <atomic>

@@ -1,4 +1,4 @@
-// How often anything in the process has asked for memory.
+// The number of memory allocations in the process.
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,9 @@
-// The groups of measurements. Each registers its benchmarks; what they measure goes into the
+// The groups of measurements. Each registers its benchmarks; their results go into the
 // figures.
 //
 // A benchmark's round measures things to be compared right after one another, and the
-// benchmark library runs the rounds of all of them in random order. So a ratio is of figures
-// of the same moment, and what else the machine does falls on all alike.
+// benchmark library runs the rounds of all of them in random order. So ratios compare
+// figures of the same moment, and other load on the machine affects all alike.
 #pragma once
 
 #include "bench/documents.h"
@@ -27,7 +27,7 @@ Settings settings();
 
 inline constexpr std::size_t megabyte = std::size_t{1} << 20;
 
-// One kind for each line reader; and Writing Assistant, which has a decoder of its own.
+// One kind for each line reader; and Writing Assistant, which has its own decoder.
 struct ReaderCase {
     const char *name;
     pfs_builder::Kind kind;
@@ -53,7 +53,7 @@ private:
     std::map<std::pair<pfs_builder::Kind, Text>, std::string> documents_;
 };
 
-// What a benchmark needs, and must outlive it.
+// What a benchmark needs; it must outlive the benchmark.
 struct Scene {
     Settings settings;
     const Subject &subject;
@@ -61,20 +61,20 @@ struct Scene {
     Figures &figures;
 };
 
-// A round returns the seconds that are shown for it.
+// A round returns the seconds to be shown for it.
 void register_rounds(const std::string &name, int rounds, const std::function<double()> &round);
 
-// The readers against the floor (reader_benchmarks.cpp), and at sizes from 1/64 of the
-// setting's to four times as much (size_benchmarks.cpp).
+// The readers compared with the floor (reader_benchmarks.cpp), and at sizes from 1/64 to four
+// times the configured size (size_benchmarks.cpp).
 void register_reader_benchmarks(const Scene &scene);
 void register_size_benchmarks(const Scene &scene);
 // Opening, and whole letters (letter_benchmarks.cpp).
 void register_letter_benchmarks(const Scene &scene);
-// Going on at saved places (resume_benchmarks.cpp).
+// Resuming at saved positions (resume_benchmarks.cpp).
 void register_resume_benchmarks(const Scene &scene);
 // Text by the reference host, in process (host_benchmarks.cpp).
 void register_host_benchmarks(const Scene &scene);
-// And by its command, beside other commands (command_benchmarks.cpp).
+// Text by the command, compared with other commands (command_benchmarks.cpp).
 void register_command_benchmarks(const Scene &scene);
 
 } // namespace bench

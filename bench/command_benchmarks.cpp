@@ -1,6 +1,6 @@
-// The command pfsdoc as a whole process, by its processor time, beside commands that do the
-// like with the same prose in their own formats; and how much memory it needs, and the module
-// alone in the C example.
+// The processor time of the command pfsdoc as a whole process, compared with commands that do
+// the same for the same prose in their own formats; and the memory that it needs, and that the
+// module alone needs in the C example.
 #include "bench/benchmarks.h"
 
 #include "bench/commands.h"
@@ -16,7 +16,7 @@ namespace bench {
 namespace {
 
 constexpr int letters_a_round = 20;
-// Commands take long, and their figures are steady.
+// Commands take long, and their figures vary little.
 constexpr int rounds_divisor = 3;
 
 Command pfsdoc_text(const std::string &file)
@@ -24,7 +24,7 @@ Command pfsdoc_text(const std::string &file)
     return {program_directory() + "pfsdoc", "text", file};
 }
 
-// Of the setting's size, in sixty-fourths: 1, 20 and 64 MB as it stands.
+// In sixty-fourths of the configured size: 1, 20 and 64 MB by default.
 struct DocumentSize {
     const char *name;
     std::size_t share;
@@ -118,7 +118,7 @@ private:
     std::vector<std::pair<const Other *, Command>> others_;
 };
 
-// All sizes in one round, for what the middle one is to the small one.
+// All sizes in one round, for the ratio of the middle one to the small one.
 class GrowthBenchmark {
 public:
     explicit GrowthBenchmark(const Scene &scene)
@@ -197,7 +197,7 @@ private:
     std::vector<std::pair<std::string, Command>> commands_;
 };
 
-// Peak memory of pfsdoc, and of the module in a host that keeps nothing.
+// Peak memory of pfsdoc, and of the module in a host that stores nothing.
 class MemoryBenchmark {
 public:
     MemoryBenchmark(const Scene &scene, const ReaderCase &reader) : scene_(scene), reader_(reader)
@@ -218,7 +218,7 @@ public:
     }
 
 private:
-    // 1, 16 and 256 MB as it stands.
+    // 1, 16 and 256 MB by default.
     static constexpr std::array<std::size_t, 3> shares = {1, 16, 256};
 
     template <typename MakeCommand>

@@ -20,7 +20,7 @@ namespace {
     std::exit(EXIT_FAILURE);
 }
 
-// Starts a command that writes to the descriptor; -1 when it cannot.
+// Starts a command that writes to the descriptor; -1 on failure.
 pid_t start(Command command, int output, int unused_by_child)
 {
     std::vector<char *> arguments;
@@ -51,7 +51,7 @@ std::string read_all(int descriptor)
     return text;
 }
 
-// What a command writes. Ends the program when it fails.
+// A command's output. Exits if the command fails.
 std::string output_of(const Command &command)
 {
     int ends[2] = {-1, -1};

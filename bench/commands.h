@@ -1,4 +1,4 @@
-// Commands and the files that they are given.
+// Commands and their input files.
 #pragma once
 
 #include <filesystem>
@@ -10,15 +10,14 @@ namespace bench {
 
 using Command = std::vector<std::string>;
 
-// Of one run, on average; and the most memory that one run had resident.
+// Averages of one run, and the peak resident memory of any run.
 struct CommandCost {
     double processor_seconds;
     double clock_seconds;
     double peak_kilobytes;
 };
 
-// Runs a command in a process of its own, its output thrown away. Ends the program when the
-// command fails.
+// Runs a command in a separate process and discards its output. Exits if the command fails.
 CommandCost cost_of_command(const Command &command, int times = 1);
 
 bool is_installed(const std::string &name);

@@ -1,8 +1,8 @@
-// The documents that are measured: ordinary ones of any size, by the document builder.
+// The documents to be measured: ordinary ones of any size, made by the document builder.
 //
 // The builder keeps a record for each character, so it makes one piece of about a megabyte
-// and the rest of the text is that piece over and over. Every piece ends with its paragraph,
-// so that nothing is read otherwise for what comes behind it.
+// and repeats it. Every piece ends with its paragraph, so what follows does not change how it
+// is read.
 #pragma once
 
 #include "builder/build.h"
@@ -25,20 +25,20 @@ inline constexpr std::array<Text, 4> texts = {Text::prose, Text::attributed, Tex
                                               Text::commands};
 const char *text_name(Text text);
 
-// What stands around the text of a document.
+// The parts of a document around its text.
 struct Frame {
     std::string head; // everything before the first line
-    std::string tail; // the end byte, and what has to stand before it
+    std::string tail; // the end byte, and what must precede it
 };
 Frame frame_of(pfs_builder::Kind kind, pfs_builder::Margins margins = {});
 
-// Makes documents of one kind and text, the shorter ones being beginnings of the longer.
+// Makes documents of one kind and text; the shorter ones are prefixes of the longer.
 class DocumentMaker {
 public:
     // `piece_size` is for documents that are smaller than a piece.
     DocumentMaker(pfs_builder::Kind kind, Text text, std::size_t piece_size = largest_piece);
 
-    // A document of at least `size` bytes, and at most a piece more.
+    // A document of at least `size` bytes, and at most one piece more.
     std::string make(std::size_t size) const;
 
 private:

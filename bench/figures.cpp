@@ -9,8 +9,8 @@ namespace {
 
 enum class Bound { at_least, at_most };
 
-// Holds for every figure whose name begins with `figure`; what follows the colon says of what
-// it was measured.
+// Applies to every figure whose name begins with `figure`; the part after the colon names what
+// was measured.
 struct Goal {
     const char *what;
     const char *figure;
@@ -18,8 +18,8 @@ struct Goal {
     double value;
 };
 
-// A paragraph is less than that, but the kernel notes a process's pages in steps, so that the
-// peak of the same run differs by about as much.
+// A paragraph is smaller, but the kernel counts a process's pages in batches, so the peak of
+// identical runs varies by about this much.
 constexpr double memory_granularity = 256;
 
 constexpr Goal goals[] = {
@@ -57,7 +57,7 @@ void print_line(const Goal &goal, const char *subject, const Spread &spread)
                 is_reached(goal, spread.median) ? "reached" : "MISSED");
 }
 
-// True: it was not missed.
+// True if it was not missed.
 bool print_goal(const Goal &goal, const Figures &figures)
 {
     bool measured = false;

@@ -1,4 +1,4 @@
-// What was measured, by name, and the goals it is held against.
+// The measurements, by name, and the goals that they are compared with.
 #pragma once
 
 #include "bench/statistics.h"
@@ -15,12 +15,12 @@ public:
     {
         values_[name].push_back(value);
     }
-    // For a figure that is worked out of others anew each time.
+    // For a figure that is recomputed from others.
     void set(const std::string &name, double value)
     {
         values_[name] = {value};
     }
-    // Every figure, with its median and the quarters around it.
+    // Every figure, with its median and quartiles.
     void print() const;
     const std::map<std::string, std::vector<double>> &values() const
     {
@@ -31,8 +31,8 @@ private:
     std::map<std::string, std::vector<double>> values_;
 };
 
-// The goals are kept by the medians. Prints what was measured beside them; what was not
-// measured is said so. True: none was missed.
+// Prints the goals with the medians that were measured; a goal that was not measured is marked.
+// True if none was missed.
 bool print_goals(const Figures &figures);
 
 } // namespace bench

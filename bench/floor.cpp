@@ -1,4 +1,4 @@
-// The floor stands in a library of its own, loaded at run time as the module is, so that no
+// The floor is in a separate library, loaded at run time as the module is, so that no
 // compiler sees both sides of a call out. Its stream is the module's: VwCharGet in place,
 // and the module's refill.
 #include "bench/floor.h"

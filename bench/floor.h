@@ -1,4 +1,4 @@
-// The floor: what reading a document costs at least, since each character is a call out.
+// The floor: the lower bound for reading a document, since each character is a call out.
 #pragma once
 
 #include "vs_pfs.h"
@@ -7,17 +7,17 @@
 extern "C" {
 #endif
 
-// A routine table as a filter has one, and the words that end each call.
+// A routine table like a filter's, and the user words that end each call.
 struct FloorTable {
     VwRoutine routines[VW_OUTPUT_ROUTINES];
     uint32_t user1;
     uint32_t user2;
 };
 
-// Reads the stream to its end and gives each byte to routine VW_SO_CHARACTER of the table.
+// Reads the stream to its end and passes each byte to the table's routine VW_SO_CHARACTER.
 VS_PFS_API void FloorRead(VwCharStream *stream, const struct FloorTable *table);
 
-// The refill that the floor uses, so that it can be seen to be the measured module's.
+// The refill that the floor uses, to check that it is the measured module's.
 typedef int32_t (*FloorRefill)(VwCharStream *);
 VS_PFS_API FloorRefill FloorUses(void);
 

@@ -1,17 +1,16 @@
 // How the cost of hostile bodies grows with their size: growth [ROUNDS] [MEGABYTES]
 //
 // Reads each body at 1, 4 and 16 MB (or in thirds of another size's powers) through the
-// module, to a host that counts, with plain prose of the same kind and size read right before
-// it, and prints nanoseconds of this thread for each byte: medians of several rounds, in each
-// of which everything is read once. Two goals: a body costs at most twice as much for each
-// byte at one size as at another, and at most five times what prose does.
+// module, into a counting host, right after plain prose of the same kind and size, and prints
+// nanoseconds of this thread per byte: medians of several rounds, in each of which everything is
+// read once. Two goals: a body costs at most twice as much per byte at one size as at another,
+// and at most five times as much as prose.
 //
-// Then the same without the lookahead's memory: a host that makes the instance forget it with
-// each character, so that every line end scans for itself. There the cost for each byte
-// doubles with the size, as do the bytes that are read from the host for each byte of the
-// document.
+// Then the same without the lookahead's memory: a host makes the instance forget it at each
+// character, so every line end scans again. There the cost per byte doubles with the size, as do
+// the bytes read from the host per byte of the document.
 //
-// The exit code is 1 when a goal was missed, or when the two ways told different texts.
+// The exit code is 1 if a goal was missed, or if the two ways reported different texts.
 #include "bench/documents.h"
 #include "bench/hostile_bodies.h"
 #include "bench/reading.h"
@@ -74,8 +73,8 @@ int32_t count_break(int32_t, int32_t, uint32_t low, uint32_t high)
 }
 
 struct Cost {
-    double nanoseconds; // for each byte of the document
-    double bytes_read;  // from the host, for each byte of the document
+    double nanoseconds; // per byte of the document
+    double bytes_read;  // from the host, per byte of the document
     uint64_t characters;
     uint64_t breaks;
 };
@@ -88,7 +87,7 @@ Cost cost_of(const pfsdoc::ModuleEntries &entries, const std::string &document, 
     counts.instance = reading.instance;
     reading.on(VW_SO_BREAK, count_break);
     if (memory == Memory::forgotten) {
-        // In every line one of the two comes before the line end is judged.
+        // In every line one of the two comes before the line end is classified.
         reading.on(VW_SO_CHARACTER, count_and_forget);
         reading.on(VW_SO_LINE_SPACING, forget_at_spacing);
     } else {
@@ -104,7 +103,7 @@ Cost cost_of(const pfsdoc::ModuleEntries &entries, const std::string &document, 
             counts.characters, counts.breaks};
 }
 
-// What was measured of one body with one pair of margins, by size.
+// The measurements of one body with one pair of margins, by size.
 struct Row {
     const HostileBody *body;
     const StoredMargins *margins;
@@ -157,7 +156,7 @@ public:
         }
     }
 
-    // True: all goals were reached.
+    // True if all goals were reached.
     bool print() const
     {
         print_head();
@@ -232,7 +231,7 @@ void print_forgetful_cost(const HostileBody &body, const char *memory,
     std::printf(" %11.1f\n", costs.back().bytes_read);
 }
 
-// True: what was reported is the same with and without the memory.
+// True if the same was reported with and without the memory.
 bool compare_memories(const pfsdoc::ModuleEntries &entries, const HostileBody &body)
 {
     std::vector<Cost> forgotten;

@@ -1,5 +1,5 @@
-// The reference host in process: the text of a large document, thrown away, against the
-// module alone, and against copying the document's bytes.
+// The library in process: the text of a large document, discarded, compared with the module
+// alone and with copying the document's bytes.
 #include "bench/benchmarks.h"
 
 #include "lib/reading/read_document.h"

@@ -27,8 +27,7 @@ std::string repeat(std::string_view pattern, std::size_t size)
     return body;
 }
 
-// Picks from the tokens, so that each line end stands where the lookahead takes it for an
-// attribute byte.
+// Picks from the tokens, so that the lookahead takes each line end for an attribute byte.
 template <std::size_t N> std::string mix(const std::string_view (&tokens)[N], std::size_t size)
 {
     std::minstd_rand random(1989);
@@ -91,7 +90,7 @@ std::string return_lines(std::size_t size)
     return repeat("a\x0D", size);
 }
 
-// Every other line end begins a scan of one buffer's length.
+// Every second line end begins a scan of one buffer's length.
 std::string assistant_stretches(std::size_t size)
 {
     return repeat(repeat("a\x80\x0D", VW_STREAM_BUFFER_SIZE) + " ", size);

@@ -1,11 +1,11 @@
-// Bodies in which each line end's lookahead would run on to the end of the file.
+// Bodies in which each line end's lookahead would run to the end of the file.
 //
 // The lookahead takes more bytes for attribute bytes than the reader does, and so takes a
-// line end for one: in IBM Writing Assistant a byte from 0x80 to 0xBF with what follows it,
-// in First Choice 2 any chain of bytes with bit 0x40 and the byte behind it. What the reader
-// sees is a line end; what the lookahead sees is one word, or one run of blanks, that never
-// ends. The bodies that are not hostile in this way cost a lookahead as much as a document
-// can without it: words and blanks that do not fit into the stream's buffer.
+// line end for one: in IBM Writing Assistant a byte from 0x80 to 0xBF and the next byte, in
+// First Choice 2 any chain of bytes with bit 0x40 and the byte after it. The reader sees a line
+// end; the lookahead sees one word, or one run of spaces, that never ends. The other bodies cost
+// a lookahead as much as a document can without this: words and runs of spaces that do not fit
+// into the stream's buffer.
 #pragma once
 
 #include "builder/document.h"
@@ -26,7 +26,7 @@ struct HostileBody {
 
 const std::vector<HostileBody> &hostile_bodies();
 
-// Margins as the header stores them, counted from 1; what is above 32768 is negative.
+// Margins as the header stores them, counted from 1; values above 32768 are negative.
 struct StoredMargins {
     const char *name;
     uint16_t left;

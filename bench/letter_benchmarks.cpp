@@ -1,5 +1,5 @@
-// Small documents: opening one of each kind, and reading a whole letter, all that a program
-// does for it included, from VwAllocProc to VwFreeProc.
+// Small documents: opening one of each kind, and reading a whole letter, including everything
+// that a program does for it, from VwAllocProc to VwFreeProc.
 #include "bench/benchmarks.h"
 
 #include "bench/allocation_count.h"

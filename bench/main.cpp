@@ -1,7 +1,7 @@
 // The benchmark: measures everything in one interleaved run, then prints every figure and
-// the goals. VS_PFS_BENCH_MB chooses the size of the large documents, VS_PFS_BENCH_ROUNDS how
-// often everything is measured; the benchmark library's own options hold as well.
-// The exit code is 1 when a goal was missed.
+// the goals. VS_PFS_BENCH_MB sets the size of the large documents, VS_PFS_BENCH_ROUNDS how often
+// everything is measured; the benchmark library's own options work as well.
+// The exit code is 1 if a goal was missed.
 #include "bench/benchmarks.h"
 
 #include <benchmark/benchmark.h>
@@ -73,7 +73,7 @@ int run(int count, char **arguments)
     figures.print();
     std::printf("\n");
     const bool reached = print_goals(figures);
-    benchmark::ClearRegisteredBenchmarks(); // before what they refer to is gone
+    benchmark::ClearRegisteredBenchmarks(); // before the objects that they refer to are gone
     benchmark::Shutdown();
     return reached ? 0 : 1;
 }

@@ -1,12 +1,12 @@
-/* Runs a command a number of times, with its output thrown away, and prints what that cost:
+/* Runs a command a number of times, discards its output, and prints the cost:
  *
  *   measure_command TIMES COMMAND [ARGUMENT...]
  *
- * prints nanoseconds of processor time, nanoseconds on the clock, and the most memory that
- * one run had resident, in kilobytes. Fails when a run fails.
+ * prints nanoseconds of processor time, nanoseconds on the clock, and the peak resident
+ * memory of any run, in kilobytes. Fails if a run fails.
  *
- * A program of its own, in C and small, because a child's peak counts what its parent had
- * resident where it was started. */
+ * A separate program, in C and small, because a child's peak includes what its parent had
+ * resident when the child was started. */
 #include <fcntl.h>
 #include <spawn.h>
 #include <stdio.h>
@@ -57,7 +57,7 @@ int main(int argc, char **argv)
         fputs("usage: measure_command TIMES COMMAND [ARGUMENT...]\n", stderr);
         return 2;
     }
-    /* Addresses at random make the peak differ by some pages from one run to the next. */
+    /* With address randomisation the peak varies by some pages between runs. */
     personality(ADDR_NO_RANDOMIZE);
     for (int i = 0; i < times; ++i) {
         struct rusage usage;

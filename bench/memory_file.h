@@ -1,4 +1,4 @@
-// A block file over bytes in memory that counts what is asked of it.
+// A block file over bytes in memory that counts its operations.
 #pragma once
 
 #include "vs_pfs.h"

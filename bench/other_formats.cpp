@@ -20,12 +20,12 @@ constexpr char hard_return = '\x0A';
 constexpr std::size_t word_perfect_columns = 65;
 
 // Word for DOS: a header page, the text, then a page that says how far each look of the
-// characters holds, and one that says it of the paragraphs. Here one look holds for all.
+// characters holds, and one for the paragraphs. Here one format applies to all.
 constexpr std::size_t word_page = 128;
 constexpr auto word_magic = "\x31\xBE\0\0\0\xAB"sv;
 constexpr std::size_t word_text_end_offset = 0x0E;
 constexpr std::size_t word_paragraph_page_offset = 0x12;
-// The page behind the last, six times over: there is nothing of what these would point to.
+// The page after the last, six times: what these would point to does not exist.
 constexpr std::size_t word_end_page_offsets[] = {0x14, 0x16, 0x18, 0x1A, 0x1C, 0x60};
 constexpr std::size_t word_look_end_offset = 4;
 constexpr std::size_t word_look_offset = 8;
@@ -58,7 +58,7 @@ std::string join(std::string_view head, const Paragraphs &paragraphs, std::strin
     return text.append(tail);
 }
 
-// Lines end where a word would pass the last column; the soft return takes the space's place.
+// Lines end where a word would pass the last column; the soft return replaces the space.
 std::string wrapped(std::string paragraph)
 {
     std::size_t line_begin = 0;

@@ -11,7 +11,7 @@ namespace bench {
 using Paragraphs = std::vector<std::string>;
 
 std::string rich_text(const Paragraphs &paragraphs);
-// WordPerfect 5.1: lines wrapped as its own, which end in soft returns.
+// WordPerfect 5.1: lines wrapped as it does, ending in soft returns.
 std::string word_perfect(const Paragraphs &paragraphs);
 // Word for DOS, which counts pages of 128 bytes in 16 bits: up to word_for_dos_limit.
 std::string word_for_dos(const Paragraphs &paragraphs);

@@ -1,4 +1,4 @@
-// Makes a document, or reads one once: what an instrument counts the instructions of.
+// Makes a document, or reads one once, for counting instructions.
 //
 //   read_once make READER TEXT BYTES > FILE     the reader's kind and the text by their numbers
 //   read_once floor|module|silent FILE

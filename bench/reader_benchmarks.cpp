@@ -1,5 +1,5 @@
-// The module against the floor, for each line reader and each sort of text: to the same
-// routine, and to a host that registers nothing.
+// The module compared with the floor, for each line reader and each sort of text: with the same
+// routine, and with a host that registers nothing.
 #include "bench/benchmarks.h"
 
 #include <memory>
@@ -16,7 +16,7 @@ public:
     {
     }
 
-    // The module's seconds. Each round begins with another of the three.
+    // The module's seconds. Each round begins with a different one of the three.
     double measure()
     {
         AppendingHost host(document_.size());
@@ -41,7 +41,7 @@ private:
         const auto size = static_cast<double>(document_.size());
         const double per_call =
             static_cast<double>(module.characters) / static_cast<double>(floor.characters);
-        // Where characters have attribute bytes, by the characters that are reported.
+        // Where characters have attribute bytes, per reported character.
         const bool by_characters = text_ == Text::attributed;
         add("speed of floor", floor.seconds / module.seconds * (by_characters ? per_call : 1.0));
         add("silent speed-up", module.seconds / silent.seconds);

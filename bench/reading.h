@@ -8,8 +8,8 @@
 
 namespace bench {
 
-// One document, open, with no routine registered yet. The user words of its output calls are
-// the address that is given here.
+// One open document, with no routine registered yet. The user words of its output calls are the
+// address given here.
 class Reading {
 public:
     Reading(const pfsdoc::ModuleEntries &entries, MemoryFile &file, void *user);
@@ -22,7 +22,7 @@ public:
         entries.set_so_rtn(id, reinterpret_cast<VwRoutine>(routine), instance);
     }
 
-    // Ends the program when the document is of no kind that is known.
+    // Exits if the document is of no known kind.
     void open();
 
     const pfsdoc::ModuleEntries &entries;

@@ -1,6 +1,6 @@
-// Going on where a reading was left: the state and position are saved at every paragraph
-// break of a large document; then they are restored at random places, and one paragraph is
-// read from each. In four groups by the place, since the cost must not depend on it.
+// Resuming: state and position are saved at every paragraph break of a large document; then
+// random ones are restored, and one paragraph is read from each. In four groups by position,
+// since the cost must not depend on it.
 #include "bench/benchmarks.h"
 
 #include <algorithm>
@@ -36,7 +36,7 @@ public:
     {
         std::array<double, groups> seconds{};
         const uint64_t reads = file_.reads;
-        // The groups in turns: what the machine does meanwhile falls on all of them.
+        // The groups alternate, so that other load on the machine affects all of them.
         for (std::size_t i = 0; i < resumes_a_round; i += batch) {
             const std::size_t group = i / batch % groups;
             seconds[group] += resume_some(group);

@@ -1,4 +1,4 @@
-// How the time for each byte grows with the document: it should not.
+// How the time per byte grows with the document: it should not.
 #include "bench/benchmarks.h"
 
 #include <algorithm>
@@ -9,10 +9,10 @@ namespace bench {
 
 namespace {
 
-// Of the setting's size, in sixty-fourths: 1, 4, 16, 64 and 256 MB as it stands.
+// In sixty-fourths of the configured size: 1, 4, 16, 64 and 256 MB by default.
 constexpr std::array<std::size_t, 5> shares = {1, 4, 16, 64, 256};
 constexpr std::size_t whole_share = 64;
-// A short document is read over and over until this much has been read.
+// A short document is read repeatedly until this much has been read.
 constexpr std::size_t least_share = 16;
 
 class SizeBenchmark {

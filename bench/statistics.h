@@ -1,17 +1,17 @@
-// Figures from a noisy machine: what one thread costs, and medians of what was measured.
+// Figures from a noisy machine: one thread's processor time, and medians.
 #pragma once
 
 #include <vector>
 
 namespace bench {
 
-// CPU time of this thread, in seconds: what others do on the machine does not count.
+// CPU time of this thread, in seconds, regardless of other load on the machine.
 double thread_seconds();
 
 // Of an even number, the mean of the two in the middle. The list must not be empty.
 double median(std::vector<double> values);
 
-// The quarters' boundaries below and above the median.
+// The lower and the upper quartile.
 struct Spread {
     double median;
     double lower;

@@ -177,8 +177,8 @@ Measured measure_silent(const Subject &subject, std::string_view document)
     Reading reading(subject.entries(), file, nullptr);
     reading.open();
     const Measurement measurement(file);
-    // Unregistered, routine 13 answers each paragraph end with 1, and nothing tells of the
-    // document's end but the position.
+    // Unregistered, routine 13 returns 1 at each paragraph end, and only the position shows the
+    // document's end.
     while (position_of(reading) < document.size()) {
         reading.entries.stream_read(reading.stream, reading.instance);
     }

@@ -1,5 +1,4 @@
-// What is measured: the module and the floor, loaded at run time, and the host that they
-// call out to.
+// What is measured: the module and the floor, loaded at run time, and the host that they call.
 #pragma once
 
 #include "bench/floor.h"
@@ -12,10 +11,10 @@
 
 namespace bench {
 
-// Both libraries stand beside the program.
+// Both libraries are in the program's directory.
 class Subject {
 public:
-    // Ends the program when a library is missing or the floor's stream is not the module's.
+    // Exits if a library is missing or the floor's stream is not the module's.
     Subject();
 
     const pfsdoc::Module &module() const
@@ -68,7 +67,7 @@ private:
     std::unique_ptr<uint8_t[]> buffer_;
 };
 
-// What one reading of a document took, from the first read call to the end.
+// The cost of reading a document once, from the first read call to the end.
 struct Measured {
     double seconds = 0;
     std::size_t characters = 0;
