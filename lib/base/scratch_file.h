@@ -1,6 +1,6 @@
 // Files for what must be put aside and memory should not hold: without a name, so that nothing
 // of them is left however the process ends. They are made in the folder that the environment
-// variable TMPDIR names, or in /tmp. Tests: tests/lib/base/scratch_test.cpp and
+// variable TMPDIR names, or in /tmp. Tests: tests/lib/base/spill_store_test.cpp and
 // tests/lib/reading/byte_source_test.cpp.
 #pragma once
 
