@@ -1,4 +1,4 @@
-// The way from a document to its file, and the names that go with it: kinds and faults.
+// From a document to its file; names of kinds, and faults.
 // Test: tests/builder/build_test.cpp.
 #include "builder/build.h"
 #include "builder/capabilities.h"

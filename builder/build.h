@@ -1,4 +1,4 @@
-// From a document to the bytes of its file, and what each kind can say.
+// From a document to the bytes of its file, and what each kind supports.
 #pragma once
 
 #include "builder/document.h"
@@ -10,10 +10,10 @@ struct Built {
     std::optional<Fault> fault; // set: there are no bytes
 };
 
-// The file of a document. What its kind cannot say is a fault.
+// The file of a document. Anything that its kind does not support is a fault.
 Built build(const Document &document);
 
-// The file id and the name by which hosts know a kind.
+// The file id and the name that hosts use for a kind.
 struct KindName {
     Kind kind;
     int file_id;
@@ -24,8 +24,7 @@ extern const std::array<KindName, kinds> kind_names;
 
 const char *kind_name(Kind kind);
 
-// The kind of a file id in digits or of a name in letters of either case, with or without
-// its "PFS: ".
+// The kind for a file id in digits, or for a name in either case, with or without "PFS: ".
 std::optional<Kind> find_kind(const std::string &text);
 
 } // namespace pfs_builder

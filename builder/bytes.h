@@ -1,4 +1,4 @@
-// Putting bytes together, and the names of those that all bodies share.
+// Composing bytes, and the names of those that all bodies share.
 #pragma once
 
 #include "formats/text.h"

@@ -1,4 +1,4 @@
-// One row of a table for each kind; everything in a document is held against its row.
+// A table with one row per kind; everything in a document is checked against its row.
 // Test: tests/builder/capabilities_test.cpp.
 #include "builder/capabilities.h"
 #include "builder/build.h"
@@ -22,7 +22,7 @@ constexpr int write_ruler_columns = 255;
 constexpr std::size_t write_ruler_stops = formats::write::ruler_entries;
 constexpr int bit_ruler_columns = formats::choice::bit_ruler_bytes * 8;
 constexpr int byte_ruler_columns = formats::choice::byte_ruler_columns;
-constexpr std::size_t choice_most_stops = 99;  // readers keep no more
+constexpr std::size_t choice_most_stops = 99;  // readers store no more
 constexpr std::size_t most_record_bytes = 253; // the length byte counts itself and the mark
 constexpr char margin_record_type = formats::write::record_margins;
 
@@ -37,7 +37,7 @@ struct Abilities {
     Style text_styles;
     Style header_footer_styles;
     Alignments alignments;
-    bool own_margins; // false: 10 and 70, whatever the header holds
+    bool own_margins; // false: always 10 and 70
     std::size_t most_tab_stops;
     bool decimal_stops;
     bool records; // before the body
@@ -143,7 +143,7 @@ public:
     }
 
 private:
-    // Keeps the first fault.
+    // Stores the first fault.
     void refuse(const Location &location, std::string what, std::string remedy)
     {
         if (!fault_) {

@@ -1,12 +1,12 @@
-// What each kind can say.
+// What each kind supports.
 #pragma once
 
 #include "builder/document.h"
 
 namespace pfs_builder {
 
-// The first thing that a document says and that its kind cannot. After this its encoder can
-// store all of it.
+// The first element of a document that its kind does not support; if there is none, the encoder
+// can store all of it.
 std::optional<Fault> check_capabilities(const Document &document);
 
 } // namespace pfs_builder

@@ -1,6 +1,6 @@
 // Bodies of First Choice 3. A line begins with header bytes that say whether it is text, a
-// ruler or a page break, and whether a text line ends its paragraph: it does when there are
-// two of them and the second says so.
+// ruler or a page break, and whether a text line ends its paragraph: it does if there are two of
+// them and the second has the bit.
 // Test: tests/builder/choice3_encoder_test.cpp.
 #include "builder/bytes.h"
 #include "builder/choice_characters.h"
@@ -60,7 +60,7 @@ private:
         }
     }
 
-    // The margins that it marks hold for the lines that follow.
+    // The margins that it marks apply to the lines that follow.
     void put(const RulerLine &ruler)
     {
         append(bytes_, choice::line_special | choice::line_ruler);

@@ -1,6 +1,6 @@
-// A plain character below 0x80 is stored as it is. Any other has its high bit set and one or
-// two attribute bytes behind it: a styled one, one of the upper half of the code page, and
-// one whose byte would end a line or the document.
+// A plain character below 0x80 is stored unchanged. Any other has its high bit set and is
+// followed by one or two attribute bytes: styled characters, those of the code page's upper half,
+// and those whose byte would end a line or the document.
 // Test: tests/builder/choice_encoder_test.cpp.
 #include "builder/choice_characters.h"
 #include "builder/bytes.h"

@@ -1,6 +1,6 @@
-// The header of First Choice: 512 bytes of fixed positions. The generation byte behind the magic
-// also says how the ruler is stored: as bits for "2" and "3", as a byte for each column
-// otherwise. There are no decimal stops.
+// The header of First Choice: 512 bytes of fixed positions. The generation byte after the magic
+// also specifies how the ruler is stored: as bits for "2" and "3", otherwise as one byte per
+// column. There are no decimal stops.
 // Test: tests/builder/choice_encoder_test.cpp.
 #include "builder/encoders.h"
 #include "formats/first_choice.h"
@@ -34,7 +34,7 @@ char alignment_letter(const std::optional<Alignment> &alignment)
     }
 }
 
-// Two letters, one for each style that there is.
+// Two letters, one for each style.
 void put_styles(std::string &file, std::size_t offset, Style style)
 {
     file[offset] = (style & style_bold) != 0 ? letter_bold : letter_no_style;

@@ -1,4 +1,4 @@
-// The table leads from bytes to characters; it is searched, for descriptions are short.
+// The table maps bytes to characters; a linear search suffices, since descriptions are short.
 // Test: tests/builder/code_page_437_test.cpp.
 #include "builder/code_page_437.h"
 #include "formats/code_page_437.h"
@@ -18,7 +18,7 @@ std::string hexadecimal(char32_t number, std::size_t least_digits)
     return digits;
 }
 
-// What the first byte of a UTF-8 sequence says: how many bytes follow, and its own bits.
+// What the first byte of a UTF-8 sequence specifies: how many bytes follow, and its own bits.
 struct Utf8Lead {
     std::size_t following;
     char32_t bits;
@@ -55,7 +55,7 @@ std::optional<uint8_t> to_code_page_437(char32_t character)
     if (character == formats::tab) {
         return formats::tab;
     }
-    // Not the blank cell, and in a text 0x09 is a tab and not the character that stands there.
+    // Not the empty glyph; and in text 0x09 is a tab, not the glyph at that position.
     const auto &page = formats::code_page_437;
     const auto *const found = std::find(page.begin() + 1, page.end(), character);
     const auto byte = static_cast<uint8_t>(found - page.begin());

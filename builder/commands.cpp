@@ -1,6 +1,6 @@
-// A command is known by its first word. A word that ends in an asterisk is a command whole; a
-// word that ends in a space wants a second: for NEW it is PAGE, for JUSTIFY an answer, for
-// the others an argument, which is everything up to the next asterisk.
+// A command is recognised by its first word. A word that ends in an asterisk is a complete
+// command; a word that ends in a space needs a second one: PAGE for NEW, an answer for JUSTIFY,
+// and for the others an argument, which is everything up to the next asterisk.
 // Test: tests/builder/commands_test.cpp.
 #include "builder/commands.h"
 #include "formats/commands.h"
@@ -36,7 +36,7 @@ bool contains(const std::array<CommandWord, Size> &words, std::string_view text)
                        [text](CommandWord word) { return is_word(text, word); });
 }
 
-// The front of `text` up to and including its first space or asterisk, in capitals.
+// The beginning of `text` up to and including its first space or asterisk, in capitals.
 std::string first_word(std::string_view text)
 {
     const std::size_t end = text.find_first_of(" *");

@@ -1,5 +1,5 @@
 // A description has a header part of "key: value" lines, a line "---", and a body. This file
-// takes it apart into lines and hands them out.
+// splits it into lines and passes them on.
 // Test: tests/builder/description_test.cpp.
 #include "builder/description_parts.h"
 
@@ -27,7 +27,7 @@ int hexadecimal_digit(char digit)
     return letter >= 'A' && letter <= 'F' ? letter - 'A' + 10 : -1;
 }
 
-// Takes the header part. `next` then is the index of the first line of the body.
+// Parses the header part. Afterwards `next` is the index of the first line of the body.
 std::optional<Fault> parse_header_part(const std::vector<SourceLine> &lines, Document &document,
                                        std::size_t &next)
 {

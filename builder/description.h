@@ -1,4 +1,4 @@
-// From a description, a text that reads much like the letter it describes, to a document.
+// From a description, a text that reads like the letter that it describes, to a document.
 // docs/descriptions.md describes the language.
 #pragma once
 
@@ -8,7 +8,7 @@
 
 namespace pfs_builder {
 
-// A file that a description includes: the name by which faults call it, and its text.
+// A file that a description includes: its name in fault messages, and its text.
 struct Included {
     std::string name;
     std::string text;
@@ -19,7 +19,7 @@ using IncludeReader = std::function<std::optional<Included>(const std::string &p
 
 struct Parsed {
     Document document;
-    std::optional<Fault> fault; // set: the document is not to be used
+    std::optional<Fault> fault; // set: the document must not be used
 };
 
 Parsed parse_description(const std::string &text, const std::string &file_name,

@@ -1,6 +1,6 @@
-// The body of a description. Lines are gathered into a paragraph until something ends it: an
-// empty line, a line with a backslash at its end, a directive, or the end. The blanks before
-// its first line are its first-line indent, those before the others its left indent.
+// The body of a description. Lines are collected into a paragraph until something ends it: an
+// empty line, a line that ends in a backslash, a directive, or the end. The spaces before its
+// first line are its first-line indent, those before the others its left indent.
 // Test: tests/builder/description_test.cpp.
 #include "builder/code_page_437.h"
 #include "builder/description_parts.h"
@@ -15,7 +15,7 @@ constexpr char hard_end_mark = '\\';
 constexpr std::string_view include_directive = "include";
 
 struct Argument {
-    std::string text; // with all its blanks but those at the end
+    std::string text; // with all its spaces but those at the end
     Location location;
 };
 
@@ -74,7 +74,7 @@ Result take_spaces(const Argument &argument, Document &document)
     return std::nullopt;
 }
 
-// Text that a directive takes as it stands.
+// Text that a directive uses unchanged.
 Result convert(const Argument &argument, std::string &bytes)
 {
     const Converted converted = utf8_to_code_page_437(argument.text);

@@ -9,7 +9,7 @@
 namespace pfs_builder {
 namespace {
 
-// The value of a key, blanks around it taken away.
+// The value of a key, without surrounding spaces.
 struct Value {
     std::string text;
     Location location;

@@ -1,5 +1,5 @@
 // The parts of the description parser. Each takes lines of the source and adds to the
-// document; each reports what is wrong and leaves it to its caller to add where.
+// document; each reports what is wrong, and its caller adds the location.
 #pragma once
 
 #include "builder/description.h"
@@ -15,16 +15,16 @@ struct Problem {
 };
 using Result = std::optional<Problem>; // none: all is well
 
-// One line without its end and without blanks behind it.
+// One line without its line end and without trailing spaces.
 struct SourceLine {
     Location location;
     std::string text;
 };
 
-// The lines of a text. A last line without an end is a line.
+// The lines of a text. A last line without a line end counts.
 std::vector<SourceLine> split_lines(std::string_view text, std::size_t source);
 
-// The words of a text, parted by blanks.
+// The words of a text, separated by spaces.
 std::vector<std::string> split_words(std::string_view text);
 
 std::string_view without_leading_blanks(std::string_view text);
@@ -37,7 +37,7 @@ parse_hexadecimal(std::string_view text); // pairs of digits, at least one
 // Header part (description_header.cpp): one line "key: value".
 Result parse_header_line(const SourceLine &line, Document &document);
 
-// Text (description_text.cpp): the lines of one paragraph, joined by spaces, to its cells.
+// Text (description_text.cpp): from the lines of one paragraph, joined by spaces, to its cells.
 struct ParsedText {
     std::vector<Cell> cells;
     Result problem;

@@ -1,5 +1,5 @@
 // The text of a paragraph: characters, commands between asterisks, and marks in braces, which
-// turn styles on and off or stand for something that cannot be typed.
+// switch styles on and off or stand for something that cannot be typed.
 // Test: tests/builder/description_text_test.cpp.
 #include "builder/code_page_437.h"
 #include "builder/commands.h"

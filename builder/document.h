@@ -1,4 +1,4 @@
-// What a document says, before it is put into the form of one of the seven kinds.
+// The content of a document, before it is encoded as one of the seven kinds.
 //
 // A document is a kind, what its header holds, and a list of body elements. A paragraph is a
 // list of cells, one for each character as a reader counts them; the encoders break it into
@@ -37,13 +37,13 @@ inline constexpr Style style_italic = formats::italic;
 inline constexpr Style style_superscript = formats::superscript;
 inline constexpr Style style_subscript = formats::subscript;
 
-// Where something stands: an index into Document::sources and a line, counted from 1.
+// A location: an index into Document::sources and a line, counted from 1.
 struct Location {
     std::size_t source = 0;
     int line = 0;
 };
 
-// What is wrong with a description, and what can be done about it.
+// What is wrong with a description, and a remedy.
 struct Fault {
     std::string file;
     int line = 0;
@@ -56,8 +56,8 @@ std::string to_string(const Fault &fault);
 
 enum class CellKind : uint8_t {
     text,    // one character of code page 437
-    command, // one byte of an embedded command, asterisks included; stored as it is
-    raw      // bytes stored as they are, taken for one character
+    command, // one byte of an embedded command, including asterisks; stored unchanged
+    raw      // bytes stored unchanged, counted as one character
 };
 
 struct Cell {
@@ -95,7 +95,7 @@ struct MarginRecord {
     Location location;
 };
 
-// A record of the Write family that is not about margins: its type byte, then its data.
+// A record of the Write family other than margins: its type byte, then its data.
 struct OtherRecord {
     std::string bytes;
     Location location;
@@ -113,11 +113,11 @@ struct RulerLine {
 };
 
 struct PageBreakLine {
-    std::string text; // what the stored line holds besides; readers skip it
+    std::string text; // the rest of the stored line; readers skip it
     Location location;
 };
 
-// Bytes stored between two lines as they are.
+// Bytes stored unchanged between two lines.
 struct RawBytes {
     std::string bytes;
     Location location;
@@ -134,11 +134,11 @@ struct TabStop {
 
 enum class Alignment : uint8_t { left, centre, right };
 
-// The header or the footer: two lines, absent when empty, alike in look.
+// The header or the footer: two lines, absent if empty, with the same layout and style.
 struct HeaderFooter {
     std::array<std::string, 2> lines; // in code page 437
     std::array<Location, 2> line_locations;
-    std::optional<Alignment> alignment; // none: what the kind does of itself
+    std::optional<Alignment> alignment; // none: the kind's default
     Location alignment_location;
     Style style = style_none;
     Location style_location;
@@ -166,12 +166,12 @@ struct Document {
     std::vector<Record> records; // before the body
 
     bool plain_spaces = false;  // store the spaces of styled text without their style
-    bool joins_allowed = false; // a hard end that will be read as a wrap is no fault
+    bool joins_allowed = false; // a hard line end that will be read as a wrap is not a fault
 
     std::vector<Element> body;
 };
 
-// The fault `what` at `location` of the document.
+// The fault `what` at `location` in the document.
 Fault fault_at(const Document &document, const Location &location, std::string what,
                std::string remedy);
 

@@ -1,4 +1,4 @@
-// One encoder for each generation of bodies, and the two headers that stand before them.
+// One encoder for each generation of bodies, and the two headers that precede them.
 #pragma once
 
 #include "builder/document.h"
@@ -6,7 +6,7 @@
 namespace pfs_builder {
 
 // Each makes the whole file of a document that its kind supports (capabilities.h), or reports
-// which line end would be read otherwise than meant.
+// which line end would be misread.
 using Encoder = std::optional<Fault> (*)(const Document &document, std::string &file);
 
 std::optional<Fault> encode_write(const Document &document, std::string &file);
@@ -14,7 +14,7 @@ std::optional<Fault> encode_professional_write(const Document &document, std::st
 std::optional<Fault> encode_choice(const Document &document, std::string &file);
 std::optional<Fault> encode_choice3(const Document &document, std::string &file);
 
-// Everything before the body: the header area, the form feed and the records behind it.
+// Everything before the body: the header area, the form feed and the records after it.
 std::string write_header(const Document &document);
 std::string choice_header(const Document &document);
 

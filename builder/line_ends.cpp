@@ -1,7 +1,7 @@
-// Both readings pass over the bytes twice as their readers do: once as the reader decodes a
-// line, once as its lookahead skims the next one. The two differ. The lookahead of the Write
-// family knows no space but the plain byte, so a styled space does not end a word; that of
-// First Choice follows a chain of attribute bytes to any length.
+// Both families read the bytes twice, as their readers do: once as the reader decodes a line, once
+// as its lookahead scans the next one. The two differ. The lookahead of the Write family
+// recognises only the plain space byte, so a styled space does not end a word; that of First
+// Choice follows a chain of attribute bytes of any length.
 // Test: tests/builder/line_ends_test.cpp.
 #include "builder/line_ends.h"
 #include "builder/bytes.h"
@@ -24,7 +24,7 @@ void count_character(LineMeasure &measure, uint8_t character)
     ++measure.columns;
 }
 
-// Counts a word, character by character, until it is over.
+// Counts a word, character by character, up to its end.
 struct WordCount {
     int length = 0;
 
@@ -40,7 +40,7 @@ struct WordCount {
 
 // ------------------------------------------------------------------- the Write family
 
-// `FirstPair` is the least byte that the reader takes for the first of a pair. In IBM Writing
+// `FirstPair` is the lowest byte that the reader takes for the first of a pair. In IBM Writing
 // Assistant no pair decodes to a space.
 template <uint8_t FirstPair> LineMeasure measure_write_line(std::string_view line)
 {
@@ -74,7 +74,7 @@ int first_write_word(std::string_view text)
 
 // -------------------------------------------------------------------- First Choice 2
 
-// How many attribute bytes stand from `position` on, at most `most`.
+// The number of attribute bytes from `position` on, at most `most`.
 std::size_t attribute_chain(std::string_view text, std::size_t position, std::size_t most)
 {
     std::size_t count = 0;
@@ -86,7 +86,7 @@ std::size_t attribute_chain(std::string_view text, std::size_t position, std::si
     return count;
 }
 
-// The character at `position`, without its high bit unless that is kept.
+// The character at `position`, without its high bit unless the attribute byte keeps it.
 uint8_t choice_character(std::string_view text, std::size_t position)
 {
     const auto byte = static_cast<uint8_t>(text[position]);
@@ -126,7 +126,7 @@ int first_choice_word(std::string_view text)
 
 // ----------------------------------------------------------------------- the decision
 
-// How a line end will be read, and on what grounds.
+// How a line end will be read, and why.
 struct Decision {
     bool wrapped;
     int column;

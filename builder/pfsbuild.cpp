@@ -1,7 +1,7 @@
 // pfsbuild: writes a document from its description. See docs/man/pfsbuild.1.
 //
-// The document is written under another name beside its own and renamed when it is whole, so
-// that a failure leaves what was there before.
+// The document is written under a temporary name in the same directory and renamed into place
+// when it is complete, so that a failure leaves the previous file intact.
 // Test: tests/builder/program_test.cpp.
 #include "builder/build.h"
 #include "builder/description.h"
@@ -53,7 +53,7 @@ std::optional<std::string> read_file(const std::string &path)
     return stream ? read_all(stream) : std::nullopt;
 }
 
-// Included files are looked for beside the description.
+// Included files are looked up in the description's directory.
 pfs_builder::IncludeReader include_reader(const std::string &description)
 {
     const std::filesystem::path directory = std::filesystem::path(description).parent_path();
@@ -75,7 +75,7 @@ bool write_to(std::ostream &stream, const std::vector<uint8_t> &bytes)
     return stream.good();
 }
 
-// Whether the path leads to something that takes bytes but is no file to be replaced.
+// Whether the path is something that accepts bytes but is not a file to be replaced.
 bool is_device_or_pipe(const std::filesystem::path &path)
 {
     std::error_code error;
@@ -96,7 +96,7 @@ bool write_file(const std::string &path, const std::vector<uint8_t> &bytes)
         return write_in_location(path, bytes);
     }
     std::error_code error;
-    // Through symbolic links, so that the file they lead to is replaced and not the link.
+    // Follows symbolic links, so that their target is replaced and not the link.
     std::filesystem::path target = std::filesystem::weakly_canonical(path, error);
     target = error ? std::filesystem::path(path) : target;
     const std::filesystem::path temporary = target.string() + ".part";

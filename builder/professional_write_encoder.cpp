@@ -1,9 +1,9 @@
-// Bodies of Professional Write. A line begins with a byte that says what it is and that, as
-// the next line's first byte, ends the line before. So the last line needs such a byte
-// behind it, or the end of the document would swallow its end.
+// Bodies of Professional Write. A line begins with a type byte, which also ends the line before.
+// So the last line needs such a byte after it, or the end of the document would swallow its line
+// end.
 //
-// A suppressed stretch lies in a line of the suppressing type, which is soft; the same byte
-// once more in the middle of the line begins the stretch, and the next line's byte ends it.
+// A suppressed stretch is in a line of the suppressing type, which is soft; the same byte again
+// in the middle of the line begins the stretch, and the next line's byte ends it.
 // Test: tests/builder/professional_write_encoder_test.cpp.
 #include "builder/bytes.h"
 #include "builder/encoders.h"
@@ -71,8 +71,8 @@ private:
         return double_spacing_ ? line_double : line_single;
     }
 
-    // A record is kept for the beginning of the next line, where it stands behind the indent:
-    // readers report the spaces behind a record as characters.
+    // A record is held back until the beginning of the next line, where it follows the indent:
+    // readers report the spaces after a record as characters.
     void put(const MarginRecord &record)
     {
         margins_ = record.margins;

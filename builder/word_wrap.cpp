@@ -1,19 +1,19 @@
-// A word goes on the line if its last column is not beyond the right margin; readers ask the
-// same question of the next line's first word to distinguish a wrap from an end on purpose, so the
-// answer here must be theirs to the column.
+// A word goes on the line if its last column is not beyond the right margin; readers apply the
+// same test to the next line's first word to distinguish a soft line end from a hard one, so the
+// results must agree to the column.
 //
 // Three things complicate it. Readers see a word end at the first space, so of a command
-// with an argument only the part before its space counts. The one space that a break falls
-// on is added again by the reader, so it is not stored; where there were more, a reader that
-// adds none behind a stored space gets all of them. And a suppressed stretch ends with its
-// line, so the line is broken behind it wherever it stands.
+// with an argument only the part before its space counts. The reader adds the one space at which
+// a line is broken, so it is not stored; if there were more, all are stored for a reader that
+// adds none after a stored space. And a suppressed stretch ends with its line, so the line is
+// broken after it wherever it is.
 // Test: tests/builder/word_wrap_test.cpp.
 #include "builder/word_wrap.h"
 
 namespace pfs_builder {
 namespace {
 
-// Spaces and the word behind them, as indices into the paragraph's cells.
+// Spaces and the word after them, as indices into the paragraph's cells.
 struct Unit {
     std::size_t gap_begin;
     std::size_t word_begin;
@@ -33,7 +33,7 @@ Unit unit_at(const std::vector<Cell> &cells, std::size_t position)
     return unit;
 }
 
-// Columns that the cells take; suppressed ones take none.
+// The width of the cells in columns; suppressed ones take none.
 int columns_of(const std::vector<Cell> &cells, std::size_t begin, std::size_t end)
 {
     int columns = 0;
@@ -43,7 +43,7 @@ int columns_of(const std::vector<Cell> &cells, std::size_t begin, std::size_t en
     return columns;
 }
 
-// Where a reader that looks ahead takes the word to end.
+// The end of the word as a reader that looks ahead sees it.
 std::size_t visible_word_end(const std::vector<Cell> &cells, const Unit &unit)
 {
     std::size_t end = unit.word_begin;
@@ -81,14 +81,14 @@ private:
     bool must_break_before(const Unit &unit) const
     {
         if (unit.gap_begin == line_begin_ || unit.word_begin == unit.end) {
-            return false; // nothing stands before it, or nothing comes after
+            return false; // nothing precedes it, or nothing follows
         }
         if (cells_[unit.gap_begin - 1].hidden) {
             return true;
         }
         const int gap = static_cast<int>(unit.word_begin - unit.gap_begin);
         const int word = columns_of(cells_, unit.word_begin, visible_word_end(cells_, unit));
-        const bool all_hidden = word == 0; // it must stay behind the text before it
+        const bool all_hidden = word == 0; // it must stay with the text before it
         return !all_hidden && column_ + gap - 1 + word > rules_.right_margin;
     }
 

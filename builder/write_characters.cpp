@@ -1,10 +1,10 @@
-// In all three a styled character is a pair, its first byte with the high bit set, its second
-// a set of attributes. They differ in what the high bit costs.
+// In all three a styled character is a pair: its first byte has the high bit set, its second is a
+// set of attributes. They differ in what the high bit costs.
 //
-// PFS: WRITE takes the bit away again, so it has no character above 0x7F. Professional Write
-// has a bit in the attribute byte that keeps it. IBM Writing Assistant has two bits there
-// that choose a quarter of a set of characters, and that set is not the code page: a table
-// leads from it to the code page, and a search of that table leads back.
+// PFS: WRITE removes the bit again, so it has no character above 0x7F. Professional Write has a
+// bit in the attribute byte that keeps it. IBM Writing Assistant has two bits there that select a
+// quarter of a character set other than the code page: a table maps it to the code page, and a
+// search of that table maps back.
 // Tests: tests/builder/write_encoder_test.cpp, tests/builder/professional_write_encoder_test.cpp.
 #include "builder/write_characters.h"
 #include "builder/bytes.h"
@@ -40,7 +40,7 @@ using formats::assistant::kept;
 using formats::assistant::prefix_bits;
 using formats::assistant::translation;
 
-// The set's character for one of the code page, or -1.
+// The set's code for a character of the code page, or -1.
 constexpr int stored_form(uint8_t character)
 {
     if (character == kept) {
@@ -55,8 +55,8 @@ constexpr int stored_form(uint8_t character)
 }
 static_assert(stored_form(0xB3) == 0xB0 && stored_form(0xB0) == -1 && stored_form('A') == 'A');
 
-// The bits that choose the quarter which the first byte's low six bits mean. The one character
-// beyond the quarters is chosen as the lowest is.
+// The bits that select the quarter to which the first byte's low six bits belong. The one
+// character beyond the quarters is selected like the lowest.
 uint8_t quarter_of(uint8_t stored)
 {
     if (stored == kept) {
@@ -100,8 +100,8 @@ std::string encode_write_cell(const Cell &cell)
     return plain ? cell.bytes : pair(character | high_bit, cell.style);
 }
 
-// Characters of the upper half are always written as pairs. Those of 0x80 to 0xBF need none,
-// but the lookahead at a line's end takes every byte of the upper half for the first of two.
+// Characters of the upper half are always written as pairs. 0x80 to 0xBF do not need it, but
+// the lookahead at a line end takes every byte of the upper half for the first of two.
 std::string encode_writing_assistant_cell(const Cell &cell)
 {
     const uint8_t character = character_of(cell);

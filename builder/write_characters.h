@@ -1,11 +1,11 @@
-// Characters of a Write-family text: three ways to store them, one for each line of products.
+// Characters of a Write-family text: three encodings, one for each product line.
 #pragma once
 
 #include "builder/document.h"
 
 namespace pfs_builder {
 
-// In IBM Writing Assistant a byte from here on has an attribute byte behind it.
+// In IBM Writing Assistant a byte from here on is followed by an attribute byte.
 // Whether a character of code page 437 can be stored at all.
 bool write_can_store(uint8_t character);
 bool writing_assistant_can_store(uint8_t character);

@@ -1,6 +1,6 @@
-// Bodies of PFS: WRITE and IBM Writing Assistant: the lines of the page as they stood, each
-// ended by a return whether it was wrapped or not. The reader swallows the first return of
-// the body, so one is written before the first line.
+// Bodies of PFS: WRITE and IBM Writing Assistant: the lines of the page, each ended by a return
+// whether it was wrapped or not. The reader swallows the first return of the body, so one is
+// written before the first line.
 // Test: tests/builder/write_encoder_test.cpp.
 #include "builder/bytes.h"
 #include "builder/encoders.h"

@@ -1,5 +1,5 @@
-// The header of the Write family: 1024 bytes of fixed positions, which all its kinds share
-// though none reads all of them. A form feed ends it; margin and font records may follow.
+// The header of the Write family: 1024 bytes at fixed offsets, which all its kinds share though
+// none reads all of them. A form feed ends it; margin and font records may follow.
 // Test: tests/builder/write_header_test.cpp.
 #include "builder/bytes.h"
 #include "builder/encoders.h"
