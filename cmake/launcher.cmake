@@ -1,6 +1,6 @@
-# vs_pfs_launcher(TARGET VARIABLE): sets VARIABLE to the path of what starts the program
-# TARGET: the program itself, or for another machine's program a script that gives it to the
-# emulator. For tests that start it by its path.
+# vs_pfs_launcher(TARGET VARIABLE): sets VARIABLE to the path by which to start the program TARGET:
+# the program itself, or when cross-compiling a script that runs it in the emulator. For tests
+# that start it by its path.
 function(vs_pfs_launcher target variable)
     if(NOT CMAKE_CROSSCOMPILING_EMULATOR)
         set(${variable} "$<TARGET_FILE:${target}>" PARENT_SCOPE)

@@ -1,7 +1,7 @@
-# vs_pfs_package(NAME DESCRIPTION text LIBRARIES flags): installs what lets other builds find
-# the targets of the export set NAMETargets: the CMake package NAME, whose targets are
-# NAME::..., and NAME.pc. Both tell where things are from where they are themselves, so an
-# installed tree can be moved. Test: tests/install.
+# vs_pfs_package(NAME DESCRIPTION text LIBRARIES flags): installs what lets other builds find the
+# targets of the export set NAMETargets: the CMake package NAME, whose targets are NAME::..., and
+# NAME.pc. Both use paths relative to their own location, so an installed tree is relocatable.
+# Test: tests/install.
 include(CMakePackageConfigHelpers)
 
 set(package_templates ${CMAKE_CURRENT_LIST_DIR})

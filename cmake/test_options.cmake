@@ -1,6 +1,5 @@
-# What is to be fast, and to be watched closely, are the libraries; the tests themselves are most
-# of what is compiled. So builds whose compiler takes long can have tests compiled in another way
-# than the rest.
+# The libraries have to be fast and closely checked; the tests are most of the code to compile. So
+# builds with a slow compiler can compile the tests with other options than the rest.
 set(VS_PFS_TEST_OPTIONS "" CACHE STRING "Options that tests alone are compiled with, such as -O0")
 
 # vs_pfs_test_options(DIRECTORY): for all test programs in it and below it.

@@ -1,5 +1,5 @@
-// A reader that remembers its place: shows the next paragraphs of a document, keeps the place
-// in a file, and goes on from there when it is run again.
+// A reader that remembers its position: shows the next paragraphs of a document, stores the
+// position in a file, and continues from there when it is run again.
 //
 //   resumable_reader LETTER.DOC letter.place 3
 #include <pfsdoc/document.h>
@@ -17,7 +17,7 @@ static int fail(const pfsdoc::Error &error)
     return pfsdoc::exit_code(error.kind);
 }
 
-// Goes on from where the last run stopped, if there was one.
+// Continues where the last run stopped, if there was one.
 static pfsdoc::Status find_place(pfsdoc::Document &document, const std::string &place_file)
 {
     std::ifstream file(place_file);
@@ -44,7 +44,7 @@ int main(int argc, char **argv)
     }
     for (int left = std::atoi(argv[3]); left > 0;) {
         const auto block = document.value().next();
-        if (!block.ok() || !block.value()) { // the next run begins anew
+        if (!block.ok() || !block.value()) { // the next run starts over
             std::remove(argv[2]);
             return block.ok() ? std::puts("(the end)") < 0 : fail(block.error());
         }

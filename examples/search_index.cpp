@@ -1,4 +1,4 @@
-// A search index in a SQLite database: a row for each paragraph, with its place in the file.
+// A search index in a SQLite database: a row for each paragraph, with its offset in the file.
 //
 //   search_index letters.db add letters/*.DOC
 //   search_index letters.db find '"lending desk"'
@@ -20,7 +20,7 @@ static void need(bool fine)
     }
 }
 
-// Runs a statement with its values, and prints what it answers, a line for each row.
+// Runs a statement with its values, and prints its result, a line for each row.
 static void run(const char *sql, std::initializer_list<std::string> values = {})
 {
     sqlite3_stmt *statement = nullptr;
@@ -35,7 +35,7 @@ static void run(const char *sql, std::initializer_list<std::string> values = {})
     need(state == SQLITE_DONE && sqlite3_finalize(statement) == SQLITE_OK);
 }
 
-// After an error, what there is of the document is in the index.
+// After an error the part that could be read is in the index.
 static pfsdoc::Status add(const std::string &file)
 {
     auto document = pfsdoc::Document::open(file);

@@ -1,4 +1,4 @@
-// Bounds on the number of calls make output that grows faster than its input a find.
+// Bounds on the number of calls turn output that grows faster than its input into a finding.
 #include "fuzz/call_guard.h"
 
 #include <cstdio>
@@ -12,7 +12,7 @@ namespace {
 // each with its block, attributes and break.
 constexpr std::size_t most_announcements = 1500;
 // A line end byte of a Professional Write body reports its spacing twice, indents, a break
-// and a space: the most that any one byte does.
+// and a space: more than any other byte.
 constexpr std::size_t most_calls_per_byte = 8;
 
 constexpr int32_t document_font = 24;

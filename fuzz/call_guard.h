@@ -1,7 +1,7 @@
-// Watches the output calls of one instance for what must hold of every document, and traps
-// where it does not: known routines and arguments only, tab stops and blocks that balance,
-// attributes that only change, silence after the end, and no more calls than the document
-// is long. The tests' call checker in the form that a fuzzer wants: small, and deadly.
+// Checks the output calls of one instance against what must hold for every document, and traps
+// on a violation: only known routines and arguments, balanced tab stops and blocks, attributes
+// that only change, no call after the end, and no more calls than the document's size allows.
+// The tests' call checker in a form for fuzzers: small, and it traps.
 #pragma once
 
 #include "vs_pfs.h"
@@ -12,7 +12,7 @@
 
 namespace fuzz {
 
-// Ends the process with the reason on standard error.
+// Aborts the process with the reason on standard error.
 [[noreturn]] void trap(const char *what);
 
 inline void require(bool holds, const char *what)
@@ -33,7 +33,7 @@ struct Call {
 
 class CallGuard {
 public:
-    // For a document of that many bytes, or host operations that pretend as many.
+    // For a document of that many bytes, or host operations that claim as many.
     explicit CallGuard(std::size_t bytes);
 
     void read_begins();
@@ -52,14 +52,14 @@ private:
     void check_attribute(const Call &call);
     void check_break(const Call &call);
 
-    std::size_t most_calls; // that may have come by the end of this read call
+    std::size_t most_calls; // allowed by the end of this read call
     std::size_t calls = 0;
     bool foreign_state = false;
     bool in_tab_stops = false;
     bool in_block = false;
     bool kind_expected = false; // break 6 was the last call
     bool document_ended = false;
-    bool in_text = false; // the announcements of this read call are over
+    bool in_text = false; // the announcements of this read call are complete
     std::array<int32_t, 12> attributes{};
 };
 

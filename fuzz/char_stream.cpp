@@ -1,4 +1,4 @@
-// The character stream against a plain position in a string: a piece size, a file size, then
+// The character stream compared with a plain position in a string: a piece size, a file size, then
 // one byte for each operation with its arguments.
 #include "fuzz/fuzz_host.h"
 #include "fuzz/fuzz_input.h"
@@ -15,7 +15,7 @@ constexpr int most_operations = 64;
 constexpr unsigned most_gets = 5000;
 constexpr unsigned most_file_size = 8192;
 
-// What the stream promises, without a buffer.
+// The stream's promises, implemented without a buffer.
 class PlainStream {
 public:
     explicit PlainStream(std::string bytes_) : bytes(std::move(bytes_)) {}
@@ -47,13 +47,13 @@ public:
     }
 
 private:
-    static constexpr uint32_t most_misses = 32768; // where the stream's counter is held
+    static constexpr uint32_t most_misses = 32768; // where the stream's counter saturates
     std::string bytes;
     uint32_t position = 0;
     uint32_t misses = 0;
 };
 
-// Bytes that do not repeat within a buffer's length.
+// Bytes without repetition within a buffer's length.
 std::string bytes_of_file(std::size_t size)
 {
     std::minstd_rand random(1);

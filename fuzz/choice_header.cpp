@@ -1,5 +1,5 @@
-// The header of First Choice: a generation, then the file from its start, onto which the
-// magic and the generation are put. The header's tab table must be whole.
+// The header of First Choice: a generation, then the file from its start, over which the magic
+// and the generation are written. The header's tab table must be complete.
 #include "fuzz/fuzz_host.h"
 #include "fuzz/fuzz_input.h"
 #include "vs_pfs/filter_interface.h"

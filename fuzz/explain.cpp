@@ -1,4 +1,4 @@
-// Whole files explained: every byte is in one span and in one only, and no reason is disputed.
+// Whole files explained: every byte is in exactly one span, and no reason is disputed.
 #include "pfsdoc/explain.h"
 #include "pfsdoc/module.h"
 

@@ -1,4 +1,4 @@
-// A block file that fails and lies as the input says: a frame, the length of the list of
+// A block file that fails and lies as the input directs: a frame, the length of the list of
 // faults, one byte for each of the first operations, then the text.
 #include "fuzz/fuzz_host.h"
 #include "fuzz/fuzz_input.h"
@@ -10,7 +10,7 @@ using tests::Fault;
 
 constexpr uint32_t claims[] = {1, 2047, 2048, 2049, 65535, UINT32_MAX};
 constexpr uint32_t positions[] = {0, 1, 511, 2048, 65535, UINT32_MAX};
-// Of the eight kinds that an input byte chooses from the last two leave the operation alone.
+// Of the eight kinds that an input byte selects, the last two leave the operation alone.
 constexpr Fault::Kind kinds[] = {
     Fault::Kind::none,   Fault::Kind::fails, Fault::Kind::no_bytes, Fault::Kind::fails_afterward,
     Fault::Kind::claims, Fault::Kind::tells, Fault::Kind::none,     Fault::Kind::none};
@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
     fuzz::Input input(data, size);
     const fuzz::Frame frame = fuzz::take_frame(input);
     const std::string script = input.take(input.byte());
-    // Each fault may make the stream read a buffer's worth again, or out of nothing.
+    // Each fault may make the stream read a buffer's worth again, or from nothing.
     fuzz::Host host(fuzz::document_of_any_kind(frame, input.rest()),
                     script.size() * VW_STREAM_BUFFER_SIZE);
     host.file.most_per_read = frame.most_per_read();

@@ -1,5 +1,5 @@
-// Whole files, read by the host library and written in every format of its own: once whole,
-// once block by block with a stop that the input chooses.
+// Whole files, read by the library and written in each of its formats: once as a whole, once
+// block by block with a stop that the input selects.
 #include "pfsdoc/document.h"
 #include "pfsdoc/writer.h"
 
@@ -13,7 +13,7 @@ namespace {
 using pfsdoc::Block;
 using pfsdoc::Document;
 
-// Counts, so that writing is not optimised away and nothing is held.
+// Counts, so that writing is not optimised away and nothing is stored.
 class Drain final : public pfsdoc::Output {
 public:
     void write(std::string_view bytes) override
@@ -60,7 +60,7 @@ std::vector<Block> rest_of(Document &document, std::size_t most)
     return blocks;
 }
 
-// What comes after a resumed place is what would have come.
+// After resuming come the blocks that would have come without the stop.
 void resume_in_another(const std::vector<uint8_t> &bytes, Document &document, std::size_t stop)
 {
     rest_of(document, stop);

@@ -11,7 +11,7 @@ namespace {
 // Read calls that report no byte of the body: those that stop at header and footer lines.
 constexpr std::size_t most_idle_reads = 16;
 
-// Output routines take the user words for a host only if they are those of one alive.
+// Output routines accept the user words as a host only if that host is alive.
 std::vector<Host *> &living_hosts()
 {
     static std::vector<Host *> hosts;

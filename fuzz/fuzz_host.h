@@ -13,7 +13,7 @@
 
 namespace fuzz {
 
-// A place where reading can be resumed, with what is open there.
+// A position where reading can be resumed, with what is open there.
 struct Place {
     std::array<uint8_t, VW_SAVED_STATE_SIZE> state;
     uint32_t position;
@@ -22,7 +22,7 @@ struct Place {
 
 class Host {
 public:
-    // `claimed_bytes` more than the document holds may come from host operations that lie.
+    // Host operations that lie may deliver `claimed_bytes` more than the document holds.
     explicit Host(std::string document, std::size_t claimed_bytes = 0);
     ~Host();
     Host(const Host &) = delete;
@@ -40,7 +40,7 @@ public:
     void unregister(int32_t id);
     void register_routines();
 
-    // Routine 13's answer to a paragraph end, and every other answer.
+    // What routine 13 returns at a paragraph end, and what every other call returns.
     std::function<int32_t(const Call &)> answer;
 
     tests::MemoryBlockFile file;
@@ -57,9 +57,9 @@ private:
     std::size_t most_reads;
 };
 
-// Reads the document in whole pieces, with a lookahead that remembers nothing; and again in
-// small pieces, each read call in the other of two instances, going on from the saved place:
-// the same calls must come. `stop` is routine 13's answer to paragraph ends.
+// Reads the document in large pieces, with a lookahead that remembers nothing; and again in small
+// pieces, each read call in the other of two instances, resumed from the saved position: the
+// calls must be the same. `stop` is what routine 13 returns at paragraph ends.
 void read_both_ways(const std::string &document, uint32_t most_per_read, bool stop);
 
 } // namespace fuzz

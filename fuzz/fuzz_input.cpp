@@ -7,7 +7,7 @@
 namespace fuzz {
 namespace {
 
-constexpr uint8_t manner_stop = 0x01;
+constexpr uint8_t behaviour_stop = 0x01;
 constexpr uint32_t pieces[] = {UINT32_MAX, 1, 2, 3, 5, 7, 100, 2047};
 constexpr int header_footer_lines = 4;
 constexpr const char *line_text = "Page *N* of\x80\xFFtwo";
@@ -57,12 +57,12 @@ bool Input::empty() const
 
 bool Frame::stop() const
 {
-    return (manners & manner_stop) != 0;
+    return (behaviour & behaviour_stop) != 0;
 }
 
 uint32_t Frame::most_per_read() const
 {
-    return pieces[(manners >> 1) & 7];
+    return pieces[(behaviour >> 1) & 7];
 }
 
 Frame take_frame(Input &input)
@@ -72,7 +72,7 @@ Frame take_frame(Input &input)
     frame.left_margin = input.word();
     frame.right_margin = input.word();
     frame.lines = input.byte();
-    frame.manners = input.byte();
+    frame.behaviour = input.byte();
     return frame;
 }
 

@@ -1,4 +1,4 @@
-// What a fuzz target makes of its input: first a few parameters of fixed size, then the text.
+// How a fuzz target interprets its input: first a few parameters of fixed size, then the text.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace fuzz {
 
-// Takes the input apart from its front. What is no longer there reads as 0.
+// Consumes the input from its front. Missing bytes read as 0.
 class Input {
 public:
     Input(const uint8_t *data, std::size_t size);
@@ -24,13 +24,13 @@ private:
 };
 
 // How a document is framed and read, in seven bytes: kind, left margin, right margin, header
-// and footer lines, manners.
+// and footer lines, behaviour.
 struct Frame {
     uint8_t kind = 0; // which of the kinds that the target reads
     uint16_t left_margin = 0;
     uint16_t right_margin = 0;
-    uint8_t lines = 0; // bits 0 to 3: which header and footer lines there are
-    uint8_t manners = 0;
+    uint8_t lines = 0; // bits 0 to 3: which header and footer lines are present
+    uint8_t behaviour = 0;
 
     bool stop() const;              // at every paragraph end
     uint32_t most_per_read() const; // bytes in each host read

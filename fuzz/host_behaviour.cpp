@@ -1,6 +1,6 @@
-// A host that does in its output routines, and between read calls, what the input says: a
-// frame, the length of the list of acts, the acts, then the text. Each act waits for a number
-// of output calls.
+// A host that does in its output routines, and between read calls, what the input specifies: a
+// frame, the length of the list of actions, the actions, then the text. Each action waits for a
+// number of output calls.
 #include "fuzz/fuzz_host.h"
 #include "fuzz/fuzz_input.h"
 
@@ -9,15 +9,15 @@
 
 namespace {
 
-enum Act : uint8_t {
+enum Action : uint8_t {
     answer_one,
     answer_oddly,
     ask_position,
     read_another, // reads another document from within a routine
-    seek_inside,  // forbidden: may make nonsense of the text, never more
+    seek_inside,  // forbidden: may garble the text, nothing worse
     forget_routine,
     remember_place, // at the end of this read call
-    go_back         // to the place remembered
+    go_back         // to the remembered position
 };
 
 constexpr int32_t odd_answers[] = {-1, 2, 0x10001, INT32_MIN, INT32_MAX, 13};
@@ -32,9 +32,9 @@ template <typename T, std::size_t Size> T pick(const T (&values)[Size], unsigned
 
 class Behaviour {
 public:
-    Behaviour(const fuzz::Frame &frame_, std::string acts_, const std::string &document)
-        : frame(frame_), acts(std::move(acts_)), host(document, acts.size() * document.size()),
-          other(document)
+    Behaviour(const fuzz::Frame &frame_, std::string actions_, const std::string &document)
+        : frame(frame_), actions(std::move(actions_)),
+          host(document, actions.size() * document.size()), other(document)
     {
         host.file.most_per_read = frame.most_per_read();
         host.answer = [this](const fuzz::Call &) { return perform(); };
@@ -50,17 +50,17 @@ public:
             host.read();
             host.register_routines();
             between_reads();
-        } while (!host.document_ended || next < acts.size());
+        } while (!host.document_ended || next < actions.size());
     }
 
 private:
     int32_t perform()
     {
         const int32_t usual = frame.stop() ? 1 : 0;
-        if (next >= acts.size() || waited++ < act() >> 3) {
+        if (next >= actions.size() || waited++ < action() >> 3) {
             return usual;
         }
-        const uint8_t parameter = act();
+        const uint8_t parameter = action();
         waited = 0;
         ++next;
         switch (parameter & 7) {
@@ -76,9 +76,9 @@ private:
         return usual;
     }
 
-    uint8_t act() const
+    uint8_t action() const
     {
-        return static_cast<uint8_t>(acts[next]);
+        return static_cast<uint8_t>(actions[next]);
     }
 
     void ask()
@@ -114,7 +114,7 @@ private:
     }
 
     fuzz::Frame frame;
-    std::string acts;
+    std::string actions;
     std::size_t next = 0;
     unsigned waited = 0;
     fuzz::Host host;
@@ -131,8 +131,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     fuzz::Input input(data, size);
     const fuzz::Frame frame = fuzz::take_frame(input);
-    std::string acts = input.take(input.byte() % 64);
-    Behaviour behaviour(frame, std::move(acts), fuzz::document_of_any_kind(frame, input.rest()));
+    std::string actions = input.take(input.byte() % 64);
+    Behaviour behaviour(frame, std::move(actions), fuzz::document_of_any_kind(frame, input.rest()));
     behaviour.run();
     return 0;
 }

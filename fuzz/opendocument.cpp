@@ -1,7 +1,6 @@
-// Whole files, written as OpenDocument. The single XML file is well-formed and gives each style
-// that it uses once, and nothing else; its paragraphs say what the document's do, but for spaces;
-// the package's streams are parts of it; and a writer that was given files for what it puts aside
-// writes the same.
+// Whole files, written as OpenDocument. The single XML file is well-formed and defines each style
+// that it uses once, and no other; its paragraphs have the document's text, except for spaces; the
+// package's streams are parts of it; and a writer that is given scratch files writes the same.
 #include "lib/base/scratch_file.h"
 #include "lib/page/blank_bytes.h"
 #include "pfsdoc/document.h"
@@ -37,7 +36,7 @@ std::string written(Document &document, std::string_view format, const WriterOpt
     return output.text;
 }
 
-// Everything in the body that is no space, commands included.
+// Everything in the body but spaces, including commands.
 class BodyText final : public BlockSink {
 public:
     void paragraph(const Paragraph &paragraph) override
@@ -77,7 +76,7 @@ std::string without_spaces(std::string text)
     return text;
 }
 
-// From the element's beginning to its end.
+// From the start of the element to its end.
 std::string_view element(std::string_view xml, const std::string &name)
 {
     const std::size_t begin = xml.find("<" + name);

@@ -20,14 +20,14 @@ bool run_file(const fs::path &path)
         return false;
     }
     const std::string bytes((std::istreambuf_iterator<char>(stream)), {});
-    // Named first, so that a trap tells its input.
+    // Printed first, so that the input of a trap is known.
     std::printf("%s\n", path.c_str());
     std::fflush(stdout);
     LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(bytes.data()), bytes.size());
     return true;
 }
 
-// The number of files run, or -1 when one cannot be read.
+// The number of files run, or -1 if one cannot be read.
 int run(const fs::path &path)
 {
     if (!fs::is_directory(path)) {

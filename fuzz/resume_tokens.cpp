@@ -1,4 +1,4 @@
-// Texts that claim to be places in a document: refused, or read on from to an end.
+// Texts that claim to be resume tokens: refused, or read from there to the end.
 #include "pfsdoc/document.h"
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace {
 
-// "One", "Two" and a third line, of PFS: WRITE B. The token names it by size and content, so
-// most inputs are refused; the dictionary and the corpus know its mark.
+// "One", "Two" and a third line, of PFS: WRITE B. The token identifies it by size and content, so
+// most inputs are refused; the dictionary and the corpus contain its mark.
 pfsdoc::Document small_document()
 {
     std::string bytes(1025, '\0');

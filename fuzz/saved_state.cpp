@@ -1,4 +1,4 @@
-// Any 328 bytes as the saved state, and any position: nonsense may come, but an end to it.
+// Any 328 bytes as the saved state, and any position: the text may be nonsense, but it ends.
 // A frame, the position, the state, then the text.
 #include "fuzz/fuzz_host.h"
 #include "fuzz/fuzz_input.h"

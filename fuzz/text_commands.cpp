@@ -1,5 +1,5 @@
-// What follows a '*': compared with a plain reading of the same bytes in memory. Input bytes
-// below 18 stand for the keywords, so that commands come up often.
+// What follows a '*': compared with a simple reference reader of the same bytes in memory. Input
+// bytes below 18 stand for the keywords, so that commands are frequent.
 #include "formats/commands.h"
 #include "fuzz/fuzz_host.h"
 #include "fuzz/fuzz_input.h"
@@ -29,7 +29,7 @@ std::string text_of(fuzz::Input &input)
     return text;
 }
 
-// The keyword at `position`, from 1, or 0; the position moves behind it.
+// The keyword at `position`, from 1, or 0; the position moves past it.
 int plain_keyword(const std::string &text, std::size_t &position)
 {
     std::string word;
@@ -48,7 +48,7 @@ int plain_keyword(const std::string &text, std::size_t &position)
     return found != words.end() ? static_cast<int>(found - words.begin()) + 1 : 0;
 }
 
-// The keywords by their place in the table, from 1, as far as the grammar tells them apart.
+// The keywords by their index in the table, from 1, as far as the grammar distinguishes them.
 enum Keyword : int {
     no_keyword = 0,
     keyword_n = 1,

@@ -1,4 +1,4 @@
-// Whole files, as they come from strangers.
+// Whole, untrusted files.
 #include "fuzz/fuzz_host.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)

@@ -1,5 +1,5 @@
-// The header of the Write family: a kind, then the file from its start, onto which the kind's
-// signature is put. The header's tab table must be whole and its lines must be read.
+// The header of the Write family: a kind, then the file from its start, over which the kind's
+// signature is written. The header's tab table must be complete and its lines must be read.
 #include "fuzz/fuzz_host.h"
 #include "fuzz/fuzz_input.h"
 #include "vs_pfs/filter_interface.h"
@@ -13,7 +13,7 @@ constexpr std::size_t signature_and_variant = 9;
 constexpr int format_types = 5;
 constexpr uint16_t most_header_stops = 77;
 
-// Two lists that are sorted as signed numbers, merged: the table is sorted, too.
+// Two lists that are sorted as signed numbers, merged: the table is sorted too.
 void check_tab_table(const vs_pfs::SavedState &saved)
 {
     fuzz::require(saved.tabCount <= most_header_stops, "more tab stops than the ruler holds");

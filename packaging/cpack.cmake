@@ -1,9 +1,10 @@
 # The Debian package, one for everything that is installed: the command with its module, the
-# library with headers and what builds find it by, and the files for other programs. scripts/package makes it; tests/package looks at it from outside.
+# library with headers, CMake packages and pkg-config files, and the files for other programs.
+# scripts/package builds it; tests/package checks it.
 #
-# dpkg-shlibdeps finds what the binaries need, so the package suits the release of Debian that
-# it was built on. Debian's rules of compression and of the changelog are kept in the staged
-# tree, by packaging/debian/complete.cmake, and not in what cmake --install writes.
+# dpkg-shlibdeps finds the binaries' dependencies, so the package fits the release of Debian that
+# it was built on. packaging/debian/complete.cmake applies Debian's rules for compression and
+# changelogs to the staged tree; cmake --install does not.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME pfsdoc)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -26,14 +27,14 @@ for programs, and lets the desktop, file(1), pandoc and Tika know the
 documents.")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
-# No mailbox is behind the name; the domain says so.
+# There is no such mailbox, as the domain shows.
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "the vs_pfs authors <authors@vs-pfs.invalid>")
 set(CPACK_DEBIAN_PACKAGE_SECTION text)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "file, pandoc, shared-mime-info")
-# The names of the two libraries, for packages that need them; and the trigger that has the
-# linker's cache made anew.
+# The names of the two libraries, for packages that need them, and the trigger that rebuilds the
+# linker's cache.
 configure_file(${CMAKE_CURRENT_LIST_DIR}/debian/shlibs.in
     ${PROJECT_BINARY_DIR}/packaging/debian/shlibs @ONLY)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA

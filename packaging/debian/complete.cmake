@@ -1,7 +1,7 @@
-# Brings the staged tree of the package into the form that Debian asks for: the manual pages and
-# changelogs compressed, the licences as the file "copyright", no debugging symbols in static
-# libraries either, which CPack passes over. CPack runs it after the installation and before it
-# builds the package. SOURCE_DATE_EPOCH sets the date.
+# Brings the staged tree of the package into the form that Debian requires: manual pages and
+# changelogs compressed, the licences in the file "copyright", and static libraries without
+# debugging symbols, which CPack does not strip. CPack runs it after the installation and before
+# it builds the package. SOURCE_DATE_EPOCH sets the date.
 # Test: tests/package.
 set(share ${CPACK_TEMPORARY_DIRECTORY}${CPACK_PACKAGING_INSTALL_PREFIX}/share)
 set(documentation ${share}/doc/${CPACK_PACKAGE_NAME})
@@ -15,8 +15,7 @@ file(WRITE ${documentation}/copyright
     "LGPL-2.1.\n")
 file(REMOVE ${documentation}/LICENSE ${documentation}/THIRD-PARTY-NOTICES.md)
 
-# One entry, since the project tells its changes in CHANGELOG.md and the package has none of
-# its own.
+# One entry, since the project's changes are in CHANGELOG.md and the package has none of its own.
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 set(version ${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 file(WRITE ${documentation}/changelog.Debian

@@ -1,7 +1,7 @@
-# Takes the scripts postinst and postrm out of the built package. CPack puts them in wherever
-# there are shared libraries, to call ldconfig; the package's trigger has that done already, once
-# for all packages of an installation, and a package without scripts can be installed to a system
-# that is not running. CPack runs this on the package that it has built. Test: tests/package.
+# Removes the scripts postinst and postrm from the built package. CPack adds them whenever there
+# are shared libraries, to call ldconfig; the package's trigger already does that, once for all
+# packages of an installation, and a package without scripts can be installed to a system that is
+# not running. CPack runs this on the package that it has built. Test: tests/package.
 set(repacked ${CPACK_TEMPORARY_DIRECTORY}.repacked)
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
     file(REMOVE_RECURSE ${repacked})
