@@ -1,12 +1,12 @@
 """The small changes that scripts/mutate makes in the module's sources.
 
 The idea: a change is a stretch of a source file and the text put in its place. The operators
-find their stretches with regular expressions, for which clang-format's layout is enough: a
+find their stretches with regular expressions, which clang-format's layout makes possible: a
 binary operator has spaces around it, a statement begins after ; { } or a label.
 
-What complicates it: comments, directives and static assertions are no code, and the text of a
-string is not looked at by the operators for code. So each file is read together with its mask,
-a copy of the same length in which these are blanks.
+What complicates it: comments, directives and static assertions are not code, and operators for
+code must not look into strings. So each file is read together with its mask, a copy of the same
+length in which these are spaces.
 """
 import hashlib
 import re

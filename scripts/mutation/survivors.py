@@ -4,8 +4,8 @@ one entry for each change.
     - `vs_pfs/attributes.cpp`, `change_attributes`: `uint8_t pending` → `uint16_t pending`
     - `vs_pfs/char_stream.cpp`, `VwCharToBlock`: `std::free(stream);` removed
 
-An entry quotes as much of the line as names the change. The function is left out of a change
-that is in none. Line numbers there are none, so the list stays true when lines move.
+An entry quotes enough of the line to identify the change. A change outside any function has no
+function name. There are no line numbers, so the list stays valid when lines move.
 """
 import re
 from dataclasses import dataclass

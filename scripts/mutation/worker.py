@@ -1,11 +1,11 @@
-"""Where scripts/mutate makes its changes: a copy of the tree with a build of its own.
+"""Where scripts/mutate makes its changes: a copy of the tree with its own build.
 
 The idea: the change is written into the copy, ninja compiles what depends on it, and each test
-executable is linked only when its turn has come. Afterwards the file and the objects are put
-back as they were, so that the next change compiles no more than its own file.
+executable is linked only when it is its turn. Afterwards the file and the objects are restored,
+so that the next change compiles only its own file.
 
-What complicates it: a change may make the module run for ever or take all memory. So every
-run has limits, and is ended together with all that it started.
+What complicates it: a change may make the module loop for ever or use all memory. So every run
+has limits, and is killed together with all its children.
 """
 import os
 import re
