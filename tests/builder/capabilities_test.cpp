@@ -1,4 +1,4 @@
-// What each kind cannot say. Every case is one line of a description; `can` and `cannot` are
+// What each kind does not support. Every case is one line of a description; `can` and `cannot` are
 // file ids.
 #include "tests/builder/descriptions.h"
 
@@ -8,7 +8,7 @@ namespace {
 
 const std::vector<std::string> all_kinds = {"1012", "1013", "1014", "1015", "1016", "1017", "1058"};
 
-// The kinds, by id, in which `header` and `body` can be said.
+// The kinds, by id, that support `header` and `body`.
 std::string kinds_that_say(const std::string &header, const std::string &body)
 {
     std::string can;

@@ -50,8 +50,8 @@ TEST(BuilderCodePage437, NamesTheCharacterItDoesNotHave)
 TEST(BuilderCodePage437, RefusesWhatIsNotUtf8)
 {
     const char *const faulty[] = {"\xC3",             // cut
-                                  "\xC3(",            // the second byte is no second byte
-                                  "\x82",             // a second byte alone
+                                  "\xC3(",            // the second byte is not a continuation byte
+                                  "\x82",             // a continuation byte alone
                                   "\xC1\x81",         // longer than needed
                                   "\xE0\x80\x80",     // the same
                                   "\xED\xA0\x80",     // half of a surrogate pair

@@ -1,5 +1,4 @@
-// Header part, body and directives. What the text of a paragraph may hold is tested in
-// description_text_test.cpp.
+// Header part, body and directives. Paragraph text is tested in description_text_test.cpp.
 #include "tests/builder/descriptions.h"
 
 using namespace builder_tests;
@@ -193,7 +192,7 @@ TEST(BuilderDescription, TellsTheLineOfAnIncludedFile)
               "q.txt:1: an included file includes another; include it from the description");
     EXPECT_EQ(fault_of("kind: 1013\n---\n@include r.txt\n", includes),
               "letter:3: `r.txt` cannot be read; paths are taken from the description's directory");
-    // A fault that shows only when the document is built has its location as well.
+    // A fault that is found only when the document is built has its location too.
     EXPECT_EQ(
         fault_of("kind: 1013\n---\n@include p.txt\n", {{"p.txt", "ab\ncafé\n"}}),
         "p.txt:2: character 0x82 of code page 437 cannot be said in PFS: WRITE B; use another "

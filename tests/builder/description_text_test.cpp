@@ -1,5 +1,5 @@
-// Cells are shown as their bytes; behind each that is not plain text stands what it is:
-// a style as its bits, 'h' hidden, 'c' of a command, 'r' raw.
+// Cells are shown as their bytes; each that is not plain text is followed by its type: a style as
+// its bits, 'h' hidden, 'c' of a command, 'r' raw.
 #include "builder/description_parts.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Short ways from a description to what a test looks at.
+// Shortcuts from a description to what a test checks.
 #pragma once
 
 #include "builder/build.h"
@@ -25,24 +25,24 @@ pfs_builder::Document parsed(const std::string &description, const Includes &inc
 // The whole file. A fault fails the test.
 std::string file_of(const std::string &description);
 
-// What follows the header: in the Write family all behind the form feed, the records too.
+// What follows the header: in the Write family all after the form feed, including records.
 std::string body_of(const std::string &description);
 std::string body_of(pfs_builder::Kind kind, const std::string &file);
 
-// The fault as pfsbuild tells it, "" if there is none.
+// The fault as pfsbuild reports it, "" if there is none.
 std::string fault_of(const std::string &description, const Includes &includes = {});
 
-// Whether `actual` is what the notation of tests/support/notation.h says. The message shows
-// both as notation.
+// Whether `actual` equals the bytes in the notation of tests/support/notation.h. The message
+// shows both in that notation.
 testing::AssertionResult holds(const std::string &actual, std::string_view notation);
 
 // The bytes of a file from `offset` on.
 std::string at(const std::string &file, std::size_t offset, std::size_t count);
 
-// The kinds whose fixed places are the Write family's.
+// The kinds with the Write family's header layout.
 bool is_write_family(pfs_builder::Kind kind);
 
-// What a host should hear of a document's body: each visible character with its style, each
+// What should be reported of a document's body: each visible character with its style, each
 // paragraph end as '\n'. Commands and indents are not part of it.
 struct Heard {
     uint8_t character;
@@ -51,11 +51,11 @@ struct Heard {
 };
 std::vector<Heard> said_by(const pfs_builder::Document &document);
 
-// What a host hears of the file from the module, in the same terms.
+// What the module reports of the file, in the same form.
 std::vector<Heard> heard_from(const std::string &file);
 
-// Whether both say the same. Styles of spaces are left out: where lines are joined, and in
-// kinds that store no styled space, a space has the style of what came before, or none.
+// Whether both are equal. Styles of spaces are ignored: where lines are joined, and in kinds that
+// store no styled space, a space has the style of what came before, or none.
 testing::AssertionResult same(const std::vector<Heard> &heard, const std::vector<Heard> &said);
 
 } // namespace builder_tests

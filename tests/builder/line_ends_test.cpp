@@ -1,4 +1,4 @@
-// Line ends that readers would take for what they are not. Margins of 1 and 11 leave eleven
+// Line ends that readers would misread. Margins of 1 and 11 leave eleven
 // columns, so that an end after six is a wrap before a word of five.
 #include "tests/builder/descriptions.h"
 
@@ -68,7 +68,7 @@ TEST(BuilderLineEnds, CountAStyledCharacterOnce)
 
 TEST(BuilderLineEnds, SeeNoStyledSpaceInPfsWrite)
 {
-    // The lookahead of PFS: WRITE knows the plain space only, First Choice's knows both.
+    // The lookahead of PFS: WRITE recognises only the plain space, First Choice's both.
     EXPECT_EQ(fault_in("1013", "abcdef\\\n{u}gh ij{/u}\n"), lost_end(4, 5, 6));
     EXPECT_EQ(fault_of("kind: 1013\nmargins: 1 11\nspaces: plain\n---\nabcdef\\\n{u}gh ij{/u}\n"),
               "");
@@ -105,7 +105,7 @@ TEST(BuilderLineEnds, ReadRawBytesAsReadersDo)
 
 TEST(BuilderLineEnds, TellAWrapThatWouldBeReadAsAnEnd)
 {
-    // The form feed counts for the wrapper and not for the reader.
+    // The form feed counts when wrapping but not when reading.
     EXPECT_EQ(
         fault_in("1013", "abcd{x0C} efghij\n"),
         "letter:4: a wrapped line would be read as the end of its paragraph: the next line's "

@@ -38,7 +38,7 @@ TEST(BuilderProfessionalWriteEncoder, PutsRecordsAtTheNextLinesStart)
 {
     EXPECT_TRUE(holds(professional("a\n@margins 12 60\n@font-record 02 18\nb\n"),
                       "01 'a' 01 07 05 01 0C 3C 07 04 02 18 'b' 00 0E"));
-    // Spaces behind a record would be read as characters, so it follows the indent.
+    // Spaces after a record would be read as characters, so it follows the indent.
     EXPECT_TRUE(holds(professional("@font-record 02\n  b\n"), "01 '  ' 07 03 02 'b' 00 0E"));
     EXPECT_TRUE(holds(professional("a\n@margins 12 60\n"), "01 'a' 00 07 05 01 0C 3C 0E"));
 }

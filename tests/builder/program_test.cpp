@@ -1,4 +1,4 @@
-// pfsbuild as its users meet it: what it writes, what it says, how it ends.
+// pfsbuild as a program: its output, its messages, its exit code.
 #include "tests/builder/descriptions.h"
 
 #include <cstdio>
@@ -41,7 +41,7 @@ protected:
         return read_file((directory / name).string());
     }
 
-    // Runs pfsbuild in the directory; its exit code. What it says is in `output` and `errors`.
+    // Runs pfsbuild in the directory and returns its exit code. `output` and `errors` get the rest.
     int run(const std::string &arguments)
     {
         const std::string command = "cd '" + directory.string() + "' && '" + PFSBUILD_PROGRAM +
@@ -72,7 +72,7 @@ TEST_F(BuilderProgram, WritesADocument)
     EXPECT_EQ(errors, "");
     EXPECT_TRUE(holds(read("letter.doc").substr(512), "'Hello' 0C 0E"));
     EXPECT_EQ(files(),
-              6U); // the three files, the document, output and errors: nothing is left over
+              6U); // the three files, the document, output and errors: no temporary file
 }
 
 TEST_F(BuilderProgram, ReadsAndWritesStandardStreams)

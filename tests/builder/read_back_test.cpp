@@ -1,5 +1,5 @@
-// The module reads what the builder wrote. The two share no code, so that each case checks
-// the one as much as the other: every character with its style, every paragraph end.
+// The module reads what the builder wrote. The two share no code, so each case checks both: every
+// character with its style, every paragraph end.
 #include "tests/builder/descriptions.h"
 
 #include "tests/support/notation.h"
@@ -12,7 +12,7 @@ using namespace pfs_builder;
 
 namespace {
 
-// What every kind can say, long enough for several wraps and with every gap and ending.
+// Text that every kind supports, long enough for several wraps and with every gap and ending.
 const char *const common_text =
     "The tide tables for the coming quarter are ready.  Copies lie at the desk; take one, "
     "or ask for it to be sent.\n"
@@ -132,7 +132,7 @@ TEST(BuilderReadBack, EveryStorableCharacterComesBackPlainAndStyled)
                 one.body.emplace_back(paragraph);
                 const Built built = build(one);
                 if (character == ' ' || built.fault) {
-                    continue; // a space is an indent here; some kinds have not all characters
+                    continue; // a space is an indent here; some kinds lack characters
                 }
                 const std::string file(built.bytes.begin(), built.bytes.end());
                 EXPECT_TRUE(same(heard_from(file), said_by(one))) << entry.name << " " << character;

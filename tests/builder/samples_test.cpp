@@ -1,4 +1,4 @@
-// The committed samples: each is what its description builds, and each is read back whole.
+// The committed samples: each equals what its description builds, and each is read back completely.
 #include "tests/builder/descriptions.h"
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-// Lines are shown as they are stored, their indent as dots, a wrapped one with '~' behind it.
+// Lines are shown as stored, their indent as dots, a wrapped one followed by '~'.
 #include "builder/description_parts.h"
 #include "builder/word_wrap.h"
 
@@ -51,7 +51,7 @@ TEST(BuilderWordWrap, CountsIndents)
 
 TEST(BuilderWordWrap, StoresTheSpacesOfAWiderGap)
 {
-    // Two spaces are both stored: a reader adds none behind a stored one.
+    // Two spaces are both stored: a reader adds none after a stored one.
     EXPECT_EQ(wrapped(paragraph_of("abcd.  efghij"), ten), "abcd.  ~|efghij|");
     // A reader that always adds one gets one less.
     EXPECT_EQ(wrapped(paragraph_of("abcd.  efghij"), ten_always), "abcd. ~|efghij|");
@@ -77,7 +77,7 @@ TEST(BuilderWordWrap, KeepsTrailingSpaces)
 
 TEST(BuilderWordWrap, KeepsACommandWholeAndJudgesItByItsFirstWord)
 {
-    // "*NEW" would fit behind "abcd ", and so a reader would take an end there for a hard one.
+    // "*NEW" would fit after "abcd ", so a reader would take a line end there for a hard one.
     EXPECT_EQ(wrapped(paragraph_of("abcd *NEW PAGE* e"), ten), "abcd *NEW PAGE*~|e|");
     EXPECT_EQ(wrapped(paragraph_of("abcdef *NEW PAGE* e"), ten), "abcdef~|*NEW PAGE*~|e|");
 }
@@ -112,7 +112,7 @@ TEST(BuilderWordWrap, KnowsWhereASuppressedStretchCanStand)
                       {"{hide}all of it{/hide}", true},
                       {"", true},
                       {"{hide}x{/hide} cd", false},                   // no text before it
-                      {"ab{hide}x{/hide}", false},                    // none behind it
+                      {"ab{hide}x{/hide}", false},                    // none after it
                       {"ab{hide}x{/hide}cd", false},                  // no space
                       {"ab{hide}x{/hide}  cd", false},                // two of them
                       {"ab{hide}x{/hide} {hide}y{/hide} cd", false}}; // no text between

@@ -1,5 +1,5 @@
 // Bodies of PFS: WRITE and IBM Writing Assistant. Margins are columns 10 to 70 unless a case
-// says otherwise; the first 0D of a body is the one that readers swallow.
+// states otherwise; the first 0D of a body is the one that readers swallow.
 #include "tests/builder/descriptions.h"
 
 using namespace builder_tests;

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# The names that libpfsdoc.so shows, against the public headers: each belongs to a class or is
-# a function that a header marks with PFSDOC_API, and whatever is marked is shown, so that no
-# program fails to link for want of it.
+# The names that libpfsdoc.so exports, compared with the public headers: each belongs to a class
+# or function that a header marks with PFSDOC_API, and whatever is marked is exported, so that no
+# program fails to link.
 #   exported_names.sh LIBRARY HEADERS
 set -euo pipefail
 library=$1
@@ -9,13 +9,13 @@ headers=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# What the library shows, without the parameters of functions and the words before tables:
-# pfsdoc::CodePage::named(...) and "vtable for pfsdoc::CodePage" are both of CodePage.
+# What the library exports, without functions' parameters and the words before tables:
+# pfsdoc::CodePage::named(...) and "vtable for pfsdoc::CodePage" both belong to CodePage.
 nm -DC --defined-only "$library" | cut -d' ' -f3- |
     sed -E 's/^(vtable|typeinfo|typeinfo name|guard variable) for //; s/\(.*//' > "$work/names"
 sed -nE 's/^pfsdoc::([A-Za-z0-9_]+).*/\1/p' "$work/names" | LC_ALL=C sort -u > "$work/shown"
 
-# What the headers mark: the name is the last word before "(" or before what follows a class.
+# The marked names: the name is the last word before "(" or before what follows a class.
 find "$headers" -name '*.h' ! -name export.h -exec cat {} + | tr '\n' ' ' |
     grep -oE 'PFSDOC_API [^;{(]*[;{(]' |
     sed -E 's/^PFSDOC_API //; s/ *[;{(]$//; s/ (final|:[^:]).*//; s/.*[ *&>]//' |

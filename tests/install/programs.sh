@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# What a stranger does: installs the build, moves it elsewhere, and builds programs on it, by
+# What a user does: installs the build, moves it elsewhere, and builds programs against it, by
 # CMake packages and by pkg-config, in C and C++, linked and loading the module when they run.
-# What the programs say of every sample is compared with what the samples are known to hold.
+# The programs' output for every sample is compared with the samples' known content.
 #   programs.sh BUILD SOURCE CC CXX
 set -euo pipefail
 build=$1
@@ -19,7 +19,7 @@ failed()
     failures=$((failures + 1))
 }
 
-# expect_same EXPECTED PROGRAM ARGUMENT...: compares what the program writes with a file.
+# expect_same EXPECTED PROGRAM ARGUMENT...: compares the program's output with a file.
 expect_same()
 {
     local expected=$1
@@ -36,7 +36,7 @@ mv "$work/before" "$work/prefix"
 prefix=$work/prefix
 libraries=$(dirname "$(find "$prefix" -name libvs_pfs.so)")
 
-# Everything is there, and nothing knows where it was built or first installed.
+# Everything is there, and nothing contains the path of the build or of the first installation.
 for file in bin/pfsdoc include/vs_pfs.h include/pfsdoc/document.h include/pfsdoc/writer.h \
     share/man/man1/pfsdoc.1 share/man/man1/pfsdoc-convert.1 \
     share/bash-completion/completions/pfsdoc share/pfsdoc/pfsdoc.schema.json \
@@ -58,7 +58,7 @@ done
 cmake -S "$programs" -B "$work/by_cmake" -DCMAKE_PREFIX_PATH="$prefix"
 cmake --build "$work/by_cmake"
 
-# By pkg-config. The sources need no more than the packages name.
+# By pkg-config. The sources need only what the packages declare.
 export PKG_CONFIG_PATH=$libraries/pkgconfig
 mkdir "$work/by_pkg_config"
 flags_of() { pkg-config --cflags --libs "$1"; }
@@ -100,7 +100,7 @@ for text in "$source"/samples/*/*.text; do
 done
 [ "$count" -ge 14 ] || failed "only $count samples"
 
-# The programs in the library's manual, in their order.
+# The programs in the library's manual, in order.
 awk -v directory="$work" '/^```cpp$/ { on = 1; ++number; next } /^```$/ { on = 0 }
     on { print > (directory "/manual" number ".cpp") }' "$source/docs/library.md"
 for number in 1 2 3; do
@@ -130,7 +130,7 @@ for format in $formats; do
     fi
 done
 
-# The installed command reads with the installed module: it notices when that is no module.
+# The installed command reads with the installed module: it fails if that is not a module.
 find "$libraries" -name 'libvs_pfs.so*' -delete
 echo "no module" >"$libraries/libvs_pfs.so"
 code=0

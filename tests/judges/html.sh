@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# html.sh PFSDOC SAMPLES: tidy finds nothing to say about any sample's HTML; its stylesheet
-# has the hash that the page allows; and a browser prints it as the document's own pages,
-# letter by letter: see html_pages.py.
+# html.sh PFSDOC SAMPLES: tidy has no complaint about any sample's HTML; its stylesheet has the
+# hash that the page allows; and a browser prints it as the document's own pages, character by
+# character: see html_pages.py.
 set -euo pipefail
 pfsdoc=$1
 samples=$2
@@ -25,7 +25,7 @@ check_stylesheet() { # PAGE
 }
 
 print_page() { # PAGE PDF
-    # It talks on standard error whatever it does; what counts is whether there is a PDF.
+    # It always writes to standard error; what counts is whether there is a PDF.
     chromium --headless --no-sandbox --disable-gpu --user-data-dir="$work/browser" \
         --no-pdf-header-footer --print-to-pdf="$2" "$1" 2>"$work/browser.log" \
         && [ -s "$2" ] || { cat "$work/browser.log" >&2; return 1; }
@@ -36,7 +36,7 @@ for document in "$samples"/*/*.doc; do
     name=$(basename "$(dirname "$document")")-$(basename "$document" .doc)
     page=$work/$name.html
     "$pfsdoc" convert -t html -o "$page" "$document"
-    # A span that holds a tab is not empty, which tidy would have it.
+    # A span that contains a tab is not empty, though tidy claims so.
     tidy -q -e --drop-empty-elements no "$page" >"$work/tidy.log" 2>&1 && [ ! -s "$work/tidy.log" ] \
         || complain "$page: tidy says: $(cat "$work/tidy.log")"
     check_stylesheet "$page"

@@ -110,7 +110,7 @@ def main(pdf, html_file, text_file):
     head = running_lines(page, "header")
     foot = running_lines(page, "footer")
     header, footer = lines[:head], lines[len(lines) - foot:]
-    # An empty line parts the body from both.
+    # An empty line separates the body from both.
     body = lines[head + bool(head):len(lines) - foot - bool(foot)]
     stretches = [stretch.split("\n")[:-1] for stretch in "\n".join(body + [""]).split("\f")]
     words = printed_words(pdf)

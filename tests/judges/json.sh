@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# json.sh PFSDOC SAMPLES: every sample fits docs/pfsdoc.schema.json in both forms, says the
-# words of the page, and has its sources in order. Needs python3-jsonschema.
+# json.sh PFSDOC SAMPLES: every sample fits docs/pfsdoc.schema.json in both forms, has the words
+# of the page, and has its offsets in order. Needs python3-jsonschema.
 set -euo pipefail
 directory=$(cd "$(dirname "$0")" && pwd)
 exec python3 -B "$directory/json_judge.py" "$1" "$2" "$directory/../../docs/pfsdoc.schema.json"

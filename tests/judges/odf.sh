@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# odf.sh PFSDOC SAMPLES: has LibreOffice read every sample as odt and as fodt, and compares
-# the text and the pages that it makes of them with the samples' own texts: odf_pages.py. So it
-# does with two long documents, whose text is what `pfsdoc text` makes of them.
-# Before that, packages must be packed as OpenDocument demands, and all XML well-formed.
+# odf.sh PFSDOC SAMPLES: LibreOffice reads every sample as odt and as fodt, and the text and pages
+# that it makes are compared with the samples' own texts: odf_pages.py. The same for two long
+# documents, compared with the output of `pfsdoc text`. Before that, packages must be packed as
+# OpenDocument requires, and all XML must be well-formed.
 set -euo pipefail
 pfsdoc=$1
 samples=$2
@@ -48,7 +48,8 @@ for document in "$samples"/*/*.doc; do
 done
 [ "$count" -gt 0 ] || fail "there are no samples in $samples"
 
-# A document that does not fit in memory until it is written: prose thirty times over. In its kind the body follows a header of fixed size.
+# A document that is not held in memory until it is written: prose repeated thirty times. In its
+# kind the body follows a header of fixed size.
 prose=$samples/1012-pfs-write-a/prose.doc
 header_size=1025
 {
@@ -62,8 +63,8 @@ header_size=1025
 add long "$work/long.doc" "$work/long.expected"
 
 # Another one, in which each paragraph has tab stops of its own, and so a style: stop n of a
-# paragraph is there if bit n of its number is set. A wrong style puts a line elsewhere. It goes on
-# where a letter ends, and is compared as one.
+# paragraph is set if bit n of its number is. A wrong style moves a line. It continues where a
+# letter ends, and is compared as one.
 letter=$samples/1058-pfs-first-choice-3/letter.doc
 paragraphs=1000
 page_paragraphs=40
@@ -85,7 +86,7 @@ add long-letter "$work/rulers.doc" "$work/rulers.expected"
 styles=$(grep -o 'style:name="[^"]*-tabs[0-9]*"' "$work/long-letter.flat.fodt" | sort -u | wc -l)
 [ "$styles" -ge "$paragraphs" ] || fail "$styles styles for $paragraphs paragraphs"
 
-# One start for all files, and a profile of its own.
+# One start for all files, with a separate profile.
 convert() {
     soffice --headless "-env:UserInstallation=file://$work/profile" \
         --convert-to "$1" --outdir "$work" "$work"/*.odt "$work"/*.fodt >"$work/log" 2>&1 \

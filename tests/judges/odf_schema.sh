@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# odf_schema.sh PFSDOC SAMPLES: whether what pfsdoc writes of every sample, and of a document with
-# styles of all sorts, is what the schemas of OpenDocument 1.2 allow: each stream of a package, its
-# manifest, and the single XML file. The schemas come with a validator that Maven fetches once;
-# skipped (code 77) where it cannot.
+# odf_schema.sh PFSDOC SAMPLES: pfsdoc's output for every sample, and for a document with styles of
+# all sorts, is valid by the schemas of OpenDocument 1.2: each stream of a package, its manifest,
+# and the single XML file. The schemas come with a validator that Maven fetches once; skipped
+# (code 77) if it cannot.
 set -euo pipefail
 pfsdoc=$1
 samples=$2
@@ -26,7 +26,7 @@ unzip -qq "$jar" 'schema/odf1.2/*' -d "$work"
 schema=$work/schema/odf1.2/OpenDocument-v1.2-os-schema.rng
 manifest_schema=$work/schema/odf1.2/OpenDocument-v1.2-os-manifest-schema.rng
 
-# The schemas must be able to refuse something.
+# The schemas must be able to reject something.
 echo '<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"/>' \
     >"$work/wrong.xml"
 ! xmllint --noout --relaxng "$schema" "$work/wrong.xml" 2>/dev/null \

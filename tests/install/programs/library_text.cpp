@@ -1,7 +1,7 @@
 // A program in C++ on the library: writes a document as plain text, block by block. It reads
-// each block in a document of its own, going on from the token that the one before it gave, and
-// hands it to the library's writer, which writes to an output of the program's own class: what
-// a program can derive from, call, and get back is used across the library's border.
+// each block in a document of its own, resumed from the token of the one before it, and passes it
+// to the library's writer, which writes to an output of the program's own class: everything that a
+// program can derive from, call, and get back is used across the library's boundary.
 #include <pfsdoc/document.h>
 #include <pfsdoc/writer.h>
 
@@ -20,7 +20,7 @@ public:
     }
 };
 
-// Hands blocks to a sink, with header and footer lines that follow each other as one.
+// Passes blocks to a sink, with consecutive header and footer lines as one block.
 class Blocks {
 public:
     explicit Blocks(pfsdoc::BlockSink &sink) : sink_(sink) {}
@@ -66,7 +66,7 @@ private:
     Kind last_ = Kind::page_break;
 };
 
-// The token in front of the next block, or nothing at the document's end.
+// The token for the next block, or nothing at the document's end.
 std::optional<std::string> pass_one_block(const char *path, const std::string &token,
                                           Blocks &blocks)
 {

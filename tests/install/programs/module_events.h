@@ -1,4 +1,4 @@
-/* What the programs on the module have in common: a block file over stdio, and output routines
+/* What the programs that use the module share: a block file over stdio, and output routines
  * that print characters and breaks by their numbers, one a line, to be compared with a
  * sample's trace. Included by one file of each program. */
 #ifndef MODULE_EVENTS_H

@@ -1,5 +1,5 @@
-/* A program in C that loads the module when it runs, by the name of its file, and knows nothing
- * of it but its table: prints a document's characters and breaks. */
+/* A program in C that loads the module at run time, by its file name, and knows only its
+ * table: prints a document's characters and breaks. */
 #include "module_events.h"
 
 #include <dlfcn.h>
