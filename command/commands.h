@@ -2,7 +2,7 @@
 // tests/command/command_test.cpp.
 #pragma once
 
-#include "lib/explain/explain_writers.h"
+#include "lib/explain/explain_text.h"
 #include "lib/writers/trace.h"
 #include "pfsdoc/error.h"
 #include "pfsdoc/writer.h"

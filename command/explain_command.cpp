@@ -2,7 +2,8 @@
 #include "command/commands.h"
 
 #include "command/document_job.h"
-#include "lib/explain/explain_writers.h"
+#include "lib/explain/explain_json.h"
+#include "lib/explain/explain_text.h"
 #include "pfsdoc/explain.h"
 #include "pfsdoc/reading_stopped.h"
 

@@ -1,10 +1,11 @@
 // A closer look at an identified file: how certain its kind is, its entry in the PRONOM registry,
-// and what is unusual about it. Decided by content alone, as the kind itself; only
-// extension_mismatch looks at the name. Test: tests/lib/reading/examine_test.cpp.
+// and what is unusual about it. Decided by content alone, as the kind itself.
+// extensions.h is about names. Test: tests/lib/reading/examine_test.cpp.
 #pragma once
 
 #include "pfsdoc/byte_source.h"
 #include "pfsdoc/export.h"
+#include "pfsdoc/extensions.h"
 #include "pfsdoc/identify.h"
 
 #include <cstdint>
@@ -37,10 +38,5 @@ struct Examination {
 
 // `kind` is what identify() returned for the source. Read errors are in source.failure().
 PFSDOC_API Examination examine(ByteSource &source, DocumentKind kind);
-
-// A note if the name's extension, in either case, belongs to another well-known format or to
-// another of these kinds; empty if it fits or is unknown. Many of these documents have no
-// extension, or one that their author made up.
-PFSDOC_API std::string extension_mismatch(std::string_view file_name, DocumentKind kind);
 
 } // namespace pfsdoc

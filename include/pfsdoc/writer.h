@@ -10,6 +10,7 @@
 #include "pfsdoc/code_page.h"
 #include "pfsdoc/error.h"
 #include "pfsdoc/export.h"
+#include "pfsdoc/formats.h"
 #include "pfsdoc/identify.h"
 #include "pfsdoc/loss_report.h"
 #include "pfsdoc/output.h"
@@ -100,10 +101,5 @@ struct Format {
         return options.find(std::string(option) + " ") != std::string_view::npos;
     }
 };
-
-// All formats, in the order in which help texts list them.
-PFSDOC_API std::span<const Format *const> formats();
-// Null for an unknown name.
-PFSDOC_API const Format *find_format(std::string_view name);
 
 } // namespace pfsdoc

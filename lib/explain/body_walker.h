@@ -13,7 +13,6 @@
 #include "pfsdoc/events.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 
 namespace pfsdoc::explaining {
@@ -105,10 +104,5 @@ private:
 
 // What precedes the text in the words for a line end.
 std::string_view line_end_words(LineEnd end);
-
-std::unique_ptr<BodyWalker> make_wrapped_text_walker(SpanBuilder &builder, ByteSource &source,
-                                                     const BodyStart &start);
-std::unique_ptr<BodyWalker> make_professional_write_walker(SpanBuilder &builder);
-std::unique_ptr<BodyWalker> make_choice3_walker(SpanBuilder &builder);
 
 } // namespace pfsdoc::explaining

@@ -1,8 +1,10 @@
 #include "pfsdoc/explain.h"
 
 #include "formats/text.h"
-#include "lib/explain/body_walker.h"
+#include "lib/explain/choice3_walker.h"
 #include "lib/explain/explain_header.h"
+#include "lib/explain/professional_write_walker.h"
+#include "lib/explain/wrapped_text_walker.h"
 #include "lib/reading/read_document.h"
 #include "vs_pfs.h"
 

@@ -1,5 +1,4 @@
-// Spans as JSON objects, one a line. What does not apply to a span is left out.
-#include "lib/explain/explain_writers.h"
+#include "lib/explain/explain_json.h"
 
 #include "lib/base/json_text.h"
 #include "lib/base/printable.h"

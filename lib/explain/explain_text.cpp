@@ -1,5 +1,4 @@
-// The annotated dump.
-#include "lib/explain/explain_writers.h"
+#include "lib/explain/explain_text.h"
 
 #include "lib/base/printable.h"
 
@@ -73,7 +72,7 @@ void ExplainTextWriter::write_line(const Span &span, std::size_t from, std::size
     line_.assign(position_width - std::min(position_width, position.size()), ' ');
     line_.append(position).append("  ");
     append_bytes(std::string_view(span.bytes).substr(from, count));
-    append_pictures(span, from, count);
+    append_glyphs(span, from, count);
     if (from == 0) {
         append_coloured(span.kind, span.words);
         line_.append(span.disputed ? " (disputed)" : "");
@@ -93,15 +92,15 @@ void ExplainTextWriter::append_bytes(std::string_view bytes)
 }
 
 // Of text the characters, of everything else the bytes.
-void ExplainTextWriter::append_pictures(const Span &span, std::size_t from, std::size_t count)
+void ExplainTextWriter::append_glyphs(const Span &span, std::size_t from, std::size_t count)
 {
     const bool is_text = span.kind == SpanKind::text || span.kind == SpanKind::attributed_text;
     const std::size_t unit = is_text ? 1 + span.attribute_bytes : 1;
     const std::string_view shown = is_text ? span.characters : span.bytes;
-    const std::size_t pictures = count / unit;
+    const std::size_t glyphs = count / unit;
     line_.push_back('|');
-    code_page_.append_utf8(line_, shown.substr(from / unit, pictures));
-    line_.append("|").append(bytes_in_line - pictures + 2, ' ');
+    code_page_.append_utf8(line_, shown.substr(from / unit, glyphs));
+    line_.append("|").append(bytes_in_line - glyphs + 2, ' ');
 }
 
 void ExplainTextWriter::append_coloured(SpanKind kind, std::string_view text)

@@ -1,15 +1,6 @@
-// Explaining the text of PFS: WRITE, IBM Writing Assistant and First Choice 2.0, which store
-// all line ends alike: a line was wrapped if the first word of the next one would have passed
-// the right margin.
-//
-//                        line ends     characters with attribute bytes
-//   PFS: WRITE           0x0D          0x80-0xFF, one
-//   Writing Assistant    0x0D          0xC0-0xFF, one; all characters are translated
-//   First Choice 2.0     0x0C, 0x0D    0x80-0xFF, one or two
-//
-// Tests: tests/lib/explain/line_end_test.cpp, partition_test.cpp.
+#include "lib/explain/wrapped_text_walker.h"
+
 #include "formats/text.h"
-#include "lib/explain/body_walker.h"
 #include "lib/explain/next_word.h"
 #include "lib/explain/stored_characters.h"
 

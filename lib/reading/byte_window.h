@@ -1,5 +1,5 @@
 // Single bytes of a source at positions that mostly go forwards. A window of the file is kept;
-// a position outside of it moves it there. Test: tests/lib/explain/byte_window_test.cpp.
+// a position outside of it moves it there. Test: tests/lib/reading/byte_window_test.cpp.
 #pragma once
 
 #include "pfsdoc/byte_source.h"

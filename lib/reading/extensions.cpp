@@ -1,14 +1,14 @@
-// What the extension of a file's name says about a document in it. Usual are
+// Usual extensions are
 //
 //   PFS: WRITE             pfs, or none
 //   Professional Write     pw, or none, or one of the writer's own: LETTER.12
 //   First Choice           doc
 //   IBM Writing Assistant  none
 //
-// So an extension that is not in the table tells nothing; one that is tells of another
+// So an extension that is not in the table means nothing; one that is belongs to another
 // format. "doc" is First Choice's own and later became that of another program: it fits
-// First Choice, and no other kind here. Test: tests/lib/reading/examine_test.cpp.
-#include "pfsdoc/examine.h"
+// First Choice, and no other kind here.
+#include "pfsdoc/extensions.h"
 
 #include "lib/base/printable.h"
 

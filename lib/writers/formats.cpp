@@ -1,4 +1,6 @@
 // The list of formats: one line for each.
+#include "pfsdoc/formats.h"
+
 #include "lib/writers/formats.h"
 
 #include <algorithm>

@@ -2,6 +2,10 @@
 // says that they are disputed. Without this, that no document is disputed would mean nothing.
 #include "lib/explain/body_walker.h"
 
+#include "lib/explain/choice3_walker.h"
+#include "lib/explain/professional_write_walker.h"
+#include "lib/explain/wrapped_text_walker.h"
+
 #include "tests/lib/explain/explained.h"
 #include "vs_pfs.h"
 

@@ -2,7 +2,8 @@
 // whatever the document.
 #pragma once
 
-#include "lib/explain/explain_writers.h"
+#include "lib/explain/explain_json.h"
+#include "lib/explain/explain_text.h"
 #include "pfsdoc/explain.h"
 #include "tests/lib/reading/host_bench.h"
 
@@ -23,6 +24,17 @@ public:
     std::vector<pfsdoc::Span> spans;
 };
 
+inline pfsdoc::Span span_with(pfsdoc::SpanKind kind, const std::string &bytes,
+                              const std::string &words)
+{
+    pfsdoc::Span span;
+    span.offset = 100;
+    span.kind = kind;
+    span.bytes = bytes;
+    span.words = words;
+    return span;
+}
+
 // Of a document that may be cut; it must be of a known kind.
 inline std::vector<pfsdoc::Span> spans_of(const std::string &document)
 {
@@ -39,7 +51,7 @@ inline std::vector<pfsdoc::Span> spans_of(const std::string &document)
     return sink.spans;
 }
 
-// One line for each span from a position on: its place, length, kind and words.
+// One line for each span from a position on: its offset, length, kind and words.
 inline std::string summary(const std::vector<pfsdoc::Span> &spans, uint32_t from)
 {
     std::string text;

@@ -1,4 +1,4 @@
-// How sure a kind is, what the registry calls it, and what a name's extension says.
+// How certain a kind is, and what the registry calls it.
 #include "pfsdoc/examine.h"
 
 #include "tests/lib/reading/host_bench.h"
@@ -193,42 +193,6 @@ TEST(Registry, IsNotedWhereItWouldMissTheFile)
     EXPECT_EQ(notes,
               std::vector<std::string>{"it lacks the signature by which PRONOM knows fmt/1282"});
     EXPECT_TRUE(examination_of(choice_document('3', bytes("0E"))).notes.empty());
-}
-
-TEST(Extensions, ThatFitOrMeanNothingAreNotNoted)
-{
-    EXPECT_EQ(extension_mismatch("a.pfs", DocumentKind::write_a), "");
-    EXPECT_EQ(extension_mismatch("A.PFS", DocumentKind::write_b), "");
-    EXPECT_EQ(extension_mismatch("a.pw", DocumentKind::professional_write_1), "");
-    EXPECT_EQ(extension_mismatch("a.doc", DocumentKind::first_choice_2), "");
-    EXPECT_EQ(extension_mismatch("a.DOC", DocumentKind::first_choice_3), "");
-    for (const char *name : {"LETTER", "LETTER.12", "a.bak", "a.", ".pdf", "", "-", "doc",
-                             "letters.pdf/LETTER", "a.docs"}) {
-        for (const KindExample &example : kind_examples()) {
-            EXPECT_EQ(extension_mismatch(name, example.kind), "") << name;
-        }
-    }
-}
-
-TEST(Extensions, OfOtherFormatsAreNoted)
-{
-    for (const KindExample &example : kind_examples()) {
-        EXPECT_EQ(extension_mismatch("a.pdf", example.kind), "its extension .pdf is usual for PDF");
-        EXPECT_EQ(extension_mismatch("dir.d/A.Txt", example.kind),
-                  "its extension .txt is usual for plain text");
-    }
-}
-
-TEST(Extensions, OfOtherKindsAreNoted)
-{
-    EXPECT_EQ(extension_mismatch("a.doc", DocumentKind::write_a),
-              "its extension .doc is usual for PFS: First Choice and Microsoft Word");
-    EXPECT_EQ(extension_mismatch("a.doc", DocumentKind::writing_assistant),
-              "its extension .doc is usual for PFS: First Choice and Microsoft Word");
-    EXPECT_EQ(extension_mismatch("a.pw", DocumentKind::first_choice_3),
-              "its extension .pw is usual for Professional Write");
-    EXPECT_EQ(extension_mismatch("a.pfs", DocumentKind::professional_write_2),
-              "its extension .pfs is usual for PFS: WRITE");
 }
 
 } // namespace

@@ -1,14 +1,14 @@
 // Single bytes of a source, wherever they are asked for.
 #include "lib/reading/byte_window.h"
 
-#include "tests/lib/explain/explained.h"
+#include "tests/lib/reading/host_bench.h"
 
 namespace {
 
 using namespace tests;
 using namespace pfsdoc;
 
-// Long enough for several windows; each byte tells its position.
+// Long enough for several windows; each byte shows its position.
 std::string long_text()
 {
     std::string text;

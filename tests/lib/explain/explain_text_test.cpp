@@ -1,7 +1,7 @@
-// The two forms of output: what a line of the dump looks like, and what a JSON object holds.
-#include "tests/lib/explain/explained.h"
+// What a line of the annotated dump looks like.
+#include "lib/explain/explain_text.h"
 
-#include <nlohmann/json.hpp>
+#include "tests/lib/explain/explained.h"
 
 namespace {
 
@@ -16,24 +16,7 @@ std::string dump(const Span &span, explaining::Colours colours = explaining::Col
     return output.text;
 }
 
-std::string json(const Span &span)
-{
-    StringOutput output;
-    explaining::ExplainJsonWriter(output, CodePage::ibm437()).span(span);
-    return output.text;
-}
-
-Span span_with(SpanKind kind, const std::string &bytes, const std::string &words)
-{
-    Span span;
-    span.offset = 100;
-    span.kind = kind;
-    span.bytes = bytes;
-    span.words = words;
-    return span;
-}
-
-TEST(ExplainText, HasPositionBytesPicturesAndWords)
+TEST(ExplainText, HasPositionBytesGlyphsAndWords)
 {
     EXPECT_EQ(dump(span_with(SpanKind::field, bytes("0A 00"), "left margin: column 10")),
               "     100  0A 00                                            |\u25D9 |"
@@ -115,58 +98,6 @@ TEST(ExplainText, HandsOnNoControlCharacter)
             const auto value = static_cast<unsigned char>(byte);
             EXPECT_TRUE(value == '\n' || (value >= 0x20 && value != 0x7F)) << unsigned{value};
         }
-    }
-}
-
-TEST(ExplainJson, LeavesOutWhatDoesNotApply)
-{
-    EXPECT_EQ(json(span_with(SpanKind::unused, bytes("00 0A"), "not used")),
-              R"({"offset":100,"length":2,"kind":"unused","words":"not used","hex":"000A"})"
-              "\n");
-}
-
-TEST(ExplainJson, HoldsTextAndAttributes)
-{
-    Span span = span_with(SpanKind::attributed_text, bytes("C1 03 82 43"), "text");
-    span.characters = "A\x82";
-    span.attributes = attribute_bit(2) | attribute_bit(4);
-    span.attribute_bytes = 1;
-    EXPECT_EQ(json(span), R"({"offset":100,"length":4,"kind":"attributed_text","words":"text",)"
-                          R"("hex":"C1038243","text":"Aé","attributes":["bold","underline"],)"
-                          R"("attribute_bytes":1})"
-                          "\n");
-}
-
-TEST(ExplainJson, TellsOfLineEnds)
-{
-    Span span = span_with(SpanKind::line_end, "\r", "line end, soft");
-    span.characters = " ";
-    span.line_end = LineEnd::soft;
-    span.disputed = true;
-    EXPECT_EQ(json(span), R"({"offset":100,"length":1,"kind":"line_end",)"
-                          R"("words":"line end, soft","hex":"0D","text":" ",)"
-                          R"("line_end":"soft","disputed":true})"
-                          "\n");
-}
-
-// The objects of a file, put together, are the file.
-TEST(ExplainJson, HoldsEveryByte)
-{
-    for (const KindExample &example : kind_examples()) {
-        const std::string document = document_of(example.kind, bytes(example.body));
-        std::string hex;
-        for (const Span &span : spans_of(document)) {
-            const nlohmann::json object = nlohmann::json::parse(json(span));
-            EXPECT_EQ(object["offset"].get<std::size_t>(), hex.size() / 2);
-            hex += object["hex"].get<std::string>();
-        }
-        std::string expected;
-        for (const char byte : document) {
-            constexpr std::string_view digits = "0123456789ABCDEF";
-            expected += digits[static_cast<unsigned char>(byte) >> 4];
-            expected += digits[static_cast<unsigned char>(byte) & 0x0F];
-        }
-        EXPECT_EQ(hex, expected);
     }
 }
 
