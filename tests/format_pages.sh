@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# The pages of docs/formats against the program: what an example shows is what explain prints,
-# every row of a header table is a field there, and every field that is read has its row.
+# The pages of docs/formats compared with the program: an example shows what explain prints, every
+# row of a header table is a field there, and every field that is read has its row.
 #   format_pages.sh PROGRAM SOURCE_DIRECTORY
 #
 # An example begins with the indented line "$ pfsdoc explain FILE" and ends with the block; a
-# line "..." stands for lines left out. A row of a header table is "| offset | size | field |";
-# it holds if one of the page's documents has that field there, and something new behind it.
+# line "..." stands for omitted lines. A row of a header table is "| offset | size | field |"; it is
+# correct if one of the page's documents has that field there, followed by something else.
 set -euo pipefail
 program=$1
 cd "$2"
@@ -17,8 +17,7 @@ fail()
     failures=$((failures + 1))
 }
 
-# A page's examples, each as the document's name and pieces that stand without a gap, all parted
-# by lines "...".
+# A page's examples, each as the document's name and contiguous pieces, separated by lines "...".
 examples()
 {
     sed -nE '/^    \$ pfsdoc explain /,/^( {0,3}[^ ]|$)/ {
@@ -51,7 +50,7 @@ check_examples()
     done < <(examples "$page"; echo ...)
 }
 
-# Lines "offset words" for all that explain tells of a document's header.
+# Lines "offset words" for everything that explain prints for a document's header.
 fields()
 {
     "$program" explain "$1" | sed -nE 's/^ *([0-9]+)  [^|]*\|.*\|  +([a-z].*)$/\1 \2/p' \
@@ -65,18 +64,18 @@ rows()
 
 check_table()
 {
-    local told offset size name found
-    told=$(for document in "$@"; do fields "$document"; done)
+    local shown offset size name found
+    shown=$(for document in "$@"; do fields "$document"; done)
     while read -r offset size name; do
-        found=$(grep -cE "^$offset $name" <<<"$told" || true)
-        [ "$found" -gt 0 ] || fail "$page: explain tells of no \"$name\" at $offset"
-        grep -qE "^$((offset + size)) " <<<"$told"$'\n512 \n' \
+        found=$(grep -cE "^$offset $name" <<<"$shown" || true)
+        [ "$found" -gt 0 ] || fail "$page: explain shows no \"$name\" at $offset"
+        grep -qE "^$((offset + size)) " <<<"$shown"$'\n512 \n' \
             || fail "$page: nothing begins behind \"$name\", $size bytes from $offset"
     done < <(rows)
     while read -r offset name; do
         awk -v at="$offset" '$1 <= at && at < $1 + $2 { found = 1 } END { exit !found }' \
             < <(rows) || fail "$page: has no row for \"$name\" at $offset"
-    done < <(grep -vE '(^[0-9]+|:) not used$' <<<"$told")
+    done < <(grep -vE '(^[0-9]+|:) not used$' <<<"$shown")
 }
 
 for page in docs/formats/*.md; do
@@ -85,7 +84,7 @@ for page in docs/formats/*.md; do
     [ ${#documents[@]} -eq 0 ] || check_table "${documents[@]}"
 done
 
-# That there was something to check.
+# There must be something to check.
 for page in pfs-write professional-write first-choice; do
     grep -q '^    \$ pfsdoc explain ' "docs/formats/$page.md" || fail "$page.md has no example"
     grep -qE '^\| [0-9]+ \| [0-9]+ \| ' "docs/formats/$page.md" || fail "$page.md has no table"

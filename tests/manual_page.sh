@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# A command's manual page against what the program says of itself: each option and each format
-# in the help text has its place in the page, and so has each exit code. A page may say more:
-# a format may be missing where the program was built.
+# A command's manual page compared with the program's help: the page has each option and each
+# format in the help text, and each exit code. A page may have more: a format may be missing from
+# the build.
 #   manual_page.sh PROGRAM COMMAND PAGE
 set -euo pipefail
 program=$1
@@ -33,7 +33,7 @@ done
 mapfile -t codes < <("$program" --help | sed -nE '/^Exit codes:/,/^$/ s/^  ([0-9]+) .*/\1/p')
 [ ${#codes[@]} -ge 8 ]
 for code in "${codes[@]}"; do
-    # Several inputs at once are not every command's.
+    # Not every command takes several inputs.
     [ "$code" = 1 ] || expect_said "$code"
 done
 [ $failures -eq 0 ]

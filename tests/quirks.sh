@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # quirks.sh SOURCE_DIRECTORY: every test that docs/quirks.md names exists, and so does every
-# oddity that the code points to by name.
+# oddity that the code refers to by name.
 set -euo pipefail
 cd "$1"
 status=0
@@ -11,7 +11,7 @@ named=$(grep -oE '`([A-Za-z]+/)?[A-Z][A-Za-z0-9]+\.[A-Z][A-Za-z0-9]+`' docs/quir
 for test in $named; do
     suite=${test%.*}
     grep -rqE "TEST(_P|_F)?\(${suite##*/}, *${test##*.}\)" tests \
-        || { echo "docs/quirks.md names $test, which is not there"; status=1; }
+        || { echo "docs/quirks.md names $test, which does not exist"; status=1; }
 done
 
 oddities=$(tr '\n' ' ' <<<"$(find vs_pfs -type f -exec sed 's|^ *// *||' {} +)" \
@@ -19,6 +19,6 @@ oddities=$(tr '\n' ' ' <<<"$(find vs_pfs -type f -exec sed 's|^ *// *||' {} +)" 
 [ -n "$oddities" ] || { echo "the code names no oddity"; exit 1; }
 while read -r oddity; do
     grep -q "^| $oddity |" docs/quirks.md \
-        || { echo "the code points to \"$oddity\", which docs/quirks.md has not"; status=1; }
+        || { echo "the code refers to \"$oddity\", which docs/quirks.md lacks"; status=1; }
 done <<<"$oddities"
 exit $status

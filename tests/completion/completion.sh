@@ -3,8 +3,8 @@
 # words so far and the number of the one to be completed, which is the last.
 #   completion.sh PROGRAM COMPLETION DOCUMENT
 #
-# What is offered is compared with what the program says of itself, so that neither can run
-# away from the other; and every format that is offered must be one that the program writes.
+# What is offered is compared with the program's help, so that the two stay in step; and the
+# program must be able to write every format that is offered.
 set -u
 program=$1
 completion=$2
@@ -25,7 +25,7 @@ offered()
     [ ${#COMPREPLY[@]} -eq 0 ] || printf '%s\n' "${COMPREPLY[@]}" | LC_ALL=C sort
 }
 
-# expect EXPECTED WORD...: compares, in any order, words divided by blanks or line ends.
+# expect EXPECTED WORD...: compares, in any order, words separated by spaces or line ends.
 expect()
 {
     local expected actual
@@ -39,7 +39,7 @@ expect()
     fi
 }
 
-# Everything in a help text that looks like an option and begins its line.
+# Everything in a help text that looks like an option at the start of a line.
 options_told_by()
 {
     "$program" "$@" --help | awk '/^ +-/ { gsub(",", "\n", $1); print $1 }'
@@ -52,7 +52,7 @@ expect 'identify' id
 expect '--version' --v
 expect '' xyz
 
-# A command's options, all of them; and never a file among them.
+# All of a command's options, and never a file.
 count=0
 for command in $commands; do
     expect "$(options_told_by "$command")" "$command" -
@@ -62,7 +62,7 @@ done
 expect '--no-headers --no-page-breaks' text --no
 expect '--output' convert LETTER --ou
 
-# Names of files are left to the shell: nothing is offered, and the shell has been told so.
+# File names are left to the shell: nothing is offered, and the shell's default is enabled.
 expect '' text ''
 expect '' text LETT
 expect '' identify A B ''
@@ -72,7 +72,7 @@ expect '' text --module /usr/lib
 expect '' text -- -
 [[ $(complete -p pfsdoc) == *'-o default'* ]] || { complete -p pfsdoc; failures=$((failures + 1)); }
 
-# Values of options, after a blank or after "=".
+# Values of options, after a space or after "=".
 expect 'text' convert -t tex
 expect 'text' convert --to = tex
 expect '850 852' text --charset 85
@@ -94,7 +94,7 @@ for format in $formats; do
     }
 done
 
-# A program that cannot be started offers nothing and says nothing.
+# A program that cannot be started offers nothing and prints nothing.
 program=$work/none
 expect '' '' 2>"$work/errors"
 [ ! -s "$work/errors" ] || { cat "$work/errors"; failures=$((failures + 1)); }

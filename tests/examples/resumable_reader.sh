@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# resumable_reader shows a letter in as many runs as it is told, and all runs together show
-# what one run does. The place of one document is none in another.
+# resumable_reader shows a letter in the given number of runs, and all runs together show what one
+# run does. A token of one document is refused for another.
 #   resumable_reader.sh PROGRAM SAMPLES
 set -euo pipefail
 program=$1
@@ -11,11 +11,11 @@ trap 'rm -rf "$work"' EXIT
 place=$work/place
 letter=$samples/1013-pfs-write-b/letter.doc
 
-# What the whole letter is: read by a person once.
+# The whole letter, checked by a person once.
 "$program" "$letter" "$place" 1000 | diff "$here/letter.paragraphs" -
 [ ! -e "$place" ]
 
-# In steps: the place is kept from run to run, and gone at the end.
+# In steps: the token is stored from run to run, and removed at the end.
 for sample in "$samples"/*/letter.doc; do
     "$program" "$sample" "$place" 1000 >"$work/whole"
     for step in 1 2 7; do
@@ -40,7 +40,7 @@ refuses() # CODE DOCUMENT
     [ ! -s "$work/output" ] && [ -s "$work/errors" ]
 }
 
-# Another document's place, what is no place, and what is no document.
+# Another document's token, an invalid token, and a file that is not a document.
 "$program" "$letter" "$place" 3 >/dev/null
 refuses 2 "$samples/1012-pfs-write-a/letter.doc"
 echo "nonsense" >"$place"
@@ -48,7 +48,7 @@ refuses 2 "$letter"
 rm "$place"
 refuses 4 "$0"
 
-# A letter that is cut short ends with an error in place of its end.
+# A truncated letter ends with an error instead of its end.
 head -c 1500 "$letter" >"$work/cut"
 code=0
 "$program" "$work/cut" "$place" 1000 >"$work/output" 2>/dev/null || code=$?

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# search_index finds the paragraphs that hold words, and tells where they begin in the file.
+# search_index finds the paragraphs that contain words, and reports their offsets in the file.
 #   search_index.sh PROGRAM SAMPLES
 set -euo pipefail
 program=$(realpath "$1")
@@ -39,19 +39,19 @@ finds 'tide*' <<'END'
 ./1012-pfs-write-a/letter.doc:485: Moorings · [Tides] · Repairs
 ./1012-pfs-write-a/letter.doc:1869: The [tide] tables for the quarter lie at the desk; 2 * 3...
 END
-# Embedded commands are no words of the text.
+# Embedded commands are not part of the text.
 finds 'justify' </dev/null
 
-# A place is where the file has the paragraph: the first of its bytes are there.
+# The offset is the paragraph's in the file: its first bytes are there.
 [ "$(tail -c +1051 1013-pfs-write-b/letter.doc | head -c 3)" = The ]
 
-# A document that is added again is there once.
+# A document that is added twice is in the index once.
 "$program" "$index" add ./1013-pfs-write-b/letter.doc ./1013-pfs-write-b/letter.doc
 finds 'fold' <<'END'
 ./1013-pfs-write-b/letter.doc:1586: Please do not [fold] the corners.  A slip of paper serves as...
 END
 
-# One file that is no document does not keep the next from being added.
+# A file that is not a document does not prevent the next from being added.
 code=0
 "$program" "$index" add "$here/search_index.sh" ./1058-pfs-first-choice-3/prose.doc \
     2>"$work/errors" || code=$?
@@ -59,7 +59,7 @@ code=0
 "$program" "$index" find 'the' >"$work/found"
 grep -q '1058-pfs-first-choice-3/prose.doc:' "$work/found"
 
-# Words that are no query are refused.
+# An invalid query is refused.
 code=0
 "$program" "$index" find '"' >"$work/found" 2>"$work/errors" || code=$?
 [ $code -eq 1 ] && [ ! -s "$work/found" ] && grep -q 'unterminated string' "$work/errors"

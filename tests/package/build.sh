@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes the Debian package of a build, whose install prefix must be /usr, and has package.sh look
-# at it.
+# Builds the Debian package of a build, whose install prefix must be /usr, and checks it with
+# package.sh.
 #   build.sh CPACK BUILD SOURCE
 set -euo pipefail
 work=$(mktemp -d)

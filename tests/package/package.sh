@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# The Debian package from outside: what its fields say; what is in it, unpacked elsewhere; and
-# what dpkg installs to a system of its own and takes away again. The files for other programs
-# pass the tests of tests/packaging once more, as they are in the package.
+# The Debian package from outside: its fields; its contents, unpacked elsewhere; and what dpkg
+# installs to an empty system and removes again. The files for other programs pass the tests of
+# tests/packaging once more, as they are in the package.
 #   package.sh PACKAGE SOURCE
 # "make package" runs it on the release, build.sh on the build that is tested. Needs dpkg-dev and
-# what tests/packaging needs; lintian is heard where it is installed. Without root, dpkg's part
-# takes place under fakeroot.
+# what tests/packaging needs; lintian runs where it is installed. Without root, dpkg's part runs
+# under fakeroot.
 set -euo pipefail
 package=$(realpath "$1")
 source=$(realpath "$2")
@@ -20,7 +20,7 @@ failed()
     failures=$((failures + 1))
 }
 
-# field NAME PATTERN: a field of the package is all as the extended pattern says.
+# field NAME PATTERN: the whole field of the package matches the extended regular expression.
 field()
 {
     local value
@@ -32,8 +32,7 @@ field Package pfsdoc
 field Version "${version//./\\.}-1"
 field Architecture "$(dpkg --print-architecture)"
 field Maintainer 'the vs_pfs authors <.*\.invalid>'
-# What the command and the libraries are linked with, and nothing of what building
-# needs.
+# What the command and the libraries are linked with, and no build dependency.
 field Depends '.*libc6 \(>= [0-9.]+\).*'
 field Depends '.*zlib1g.*'
 field Depends '.*libarchive13.*'
@@ -62,11 +61,11 @@ for file in "$root/usr/libexec/pfsdoc/pfsdoc-batch" \
     [ -s "$file" ] || failed "not in the package: ${file#"$root"}"
 done
 
-# The manual pages are there, all of them, compressed and whole.
+# All manual pages are there, compressed and complete.
 for page in "$source"/docs/man/pfsdoc*.1; do
     zcat "$share/man/man1/$(basename "$page").gz" | cmp - "$page" || failed "$page"
 done
-# All that LICENSE and the notices say is in the file "copyright".
+# The file "copyright" contains all of LICENSE and the notices.
 for text in LICENSE THIRD-PARTY-NOTICES.md; do
     if grep -vxFf "$share/doc/pfsdoc/copyright" "$source/$text"; then
         failed "is not in the file copyright, and in $text"
@@ -76,14 +75,14 @@ zcat "$share/doc/pfsdoc/changelog.gz" | cmp - "$source/CHANGELOG.md" || failed "
 entry=$(zcat "$share/doc/pfsdoc/changelog.Debian.gz" | dpkg-parsechangelog -l - -S Version)
 [ "$entry" = "$version-1" ] || failed "changelog.Debian.gz is of version $entry"
 
-# Each shared library is declared, by the name that the linker writes into programs.
+# Each shared library is declared under its soname.
 for library in "$libraries"/*.so; do
     soname=$(objdump -p "$library" | sed -n 's/^ *SONAME *//p')
     grep -qF "${soname%.so.*} ${soname#*.so.} pfsdoc " "$work/control/shlibs" ||
         failed "shlibs: $soname"
 done
 
-# Nothing has symbols left, or knows where it was built.
+# Everything is stripped, and nothing contains the path of the build.
 for binary in "$pfsdoc" "$libraries"/*.so "$libraries"/pfsdoc/*.so; do
     if readelf -SW "$binary" | grep -E ' \.(symtab|debug_info) '; then
         failed "is not stripped: $binary"
@@ -123,8 +122,8 @@ mime=$share/mime/packages/pfsdoc.xml
 "$tests/tika.sh" "$share/pfsdoc/tika" "$mime" "$pfsdoc" "$samples" || failed "tika"
 "$tests/pandoc.sh" "$share/pfsdoc/pandoc/pfsdoc.lua" "$pfsdoc" "$samples" || failed "pandoc"
 
-# dpkg installs it to a system with nothing in it, and leaves nothing behind. What the package
-# depends on is not there, so dpkg is told to take that as given.
+# dpkg installs it to an empty system, and leaves nothing behind when it removes it. The package's
+# dependencies are not there, so dpkg is told to ignore them.
 system=$work/system
 as_root=()
 [ "$(id -u)" -eq 0 ] || as_root=(fakeroot)
@@ -147,7 +146,7 @@ left=$(find "$system" -path "$system/var/lib/dpkg" -prune -o ! -type d -print)
 [ -z "$left" ] || failed "is left behind: $left"
 [ ! -d "$system/usr" ] || failed "is left behind: $(find "$system/usr")"
 
-# Debian's own judge. It wants a package for each library, and one package is what this is.
+# Debian's own checker. It wants a package for each library; this is deliberately a single package.
 if command -v lintian >/dev/null; then
     lintian --fail-on error --suppress-tags initial-upload-closes-no-bugs \
         --suppress-tags link-to-shared-library-in-wrong-package,package-name-doesnt-match-sonames \

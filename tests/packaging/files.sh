@@ -13,13 +13,13 @@ type_of()
     esac
 }
 
-# patch FILE OFFSET TEXT: writes over what is there.
+# patch FILE OFFSET TEXT: overwrites bytes of the file.
 patch()
 {
     printf '%s' "$3" | dd of="$1" bs=1 seek="$2" conv=notrunc status=none
 }
 
-# make_others DIRECTORY PFSDOC SAMPLES: files of others, and files that only look like ours.
+# make_others DIRECTORY PFSDOC SAMPLES: files of other formats, and files that only resemble ours.
 make_others()
 {
     local directory=$1 pfsdoc=$2 samples=$3
@@ -55,7 +55,7 @@ failed()
     failures=$((failures + 1))
 }
 
-# finish COUNT: the end of the test, which has checked so many samples.
+# finish COUNT: the end of the test, which has checked that many samples.
 finish()
 {
     [ "$1" -ge 14 ] || failed "only $1 samples"

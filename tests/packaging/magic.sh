@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# file(1) with our magic file names the kind of every sample as pfsdoc does, and its type as
-# the desktop's database does; of files of others it says nothing of ours.
+# file(1) with our magic file identifies the kind of every sample as pfsdoc does, and its type as
+# the desktop's database does; it identifies no other file as one of ours.
 #   magic.sh MAGIC_FILE PFSDOC SAMPLES
 # Needs file and jq.
 set -euo pipefail
@@ -13,7 +13,7 @@ trap 'rm -rf "$work"' EXIT
 source "$(dirname "$0")/files.sh"
 with_system=$magic_file:/usr/share/misc/magic
 
-# In its checking mode, file(1) complains of lines that it cannot read.
+# In its checking mode, file(1) complains about lines that it cannot read.
 file -c -m "$magic_file" >"$work/checked" 2>&1 || failed "file -c fails"
 if grep -iE '(error|warning)' "$work/checked" | grep -v 'using regular magic file'; then
     failed "file -c complains"
@@ -32,8 +32,7 @@ for sample in "$samples"/*/*.doc; do
     count=$((count + 1))
 done
 
-# Where both signatures stand, First Choice's counts, as it does for pfsdoc. What is not
-# generation 3 is 2.
+# If both signatures are present, First Choice's counts, as in pfsdoc. Any generation but 3 is 2.
 cp "$samples/1058-pfs-first-choice-3/letter.doc" "$work/both"
 patch "$work/both" 641 'TYPE 4'
 said=$(file -b -m "$magic_file" "$work/both")

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# The files for Tika, without Tika, which Debian does not have: they are XML, know the same types
-# by the same bytes as the desktop's file, and the command that they name writes the text of
-# every sample.
+# The files for Tika, without Tika, which Debian does not package: they are XML, recognise the same
+# types by the same bytes as the desktop's file, and the command in them writes the text of every
+# sample.
 #   tika.sh DIRECTORY MIME_FILE PFSDOC SAMPLES
 # Needs xmllint.
 set -euo pipefail

@@ -1,6 +1,6 @@
-// Watches the stream of output calls for what must hold of every document: only the known
-// arguments, tab stops and header blocks that balance, attributes that only change, silence
-// after the end. A fault is a test failure with the call's index.
+// Checks the stream of output calls against what must hold for every document: only known
+// arguments, balanced tab stops and header blocks, attributes that only change, no call after the
+// end. A violation is a test failure with the call's index.
 #pragma once
 
 #include "tests/support/notation.h"
@@ -12,7 +12,7 @@ namespace tests {
 
 class CallChecker {
 public:
-    // A read call begins, or has ended.
+    // To be called when a read call begins, and when it has ended.
     void read_begins();
     void read_ends();
     void check(const Call &call);
@@ -20,7 +20,7 @@ public:
     // A saved state that no reading produced: blocks may be closed that were not opened, and
     // margins, font and attributes may be anything.
     void expect_foreign_state();
-    // Routine 13 is not registered, so that blocks have no ends to be seen.
+    // Routine 13 is not registered, so the ends of blocks are not visible.
     void expect_no_breaks();
 
 private:
@@ -38,8 +38,8 @@ private:
     bool in_block = false;            // between breaks 6 and 7, across read calls
     bool kind_expected = false;       // break 6 was the last call
     bool ended = false;               // break 2 was reported in this read call
-    bool in_text = false;             // the announcements of this read call are over
-    std::array<int, 12> attributes{}; // by code: what the host was last told
+    bool in_text = false;             // the announcements of this read call are complete
+    std::array<int, 12> attributes{}; // by code: the state last reported
 };
 
 } // namespace tests

@@ -5,7 +5,7 @@
 namespace tests {
 namespace {
 
-constexpr int32_t failure = 5; // any value but 0 has to be taken for a failure
+constexpr int32_t failure = 5; // any value but 0 means failure
 
 using Kind = Fault::Kind;
 
@@ -19,7 +19,7 @@ Fault next_fault(FaultyBlockFile &file, BlockOperation operation)
     return file.plan(++file.operations, operation);
 }
 
-// What the operation answers, once it has been done or left undone.
+// What the operation returns, whether or not it has been performed.
 int32_t answer(const Fault &fault, int32_t result)
 {
     return fault.kind == Kind::fails || fault.kind == Kind::fails_afterward ? failure : result;

@@ -1,5 +1,5 @@
-// Stands between a character stream and its block file and spoils the operations that a test
-// asks for: they fail, deliver nothing, claim too much or tell a wrong position.
+// Sits between a character stream and its block file and injects faults into the operations that
+// a test selects: they fail, deliver nothing, claim too much or report a wrong position.
 #pragma once
 
 #include "vs_pfs.h"
@@ -12,8 +12,8 @@ namespace tests {
 struct Fault {
     enum class Kind {
         none,
-        fails,           // nothing happens but the failure
-        fails_afterward, // the file is read or moved all the same
+        fails,           // nothing is done
+        fails_afterward, // the file is read or moved nevertheless
         no_bytes,        // a read that succeeds and delivers nothing
         claims,          // a read reports `value` bytes, whatever it delivered
         tells            // tell stores `value`, whatever the position
@@ -27,7 +27,7 @@ enum class BlockOperation { read, seek, tell };
 // Decides on operation `number`, counted from 1 over reads, seeks and tells together.
 using FaultPlan = std::function<Fault(unsigned number, BlockOperation operation)>;
 
-// Takes the place of the stream's block file until it is destroyed.
+// Replaces the stream's block file until it is destroyed.
 struct FaultyBlockFile : VwBlockFile {
     FaultyBlockFile(VwCharStream *stream, FaultPlan plan);
     ~FaultyBlockFile();

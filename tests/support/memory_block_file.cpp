@@ -9,7 +9,7 @@ namespace tests {
 namespace {
 
 constexpr int32_t success = 0;
-constexpr int32_t failure = 5; // any value but 0 has to be taken for a failure
+constexpr int32_t failure = 5; // any value but 0 means failure
 constexpr uint32_t origin_end = 2;
 
 MemoryBlockFile &file_of(VwBlockFile *self)
@@ -58,7 +58,7 @@ static int32_t memory_read(VwBlockFile *self, void *destination, uint32_t count,
         note(file, "read " + std::to_string(count));
     }
     if (file.fail_reads) {
-        *count_read = 1; // a host may store anything when it fails
+        *count_read = 1; // a failing host may store anything
         return failure;
     }
     const uint64_t left = file.position < file.bytes.size() ? file.bytes.size() - file.position : 0;

@@ -1,5 +1,5 @@
-// A block file over bytes in memory that does what a test asks of it: hands out few bytes at
-// a time, fails, claims too much, and keeps a log of every operation.
+// A block file over bytes in memory that a test controls: it delivers few bytes at a time, fails,
+// claims too much, and logs every operation.
 #pragma once
 
 #include "vs_pfs.h"
@@ -47,7 +47,7 @@ struct MemoryBlockFile : VwBlockFile {
     std::vector<std::string> log;
 };
 
-// The open operation has no file of its own to keep a record in, so all files share one.
+// The open operation has no file of its own to log to, so all files share one log.
 struct OpenRecord {
     std::vector<OpenRequest> requests;
     // Decides what a request opens; null refuses it.

@@ -13,7 +13,7 @@ namespace {
     throw std::invalid_argument(why + " in notation: " + std::string(notation));
 }
 
-// Cuts what stands between two quotes off the front of `rest`, quotes included.
+// Removes a quoted text from the front of `rest`, including the quotes.
 std::string take_quoted(std::string_view &rest, std::string_view notation)
 {
     const std::size_t end = rest.find('\'', 1);
@@ -56,7 +56,7 @@ std::string trimmed(std::string_view text)
     return std::string(text.substr(first, text.find_last_not_of(" \t") - first + 1));
 }
 
-// Splits at '|' and new lines that stand outside quotes.
+// Splits at '|' and new lines outside quotes.
 std::vector<std::string> parts_of(std::string_view notation)
 {
     std::vector<std::string> parts(1);

@@ -36,7 +36,7 @@ Calls calls(std::string_view notation);
 // One line for each call, runs of characters folded into quoted text.
 std::string text_of(const Calls &calls);
 
-// Whether what was recorded is what the notation says; the message shows both and where they
+// Whether the recorded calls equal those in the notation; the message shows both and where they
 // first differ.
 ::testing::AssertionResult matches(const Calls &recorded, std::string_view notation);
 

@@ -1,6 +1,6 @@
-// What stands in an XML stream of OpenDocument: its paragraphs as a reader understands them, and
-// its styles. Not well-formed, a style that is given twice, one that is used and not given, and
-// one that is given and not used: each of these is a fault.
+// The content of an XML stream of OpenDocument: its paragraphs as a reader understands them, and
+// its styles. Faults: not well-formed; a style defined twice, used but not defined, or defined but
+// not used.
 #pragma once
 
 #include "tests/support/xml_elements.h"

@@ -1,5 +1,5 @@
-// Documents made byte by byte, for tests that want to say exactly what stands where. Files
-// that read like documents are made by the builder instead.
+// Documents made byte by byte, for tests that need full control over the layout. Files that read
+// like documents are made by the builder instead.
 #pragma once
 
 #include <cstdint>
@@ -9,14 +9,14 @@
 
 namespace tests {
 
-// Bytes to put over what a maker has put at an offset.
+// Bytes that overwrite a maker's bytes at an offset.
 struct Patch {
     std::size_t offset;
     std::string bytes;
 };
 using Patches = std::vector<Patch>;
 
-// A word as the documents store it, low byte first.
+// A 16-bit word as the documents store it, low byte first.
 std::string word(uint16_t value);
 
 // A file of zeros with the patches in it.

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int32_t most_reads = 100000; // far above what any test document needs
 
-// The hosts that are alive. User words are looked up here before they are taken for one.
+// The live hosts. User words are looked up here before they are used as a host.
 std::vector<RecordingHost *> &living_hosts()
 {
     static std::vector<RecordingHost *> hosts;

@@ -12,11 +12,11 @@
 
 namespace tests {
 
-// A place in a document where reading can be resumed, by the same host or another.
+// A position in a document where reading can be resumed, by the same host or another.
 struct Place {
     std::vector<uint8_t> state;
     uint32_t position = 0;
-    CallChecker checker; // so that what was open there is known to be
+    CallChecker checker; // which knows what was open there
 };
 
 class RecordingHost {
@@ -26,12 +26,12 @@ public:
     RecordingHost(const RecordingHost &) = delete;
     RecordingHost &operator=(const RecordingHost &) = delete;
 
-    // VwStreamOpen and, when it succeeds, nothing more.
+    // Calls VwStreamOpen and, if it succeeds, nothing more.
     int32_t open(int32_t file_id = 1013);
     int32_t section();
 
-    // One read call; what it reported. read_all goes on until the end of the document has
-    // been reported, and fails the test if that does not come.
+    // One read call; returns what it reported. read_all continues until the end of the document has
+    // been reported, and fails the test if it is not.
     Calls read();
     Calls read_all();
     // All calls since the last take.
@@ -40,9 +40,9 @@ public:
     Place place() const;
     void go_to(const Place &place);
 
-    // Routine 13's answers to paragraph ends, which are counted from 1 over the host's life:
-    // 1 to all, to none, or to one. The other breaks are always answered with 1, and so is
-    // every other routine, for nothing may come of it.
+    // What routine 13 returns at paragraph ends, which are counted from 1 over the host's life: 1
+    // at all, at none, or at one. At other breaks it always returns 1, as does every other routine,
+    // since that must have no effect.
     void stop_at_all();
     void stop_at_none();
     void stop_at(unsigned number);
@@ -68,8 +68,7 @@ private:
     Calls recorded;
 };
 
-// What a read reported after the announcements that open it, the last of which is the line
-// spacing.
+// What a read reported after its announcements, the last of which is the line spacing.
 Calls after_announcements(const Calls &calls);
 
 } // namespace tests

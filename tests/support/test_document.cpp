@@ -23,7 +23,7 @@ struct Draft {
     bool in_body = false;
 };
 
-// Cuts a comment off: what follows a # outside quotes.
+// Removes a comment: everything from a # outside quotes.
 std::string without_comment(const std::string &line)
 {
     bool quoted = false;

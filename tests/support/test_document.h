@@ -30,7 +30,7 @@ struct TestDocument {
     std::string trace;
 };
 
-// Throws std::invalid_argument, with the file and the line, where a file is not as above.
+// Throws std::invalid_argument, with the file and the line, if a file does not have this form.
 TestDocument read_test_document(const std::filesystem::path &path);
 
 // All .txt files of a directory, by name.

@@ -1,5 +1,5 @@
-// A zip archive taken apart again, by a reader of the tests' own that goes by the directory at
-// the end, as most readers do: for the tests of packages. What does not fit is a fault.
+// A zip archive unpacked by the tests' own reader, which uses the directory at the end, as most
+// readers do: for the tests of packages. Any inconsistency is a fault.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ class PackageReader {
 public:
     explicit PackageReader(std::string_view bytes) : bytes_(bytes) {}
 
-    // Throws std::runtime_error where the archive is damaged.
+    // Throws std::runtime_error if the archive is damaged.
     std::vector<Entry> entries() const
     {
         require(bytes_.size() >= end_size, "no directory");

@@ -1,6 +1,6 @@
-// XML taken apart by a small reader of the tests' own, which is strict: whatever is not
-// well-formed, or holds a character that XML does not allow, is a fault. Of what a program
-// writes, that is: no comments, no sections, no document type.
+// XML parsed by the tests' own small, strict reader: anything not well-formed, or with a character
+// that XML does not allow, is a fault. Only what our writers produce is supported: no comments, no
+// CDATA sections, no document type.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ struct XmlElement {
     }
 };
 
-// What is found, in order. Any may be left empty.
+// Called for what is found, in order. Any may be empty.
 struct XmlEvents {
     std::function<void(const XmlElement &)> begin;
     std::function<void(const XmlElement &)> end;
@@ -32,7 +32,7 @@ struct XmlEvents {
 
 class XmlReader {
 public:
-    // Empty where the XML is well-formed, what is wrong and where otherwise.
+    // Empty if the XML is well-formed, otherwise what is wrong and where.
     static std::string read(std::string_view xml, const XmlEvents &events)
     {
         XmlReader reader(xml, events);
@@ -178,7 +178,7 @@ private:
         return (c >= '0' && c <= '9') || c == '-' || c == '.';
     }
 
-    // The entities' characters in their place. Checks all characters.
+    // Replaces entities by their characters. Checks all characters.
     std::string resolved(std::string_view text)
     {
         static const std::map<std::string_view, char> entities = {
@@ -205,7 +205,7 @@ private:
         }
         return plain;
     }
-    // 0 for one that is not allowed, or not UTF-8.
+    // 0 for a character that is not allowed, or not UTF-8.
     static std::size_t character_length(std::string_view text)
     {
         const auto byte = [text](std::size_t i) {
