@@ -66,7 +66,7 @@ protected:
     // the rest of truncated commands, bytes without a character.
     void add_common_losses(const Paragraph &paragraph, const WriterOptions &options);
     // One loss for each text piece and each of its attributes that the format does not support.
-    void add_attribute_losses(const Paragraph &paragraph, AttributeSet unsayable);
+    void add_attribute_losses(const Paragraph &paragraph, AttributeSet unsupported);
 
     LossReport losses_;
 };

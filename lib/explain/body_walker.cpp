@@ -25,7 +25,7 @@ void BodyWalker::on_event(const Event &event, uint32_t position)
         attributes_ =
             static_cast<AttributeSet>(change->on != 0 ? attributes_ | bit : attributes_ & ~bit);
     } else if (std::get_if<PageBreak>(&event) != nullptr) {
-        ++page_breaks_; // told from within the words that ask for it
+        ++page_breaks_; // reported from within the words that ask for it
     } else if (const auto *line_break = std::get_if<Break>(&event)) {
         read_break(line_break->code, position);
     }
@@ -36,7 +36,7 @@ void BodyWalker::advance(uint32_t target)
     reported_ = false;
     while (position() < target) {
         if (std::exchange(reported_, false)) {
-            builder_.dispute(); // no event told of it
+            builder_.dispute(); // no event reported it
         }
         step();
     }
@@ -59,7 +59,7 @@ void BodyWalker::read_reported(int32_t byte, uint32_t target)
 void BodyWalker::read_special(int32_t byte, uint32_t target)
 {
     if (in_command_) {
-        settle();
+        finish_line_end();
         take_command_byte(target - position());
         in_command_ = byte != asterisk;
         return;
@@ -75,7 +75,7 @@ void BodyWalker::read_break(int32_t code, uint32_t target)
     if (code == VW_BREAK_PARAGRAPH) {
         on_line_end(LineEnd::hard, false);
     } else {
-        settle();
+        finish_line_end();
     }
 }
 
@@ -134,7 +134,7 @@ void BodyWalker::on_line_end(LineEnd actual, bool as_space)
     claim_held(actual, as_space);
 }
 
-void BodyWalker::settle()
+void BodyWalker::finish_line_end()
 {
     if (held_.length != 0) {
         claim_held(LineEnd::soft, false);

@@ -1,8 +1,8 @@
 // Explaining a document's text: what all kinds have in common.
 //
-// A walker is told the module's events. Each comes with the position that the module has
+// A walker is given the module's events. Each comes with the position that the module has
 // reached, so the bytes up to there are what led to it, and the walker claims them by the
-// rules of its kind. What the rules leave open is the event's to say: whether an asterisk
+// rules of its kind. What the rules leave open the event decides: whether an asterisk
 // opened a command, whether a line end was soft or hard, whether it became a space.
 //
 // A line end may be silent, where the line ends in a space already. So its claim is kept back
@@ -70,7 +70,7 @@ protected:
     // A line end of one byte, whose claim waits for what the module makes of it.
     void hold_line_end(LineEnd by_rule, std::string reason, bool ends_in_space);
     // No event came for a line end that is kept back.
-    void settle();
+    void finish_line_end();
     // Whether a new-page command or line has been reported since the last call.
     bool take_page_break();
 
@@ -98,7 +98,7 @@ private:
     bool in_command_ = false;
     bool asterisk_opens_command_ = false;
     std::string_view command_words_;
-    bool reported_ = false; // the last step took a character that an event must tell of
+    bool reported_ = false; // the last step took a character that an event must report
     uint8_t last_character_ = 0;
 };
 

@@ -52,7 +52,7 @@ private:
 
 void Choice3Walker::step()
 {
-    settle();
+    finish_line_end();
     const int32_t byte = next_byte();
     if (byte == document_end) {
         read_document_end();

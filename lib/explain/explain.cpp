@@ -46,7 +46,7 @@ private:
 
 int32_t FileExplainer::on_event(const Event &event, uint32_t offset)
 {
-    const uint32_t position = std::min(offset, builder_.size()); // it tells of reads behind it
+    const uint32_t position = std::min(offset, builder_.size()); // it counts reads behind it
     if (body_ != nullptr) {
         body_->on_event(event, position);
     } else {
@@ -60,7 +60,7 @@ int16_t column_of(int32_t twips)
     return static_cast<int16_t>(twips / VW_TWIPS_PER_COLUMN);
 }
 
-// The section's start is told at the first byte of the text, and the announcements end with
+// The section's start is reported at the first byte of the text, and the announcements end with
 // font and line spacing.
 void FileExplainer::on_announcement(const Event &event, uint32_t position)
 {

@@ -192,7 +192,7 @@ void HeaderExplainer::claim_line_text(const HeaderField &field)
     builder_.claim_to(field.offset + room, SpanKind::unused, "room for " + name + ": not used");
 }
 
-// Neighbours that say the same are told in one.
+// Neighbours with the same words are joined.
 void HeaderExplainer::claim_ruler(const HeaderField &field)
 {
     const bool by_entries =

@@ -15,7 +15,7 @@ NextWord::Token NextWord::read_write(reading::ByteWindow &bytes, uint32_t &posit
         return Token::stop;
     }
     position += (byte & high_bit) != 0 ? 2 : 1;
-    return byte == space ? Token::blank : Token::word;
+    return byte == space ? Token::space : Token::word;
 }
 
 // Attribute bytes are chained without limit, where a character has two at most.
@@ -39,7 +39,7 @@ NextWord::Token NextWord::read_choice(reading::ByteWindow &bytes, uint32_t &posi
         }
         byte = (first & choice::keep_high_bit) != 0 ? byte : byte & low_seven_bits;
     }
-    return byte == space ? Token::blank : Token::word;
+    return byte == space ? Token::space : Token::word;
 }
 
 NextWord::Token NextWord::read(reading::ByteWindow &bytes, uint32_t &position) const
@@ -56,7 +56,7 @@ void NextWord::scan(uint32_t position)
     for (;;) {
         stop_ = position;
         const Token token = read(ahead_, position);
-        if (token == Token::stop || (token == Token::blank && !leading)) {
+        if (token == Token::stop || (token == Token::space && !leading)) {
             return;
         }
         if (token == Token::word) {

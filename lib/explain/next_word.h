@@ -1,5 +1,5 @@
-// How long the first word of the next line is: what tells wrapped lines from finished ones in
-// the kinds that store all line ends alike. The same count as the module's, made a second time
+// How long the first word of the next line is: what distinguishes wrapped lines from finished ones
+// in the kinds that store all line ends alike. The same count as the module's, made a second time
 // so that a line end can be given its reason.
 //
 // The scan may take attribute bytes that the reader does not take for such, and so run over
@@ -25,7 +25,7 @@ public:
     int16_t length_at(uint32_t position);
 
 private:
-    enum class Token { word, blank, stop };
+    enum class Token { word, space, stop };
 
     // Passes one character of the scan.
     Token read(reading::ByteWindow &bytes, uint32_t &position) const;

@@ -49,7 +49,7 @@ private:
     bool has_type_ = false;
     Hiding hiding_ = Hiding::off;
     LineStart line_start_ = LineStart::indent;
-    // Of the line before, until a type byte is there to tell it.
+    // Of the line before, until a type byte reports it.
     LineEnd ended_ = LineEnd::none;
     std::string ended_words_;
     bool ended_with_space_ = false;
@@ -67,7 +67,7 @@ void ProfessionalWriteWalker::step()
             hiding_ = Hiding::on;
             builder_.claim_alone(SpanKind::line_type, 1, "hides the rest of the line");
         } else {
-            in_line_ = false; // and no event said how it ended
+            in_line_ = false; // and no event reported how it ended
             builder_.dispute();
         }
     } else {

@@ -1,5 +1,5 @@
 // Explaining the text of Professional Write. Each line begins with a type byte, which is also
-// what ends the line before it; so it is the type byte's span that tells how that line ended.
+// what ends the line before it; so the type byte's span holds how that line ended.
 //
 //   0x00  goes on in the next line       0x01  ends its paragraph, single spacing
 //   0x02  goes on, may hide text         0x03  ends its paragraph, double spacing

@@ -70,7 +70,7 @@ private:
 
 void WrappedTextWalker::step()
 {
-    settle();
+    finish_line_end();
     const int32_t byte = next_byte();
     if (is_line_end(byte)) {
         read_line_end(byte);

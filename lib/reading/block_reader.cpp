@@ -9,7 +9,7 @@ namespace pfsdoc::reading {
 
 Result<std::unique_ptr<BlockReader>> BlockReader::create(const Module &module, ByteSource &source,
                                                          DocumentKind kind, Offsets offsets,
-                                                         const BlockPlace &from)
+                                                         const BlockPosition &from)
 {
     std::unique_ptr<BlockReader> reader(new BlockReader(source, kind));
     const Status fault = reader->begin(module, kind, offsets, from.start);
@@ -50,10 +50,10 @@ Status BlockReader::begin(const Module &module, DocumentKind kind, Offsets offse
         session_->section(stitcher_);
         return {};
     }
-    if (!session_->go_to(start.place)) {
+    if (!session_->go_to(start.checkpoint)) {
         return Error{ErrorKind::internal, "the module refuses to go to a saved place", ""};
     }
-    const uint32_t offset = offsets == Offsets::wanted ? start.place.position : 0;
+    const uint32_t offset = offsets == Offsets::wanted ? start.checkpoint.position : 0;
     stitcher_.resume(start.stitcher);
     collector_.resume(start.collector, offset);
     block_kind_ = start.collector.block;
@@ -71,16 +71,16 @@ Result<std::optional<Block>> BlockReader::next()
     return fault_ ? Result<std::optional<Block>>(*fault_) : std::optional<Block>();
 }
 
-Result<BlockPlace> BlockReader::place()
+Result<BlockPosition> BlockReader::position()
 {
     read_until_pending();
     if (!pending_.empty()) {
-        return BlockPlace{*pending_.front().start, pending_.front().blocks_before};
+        return BlockPosition{*pending_.front().start, pending_.front().blocks_before};
     }
     if (!is_read_to_end(fault_)) {
         return *fault_;
     }
-    return BlockPlace{*call_.start, call_.blocks};
+    return BlockPosition{*call_.start, call_.blocks};
 }
 
 void BlockReader::read_until_pending()
@@ -105,7 +105,7 @@ void BlockReader::read_on()
         fault_ = failure ? failure : check_end(*session_, source_);
     }
     if (failure) {
-        pending_.clear(); // a failed read can be behind anything that they say
+        pending_.clear(); // a failed read can be behind anything that they report
     }
     if (!ended_) {
         after_read();
@@ -114,10 +114,10 @@ void BlockReader::read_on()
 
 void BlockReader::after_read()
 {
-    const Place place = session_->place();
+    const Checkpoint checkpoint = session_->checkpoint();
     call_before_ = std::move(call_);
-    call_ = {std::make_shared<const ReadStart>(
-                 ReadStart{false, place, stitcher_.context(), collector_.context(place.position)}),
+    call_ = {std::make_shared<const ReadStart>(ReadStart{false, checkpoint, stitcher_.context(),
+                                                         collector_.context(checkpoint.position)}),
              0};
     held_block_due_ = follower_.holds();
     stitcher_.resume();

@@ -3,9 +3,9 @@
 //
 // One read call gives the blocks up to and including a paragraph. What complicates it: where
 // text can change its margins (Professional Write), a paragraph's break is held back until
-// the next read has announced them, so it comes first among the next call's blocks. A place
-// is therefore told as a start, where a read call begins, and the number of blocks that
-// reading from there gives before the place; a block that was held back counts for the call
+// the next read has announced them, so it comes first among the next call's blocks. A position
+// is therefore stored as a start, where a read call begins, and the number of blocks that
+// reading from there gives before the position; a block that was held back counts for the call
 // that read it. Tests: tests/lib/reading/document_test.cpp.
 #pragma once
 
@@ -26,14 +26,14 @@ namespace pfsdoc::reading {
 // Where a read call begins, with all that is known there from what came before.
 struct ReadStart {
     bool at_beginning = true; // of the document; what follows has no meaning then
-    Place place;
+    Checkpoint checkpoint;
     StitcherContext stitcher;
     CollectorContext collector;
 };
 
-struct BlockPlace {
+struct BlockPosition {
     ReadStart start;
-    uint64_t blocks_before = 0; // the place, read from there on
+    uint64_t blocks_before = 0; // the position, read from there on
 };
 
 class BlockReader final : private BlockSink {
@@ -41,10 +41,10 @@ public:
     // The source must outlive the reader.
     static Result<std::unique_ptr<BlockReader>> create(const Module &module, ByteSource &source,
                                                        DocumentKind kind, Offsets offsets,
-                                                       const BlockPlace &from = {});
+                                                       const BlockPosition &from = {});
 
     Result<std::optional<Block>> next();
-    Result<BlockPlace> place();
+    Result<BlockPosition> position();
 
 private:
     struct Pending {
@@ -52,7 +52,7 @@ private:
         std::shared_ptr<const ReadStart> start;
         uint64_t blocks_before;
     };
-    // The blocks of one read call, told or not.
+    // The blocks of one read call, delivered or not.
     struct Call {
         std::shared_ptr<const ReadStart> start;
         uint64_t blocks = 0;

@@ -90,9 +90,9 @@ struct Document::State {
         }
         return {};
     }
-    Status read_from(const reading::BlockPlace &place)
+    Status read_from(const reading::BlockPosition &position)
     {
-        auto made = reading::BlockReader::create(module, *source, identity.kind, offsets, place);
+        auto made = reading::BlockReader::create(module, *source, identity.kind, offsets, position);
         if (!made.ok()) {
             const Status failure = source->failure();
             return failure ? failure : made.error();
@@ -223,17 +223,17 @@ Result<ResumeToken> Document::place()
     if (fault) {
         return *fault;
     }
-    const Result<reading::BlockPlace> place = state_->reader->place();
+    const Result<reading::BlockPosition> position = state_->reader->position();
     const Result<reading::DocumentMark> mark = state_->mark();
-    if (!place.ok() || !mark.ok()) {
-        return place.ok() ? mark.error() : place.error();
+    if (!position.ok() || !mark.ok()) {
+        return position.ok() ? mark.error() : position.error();
     }
-    return ResumeToken(reading::token_text({mark.value(), place.value()}));
+    return ResumeToken(reading::token_text({mark.value(), position.value()}));
 }
 
 Status Document::resume(const ResumeToken &token)
 {
-    const Result<reading::MarkedPlace> marked = reading::parse_token(token.text());
+    const Result<reading::MarkedPosition> marked = reading::parse_token(token.text());
     const Result<reading::DocumentMark> mark = state_->mark();
     if (!marked.ok() || !mark.ok()) {
         return marked.ok() ? mark.error() : marked.error();
@@ -242,12 +242,12 @@ Status Document::resume(const ResumeToken &token)
         return Error{ErrorKind::usage, "the resume token is of another document",
                      "use one of this document, opened with the same options"};
     }
-    return state_->read_from(marked.value().place);
+    return state_->read_from(marked.value().position);
 }
 
 Result<ResumeToken> ResumeToken::parse(std::string_view text)
 {
-    const Result<reading::MarkedPlace> marked = reading::parse_token(text);
+    const Result<reading::MarkedPosition> marked = reading::parse_token(text);
     return marked.ok() ? Result<ResumeToken>(ResumeToken(std::string(text))) : marked.error();
 }
 

@@ -110,7 +110,7 @@ bool Examiner::check_lines()
     return plausible;
 }
 
-// The form feed, or where there is none the end of the file; or the place that never moves.
+// The form feed, or where there is none the end of the file; or the fixed offset.
 uint32_t Examiner::body_offset()
 {
     if (is_first_choice(kind_)) {

@@ -111,7 +111,7 @@ void ParagraphCollector::on(const Character &event)
     }
 }
 
-// What follows a character in the file directly ends its line, or does not. Trailing blanks
+// What follows a character in the file directly ends its line, or does not. Trailing spaces
 // are characters, so nothing that is not reported comes in between.
 void ParagraphCollector::note_character()
 {
@@ -150,7 +150,7 @@ void ParagraphCollector::on(const SpecialCharacter &event)
     const char byte = static_cast<char>(event.byte);
     if (!in_command_) {
         if (byte != command_delimiter) {
-            return; // a space of a blank line
+            return; // a space of a line of spaces
         }
         add_piece(PieceKind::command);
         in_command_ = true;

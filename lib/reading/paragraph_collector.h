@@ -2,9 +2,9 @@
 // paragraph, never by the document. A paragraph beyond max_paragraph_bytes or
 // max_paragraph_pieces ends the reading.
 //
-// The stream tells of a paragraph in pieces and late: characters first, then the indents,
+// The stream reports a paragraph in pieces and late: characters first, then the indents,
 // then the break. So the collector holds one paragraph until its break, completes it with
-// what has been told meanwhile, hands it on and forgets it. Which report belongs to which
+// what has been reported meanwhile, hands it on and forgets it. Which report belongs to which
 // paragraph:
 //
 //   indents        the last report before the break. A paragraph without one has none,
@@ -68,7 +68,7 @@ public:
     explicit ParagraphCollector(BlockSink &sink,
                                 LineSpacingRule rule = LineSpacingRule::at_last_character);
 
-    // From here on the document's bytes are looked at to tell where its lines begin. The
+    // From here on the document's bytes are looked at to find where its lines begin. The
     // source must outlive the collector; events must come with offsets.
     void find_lines(ByteSource &source, DocumentKind kind);
 

@@ -89,7 +89,7 @@ Result<std::unique_ptr<Session>> open_session(const Module &module, BlockFile &f
     return session;
 }
 
-// What tells them apart is that the module has asked for a byte behind the last one.
+// What distinguishes them is that the module has asked for a byte behind the last one.
 Status check_end(const Session &session, const ByteSource &source)
 {
     if (session.tell() <= source.size()) {
@@ -115,7 +115,7 @@ Status read_document(const Module &module, ByteSource &source, DocumentKind kind
                      const ReadOptions &options)
 {
     const Status status = read_all(module, source, kind, sink, options);
-    // A failed read is an end of data to the module, and can be behind anything it says.
+    // A failed read is an end of data to the module, and can be behind anything it reports.
     const Status failure = source.failure();
     return failure ? failure : status;
 }

@@ -16,11 +16,11 @@ namespace pfsdoc::reading {
 
 enum class Stops {
     none,
-    // Stops at every paragraph break and goes on from the saved place in another session:
+    // Stops at every paragraph break and goes on from the saved position in another session:
     // slower, and the same events.
     at_breaks,
     // Where the text can change its margins (Professional Write), stops at every paragraph
-    // break to be told of them; the change comes before the break of the paragraph that holds
+    // break to receive them; the change comes before the break of the paragraph that holds
     // it. All else is the same.
     for_margins
 };
@@ -50,7 +50,7 @@ Result<std::unique_ptr<Session>> open_session(const Module &module, BlockFile &f
 // data is reported as the document's end too.
 Status check_end(const Session &session, const ByteSource &source);
 
-// Whether the text can change its margins, which the module tells at the start of a read.
+// Whether the text can change its margins, which the module reports at the start of a read.
 bool text_changes_margins(DocumentKind kind);
 
 // Professional Write never undoes a paragraph's indents; all others do, after its break.

@@ -185,9 +185,9 @@ bool read_with_stops(std::span<Session *const> sessions, Stitcher &stitcher)
     std::size_t turn = 0;
     sessions[turn]->read(stitcher);
     while (!sessions[turn]->ended()) {
-        const Place place = sessions[turn]->place();
+        const Checkpoint checkpoint = sessions[turn]->checkpoint();
         turn = (turn + 1) % sessions.size();
-        if (!sessions[turn]->go_to(place)) {
+        if (!sessions[turn]->go_to(checkpoint)) {
             return false;
         }
         stitcher.resume();

@@ -1,11 +1,11 @@
-// Reading on from saved places so that nothing of it shows: a document read with a stop at
+// Reading on from saved positions so that nothing of it shows: a document read with a stop at
 // every paragraph break gives the very events of one read in a single call.
 //
 // Every read call of the module begins with announcements: the tab stops, the five
 // attributes, the margins, and then, once no header or footer lines are pending, an indents
 // reset, alignment, font and line spacing. In a resumed call they repeat what is known and
 // are left out. What complicates it is that a single call also sends some of these same
-// events at the place of the stop:
+// events at the stop:
 //
 //   after a body paragraph that reported indents, a reset of them, in the kinds that undo
 //   indents (all but Professional Write): the announced reset then stands for it;
@@ -34,8 +34,8 @@ namespace pfsdoc::reading {
 enum class IndentsReset { never, after_break };
 
 // What becomes of margins that a resumed read announces. A margin record in a Professional
-// Write text changes them, and the module says so at the start of the next read only: a read
-// without stops would not have told.
+// Write text changes them, and the module reports it at the start of the next read only: a
+// read without stops would not have reported it.
 enum class AnnouncedMargins { dropped, passed_on_if_changed };
 
 // What a stitcher knows at a stop from what came before it.
@@ -117,7 +117,7 @@ private:
 };
 
 // Reads a whole document with a stop at every paragraph break, each time going on in the
-// next of the sessions, which must all have opened it: from the saved place, never from
+// next of the sessions, which must all have opened it: from the saved position, never from
 // where that session happens to stand. False when the file refuses a position.
 bool read_with_stops(std::span<Session *const> sessions, Stitcher &stitcher);
 

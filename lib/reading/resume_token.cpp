@@ -24,7 +24,7 @@ constexpr uint64_t fnv_prime = 0x100000001B3U;
 constexpr std::string_view hex_digits = "0123456789abcdef";
 constexpr int hex_base = 16;
 
-// FNV-1a: tells files apart that differ by accident.
+// FNV-1a: distinguishes files that differ by accident.
 uint64_t hash_of(std::span<const uint8_t> bytes)
 {
     uint64_t hash = fnv_offset_basis;
@@ -160,17 +160,17 @@ Error no_token()
 }
 
 // Throws json::exception where something is missing or of another type, and NoToken.
-MarkedPlace marked_place_of(const json &value)
+MarkedPosition marked_position_of(const json &value)
 {
-    MarkedPlace marked;
+    MarkedPosition marked;
     marked.document = {number<int32_t>(value.at("file_id")), number<uint32_t>(value.at("size")),
                        number<uint64_t>(value.at("start_hash")),
                        value.at("source_offsets").get<bool>()};
-    ReadStart &start = marked.place.start;
-    marked.place.blocks_before = number<uint64_t>(value.at("blocks_before"));
+    ReadStart &start = marked.position.start;
+    marked.position.blocks_before = number<uint64_t>(value.at("blocks_before"));
     start.at_beginning = !value.contains("position");
     if (!start.at_beginning) {
-        start.place.position = number<uint32_t>(value.at("position"));
+        start.checkpoint.position = number<uint32_t>(value.at("position"));
         start.stitcher = stitcher_of(value.at("stitcher"));
         start.collector = collector_of(value.at("collector"));
     }
@@ -191,7 +191,7 @@ Result<DocumentMark> document_mark(ByteSource &source, DocumentKind kind, bool s
                         source_offsets};
 }
 
-std::string token_text(const MarkedPlace &marked)
+std::string token_text(const MarkedPosition &marked)
 {
     const DocumentMark &document = marked.document;
     json value = {{"pfsdoc_place", token_version},
@@ -199,28 +199,28 @@ std::string token_text(const MarkedPlace &marked)
                   {"size", document.size},
                   {"start_hash", document.start_hash},
                   {"source_offsets", document.source_offsets},
-                  {"blocks_before", marked.place.blocks_before}};
-    const ReadStart &start = marked.place.start;
+                  {"blocks_before", marked.position.blocks_before}};
+    const ReadStart &start = marked.position.start;
     if (!start.at_beginning) {
-        value["position"] = start.place.position;
-        value["state"] = hex(start.place.state);
+        value["position"] = start.checkpoint.position;
+        value["state"] = hex(start.checkpoint.state);
         value["stitcher"] = stitcher_json(start.stitcher);
         value["collector"] = collector_json(start.collector);
     }
     return value.dump();
 }
 
-Result<MarkedPlace> parse_token(std::string_view text)
+Result<MarkedPosition> parse_token(std::string_view text)
 {
     const json value = json::parse(text, nullptr, false);
     if (!value.is_object() || value.value("pfsdoc_place", json()) != token_version) {
         return no_token();
     }
     try {
-        MarkedPlace marked = marked_place_of(value);
-        ReadStart &start = marked.place.start;
+        MarkedPosition marked = marked_position_of(value);
+        ReadStart &start = marked.position.start;
         if (!start.at_beginning &&
-            !read_hex(value.at("state").get<std::string>(), start.place.state)) {
+            !read_hex(value.at("state").get<std::string>(), start.checkpoint.state)) {
             return no_token();
         }
         return marked;

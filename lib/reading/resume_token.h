@@ -1,4 +1,4 @@
-// A place in a document as text, for ResumeToken: JSON, with the module's saved state in
+// A position in a document as text, for ResumeToken: JSON, with the module's saved state in
 // hexadecimal. It names the document it belongs to by kind, size and the start of its bytes,
 // so that a token for another file is refused and not resumed into nonsense.
 // Tests: tests/lib/reading/document_test.cpp.
@@ -23,13 +23,13 @@ struct DocumentMark {
 
 Result<DocumentMark> document_mark(ByteSource &source, DocumentKind kind, bool source_offsets);
 
-struct MarkedPlace {
+struct MarkedPosition {
     DocumentMark document;
-    BlockPlace place;
+    BlockPosition position;
 };
 
-std::string token_text(const MarkedPlace &marked);
+std::string token_text(const MarkedPosition &marked);
 // ErrorKind::usage for a text that is no token.
-Result<MarkedPlace> parse_token(std::string_view text);
+Result<MarkedPosition> parse_token(std::string_view text);
 
 } // namespace pfsdoc::reading

@@ -246,11 +246,11 @@ void Session::restore(const std::array<uint8_t, VW_SAVED_STATE_SIZE> &state)
     module_.entries().set_data(state.data(), instance_);
 }
 
-bool Session::go_to(const Place &place)
+bool Session::go_to(const Checkpoint &checkpoint)
 {
-    restore(place.state);
+    restore(checkpoint.state);
     ended_ = false;
-    return seek(place.position);
+    return seek(checkpoint.position);
 }
 
 } // namespace pfsdoc::reading

@@ -24,7 +24,7 @@ namespace pfsdoc::reading {
 enum class Offsets { none, wanted };
 
 // Where reading can be resumed: in any session on the same document, and no other.
-struct Place {
+struct Checkpoint {
     uint32_t position = 0;
     std::array<uint8_t, VW_SAVED_STATE_SIZE> state{};
 };
@@ -62,11 +62,11 @@ public:
     void restore(const std::array<uint8_t, VW_SAVED_STATE_SIZE> &state);
 
     // save and tell, restore and seek: to be done together.
-    Place place() const
+    Checkpoint checkpoint() const
     {
         return {tell(), save()};
     }
-    bool go_to(const Place &place);
+    bool go_to(const Checkpoint &checkpoint);
 
     // For the output routines.
     int32_t deliver(const Event &event);

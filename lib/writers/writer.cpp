@@ -57,12 +57,12 @@ void Writer::add_common_losses(const Paragraph &paragraph, const WriterOptions &
     }
 }
 
-void Writer::add_attribute_losses(const Paragraph &paragraph, AttributeSet unsayable)
+void Writer::add_attribute_losses(const Paragraph &paragraph, AttributeSet unsupported)
 {
     for (const Piece &piece : paragraph.pieces) {
         for (const AttributeLoss &entry : attribute_losses) {
             const AttributeSet bit = attribute_bit(static_cast<int32_t>(entry.code));
-            if (piece.kind == PieceKind::text && (piece.attributes & unsayable & bit) != 0) {
+            if (piece.kind == PieceKind::text && (piece.attributes & unsupported & bit) != 0) {
                 losses_.add(entry.loss, piece.source);
             }
         }

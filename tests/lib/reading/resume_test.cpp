@@ -190,11 +190,11 @@ TEST(Resume, GoesBackToAPlaceThatWasLeft)
     KeepingSink first;
     first.answer = 1;
     session->read(first);
-    const reading::Place place = session->place();
+    const reading::Checkpoint checkpoint = session->checkpoint();
     KeepingSink once;
     session->read(once);
     EXPECT_TRUE(session->ended());
-    ASSERT_TRUE(session->go_to(place));
+    ASSERT_TRUE(session->go_to(checkpoint));
     EXPECT_FALSE(session->ended());
     KeepingSink again;
     session->read(again);
