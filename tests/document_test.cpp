@@ -1,6 +1,6 @@
 // The documents of tests/documents: each gives the trace that its file says, and is read
-// alike however it is delivered, stopped and resumed. support/test_document.h tells how they
-// are written; one is run by its name, as in
+// the same however it is delivered, stopped and resumed. support/test_document.h describes their
+// form; one is run by its name, as in
 //   document_tests --gtest_filter='*swallowed_first_return'
 #include "lib/reading/read_document.h"
 #include "lib/writers/trace.h"
@@ -27,7 +27,7 @@ std::vector<std::string> lines_of(const std::string &text)
 
 using Lines = std::vector<std::string>;
 
-// How long the longest run of common lines from each pair of places is: a table of
+// The length of the longest run of common lines from each pair of positions: a table of
 // (expected.size() + 1) rows.
 std::vector<std::vector<std::size_t>> common_lengths(const Lines &expected, const Lines &actual)
 {

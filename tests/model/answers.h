@@ -1,5 +1,5 @@
-// What a host answers to paragraph ends. Model and module are each given a copy, so that both
-// are answered alike.
+// What a host returns at paragraph ends. Model and module each get a copy, so that both get the
+// same answers.
 #pragma once
 
 #include "tests/model/random.h"
@@ -14,7 +14,7 @@ public:
 
     Answers(To stop_at, uint64_t seed) : stop(stop_at), random(seed) {}
 
-    // The answer to the next paragraph end. Only 1 stops a read; 0x10001 is 1 in its low half.
+    // The answer at the next paragraph end. Only 1 stops a read; 0x10001 is 1 in its low half.
     int32_t next()
     {
         switch (stop) {

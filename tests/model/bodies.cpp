@@ -50,7 +50,7 @@ constexpr std::array commands{"*N*"sv,
                               "*NEW PAGE *"sv,
                               "*NEW N*"sv};
 
-// In this order whatever the compiler; the operands of a + are made in any.
+// In this order with every compiler; the operands of a + may be evaluated in any order.
 std::string joined(std::initializer_list<std::string> parts)
 {
     std::string whole;
@@ -70,7 +70,7 @@ std::string random_word(Random &random)
     return word;
 }
 
-// A command, or what is nearly one.
+// A command, or something close to one.
 std::string random_command(Random &random)
 {
     std::string command(commands[random.below(commands.size())]);
@@ -92,7 +92,7 @@ std::string random_spaces(Random &random)
     return std::string(random.between(1, 6), ' ');
 }
 
-// A byte that has the high bit, and the attribute bytes of the kind behind it.
+// A byte with the high bit, followed by the kind's attribute bytes.
 class Prefixed {
 public:
     Prefixed(Kind text_kind, Random &number_source) : kind(text_kind), random(number_source) {}
@@ -296,7 +296,7 @@ std::string structured_body(Kind kind, uint32_t pieces, Random &random)
     return body;
 }
 
-// All from a few bytes, so that every sequence of them comes up.
+// All from a few bytes, so that every sequence of them occurs.
 std::string narrow_body(uint32_t length, Random &random)
 {
     std::string alphabet(random.between(2, 8), ' ');

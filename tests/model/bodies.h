@@ -1,4 +1,4 @@
-// The text of generated documents: what writers write, and what only an attacker would.
+// The text of generated documents: what people write, and what only an attacker would.
 #pragma once
 
 #include "tests/model/kinds.h"

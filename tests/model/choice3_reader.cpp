@@ -1,4 +1,4 @@
-// First Choice 3: a chain of header bytes before each line says what it is and how it ends.
+// First Choice 3: a chain of header bytes before each line specifies its type and its line end.
 #include "tests/model/parts.h"
 
 namespace tests::model {

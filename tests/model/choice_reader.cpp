@@ -1,4 +1,4 @@
-// The First Choice documents before generation 3, and what they share with it.
+// First Choice documents before generation 3, and what they share with it.
 #include "tests/model/parts.h"
 
 namespace tests::model {
@@ -29,8 +29,8 @@ void read_space(Model &model, ChoiceLine &line, ChoiceParagraph &paragraph)
     count_up(line.column);
 }
 
-// What the lookahead takes a byte with the high bit for. It follows a chain of attribute bytes
-// to its end, where the reader takes two at most. -1 when the data stop within the chain.
+// How the lookahead reads a byte with the high bit. It follows a chain of attribute bytes to its
+// end, where the reader takes at most two. -1 if the data stop within the chain.
 int32_t prefixed_character_ahead(Model &model, int32_t byte)
 {
     int32_t attribute = model.text.get();

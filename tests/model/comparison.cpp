@@ -12,8 +12,8 @@ namespace tests::model {
 
 namespace {
 
-// A point where reading can go on, in the terms of either side: past the end of the data the
-// two may count positions differently.
+// A point where reading can resume, in the terms of either side: past the end of the data the two
+// may count positions differently.
 struct SavedPoint {
     SavedBytes module_state;
     SavedState model_state;
@@ -30,7 +30,7 @@ public:
     {
     }
 
-    // Whether model and module agree. What they differ in is in `difference`.
+    // Whether model and module agree; if not, `difference` says how.
     bool run();
 
     Difference difference;
@@ -60,7 +60,7 @@ private:
     Model model;
     std::unique_ptr<ModuleHost> host;
     std::vector<SavedPoint> points;
-    int32_t jumps_left = 6; // a read that always jumps back would never be done
+    int32_t jumps_left = 6; // reading that always jumps back would never end
 };
 
 bool Comparison::differ(std::string what, std::size_t call)
@@ -84,7 +84,7 @@ bool Comparison::same_events()
            differ("the output calls differ", static_cast<std::size_t>(one - expected.begin()));
 }
 
-// The call up to which the state at `at` holds.
+// The call up to which the state at `at` is in force.
 std::size_t end_of(const States &states, std::size_t at, std::size_t calls)
 {
     return at + 1 < states.size() ? states[at + 1].call : calls;
@@ -151,7 +151,7 @@ void Comparison::keep_point()
     points.push_back({host->saved(), model.saved, host->position(), model.text.tell()});
 }
 
-// In another instance, so that nothing but the saved state and the position is carried over.
+// In another instance, so that only the saved state and the position are carried over.
 void Comparison::resume(const SavedPoint &point)
 {
     host = new_host(host->answers);

@@ -12,12 +12,12 @@
 
 namespace tests::model {
 
-// How a document is read. All that is left to chance follows from the seed.
+// How a document is read. Everything random follows from the seed.
 struct Plan {
     Answers::To stop_at = Answers::To::none;
-    uint32_t most_per_read = UINT32_MAX; // bytes that one read of the file gives
-    uint32_t resume_percent = 0;         // of stops: another instance goes on from a saved point
-    uint32_t foreign_percent = 0;        // of stops: reading goes on with a state that nobody saved
+    uint32_t most_per_read = UINT32_MAX; // bytes that one read of the file delivers
+    uint32_t resume_percent = 0;         // of stops: another instance resumes from a saved point
+    uint32_t foreign_percent = 0;        // of stops: reading resumes with a state that nobody saved
     uint32_t reads_after_end = 0;
     uint64_t seed = 0;
 };
@@ -37,7 +37,7 @@ std::optional<Difference> compare(const std::string &document, const Plan &plan)
 std::optional<Difference> compare(const std::string &module_document,
                                   const std::string &model_document, const Plan &plan);
 
-// A smaller document that still makes a difference, when one is found in a few thousand steps.
+// A smaller document that still shows a difference, if one is found in a few thousand steps.
 std::string reduced(const std::string &document, const Plan &plan);
 
 } // namespace tests::model

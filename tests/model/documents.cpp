@@ -24,7 +24,7 @@ uint16_t random_column(Random &random)
                               : static_cast<uint16_t>(random.below(0x10000));
 }
 
-// Left and right margin, mostly so near to each other that many lines look wrapped.
+// Left and right margin, mostly so close together that many lines look wrapped.
 void put_margins(std::string &header, std::size_t offset, Random &random)
 {
     auto left = static_cast<uint16_t>(random.percent(50) ? 1 : random.between(1, 12));

@@ -1,4 +1,4 @@
-// Whole generated documents: a header of the kind, a body, and for some of them damage.
+// Whole generated documents: a header of the kind, a body, and in some of them damage.
 #pragma once
 
 #include "tests/model/kinds.h"

@@ -46,7 +46,7 @@ std::string endless_shared_word(Kind kind, Random &random)
     return word;
 }
 
-// A chain of header bytes whose 16-bit count comes around to that of a short one.
+// A chain of header bytes whose 16-bit count wraps around to that of a short one.
 std::string endless_chain(Random &random)
 {
     return std::string(random.between(65536, 65538), '\x40') + "\x01";

@@ -8,7 +8,7 @@
 
 namespace tests::model {
 
-// Puts one somewhere into a body, mostly where a line begins.
+// Inserts one into a body, mostly at the start of a line.
 void add_endless_piece(Kind kind, std::string &body, Random &random);
 
 } // namespace tests::model

@@ -95,7 +95,7 @@ void close_block(Model &model)
     model.report(VW_SO_BREAK, {VW_BREAK_BLOCK_CLOSE, 0});
 }
 
-// A host that stops here is owed the block's end.
+// If the host stops here, the block's end is still to be reported.
 bool end_block(Model &model)
 {
     model.saved.hfReaderFlag = 0;
@@ -128,7 +128,7 @@ bool end_line(Model &model)
         return (pending & footer_2) == 0 ? end_block(model) : !model.paragraph_end_stops();
     }
     if ((pending & footer_2) == 0) {
-        pending = 0; // only unknown bits, which no line would ever clear
+        pending = 0; // only unknown bits, which no line ever clears
         return true;
     }
     clear(pending, footer_2);

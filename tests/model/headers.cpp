@@ -15,7 +15,7 @@ constexpr uint8_t no_tab = 0xFF;
 constexpr uint8_t decimal_kind = '.';
 constexpr int16_t terminator = -1;
 
-// The bits that announce the four lines; the last one's are three.
+// The bits that announce the four lines; the last line has three.
 constexpr std::array<uint16_t, 4> line_pending_bits{0x02, 0x04, 0x08, 0x16};
 
 int16_t less_one(int32_t value)
@@ -46,7 +46,7 @@ void end_tabs(Model &model)
     model.saved.tabPos[static_cast<std::size_t>(model.saved.tabCount)] = terminator;
 }
 
-// At equal columns the decimal stop comes first. The 78th stop gives way to the terminator.
+// At equal columns the decimal stop comes first. The terminator overwrites the 78th stop.
 void merge_tab_stops(Model &model, const std::vector<int16_t> &normal,
                      const std::vector<int16_t> &decimal)
 {

@@ -1,4 +1,4 @@
-// The kinds of document that are generated and compared, by how they are read.
+// The kinds of documents that are generated and compared, by how they are read.
 #pragma once
 
 #include <array>

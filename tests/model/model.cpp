@@ -58,7 +58,7 @@ void read_line(Model &model)
 
 } // namespace
 
-// Where the data stop without the end byte, the document ends as if it stood there.
+// If the data stop without the end byte, the document ends as if it were there.
 void VwStreamRead(Model &model)
 {
     PutTabStops(model);

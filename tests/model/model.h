@@ -1,7 +1,7 @@
-// A second reading of the documents, to compare the module with.
+// A second implementation of the formats, to compare the module with.
 //
-// The model has the whole document in memory and no stream and no buffer. It does each thing
-// in the plainest way, looks ahead by reading ahead, and is slow where the module is quick.
+// The model has the whole document in memory, without stream or buffer. It does each thing in the
+// simplest way, looks ahead by reading ahead, and is slow where the module is fast.
 // It shares no code with the module. What it yields is what a host can observe: the output
 // calls, each with the position in the document where it is made and the state that the host
 // would save there.
@@ -22,7 +22,7 @@ namespace tests::model {
 // An output call and the position in the text where it was made.
 struct Event {
     Call call;
-    uint32_t position = 0; // the end at most: behind it all positions are alike
+    uint32_t position = 0; // at most the end: past it all positions are equal
 
     bool operator==(const Event &) const = default;
 };
@@ -51,8 +51,8 @@ struct SavedState {
     bool operator==(const SavedState &) const = default;
 };
 
-// What a host saves during its calls: an entry for each call at which it is another than at
-// the call before.
+// What a host saves during its calls: an entry for each call at which it differs from the call
+// before.
 struct StateFrom {
     std::size_t call = 0; // counted as in Events
     SavedState state;
@@ -79,9 +79,9 @@ struct Model {
     {
     }
 
-    // Makes an output call; the host's answer.
+    // Makes an output call and returns the host's answer.
     int32_t report(int32_t id, std::initializer_list<int32_t> arguments);
-    // Reports a paragraph end; whether the host wants to stop there.
+    // Reports a paragraph end and returns whether the host wants to stop there.
     bool paragraph_end_stops();
     void forget_calls();
 
@@ -89,7 +89,7 @@ struct Model {
     SavedState saved;
     OpenedState opened;
     Answers answers;
-    Events events;      // since they were last forgotten
+    Events events;      // since they were last cleared
     States states;      // at these events
     bool ended = false; // the last read reported the document's end
 };

@@ -1,6 +1,6 @@
 // model_compare DOCUMENTS SEED: compares module and model over that many generated documents.
-// Documents are numbered from SEED on, so ranges that do not overlap can be run side by side, and
-// one document by its number alone.
+// Documents are numbered from SEED on, so disjoint ranges can be run in parallel, and a single
+// document by its number.
 #include "tests/model/trials.h"
 
 #include <chrono>
@@ -20,7 +20,7 @@ void report_progress(uint64_t done, uint64_t failures, std::chrono::steady_clock
               << static_cast<uint64_t>(taken.count()) << " s" << std::endl;
 }
 
-// The number of documents that make a difference.
+// The number of documents that show a difference.
 uint64_t compare_all(uint64_t documents, uint64_t seed)
 {
     constexpr uint64_t progress_every = 100'000;

@@ -1,8 +1,8 @@
-// The module against the model over generated documents. VS_PFS_MODEL_DOCUMENTS chooses how
+// The module compared with the model over generated documents. VS_PFS_MODEL_DOCUMENTS sets how
 // many, over all kinds together, and VS_PFS_MODEL_SEED the number of the first.
 //
-// The other tests here are about the comparison itself: that it sees differences, that the
-// documents reach every routine, and that the model reads well-known texts right.
+// The other tests check the comparison itself: that it detects differences, that the documents
+// reach every routine, and that the model reads known texts correctly.
 #include "tests/model/trials.h"
 
 #include "tests/support/notation.h"
@@ -45,7 +45,7 @@ Calls calls_of(const Events &events)
     return calls;
 }
 
-// What the model reports of the text, behind the announcements.
+// What the model reports for the text, after the announcements.
 Calls model_reads(const std::string &document)
 {
     Model model(document, Answers(Answers::To::none, 0));
@@ -112,7 +112,7 @@ TEST(ModelComparison, SeesAnotherSavedState)
 
 TEST(ModelComparison, SeesAnotherSavedStateDuringACall)
 {
-    // The margins differ while 'b' is reported and are alike again before the read ends.
+    // The margins differ while 'b' is reported and are equal again before the read ends.
     const auto difference =
         compare(write_document(4, bytes("01 'a' 07 05 01 02 40 'b' 07 05 01 09 50 0E")),
                 write_document(4, bytes("01 'a' 07 05 01 03 40 'b' 07 05 01 09 50 0E")), Plan{});

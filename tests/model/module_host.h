@@ -1,6 +1,6 @@
-// A host that does nothing but record what the module reports, with the position in the
-// document and the saved state at each call. RecordingHost checks more and is slower; this one is
-// for millions of documents.
+// A host that only records what the module reports, with the position in the document and the
+// saved state at each call. RecordingHost checks more and is slower; this one is for millions of
+// documents.
 #pragma once
 
 #include "tests/model/answers.h"
@@ -15,7 +15,7 @@ namespace tests::model {
 
 class ModuleHost {
 public:
-    // Each read of the file gives most_per_read bytes at most.
+    // Each read of the file delivers at most most_per_read bytes.
     ModuleHost(const std::string &document, uint32_t most_per_read, const Answers &host_answers);
     ~ModuleHost();
     ModuleHost(const ModuleHost &) = delete;
@@ -26,7 +26,7 @@ public:
     void read();
 
     uint32_t position() const;
-    // The end at most: behind it all positions are alike.
+    // At most the end: past it all positions are equal.
     uint32_t clamped_position() const;
     SavedBytes saved() const;
     void go_to(const SavedBytes &state, uint32_t to);
@@ -36,7 +36,7 @@ public:
     void forget_calls();
 
     Answers answers;
-    Events events; // since they were last forgotten
+    Events events; // since they were last cleared
     States states; // at these events
 
 private:

@@ -1,4 +1,4 @@
-// What the model's own files share: byte names, 16-bit counting, and the services.
+// What the model's files share: byte names, 16-bit counting, and the services.
 #pragma once
 
 #include "tests/model/model.h"
@@ -44,12 +44,12 @@ void PutAttributes(Model &model);
 void check_attributes(Model &model, uint8_t new_set);
 void TurnOffAttr(Model &model);
 void PutTabStops(Model &model);
-// Whether a command followed the star and has been echoed, counted in the column.
+// Whether a command followed the asterisk and has been echoed, counted in the column.
 bool PfsTextCommand(Model &model, int16_t &column);
-// Whether to go on: false when the host stopped at the line's end.
+// Whether to continue: false if the host stopped at the line end.
 bool ProcHeaderFooter(Model &model);
 
-// What all readers announce alike.
+// The announcements that all readers share.
 void report_margins(Model &model);
 bool report_pending_headers(Model &model); // false when the host stopped
 void report_line_defaults(Model &model);
@@ -87,7 +87,7 @@ struct ChoiceParagraph {
 };
 void report_choice_character(Model &model, uint8_t stored, ChoiceLine &line,
                              ChoiceParagraph &paragraph);
-// The announcements that start a read; false when the host stopped in a header or footer.
+// The announcements that start a read; false if the host stopped in a header or footer.
 bool announce_choice_read(Model &model);
 
 } // namespace tests::model

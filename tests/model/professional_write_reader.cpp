@@ -18,7 +18,7 @@ constexpr uint8_t suppressed = 2;
 enum class LineStart {
     text_seen,
     only_spaces,
-    record_seen, // only spaces yet, but behind a record, where they are text
+    record_seen, // only spaces so far, but after a record, where they are text
 };
 
 struct Line {
@@ -101,7 +101,7 @@ void put_back_and_end(Model &model, Line &line)
     line.lineDone = true;
 }
 
-// A type byte within a line: ends it, or begins a stretch that is hidden.
+// A type byte within a line: ends it, or begins a hidden stretch.
 void read_toggle(Model &model, Line &line)
 {
     if (model.saved.pwReaderFlag == suppression_open) {

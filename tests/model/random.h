@@ -1,4 +1,4 @@
-// Numbers that look random and depend on a seed alone, the same on every machine.
+// Pseudorandom numbers that depend only on a seed, the same on every machine.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@ class Random {
 public:
     explicit Random(uint64_t seed) : state(seed) {}
 
-    // splitmix64: every seed is a good one, neighbours included.
+    // splitmix64: every seed is good, including consecutive ones.
     uint64_t next()
     {
         state += 0x9E3779B97F4A7C15U;

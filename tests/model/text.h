@@ -6,14 +6,14 @@
 
 namespace tests::model {
 
-// The end byte, or the end of the data where a byte of the text is needed.
+// Thrown at the end byte, or at the end of the data where a byte of the text is needed.
 struct EndOfDocument {};
 
 class Text {
 public:
     explicit Text(const std::string &document) : bytes(&document) {}
 
-    // The next byte, or -1 past the end; the position moves on in either case.
+    // The next byte, or -1 past the end; the position advances in either case.
     int32_t get()
     {
         const uint32_t at = position++;
@@ -52,7 +52,7 @@ public:
         position = to;
     }
 
-    // The end at most: behind it all positions are alike.
+    // At most the end: past it all positions are equal.
     uint32_t clamped_position() const
     {
         const auto size = static_cast<uint32_t>(bytes->size());

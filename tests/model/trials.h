@@ -12,15 +12,15 @@ namespace tests::model {
 
 struct Trial {
     std::string document;
-    Plan plain;  // read in one go, or stopping at all paragraph ends
+    Plan plain;  // read in one call, or stopping at all paragraph ends
     Plan varied; // everything else that a host may do
 };
 
 // The document and the plans that belong to a number.
 Trial trial_of(Kind kind, uint64_t number);
 
-// Reads the document of a number both ways. When model and module differ: all that is needed
-// to see where and to see it again.
+// Reads the document of a number both ways. If model and module differ, returns what is needed to
+// locate and to reproduce it.
 std::optional<std::string> failure_of(Kind kind, uint64_t number);
 
 } // namespace tests::model

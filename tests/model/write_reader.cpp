@@ -1,5 +1,5 @@
-// The older Write documents. All lines end alike; whether one was wrapped shows only in the
-// length of the next line's first word.
+// The older Write documents. All line ends are the same; only the length of the next line's first
+// word shows whether one is soft or hard.
 #include "tests/model/parts.h"
 
 namespace tests::model {
@@ -112,8 +112,8 @@ void read_character(Model &model, uint8_t stored, Line &line, Paragraph &paragra
     count_up(line.column);
 }
 
-// Reads every byte from 0x80 as the first of a pair, in all documents, and counts a pair as
-// one character even when the data stop within it.
+// Reads every byte from 0x80 as the first of a pair, in all documents, and counts a pair as one
+// character even if the data stop within it.
 void PfsDetermineEnder(Model &model, int16_t column, bool &hardEnd)
 {
     const uint32_t here = model.text.tell();

@@ -1,6 +1,6 @@
-// Block files that fail and lie: every operation of every sample's reading, once and for
-// ever. Whatever the file does, the end of the document is reported once, the checker has
-// nothing to say, and the stream stays inside its buffer.
+// Block files that fail and lie: every operation in reading every sample, once and permanently.
+// Whatever the file does, the end of the document is reported once, the checker finds no
+// violation, and the stream stays inside its buffer.
 #include "tests/robustness/document_files.h"
 #include "tests/support/faulty_block_file.h"
 #include "tests/support/recording_host.h"
@@ -14,7 +14,7 @@ namespace {
 
 using Kind = Fault::Kind;
 
-// What a byte of the text may be reported as, at most; and what a read call opens with.
+// The most calls for a byte of the text; and those that a read call begins with.
 constexpr std::size_t most_calls_per_byte = 8;
 constexpr std::size_t most_announcements = 1500;
 // A file that delivers one byte at a time is asked for its position before each.
@@ -28,7 +28,7 @@ void expect_inside_buffer(const VwCharStream &stream)
     EXPECT_LE(stream.cursor, stream.buffer + stream.bufferLength);
 }
 
-// A plan that also knows where the file stands.
+// A plan that also knows the file's position.
 using Plan = std::function<Fault(unsigned number, BlockOperation, const MemoryBlockFile &)>;
 
 struct Result {
@@ -100,8 +100,8 @@ std::vector<unsigned> operations_of(const std::string &document, BlockOperation 
     return numbers;
 }
 
-// Whole documents in whole reads, and small ones also in small reads, where every line and
-// every lookahead has operations of its own.
+// Whole documents in full reads, and small ones also in small reads, where every line and every
+// lookahead has operations of its own.
 class Faults : public ::testing::TestWithParam<DocumentFile> {
 protected:
     Faults() : document(GetParam().bytes())
@@ -139,7 +139,7 @@ TEST_P(Faults, InAnyOperationEndTheDocument)
     });
 }
 
-// The stream's next refill puts the file right, so nothing is lost.
+// The stream's next refill corrects the file's position, so nothing is lost.
 TEST_P(Faults, InOneSeekChangeNothing)
 {
     in_pieces([this](uint32_t most_per_read) {
@@ -205,12 +205,12 @@ TEST_P(Faults, CountsLargerThanAskedForAreFailures)
 INSTANTIATE_TEST_SUITE_P(Samples, Faults, ::testing::ValuesIn(sample_files()),
                          [](const auto &file) { return file.param.name; });
 
-// Reads past the end by the million: the stream's counters hold, no byte comes again.
+// Millions of reads past the end: the stream's counters saturate, no byte is repeated.
 class PastTheEnd : public ::testing::TestWithParam<std::size_t> {};
 
 TEST_P(PastTheEnd, DeliversNothingAMillionTimes)
 {
-    constexpr uint32_t counted = 32768; // where the stream's count of missing bytes is held
+    constexpr uint32_t counted = 32768; // where the stream's count of missing bytes saturates
     constexpr uint32_t times = 1000000;
     MemoryBlockFile file(std::string(GetParam(), 'x'));
     file.keep_log = false;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Folding a trace joins events and loses none: unfolded it is the whole trace, of every sample.
-# So the prose's golden traces, which are folded, say as much as the letters'.
+# Folding a trace joins events and loses none: unfolded it is the full trace, for every sample. So
+# the prose's golden traces, which are folded, contain as much as the letters'.
 #   folding.sh PROGRAM SAMPLES
 set -euo pipefail
 program=$1

@@ -1,5 +1,5 @@
 // The samples' committed traces and texts, and the letters' pages, byte for byte. The letters'
-// traces have an event a line, to be read; the prose's are folded, which loses nothing, as
+// traces have one event per line, for readability; the prose's are folded, which loses nothing, as
 // folding.sh shows. scripts/update-goldens rewrites them.
 #include "lib/reading/paragraph_collector.h"
 #include "lib/reading/read_document.h"

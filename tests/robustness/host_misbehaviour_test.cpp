@@ -1,5 +1,5 @@
-// Hosts whose output routines do what they should not: answer oddly, and seek the stream
-// that is being read. The text may become nonsense; nothing else may happen.
+// Hosts whose output routines misbehave: they return odd values and seek the stream that is being
+// read. The text may become nonsense; nothing else may happen.
 #include "tests/robustness/document_files.h"
 #include "tests/support/recording_host.h"
 
@@ -104,7 +104,7 @@ void expect_inside_buffer(const VwCharStream &stream)
     EXPECT_LE(stream.cursor, stream.buffer + stream.bufferLength);
 }
 
-// Mostly inside the document, sometimes far behind its end or at the end of all positions.
+// Mostly inside the document, sometimes far past its end or at the largest position.
 uint32_t position_to_seek(std::mt19937 &random, uint32_t size)
 {
     switch (random() % 8) {
@@ -117,7 +117,7 @@ uint32_t position_to_seek(std::mt19937 &random, uint32_t size)
 TEST_P(Misbehaviour, SeeksFromInsideTheRoutinesStayInTheBuffer)
 {
     constexpr unsigned seeks_wanted = 2000;
-    constexpr unsigned seeks_in_round = 20; // more would never let the end come
+    constexpr unsigned seeks_in_round = 20; // with more the end would never be reached
     constexpr uint32_t seldom = 16;
     std::mt19937 random(1);
     host.checker.expect_foreign_state();

@@ -1,4 +1,4 @@
-// What a host may do differently without the document reading differently: deliver few bytes
+// What a host may do without changing how the document reads: deliver few bytes
 // at a time, stop at every break, register no routine for breaks. And what happens to a
 // document that is cut short, at every length.
 #include "tests/robustness/document_files.h"
@@ -30,8 +30,8 @@ TEST_P(Reading, IsTheSameWithFewBytesInEachHostRead)
     }
 }
 
-// A document read with a stop at every paragraph end: each read's calls, and the place that
-// it began at. The place after the last read ends the list.
+// A document read with a stop at every paragraph end: each read's calls, and the position
+// where it began. The position after the last read ends the list.
 struct StoppedReading {
     std::vector<Calls> reads;
     std::vector<Place> places;
@@ -60,14 +60,15 @@ TEST_P(Reading, GoesOnInASecondInstanceFromEveryBreak)
     other.file.keep_log = false;
     other.stop_at_all();
     ASSERT_EQ(other.open(), 0);
-    for (std::size_t i = reading.reads.size(); i-- > 0;) { // from the end, so nothing is kept
+    for (std::size_t i = reading.reads.size();
+         i-- > 0;) { // from the end, so nothing is carried over
         other.go_to(reading.places[i]);
         ASSERT_TRUE(other.read() == reading.reads[i]) << "read " << i;
         ASSERT_EQ(other.place().position, reading.places[i + 1].position);
     }
 }
 
-// SODummy stands for the routine and answers every paragraph end with its argument, 1.
+// SODummy replaces the routine and returns its argument, 1, at every paragraph end.
 TEST_P(Reading, EndsAtEveryBreakWithoutARoutineForBreaks)
 {
     const StoppedReading stopped = read_with_stops(GetParam().bytes());
@@ -84,8 +85,8 @@ TEST_P(Reading, EndsAtEveryBreakWithoutARoutineForBreaks)
     }
 }
 
-// How far the text behind a line end may decide on it: the next line's first word, or the
-// words of a command.
+// How far the text after a line end may influence it: the next line's first word, or the words of
+// a command.
 constexpr uint32_t farthest_look = 100;
 
 // How many of the reads are finished, and decided, within the first `length` bytes.
@@ -99,15 +100,15 @@ std::size_t reads_within(const StoppedReading &whole, std::size_t length)
     return count;
 }
 
-// Reads a cut document on from its read number `first` and compares what the cut cannot have
-// changed. That the end is reported, and only once, is checked by read_all.
+// Reads a cut document from its read number `first` on and compares what the cut cannot have
+// changed. read_all checks that the end is reported exactly once.
 void expect_cut_reads_alike(const StoppedReading &whole, const std::string &cut, std::size_t first)
 {
     RecordingHost host(cut);
     host.file.keep_log = false;
     host.stop_at_all();
     if (host.open() != 0) {
-        return; // cut before what it is recognised by
+        return; // cut before its signature
     }
     if (first > 0) {
         host.go_to(whole.places[first]);
@@ -138,7 +139,7 @@ TEST_P(Reading, EndsWhereTheDocumentIsCutReadFromItsStart)
 {
     const std::string document = GetParam().bytes();
     const StoppedReading whole = read_with_stops(document);
-    constexpr std::size_t stride = 101; // a prime, so that cuts fall everywhere in a line
+    constexpr std::size_t stride = 101; // a prime, so that cuts fall anywhere in a line
     for (std::size_t length = 0; length < document.size(); length += stride) {
         expect_cut_reads_alike(whole, document.substr(0, length), 0);
     }

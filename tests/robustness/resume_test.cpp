@@ -1,5 +1,5 @@
-// The reference host's promise: a document read with a stop at every break, each time going
-// on from the saved place in another instance, gives the very events of one single read.
+// The library's promise: a document read with a stop at every break, each time resumed from the
+// saved position in another instance, gives exactly the events of a single read.
 #include "lib/reading/read_document.h"
 #include "lib/writers/trace.h"
 #include "tests/robustness/document_files.h"

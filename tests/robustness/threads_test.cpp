@@ -1,6 +1,6 @@
-// Instances know nothing of one another: sixteen threads, each with instances of its own,
-// read all samples at once and get what one thread gets. Run under ThreadSanitizer it shows
-// that the module shares no mutable state.
+// Instances are independent: sixteen threads, each with instances of its own, read all samples
+// concurrently and get what one thread gets. Under ThreadSanitizer this shows that the module
+// shares no mutable state.
 #include "tests/robustness/document_files.h"
 #include "tests/support/recording_host.h"
 
