@@ -1,4 +1,4 @@
-// Runs the command pfsdoc as its users do: as a program, in a directory of its own.
+// Runs the command pfsdoc as its users do: as a program, in a separate directory.
 #pragma once
 
 #include "tests/lib/reading/host_bench.h"
@@ -42,8 +42,8 @@ struct Streams {
     std::string errors = "err.captured";
 };
 
-// A path below /dev/fd is a descriptor that is open already: opening a pipe by such a path
-// would wait for its other end.
+// A path below /dev/fd is a descriptor that is already open: opening a pipe by such a path would
+// wait for its other end.
 inline void redirect(int descriptor, const std::string &path, int flags)
 {
     constexpr std::string_view open_already = "/dev/fd/";
@@ -92,7 +92,7 @@ inline void redirect_all(const Streams &streams)
     ::_exit(127);
 }
 
-// Runs in a directory of its own, which holds `a.pfs`, a PFS: WRITE B document.
+// Runs in a separate directory with `a.pfs`, a PFS: WRITE B document.
 class Command : public ::testing::Test {
 protected:
     void SetUp() override
@@ -134,7 +134,7 @@ protected:
                 content_of(directory / "err.captured")};
     }
 
-    // A run that must work and has nothing to say of it.
+    // A run that must succeed without a message.
     std::string output_of(const std::vector<std::string> &arguments,
                           const Streams &streams = {}) const
     {

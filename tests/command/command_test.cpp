@@ -1,5 +1,4 @@
-// The command pfsdoc as its users meet it: run as a program, judged by its exit code and by
-// what it writes where.
+// The command pfsdoc as a program, checked by its exit code and its output.
 #include "pfsdoc/examine.h"
 #include "pfsdoc/explain.h"
 #include "tests/command/command_fixture.h"
@@ -12,7 +11,7 @@ namespace {
 using namespace tests;
 using pfsdoc::DocumentKind;
 
-// Nothing that a signature could hide in by chance: the sequence is fixed.
+// No signature can be in it by chance: the sequence is fixed.
 std::string random_bytes(std::size_t size)
 {
     std::mt19937 random(7);
@@ -338,7 +337,7 @@ TEST_F(Command, UnknownDocumentsAreFour)
     }
 }
 
-// Every document ends with a byte that says so; what stands behind it is of no concern.
+// Every document ends with an end byte; what follows it does not matter.
 TEST_F(Command, CutDocumentsAreFiveAndWrittenAsFarAsTheyGo)
 {
     for (const KindExample &example : kind_examples()) {
@@ -377,7 +376,7 @@ TEST_F(Command, OutputThatCannotBeWrittenIsSeven)
     expect_failure(run({"text", "a.pfs", "-o", "none/out"}), 7, "pfsdoc: a.pfs: the output");
 }
 
-// The signal that a closed pipe brings would end the program without a word.
+// The signal of a closed pipe would end the program without a message.
 TEST_F(Command, ClosedPipeIsSeven)
 {
     std::array<int, 2> ends{};
@@ -389,7 +388,7 @@ TEST_F(Command, ClosedPipeIsSeven)
     expect_failure(outcome, 7, "pfsdoc: a.pfs: the output cannot be written: Broken pipe");
 }
 
-// So would the signal that a file brings which grows beyond what the system allows.
+// So would the signal of a file that grows beyond the system's limit.
 TEST_F(Command, LimitOfTheSystemIsSeven)
 {
     write("long",
@@ -464,7 +463,7 @@ TEST_F(Command, FindsTheModuleBesideItself)
     EXPECT_TRUE(fs::exists(fs::path(PFSDOC_PROGRAM).parent_path() / "libvs_pfs.so"));
 }
 
-// Names that mean something to a command line parser are names all the same.
+// Names that look special to a command line parser are still names.
 TEST_F(Command, TakesNamesAsTheyAre)
 {
     const std::string document = content_of(directory / "a.pfs");
@@ -498,7 +497,7 @@ TEST_F(Command, KeepsMessagesOutOfTheOutput)
     EXPECT_EQ(content_of(directory / "new"), output_of({"text", "a.pfs"}));
 }
 
-// What belongs to one command stands in its own page; tests/manual_page.sh sees to those.
+// Everything about one command is in its own page; tests/manual_page.sh checks those.
 TEST_F(Command, ManualPageNamesEveryCommandAndExitCode)
 {
     const std::string page = content_of(PFSDOC_MANUAL_PAGE);
@@ -514,7 +513,7 @@ TEST_F(Command, ManualPageNamesEveryCommandAndExitCode)
     }
 }
 
-// What a program may meet in the output is in the manual.
+// The manual documents everything that the output may contain.
 TEST_F(Command, ManualPagesNameWhatTheOutputHolds)
 {
     const fs::path pages = fs::path(PFSDOC_MANUAL_PAGE).parent_path();

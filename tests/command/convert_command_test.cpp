@@ -1,5 +1,5 @@
-// pfsdoc convert as its users meet it: formats, their options, limits, and what happens to
-// the output when something ends it.
+// pfsdoc convert as a program: formats, their options, limits, and what happens to the output if
+// something ends the run.
 #include "tests/command/command_fixture.h"
 
 #include "pfsdoc/writer.h"
@@ -13,7 +13,7 @@ using namespace tests;
 
 class Convert : public Command {
 protected:
-    // Waits for a file to appear that is not there yet, as a program writes it.
+    // Waits for a file to appear, as a program writes it.
     bool appears(const std::string &prefix) const
     {
         for (int tenth = 0; tenth < 300; ++tenth) {
@@ -26,7 +26,7 @@ protected:
         }
         return false;
     }
-    // The outcome of a run that gets a signal when it is time.
+    // The outcome of a run that gets a signal at the right time.
     template <typename Time>
     Outcome interrupted(const std::vector<std::string> &arguments, int signal, Time is_time) const
     {

@@ -53,7 +53,7 @@ TEST(CodePage437, HasLettersSignsFramesAndFormulasInItsUpperHalf)
               "≡±≥≤⌠⌡÷≈°∙·√ⁿ²■");
 }
 
-// These have look-alikes in Unicode; the ones meant are told by number.
+// These have look-alikes in Unicode, so the right ones are given by number.
 TEST(CodePage437, IsExactAboutLookAlikes)
 {
     EXPECT_EQ(code_page_437[0xE1], 0x00DF); // sharp s, not beta
@@ -69,8 +69,8 @@ TEST(CodePage437, TakesTheZeroByteForItsBlankCell)
     EXPECT_EQ(utf8(std::string_view("\0", 1)), " ");
 }
 
-// Bytes are looked at in eights: no byte may be missed in any place of them, nor be taken for
-// another because of what its neighbours are.
+// Bytes are processed eight at a time: no byte may be missed at any position, or misread because
+// of its neighbours.
 TEST(CodePage437, TakesAByteForTheSameWhereverItStands)
 {
     const std::string around = " AZaz~! ~ ";

@@ -1,4 +1,4 @@
-// Buffered output: what reaches the descriptor, and what is said when not all of it does.
+// Buffered output: what reaches the descriptor, and what is reported if not all of it does.
 #include "lib/base/descriptor_output.h"
 
 #include "lib/base/descriptor.h"
@@ -115,7 +115,7 @@ TEST(DescriptorOutput, WritesThePartThatFits)
     EXPECT_EQ(content_of(file), "1234567890");
 }
 
-// A limit that is not a size on a machine of 32 bits.
+// A limit that exceeds size_t on a 32-bit machine.
 TEST(DescriptorOutput, TakesALimitOf4GiB)
 {
     const Descriptor file = nameless_file();

@@ -1,4 +1,4 @@
-// Strings of JSON, read again by a library.
+// JSON strings, parsed again by a library.
 #include "lib/base/json_text.h"
 
 #include <gtest/gtest.h>

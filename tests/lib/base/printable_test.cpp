@@ -1,4 +1,4 @@
-// What of a text from outside may reach a terminal.
+// What part of an untrusted text may reach a terminal.
 #include "lib/base/printable.h"
 
 #include <gtest/gtest.h>
@@ -39,7 +39,7 @@ TEST(Printable, WritesBytesOutThatAreNoUtf8)
     EXPECT_EQ(printable("\xF5\x80\x80\x80"), "\\xF5\\x80\\x80\\x80");
 }
 
-// Some programs take overlong forms for what they stand for.
+// Some programs decode overlong forms.
 TEST(Printable, WritesOverlongFormsOut)
 {
     EXPECT_EQ(printable("\xC0\x9B"), "\\xC0\\x9B");

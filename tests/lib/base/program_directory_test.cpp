@@ -1,4 +1,4 @@
-// The folder of the program that runs, here this test's own.
+// The running program's folder, here this test's own.
 #include "lib/base/program_directory.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What a writer puts aside, in memory and in files.
+// A writer's held-back output, in memory and in files.
 #include "lib/base/spill_store.h"
 
 #include "lib/base/descriptor.h"
@@ -30,7 +30,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t fits = SpillStore::most_in_memory;
 
-// In a folder of its own, which is the one for temporary files.
+// In a separate folder, which is the one for temporary files.
 class SpillStoreTest : public ::testing::Test {
 protected:
     void SetUp() override
@@ -63,7 +63,7 @@ off_t size_of(int descriptor)
     return status.st_size;
 }
 
-// What a call stops the reading with, empty where it does not.
+// The error with which a call stops reading, empty if it does not.
 template <typename Call> std::string error_of(Call call)
 {
     try {

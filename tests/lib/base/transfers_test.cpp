@@ -1,4 +1,4 @@
-// All of the bytes, although a pipe takes and gives them in parts and signals interrupt.
+// All bytes are transferred, although a pipe takes and gives them in parts and signals interrupt.
 #include "lib/base/transfers.h"
 
 #include "lib/base/descriptor.h"

@@ -1,5 +1,5 @@
-// A walker that is told of events which its kind's rules do not lead to: it believes them, and
-// says that they are disputed. Without this, that no document is disputed would mean nothing.
+// A walker that receives events which contradict its kind's rules: it believes them and marks them
+// as disputed. Without this, the absence of disputed spans would prove nothing.
 #include "lib/explain/body_walker.h"
 
 #include "lib/explain/choice3_walker.h"
@@ -22,8 +22,8 @@ struct Told {
     uint32_t position;
 };
 
-// The spans of a text that is the whole file, within margins at columns 0 and 10, or of one of
-// the kinds that have no use for margins.
+// The spans of a text that is the whole file, with margins at columns 0 and 10, or of a kind that
+// does not use margins.
 std::string walked(DocumentKind kind, const std::string &text, const std::vector<Told> &events)
 {
     const auto source = source_from(text);
@@ -123,7 +123,7 @@ TEST(BodyWalker, DisputesAnotherEndThanATypeByteSays)
               "2+1 line_type: line type: goes on in the next line; the line before ends hard: its "
               "type says that it goes on DISPUTED\n"
               "3+1 end_mark: end of the document\n");
-    // No event tells that the line ended.
+    // No event reports that the line ended.
     EXPECT_EQ(walked(DocumentKind::professional_write_1, bytes("00 'a' 00 0E"),
                      {{Character{'a'}, 2}, {document_end, 4}}),
               "0+1 line_type: line type: goes on in the next line\n"
@@ -132,7 +132,7 @@ TEST(BodyWalker, DisputesAnotherEndThanATypeByteSays)
               "3+1 end_mark: end of the document\n");
 }
 
-// Whether an asterisk opens a command is the module's to say, not the walker's.
+// The module decides whether an asterisk opens a command, not the walker.
 TEST(BodyWalker, BelievesWhatAnAsteriskIs)
 {
     EXPECT_EQ(

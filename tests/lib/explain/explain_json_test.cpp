@@ -48,7 +48,7 @@ TEST(ExplainJson, ReportsLineEnds)
                           "\n");
 }
 
-// The objects of a file, put together, are the file.
+// The bytes of a file's objects, concatenated, are the file.
 TEST(ExplainJson, HoldsEveryByte)
 {
     for (const KindExample &example : kind_examples()) {

@@ -1,5 +1,4 @@
-// What the tests of explained documents share: a document's spans, and what must hold of them
-// whatever the document.
+// What the tests of explained documents share: a document's spans, and their invariants.
 #pragma once
 
 #include "lib/explain/explain_json.h"

@@ -1,5 +1,5 @@
-// Small documents as their annotated dumps: each kind's text, what may stand in it, and one
-// whole file of each family.
+// Small documents as annotated dumps: the elements of each kind's text, and one whole file of each
+// family.
 #include "tests/lib/explain/explained.h"
 
 namespace {
@@ -26,8 +26,8 @@ std::string text_of(DocumentKind kind, std::string_view body)
                      choice ? choice_body_offset : write_body_offset - 1);
 }
 
-// A PFS: WRITE document: a swallowed return, indent, attributes, a command and what is none, a
-// line of spaces, and fill behind the end.
+// A PFS: WRITE document: a swallowed return, indent, attributes, a command and something like one,
+// a line of spaces, and fill after the end.
 TEST(Golden, WriteB)
 {
     EXPECT_EQ(
@@ -124,7 +124,7 @@ TEST(Golden, FirstChoice2CutInACharacter)
 )");
 }
 
-// A ruler with a mark that is none, a page break, and header chains of all lengths.
+// A ruler with an invalid mark, a page break, and header chains of all lengths.
 TEST(Golden, FirstChoice3)
 {
     EXPECT_EQ(
@@ -283,7 +283,7 @@ TEST(Golden, AWholeProfessionalWrite2File)
 )");
 }
 
-// Commands that follow each other are told apart, and only those are new pages that ask for one.
+// Consecutive commands are distinguished, and only new-page commands are new pages.
 TEST(Golden, CommandsOneAfterTheOther)
 {
     EXPECT_EQ(summary(spans_of(write_document(2, bytes("0D '*N**N**c**new page*' 0E"))), 1026),

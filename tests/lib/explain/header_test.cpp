@@ -1,4 +1,4 @@
-// The headers: that each kind has its own fields and no others, and what damaged ones become.
+// The headers: each kind has exactly its own fields; and the results for damaged ones.
 #include "lib/reading/kind_tables.h"
 
 #include "tests/lib/explain/explained.h"
@@ -117,7 +117,7 @@ TEST(ExplainedHeader, ShowsAGenerationThatIsNoLetterAsAByte)
     EXPECT_NE(words.find("generation: byte 0x00\n"), std::string::npos) << words;
 }
 
-// A line longer than its room is reported with the bytes of the fields behind it.
+// A line longer than its field is reported with the bytes of the fields after it.
 TEST(ExplainedHeader, LeavesOtherFieldsTheirBytes)
 {
     const std::string document = write_document(2, bytes("0E"), {{328, "\x4B"}});
@@ -143,7 +143,7 @@ TEST(ExplainedHeader, TellsOfTheWayToTheText)
               "1042+1 end_mark: end of the document\n");
 }
 
-// A record's length may be a lie; what is read of it whatever it says is its own.
+// A record's length may be wrong; the bytes that are read regardless belong to the record.
 TEST(ExplainedHeader, GivesRecordsWhatIsReadOfThem)
 {
     EXPECT_EQ(summary(spans_of(write_document(4, bytes("07 00 01 0B 47 07 01 02 01 0E"))), 1025),
@@ -188,8 +188,8 @@ TEST(HeaderFields, LieWithinTheirHeaders)
     }
 }
 
-// A full ruler within the text ends with its hundredth stop, one byte later; what is left of
-// it is the next line.
+// A full ruler within the text ends with its hundredth stop, one byte later; the rest of it is the
+// next line.
 TEST(ExplainedRuler, EndsWhenTheTableIsFull)
 {
     const std::string document = choice_document('3', bytes("0C 'abc' 'T'x101 00 'x' 0D 0E"));

@@ -1,5 +1,5 @@
-// Why a line end is soft or hard: a table for each way of storing lines. That the reasons lead
-// to what the module does, for any document, is what partition_test.cpp is about.
+// Why a line end is soft or hard: a table for each way of storing lines. partition_test.cpp checks
+// that the reasons agree with the module, for any document.
 #include "tests/lib/explain/explained.h"
 
 namespace {
@@ -141,8 +141,7 @@ TEST(LineEnds, OfFirstChoice3CountLongChainsAsTheModuleDoes)
               "line end, soft: the line's header says that it goes on; becomes a space\n");
 }
 
-// Counts the bytes that are asked for, to tell work that grows with the file from work that
-// grows with its square.
+// Counts the bytes requested, to distinguish linear work from quadratic.
 class CountingSource final : public ByteSource {
 public:
     explicit CountingSource(const std::string &text) : source_(source_from(text)) {}
@@ -182,7 +181,7 @@ std::string repeated(const std::string &text, int count)
     return all;
 }
 
-// Each line end begins a word that, for the lookahead, reaches to the end of the file.
+// Each line end begins a word that, for the lookahead, extends to the end of the file.
 TEST(LineEnds, CostTheirShareOnlyWhereEveryWordReachesToTheEnd)
 {
     const std::string hostile[] = {

@@ -1,5 +1,5 @@
 // The length of the next line's first word: what counts as a word, and that remembering a scan
-// changes no answer.
+// changes no result.
 #include "lib/explain/next_word.h"
 
 #include "tests/lib/explain/explained.h"
@@ -45,7 +45,7 @@ TEST(NextWord, TakesPairsForOneColumn)
     EXPECT_EQ(length_of(write, "C1 01 C2 01 'c'"), 3);
     EXPECT_EQ(length_of(write, "C1 0D C2 0E 'c'"), 3);
     EXPECT_EQ(length_of(write, "C1"), 1);
-    // Only First Choice tells a blank that has attributes.
+    // Only First Choice recognises a space with attributes.
     EXPECT_EQ(length_of(write, "'a' A0 01 'b'"), 3);
     EXPECT_EQ(length_of(choice, "'a' A0 01 'b'"), 1);
     EXPECT_EQ(length_of(choice, "'a' A0 08 'b'"), 3);
@@ -74,7 +74,7 @@ std::string random_text(model::Random &random)
     return text;
 }
 
-// Asked at one line end after the other, as a walker does, and each time anew.
+// Queried at one line end after the other, as a walker does, and each time with a new object.
 TEST(NextWord, AnswersTheSameWhateverItRemembers)
 {
     model::Random random(5);

@@ -1,6 +1,6 @@
-// What holds of every explained document, whole, cut or damaged: each byte of the file is in
-// one span and in one only, the text is what the module reports, and every line end ended as
-// its reason says.
+// What holds for every explained document, whole, cut or damaged: each byte of the file is in
+// exactly one span, the text is what the module reports, and every line end agrees with its
+// reason.
 #include "tests/lib/explain/explained.h"
 
 #include "tests/model/documents.h"
@@ -168,12 +168,12 @@ TEST(Partition, OfTwoThousandMutatedSamples)
             expect_explained(document, "mutation " + std::to_string(i));
         }
         if (HasFailure()) {
-            break; // one tells enough
+            break; // one is enough
         }
     }
 }
 
-// What an enemy would write rather than a word processor: see tests/model.
+// What an attacker would write rather than a word processor: see tests/model.
 TEST(Partition, OfGeneratedDocuments)
 {
     for (const model::Kind kind : model::all_kinds) {
@@ -240,7 +240,7 @@ TEST(FailedReads, EndTheExplanationWithTheirError)
     }
 }
 
-// A sink that gives up, as for want of memory, is heard through the module.
+// A sink's exception, such as when memory runs out, passes through the module.
 TEST(FailedSinks, AreHeard)
 {
     class Refusing final : public SpanSink {

@@ -1,4 +1,4 @@
-// Putting spans together: what is joined, what is not, and where they are cut up.
+// Building spans: what is joined, what is not, and where they are split.
 #include "lib/explain/span_builder.h"
 
 #include "tests/lib/explain/explained.h"

@@ -1,5 +1,5 @@
-// How characters are stored, held against the module: each byte of each kind, with each
-// attribute byte.
+// How characters are stored, compared with the module: each byte of each kind, with each attribute
+// byte.
 #include "lib/explain/stored_characters.h"
 
 #include "tests/lib/explain/explained.h"
@@ -17,7 +17,7 @@ explaining::StoredCharacter stored(DocumentKind kind, const std::string &text)
         });
 }
 
-// What the module makes of the bytes, behind a letter so that a space is no indent.
+// The module's reading of the bytes, after a letter so that a space is not an indent.
 KeepingSink read_by_module(DocumentKind kind, const std::string &character)
 {
     const std::string before = kind == DocumentKind::first_choice_3 ? "40 01 'x'"
@@ -31,7 +31,7 @@ constexpr DocumentKind all_kinds[] = {
     DocumentKind::writing_assistant, DocumentKind::professional_write_1,
     DocumentKind::first_choice_2,    DocumentKind::first_choice_3};
 
-// The character in front of the bar, and where the bar was read.
+// The character before the bar, and the bar's position.
 void expect_as_module(DocumentKind kind, const std::string &text)
 {
     const explaining::StoredCharacter expected = stored(kind, text);

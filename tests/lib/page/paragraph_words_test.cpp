@@ -1,4 +1,4 @@
-// Paragraphs as words, blanks and page breaks.
+// Paragraphs as words, spaces and page breaks.
 #include "tests/lib/page/words_of.h"
 
 #include <gtest/gtest.h>

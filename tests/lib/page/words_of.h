@@ -1,4 +1,4 @@
-// The words that a document's first paragraph is told as, on one line.
+// The words of a document's first paragraph, on one line.
 #pragma once
 
 #include "lib/page/paragraph_words.h"
@@ -10,7 +10,7 @@
 
 namespace tests {
 
-// A word's parts stand in brackets with the codes of their attributes, gaps as their width:
+// A word's parts are in brackets with the codes of their attributes, gaps as their width:
 // "[One] 2 [tw][2:o]"; a page break is "/".
 class WordLog final : public pfsdoc::page::WordSink {
 public:

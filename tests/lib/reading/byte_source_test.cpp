@@ -26,7 +26,7 @@ std::string some_bytes(std::size_t size)
     return bytes;
 }
 
-// All of a source as the module gets it, through a character stream.
+// All of a source as the module reads it, through a character stream.
 std::string read_through_stream(ByteSource &source)
 {
     reading::BlockFile file(source);
@@ -57,7 +57,7 @@ protected:
         std::ofstream(path, std::ios::binary) << bytes;
         return path;
     }
-    // A file of zeros that takes no room.
+    // A sparse file of zeros.
     std::string write_sparse(uint64_t size) const
     {
         const std::string path = write("");
@@ -67,7 +67,7 @@ protected:
     std::filesystem::path directory;
 };
 
-// The read end of a pipe that gives these bytes, a few at a time.
+// The read end of a pipe that delivers these bytes, a few at a time.
 class Pipe {
 public:
     explicit Pipe(std::string bytes)
@@ -212,7 +212,7 @@ TEST_F(Files, GivesAPipesBytes)
     }
 }
 
-// A descriptor that stands inside its file gives what is left, as it would to any program.
+// A descriptor positioned inside its file delivers the rest, as to any program.
 TEST_F(Files, BeginsWhereTheDescriptorStands)
 {
     const int descriptor = ::open(write("skipped, read").c_str(), O_RDONLY);
@@ -272,7 +272,7 @@ TEST_F(Files, TellsWhenThereIsNoPlaceToSpoolTo)
     EXPECT_NE(source.error().remedy.find("TMPDIR"), std::string::npos);
 }
 
-// To the module a failed read is an end of the data: the source has to remember it.
+// To the module a failed read is the end of the data: the source has to remember it.
 TEST_F(Files, RemembersAFailedRead)
 {
     const int write_only = ::open(write("bytes").c_str(), O_WRONLY);

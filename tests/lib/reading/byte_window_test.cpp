@@ -1,4 +1,4 @@
-// Single bytes of a source, wherever they are asked for.
+// Single bytes of a source, at any offset.
 #include "lib/reading/byte_window.h"
 
 #include "tests/lib/reading/host_bench.h"

@@ -1,4 +1,4 @@
-// Documents as blocks, read at once, block by block, and on from every place.
+// Documents as blocks, read as a whole, block by block, and resumed from every position.
 #include "pfsdoc/document.h"
 
 #include "pfsdoc/reading_stopped.h"
@@ -39,7 +39,7 @@ Document opened(const std::string &bytes, const OpenOptions &options = {})
     return std::move(document.value());
 }
 
-// A document's blocks as read() tells them.
+// A document's blocks as read() delivers them.
 class Collected final : public pfsdoc::BlockSink {
 public:
     void paragraph(const Paragraph &paragraph) override
@@ -90,7 +90,7 @@ std::vector<Block> read_at_once(Document &document)
     return collected.blocks;
 }
 
-// What is left of a document.
+// The rest of a document.
 std::vector<Block> read_on(Document &document)
 {
     std::vector<Block> blocks;
@@ -211,7 +211,7 @@ TEST(Document, GivesParagraphsWithTheirPlaceInTheFile)
     ASSERT_TRUE(first.ok() && first.value());
     EXPECT_EQ(first.value()->kind, Block::Kind::paragraph);
     EXPECT_EQ(first.value()->paragraph.bytes, "One");
-    // With the line end in front of it, which is passed over.
+    // With the line end before it, which is skipped.
     EXPECT_EQ(first.value()->paragraph.pieces.front().source, tests::write_body_offset);
 }
 
@@ -263,7 +263,7 @@ std::vector<std::size_t> line_starts(const std::string &document)
     return blocks.empty() ? std::vector<std::size_t>() : blocks.front().paragraph.line_starts;
 }
 
-// Where lines are joined by a blank, the blank is the end of one line or the start of the next.
+// Where lines are joined by a space, the space is the end of one line or the start of the next.
 TEST(Document, TellsWhereTheLinesOfTheFileBegin)
 {
     const pfsdoc::Block none;
@@ -437,7 +437,7 @@ TEST(ResumeToken, IsReadBackFromItsText)
     EXPECT_EQ(ResumeToken::parse(text).value().text(), text);
 }
 
-// Every cut and many changes of a token are refused, or lead to an end and nothing worse.
+// Every truncation and many changes of a token are refused, or read to the end and nothing worse.
 TEST(ResumeToken, DoesNoHarmWhenItWasTamperedWith)
 {
     const std::string bytes = tests::write_document(2, "\rOne\r\rTwo\r\x0E");

@@ -76,7 +76,7 @@ TEST(Confidence, OfCutDocumentsIsLikely)
     }
 }
 
-// An end mark among more fill than a disk has between two files is not looked for.
+// An end mark is not searched for in more fill than a disk has between two files.
 TEST(Confidence, LooksBehindFillNoFurtherThanAClusterReaches)
 {
     const std::string document = whole(DocumentKind::write_b);
@@ -130,7 +130,7 @@ TEST(Confidence, OfAHeaderWithoutTextIsTheSignaturesAlone)
     EXPECT_EQ(notes_of(write_document(2, "").substr(0, 1024)), no_text + no_end_mark);
     EXPECT_EQ(notes_of(choice_document('3', "")), no_text + no_end_mark);
     EXPECT_EQ(level_of(choice_document('3', "").substr(0, 400)), "signature");
-    // An end mark within the header is none.
+    // An end mark within the header does not count.
     EXPECT_EQ(notes_of(write_document(2, "", {{1000, "\x0E"}}).substr(0, 1001)),
               no_text + no_end_mark);
 }

@@ -1,5 +1,5 @@
-// What the tests of the host share: a sink that keeps what it is told, one document of each
-// kind, and reading in one call.
+// What the tests of the library share: a sink that records its events, one document of each kind,
+// and reading in one call.
 #pragma once
 
 #include "lib/reading/block_file.h"
@@ -55,7 +55,7 @@ inline std::unique_ptr<pfsdoc::MemorySource> source_from(std::string_view docume
         std::vector<uint8_t>(document.begin(), document.end()));
 }
 
-// The linked-in module: the command's tests see to the loaded one.
+// The linked-in module: the command's tests cover the loaded one.
 inline pfsdoc::Module linked_module()
 {
     return pfsdoc::Module::linked().value();

@@ -1,4 +1,4 @@
-// Telling what a file is, and agreeing with the module about it.
+// Identifying files, in agreement with the module.
 #include "pfsdoc/identify.h"
 
 #include "tests/lib/reading/host_bench.h"

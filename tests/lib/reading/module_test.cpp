@@ -15,7 +15,7 @@ namespace {
 
 using namespace pfsdoc;
 
-// What the fake table's query answers; a test makes one of them wrong.
+// What the fake table's query returns; a test makes one of them wrong.
 struct Answers {
     uint16_t saved_state = 328;
     uint16_t filter_state = 380;
@@ -74,7 +74,7 @@ void expect_unfit(const Result<Module> &module, const std::string &what)
     EXPECT_FALSE(module.error().remedy.empty());
 }
 
-// A directory of its own, with the environment variable that names the module left alone.
+// A separate directory; the environment variable that names the module is unaffected.
 class FindModule : public ::testing::Test {
 protected:
     void SetUp() override
@@ -180,7 +180,7 @@ TEST_F(FindModule, LooksIntoTheLibraryDirectory)
     EXPECT_FALSE(is_linked(module));
 }
 
-// A broken installation must not go unnoticed because something else could stand in.
+// A broken installation must not go unnoticed because there is a fallback.
 TEST_F(FindModule, DoesNotPassOverAnUnfitOne)
 {
     std::ofstream(directory / "libvs_pfs.so") << "no library";

@@ -1,4 +1,4 @@
-// What the collector makes of events. Blocks are written down as text: see BlockNotes.
+// From events to blocks. Blocks are written as text: see BlockNotes.
 #include "lib/reading/paragraph_collector.h"
 
 #include "tests/lib/reading/typed_events.h"
@@ -12,8 +12,8 @@ namespace {
 using namespace pfsdoc;
 using tests::TypedEvents;
 
-// One line for a block. A paragraph's pieces stand in brackets, a text piece with the codes
-// of its attributes in front: [Dear ][2:Sir]. Commands are [*...*], cut ones end in ~, and a
+// One line per block. A paragraph's pieces are in brackets, a text piece with the codes of its
+// attributes first: [Dear ][2:Sir]. Commands are [*...*], cut ones end in ~, and a
 // page break is [/].
 class BlockNotes final : public BlockSink {
 public:
@@ -231,7 +231,7 @@ TEST(LineSpacing, OfProfessionalWriteIsThatOfTheLastLinesTypeByte)
     EXPECT_EQ(last_paragraph(single_spaced).line_spacing, VW_SINGLE_SPACING);
 }
 
-// Lines of type 0 say nothing of spacing; the paragraph's last line does.
+// Lines of type 0 do not specify spacing; the paragraph's last line does.
 TEST(LineSpacing, OfProfessionalWriteComesWithTheLastOfSeveralLines)
 {
     TypedEvents events;

@@ -67,7 +67,7 @@ TEST(ParagraphText, KeepsTabs)
     EXPECT_EQ(text_of_one("\t\x8A"), "\tè");
 }
 
-// All other bytes are characters, so nothing that comes out can control a terminal.
+// All other bytes are characters, so the result cannot control a terminal.
 TEST(ParagraphText, HasNoOtherControlCharacters)
 {
     std::string all;

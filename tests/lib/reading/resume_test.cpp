@@ -13,7 +13,7 @@ namespace {
 using namespace tests;
 using namespace pfsdoc;
 
-// Counts the reads that were needed, by the stops that were asked for.
+// Counts the reads, by the stops that were requested.
 class CountingSink final : public EventSink {
 public:
     explicit CountingSink(EventSink &sink) : sink_(sink) {}
@@ -52,7 +52,7 @@ std::string lines_of(const std::vector<Told> &told)
                                          << lines_of(stopped);
 }
 
-// Reads with stops in as many sessions as asked for, all on files of their own.
+// Reads with stops in the given number of sessions, each on a file of its own.
 std::vector<Told> read_stopping(const std::string &document, DocumentKind kind,
                                 std::size_t session_count)
 {
@@ -157,7 +157,7 @@ TEST(Resume, KnowsAResetFromAReport)
     expect_resumable(document, DocumentKind::write_b);
 }
 
-// A resumed read that were passed on whole would announce everything again.
+// A resumed read passed on completely would announce everything again.
 TEST(Resume, LeavesTheAnnouncementsOut)
 {
     const std::string document =
@@ -180,7 +180,7 @@ TEST(Resume, LeavesTheAnnouncementsOut)
     EXPECT_EQ(stitched.all<Break>().size(), 4U);
 }
 
-// A saved place is all that is needed: the session resumed in has read something else since.
+// A saved position suffices: the session that is resumed has read something else since.
 TEST(Resume, GoesBackToAPlaceThatWasLeft)
 {
     const std::string document =
@@ -202,7 +202,7 @@ TEST(Resume, GoesBackToAPlaceThatWasLeft)
     EXPECT_EQ(once.all<Character>().size(), std::string_view("twothree").size());
 }
 
-// Bodies made of what a kind's reader treats in a way of its own.
+// Bodies made of what a kind's reader treats specially.
 std::string random_body(std::mt19937 &random, const std::vector<std::string> &pieces)
 {
     std::uniform_int_distribution<std::size_t> length(0, 60);

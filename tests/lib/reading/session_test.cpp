@@ -1,5 +1,5 @@
 // A document's events through a session: their types and arguments, offsets, stops,
-// exceptions, saved places, and whole documents read in one call.
+// exceptions, saved positions, and whole documents read in one call.
 #include "lib/reading/session.h"
 
 #include "tests/lib/reading/host_bench.h"
@@ -102,7 +102,7 @@ TEST(Session, OffsetsAreThoseOfTheByteAfter)
     EXPECT_EQ(sink.told.back().offset, write_body_offset + 7);
 }
 
-// The words after a '*' are read to know the command, and read again to be echoed.
+// The words after a '*' are read to recognise the command, and read again to be echoed.
 TEST(Session, APageBreakStandsBehindTheCommandThatAsksForIt)
 {
     const std::string document = choice_document('2', bytes("'*N*' 0E"));
@@ -125,7 +125,7 @@ TEST(Session, OffsetsAreZeroUnlessAskedFor)
     }
 }
 
-// Writes other events down as a bar, so that what came together can be read.
+// Writes other events as a bar, so that runs of characters are visible.
 class TextSink final : public EventSink {
 public:
     int32_t on_event(const Event &event, uint32_t) override
@@ -382,7 +382,7 @@ TEST(ReadDocument, TellsOfNewMarginsBeforeTheBreakOfTheirParagraph)
     }
 }
 
-// A sink that asks for a stop gets what it asked for, and the caller is told.
+// A sink that requests a stop gets it, and the caller is informed.
 TEST(ReadDocument, TellsWhenItEndedEarly)
 {
     const auto source = source_from(write_document(2, bytes("0D 'a' 0D 'b' 0D 0E")));

@@ -33,14 +33,13 @@ inline pfsdoc::WriterOptions with_commands()
     return options;
 }
 
-// Expected text that begins on a line of its own, so that its columns can be seen.
+// Expected text that begins on a new line, so that its columns are visible.
 inline std::string page_text(std::string_view written)
 {
     return std::string(written.substr(1));
 }
 
-// A page of the columns 0 to 19, without a left margin: what the layout does is seen best
-// there.
+// A page of the columns 0 to 19, without a left margin: the layout is easiest to see there.
 inline TypedEvents narrow_page()
 {
     TypedEvents events;

@@ -1,5 +1,4 @@
-// Events written down in the order in which a document tells them, for the tests of what
-// stands above the session.
+// Events in the order in which a document reports them, for the tests of what is above the session.
 #pragma once
 
 #include "pfsdoc/events.h"

@@ -1,6 +1,5 @@
-// What holds for every format, over samples and over documents that are nothing but damage:
-// the same bytes each time, well-formed UTF-8, and no control character that could get at a
-// terminal.
+// What holds for every format, over samples and over completely damaged documents: the same bytes
+// each time, well-formed UTF-8, and no control character that could affect a terminal.
 #include "lib/base/printable.h"
 #include "lib/writers/trace.h"
 #include "pfsdoc/document.h"
@@ -28,7 +27,7 @@ struct Case {
     std::string name;
 };
 
-// The formats of this library itself, each as it is and with all that its options can show.
+// The library's own formats, each with default options and with everything shown.
 std::vector<Case> cases()
 {
     std::vector<Case> cases;
@@ -63,7 +62,7 @@ std::string converted(const Case &test, Document &document)
     return output.text;
 }
 
-// Line ends, tabs and the form feeds of plain text are all that may stand there raw.
+// Only line ends, tabs and the form feeds of plain text may occur unescaped.
 bool is_clean(const std::string &text)
 {
     std::string without;
@@ -81,7 +80,7 @@ void expect_sound(const Case &test, const std::string &bytes, const std::string 
     auto first = Document::from_bytes(content);
     auto second = Document::from_bytes(content);
     if (!first.ok()) {
-        return; // damaged beyond being one
+        return; // too damaged to be a document
     }
     const std::string text = converted(test, first.value());
     EXPECT_EQ(text, converted(test, second.value())) << what;

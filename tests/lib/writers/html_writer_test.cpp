@@ -1,5 +1,5 @@
-// Documents as HTML: what each block becomes, that nothing breaks out of it, and what hostile
-// documents cost. What browsers make of it is seen by tests/judges/html.sh.
+// Documents as HTML: the result for each block, escaping, and the cost of hostile documents.
+// tests/judges/html.sh checks what browsers make of it.
 #include "lib/writers/html_style.h"
 #include "lib/writers/html_text.h"
 #include "tests/lib/writers/written.h"
@@ -42,7 +42,7 @@ std::string main_part(const TypedEvents &events, const WriterOptions &options = 
     return all.substr(begin, all.find("</main>\n") - begin);
 }
 
-// What a line is as a paragraph of 20 columns from the page's left edge.
+// A line as a paragraph of 20 columns from the page's left edge.
 std::string line(std::string_view bytes)
 {
     return main_part(TypedEvents().margins(0, 19).line(bytes));
@@ -319,7 +319,7 @@ TEST(HtmlTabs, AreAsWideAsTheWayToTheirStop)
              {"abcde\tf", "abcde" + tab(5) + "f"},
              {"\t\ta", tab(5) + tab(5) + "a"},
              {"a\t b", "a" + tab(4) + " b"},
-             // Behind the last stop, multiples of eight.
+             // After the last stop, multiples of eight.
              {"0123456789012345\ta", "0123456789012345" + tab(4) + "a"},
          }) {
         EXPECT_EQ(tabbed(one.bytes), "<p>" + one.html + "</p>\n") << one.bytes;
@@ -335,7 +335,7 @@ TEST(HtmlTabs, AlignNumbersAtADecimalStop)
              {"\t\t\t  7", tab(5) + tab(5) + tab(4, "  ") + "7"},
              {"\t\t\t\ta", tab(5) + tab(5) + tab(5) + tab(1) + "a"},
              {"\t\t\t", tab(5) + tab(5) + tab(5)},
-             // No room before the point: a blank after the text.
+             // No room before the point: a space after the text.
              {"0123456789\t1234567.", "0123456789" + tab(1) + "1234567."},
          }) {
         EXPECT_EQ(tabbed(one.bytes), "<p>" + one.html + "</p>\n") << one.bytes;
@@ -347,7 +347,7 @@ TEST(HtmlTabs, CountFromWhereTheirLineWasBroken)
     // The second line begins with "delta".
     EXPECT_EQ(tabbed("alpha beta gamma delta\te"),
               "<p>alpha beta gamma delta" + tab(5) + "e</p>\n");
-    // The word behind the tab goes to the second line, the tab stays.
+    // The word after the tab goes to the second line, the tab stays.
     EXPECT_EQ(tabbed("alpha\tgamma delta\te"),
               "<p>alpha" + tab(5) + "gamma delta" + tab(5) + "e</p>\n");
 }
@@ -607,7 +607,7 @@ TEST(HtmlRunningLines, TellTheRowsThatTheyNeedBeyondTwo)
 
 // --------------------------------------------------------------------------- hostile ---
 //
-// Of a size at which anything but linear time would be felt. The output is known.
+// Large enough for anything but linear time to be noticed. The output is known.
 
 class CountingOutput final : public Output {
 public:
@@ -623,7 +623,7 @@ public:
 
 constexpr std::size_t megabyte = 1000000;
 
-// Bytes of the main part of a document with one paragraph of these, and of the largest write.
+// The size of the main part of a document with one such paragraph, and of the largest write.
 struct Cost {
     std::size_t bytes;
     std::size_t largest_write;

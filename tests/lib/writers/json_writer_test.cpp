@@ -1,5 +1,4 @@
-// What documents become in JSON. That every sample fits docs/pfsdoc.schema.json is for
-// tests/judges/json.sh.
+// Documents as JSON. tests/judges/json.sh checks every sample against docs/pfsdoc.schema.json.
 #include "tests/lib/writers/losses_of.h"
 #include "tests/lib/writers/written.h"
 

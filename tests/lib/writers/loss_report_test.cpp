@@ -1,4 +1,4 @@
-// What formats could not say, counted.
+// Counting what a format cannot express.
 #include "pfsdoc/loss_report.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
-// Markdown read again by libcmark: whatever a paragraph's text is, the same text must come
-// out with the same characters emphasised. What is written is for markdown_writer_test.cpp;
-// this is the proof that it means what it should.
+// Markdown parsed again by libcmark: whatever a paragraph's text is, the same text must come out
+// with the same characters emphasised. markdown_writer_test.cpp tests what is written; this proves
+// that it has the right meaning.
 //
-// Both sides are brought into one notation: the characters, each with its emphasis, gaps as
-// one blank each without any, paragraphs and rules on lines of their own.
+// Both sides are converted to one notation: the characters, each with its emphasis, each gap as one
+// space without any, paragraphs and rules on separate lines.
 #include "tests/lib/writers/written.h"
 
 #include <cmark.h>
@@ -23,7 +23,7 @@ using pfsdoc::CodePage;
 constexpr int32_t bold = 2;
 constexpr int32_t italic = 3;
 
-// Characters with 'b', 'i' or 'x' for both in front of each that is emphasised.
+// Characters, each emphasised one preceded by 'b', 'i', or 'x' for both.
 class Notation {
 public:
     void character(std::string_view utf8, bool is_bold, bool is_italic)
@@ -123,7 +123,7 @@ private:
 
 // ----------------------------------------------------------- what a document says -----
 
-// Tells a paragraph and notes down what should be read.
+// Passes a paragraph on and records what should be read.
 class Telling {
 public:
     void character(char byte, bool is_bold, bool is_italic)
@@ -177,7 +177,7 @@ void check_plain(std::string_view text)
     telling.check();
 }
 
-// Every text of the given length over an alphabet, plain.
+// Every plain text of the given length over an alphabet.
 void check_all_plain(std::string_view alphabet, std::size_t length)
 {
     std::string text(length, alphabet.front());
@@ -268,7 +268,7 @@ TEST(MarkdownReread, FindsEveryEmphasisOfShortTexts)
     }
 }
 
-// Words of special characters, letters and blanks, with emphasis that changes anywhere.
+// Words of special characters, letters and spaces, with emphasis that changes anywhere.
 void check_random(std::mt19937 &random, std::string_view alphabet, unsigned change_every)
 {
     Telling telling;

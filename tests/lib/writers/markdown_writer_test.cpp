@@ -1,5 +1,4 @@
-// What Markdown documents become. That CommonMark reads them as they were meant is for
-// markdown_reread_test.cpp.
+// Documents as Markdown. markdown_reread_test.cpp tests that CommonMark reads them as intended.
 #include "tests/lib/writers/losses_of.h"
 #include "tests/lib/writers/written.h"
 
@@ -256,7 +255,7 @@ TEST(MarkdownWriter, WritesOneWordOfAMegabyte)
               std::string(1000000, 'x') + "\n");
 }
 
-// Each character with marks of its own: in proportion to the text, whatever its length.
+// Each character with marks of its own: output in proportion to the text, whatever its length.
 TEST(MarkdownWriter, GrowsInProportionWhereEveryCharacterChangesTheAttributes)
 {
     const auto size_of = [](int characters) {

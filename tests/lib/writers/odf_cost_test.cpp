@@ -1,5 +1,5 @@
-// What hostile documents cost as OpenDocument, counted in bytes and styles; and what does not
-// fit in memory.
+// The cost of hostile documents as OpenDocument, counted in bytes and styles; and documents that
+// exceed what is held in memory.
 #include "tests/lib/writers/odf_written.h"
 
 #include "lib/base/scratch_file.h"
@@ -19,7 +19,7 @@ using namespace tests;
 
 // ----------------------------------------------------------------- hostile documents ----
 
-// A paragraph as a program might hand it over, without a document's help.
+// A paragraph as a program might pass it, without a document.
 Paragraph paragraph_of(std::string bytes)
 {
     Paragraph paragraph;
@@ -33,7 +33,7 @@ struct Sizes {
     std::size_t flat;
 };
 
-// What becomes of one paragraph.
+// The result for one paragraph.
 Sizes sizes_of(const Paragraph &paragraph)
 {
     Sizes sizes{};
@@ -85,8 +85,8 @@ TEST(OdfCost, IsLinearInAttributes)
     expect_linear(changing(100'000), changing(200'000), 60);
 }
 
-// Commands, attributes and breaks in turn: each piece is looked at a bounded number of times,
-// or this would take minutes.
+// Commands, attributes and breaks in turn: each piece is visited a bounded number of times, or this
+// would take minutes.
 TEST(OdfCost, IsLinearInPieces)
 {
     constexpr std::size_t count = 1'000'000;
@@ -118,7 +118,7 @@ TEST(OdfCost, IsBoundedForThousandsOfPageBreaks)
     EXPECT_EQ(facts.styles(), (std::set<std::string>{"paragraph Left-page"}));
 }
 
-// More looks than are remembered, twice over: each is defined again, under another name.
+// More styles than are remembered, twice: each is defined again, under another name.
 TEST(OdfCost, IsBoundedWhereAllParagraphsLookDifferent)
 {
     TypedEvents events;

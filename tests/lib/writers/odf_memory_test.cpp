@@ -1,7 +1,7 @@
-// What the command takes to write a long document as OpenDocument: hardly more memory than for
-// a short one, and temporary files, without which it fails with words.
+// What the command needs to write a long document as OpenDocument: hardly more memory than for a
+// short one, and temporary files, without which it fails with a message.
 //
-// A run's peak counts what this program had resident where it started it, so nothing large is
+// A run's peak includes what this program had resident when it started the run, so nothing large is
 // held here.
 #include "tests/command/command_fixture.h"
 
@@ -103,7 +103,7 @@ protected:
     static constexpr long most_kilobytes = 8 * 1024;
 };
 
-// A sanitizer keeps what is given back for a while, and its shadow.
+// A sanitizer keeps freed memory for a while, and its shadow.
 #ifndef PFSDOC_IS_SANITIZED
 TEST_F(OdfMemory, IsBoundedWhateverTheDocument)
 {
@@ -129,7 +129,7 @@ TEST_F(OdfMemory, NeedsNoTemporaryFileForALetter)
     }
 }
 
-// Neither the output nor the temporary name that it has until it is whole.
+// Neither the output nor its temporary file.
 TEST_F(OdfMemory, LeavesNothingWhereNoTemporaryFileCanBeMade)
 {
     ::setenv("TMPDIR", (directory / "missing").c_str(), 1);

@@ -1,7 +1,7 @@
-// Documents as OpenDocument: what each block becomes, by the XML where it matters to readers and
-// else by what a reader understands, in the package and in the single file alike; and that all
-// of it is well-formed and its styles are given once. What word processors make of it is seen by
-// tests/judges/odf.sh.
+// Documents as OpenDocument: the result for each block, compared as XML where that matters to
+// readers and otherwise as a reader understands it, in the package and in the single file; and that
+// everything is well-formed and each style is defined once. tests/judges/odf.sh checks what word
+// processors make of it.
 #include "tests/lib/writers/odf_written.h"
 
 #include "vs_pfs.h"
@@ -228,7 +228,7 @@ TEST(OdfParagraph, HasAStyleByWhatItLooksLike)
               R"(Left-first3:"Standard"><style:paragraph-properties fo:text-indent="0.3in"/>)");
 }
 
-// Two lines of 12 points, with the room below the text.
+// Two lines of 12 points, with the extra space below the text.
 TEST(OdfParagraph, IsDoubleSpaced)
 {
     const std::string xml = flat(TypedEvents().spacing(VW_DOUBLE_SPACING).line("").end());

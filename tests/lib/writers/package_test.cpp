@@ -1,4 +1,4 @@
-// Packages, looked at byte for byte where formats demand it, and else by unpacking them.
+// Packages, compared byte for byte where formats require it, and otherwise by unpacking them.
 #include "lib/writers/package.h"
 
 #include "tests/support/unpacked_package.h"
@@ -40,7 +40,7 @@ std::string package_of(std::string_view content)
     return output.text;
 }
 
-// By its first bytes the kind of the file is known without unpacking anything.
+// The first bytes identify the type of the file without unpacking anything.
 TEST(Package, StoresAnEntryAsItIs)
 {
     const std::string package = package_of("<a/>");
@@ -117,7 +117,7 @@ TEST(Package, HandsOnWhatTheOutputThrows)
 
 constexpr uint64_t four_gigabytes = uint64_t{1} << 32U;
 
-// Of an entry that may have 4 GB the sizes have 64 bits, before the content and behind it.
+// An entry that may reach 4 GB has 64-bit sizes, before the content and after it.
 TEST(Package, HasRoomForLongSizesWhereTheyMayBeNeeded)
 {
     const std::string long_sizes("\x01\x00\x10\x00", 4); // their kind, and 16 bytes
@@ -136,7 +136,7 @@ TEST(Package, HasRoomForLongSizesWhereTheyMayBeNeeded)
     }
 }
 
-// Keeps the end of what is written.
+// Stores the end of what is written.
 class Tail final : public Output {
 public:
     void write(std::string_view bytes) override

@@ -1,5 +1,4 @@
-// What documents become in pandoc's tree. That pandoc reads and writes them on is for
-// tests/judges/pandoc.sh.
+// Documents as pandoc's tree. tests/judges/pandoc.sh checks that pandoc reads and converts them.
 #include "tests/lib/writers/losses_of.h"
 #include "tests/lib/writers/written.h"
 

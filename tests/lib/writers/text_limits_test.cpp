@@ -1,4 +1,4 @@
-// The text writer's promises of time and memory, and what hostile documents become.
+// The text writer's time and memory limits, and its output for hostile documents.
 #include "tests/lib/reading/text_of.h"
 
 #include <gtest/gtest.h>
@@ -68,7 +68,7 @@ TEST(Writer, WritesInChunks)
 
 // -------------------------------------------------------------------- hostile documents ---
 //
-// Each is of a size at which anything but linear time would be felt, and its output is known.
+// Each is large enough for anything but linear time to be noticed, and its output is known.
 
 struct Hostile {
     explicit Hostile(const TypedEvents &start, const WriterOptions &options = {})

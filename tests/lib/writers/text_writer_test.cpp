@@ -1,4 +1,4 @@
-// Plain text as people get it: what a document's parts become.
+// Plain text: the result for each part of a document.
 #include "tests/lib/reading/text_of.h"
 
 #include "lib/reading/text_commands.h"
