@@ -19,7 +19,7 @@ TEST(BuilderBuild, BuildsWhatCodePutsTogether)
     EXPECT_TRUE(holds(body_of(document.kind, file), "'  ' C1 02 0C 0E"));
 }
 
-TEST(BuilderBuild, TellsFaultsWithoutADescription)
+TEST(BuilderBuild, ReportsFaultsWithoutADescription)
 {
     Document document;
     document.margins = {0, 60};

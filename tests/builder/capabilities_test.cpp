@@ -121,7 +121,7 @@ TEST(BuilderCapabilities, CountsTheBytesOfARecord)
     EXPECT_EQ(kinds_that_say("record: raw " + bytes + " 00\n", ""), "");
 }
 
-TEST(BuilderCapabilities, AreToldWithLineAndRemedy)
+TEST(BuilderCapabilities, AreReportedWithLineAndRemedy)
 {
     EXPECT_EQ(fault_of("kind: 1016\n---\na\nb {sub}2{/sub}\n"),
               "letter:4: subscript cannot be said in IBM Writing Assistant; leave that style out");

@@ -12,7 +12,7 @@ std::string choice(const std::string &body, const std::string &header = "")
 
 } // namespace
 
-TEST(BuilderChoiceHeader, PutsEverythingInItsPlace)
+TEST(BuilderChoiceHeader, PutsEverythingAtItsOffset)
 {
     const std::string file =
         file_of("kind: 1017\nmargins: 11 71\nheader: Letters\n"
@@ -31,7 +31,7 @@ TEST(BuilderChoiceHeader, PutsEverythingInItsPlace)
     EXPECT_EQ(file.size(), 513U);
 }
 
-TEST(BuilderChoiceHeader, PlacesLeftWhereNothingIsSaid)
+TEST(BuilderChoiceHeader, AlignsLeftByDefault)
 {
     EXPECT_TRUE(holds(at(file_of("kind: 1017\n---\n"), 356, 2), "'LL'"));
 }
@@ -73,7 +73,7 @@ TEST(BuilderChoiceEncoder, WrapsWithoutStoringTheSpace)
     EXPECT_TRUE(holds(choice("abcd.  efghij\n", "margins: 1 10\n"), "'abcd.  ' 0C 'efghij' 0C 0E"));
 }
 
-TEST(BuilderChoiceEncoder, PutsAttributeBytesBehindAStyledCharacter)
+TEST(BuilderChoiceEncoder, PutsAttributeBytesAfterAStyledCharacter)
 {
     EXPECT_TRUE(holds(choice("{u}a{/u}{b}b{/b}{i}c{/i}{u}{b} {/b}{/u}d"),
                       "E1 01 E2 02 E3 04 A0 03 'd' 0C 0E"));

@@ -33,7 +33,7 @@ TEST(BuilderCommands, LeavesOtherAsterisksAlone)
     }
 }
 
-TEST(BuilderCommands, TellsAnArgumentWithoutEnd)
+TEST(BuilderCommands, DetectsAnUnclosedArgument)
 {
     EXPECT_EQ(find_command("*PRINTER 27,15 and on").state, CommandState::unclosed);
     EXPECT_EQ(find_command("*p value").state, CommandState::unclosed);

@@ -89,7 +89,7 @@ TEST(BuilderDescription, FindsKindsByIdAndName)
     EXPECT_EQ(parsed("kind: first choice 2.0\n---\n").kind, Kind::first_choice_2);
 }
 
-TEST(BuilderDescription, TellsWhatIsWrongInTheHeaderPart)
+TEST(BuilderDescription, ReportsWhatIsWrongInTheHeaderPart)
 {
     EXPECT_EQ(header_fault("colour: red"), "letter:2: `colour` is nothing that a header part can "
                                            "hold; docs/descriptions.md has the list");
@@ -148,7 +148,7 @@ TEST(BuilderDescription, JoinsLinesIntoParagraphs)
     EXPECT_EQ(shape_of(body("")), "");
 }
 
-TEST(BuilderDescription, TakesIndentsFromBlanks)
+TEST(BuilderDescription, TakesIndentsFromSpaces)
 {
     EXPECT_EQ(shape_of(body("   ab\n  cd\n  ef\n")), "3/2:ab cd ef");
     EXPECT_EQ(shape_of(body("   ab\\\ncd\n")), "3/0:ab|0/0:cd");
@@ -183,7 +183,7 @@ TEST(BuilderDescription, IncludesPassages)
               "0/0:ab|0/0:cd ef|0/0:|0/0:gh|0/0:ij");
 }
 
-TEST(BuilderDescription, TellsTheLineOfAnIncludedFile)
+TEST(BuilderDescription, ReportsTheLineOfAnIncludedFile)
 {
     const Includes includes = {{"p.txt", "ab\n{no}\n"}, {"q.txt", "@include p.txt\n"}};
     EXPECT_EQ(fault_of("kind: 1013\n---\n@include p.txt\n", includes),
@@ -199,7 +199,7 @@ TEST(BuilderDescription, TellsTheLineOfAnIncludedFile)
         "character");
 }
 
-TEST(BuilderDescription, TellsWhatIsWrongInTheBody)
+TEST(BuilderDescription, ReportsWhatIsWrongInTheBody)
 {
     EXPECT_EQ(body_fault("ab\n @x\n  cd\n"),
               "letter:5: this line is indented otherwise than the one "

@@ -67,7 +67,7 @@ TEST(BuilderDescriptionText, MarksWhatCannotBeTyped)
     EXPECT_EQ(cells_of({"a{hide}b c{/hide}d"}), "abh hchd");
 }
 
-TEST(BuilderDescriptionText, TakesCommandsAsTheyAre)
+TEST(BuilderDescriptionText, TakesCommandsUnchanged)
 {
     EXPECT_EQ(cells_of({"{b}*C*a{/b}"}), "*cCc*ca2");
     EXPECT_EQ(cells_of({"*P {b}*"}), "*cPc c{cbc}c*c");
@@ -79,7 +79,7 @@ TEST(BuilderDescriptionText, ConvertsToCodePage437)
     EXPECT_EQ(cells_of({"é½"}), "\x82\xAB");
 }
 
-TEST(BuilderDescriptionText, TellsWhatIsWrongAndWhere)
+TEST(BuilderDescriptionText, ReportsWhatIsWrongAndWhere)
 {
     EXPECT_EQ(problem_of({"ab", "c€"}), "2: character U+20AC is not in code page 437");
     EXPECT_EQ(problem_of({"ab\xC3"}), "1: byte 0xC3 that is not UTF-8 is not in code page 437");

@@ -33,7 +33,7 @@ TEST(BuilderLineEnds, AreLostBeforeAWordThatWouldNotHaveFitted)
     }
 }
 
-TEST(BuilderLineEnds, AreNeverLostWhereLinesTellTheirEnd)
+TEST(BuilderLineEnds, AreNeverLostWhereLinesStoreTheirType)
 {
     for (const char *const kind : {"1014", "1058"}) {
         EXPECT_EQ(fault_in(kind, "abcdef\\\nghijk\n"), "");
@@ -83,7 +83,7 @@ TEST(BuilderLineEnds, OfSpacesAloneCountFromTheirOwnStart)
     EXPECT_EQ(fault_in("1017", "@spaces 3\nabcdef\n", "3 10"), lost_end(4, 6, 5));
 }
 
-TEST(BuilderLineEnds, OfEmptyLinesAreSafeButBehindAMarginInFirstChoice)
+TEST(BuilderLineEnds, OfEmptyLinesAreSafeExceptAfterAMarginInFirstChoice)
 {
     EXPECT_EQ(fault_in("1013", "\nabcdefghijkl\n", "3 10"), "");
     EXPECT_EQ(fault_in("1017", "\nabcdefghijkl\n", "1 11"), "");
@@ -103,7 +103,7 @@ TEST(BuilderLineEnds, ReadRawBytesAsReadersDo)
     EXPECT_EQ(fault_in("1017", "abcdef\\\n{xE1 40 40 00}hijk\n"), lost_end(4, 5, 6));
 }
 
-TEST(BuilderLineEnds, TellAWrapThatWouldBeReadAsAnEnd)
+TEST(BuilderLineEnds, ReportAWrapThatWouldBeReadAsAnEnd)
 {
     // The form feed counts when wrapping but not when reading.
     EXPECT_EQ(

@@ -96,7 +96,7 @@ TEST_F(BuilderProgram, WritesThroughASymbolicLink)
     EXPECT_EQ(read("old.doc").size(), 512U + 7);
 }
 
-TEST_F(BuilderProgram, TellsItsUseAndVersion)
+TEST_F(BuilderProgram, PrintsItsUsageAndVersion)
 {
     EXPECT_EQ(run("--help"), 0);
     EXPECT_NE(output.find("DESCRIPTION"), std::string::npos);
@@ -113,14 +113,14 @@ TEST_F(BuilderProgram, RefusesWrongUse)
     }
 }
 
-TEST_F(BuilderProgram, TellsWhatItCannotRead)
+TEST_F(BuilderProgram, ReportsWhatItCannotRead)
 {
     EXPECT_EQ(run("absent letter.doc"), 3);
     EXPECT_EQ(errors, "pfsbuild: absent: it cannot be read; look at its name and rights\n");
     EXPECT_EQ(run(". letter.doc"), 3);
 }
 
-TEST_F(BuilderProgram, TellsTheLineOfAFault)
+TEST_F(BuilderProgram, ReportsTheLineOfAFault)
 {
     write("letter.doc", "old");
     EXPECT_EQ(run("faulty letter.doc"), 4);
@@ -131,7 +131,7 @@ TEST_F(BuilderProgram, TellsTheLineOfAFault)
     EXPECT_EQ(errors.substr(0, 27), "pfsbuild: standard input:4:");
 }
 
-TEST_F(BuilderProgram, TellsWhatItCannotWrite)
+TEST_F(BuilderProgram, ReportsWhatItCannotWrite)
 {
     EXPECT_EQ(run("letter absent/letter.doc"), 7);
     EXPECT_EQ(errors,
@@ -142,7 +142,7 @@ TEST_F(BuilderProgram, TellsWhatItCannotWrite)
     EXPECT_EQ(run("letter - >/dev/full"), 7);
 }
 
-TEST_F(BuilderProgram, TellsWantOfMemory)
+TEST_F(BuilderProgram, ReportsThatMemoryRanOut)
 {
     if (!MEMORY_CAN_BE_LIMITED) {
         GTEST_SKIP() << "what the program runs under needs more memory than the test allows";

@@ -167,7 +167,7 @@ TEST(BuilderReadBack, MarginsAndTabStopsAreThoseDescribed)
     }
 }
 
-TEST(BuilderReadBack, MarginRecordsAndRulersAreHeard)
+TEST(BuilderReadBack, MarginRecordsAndRulersAreReported)
 {
     EXPECT_TRUE(reported(calls_of("kind: 1015\nrecord: margins 12 60\n---\na\n"), "11 1584 8496"));
     EXPECT_TRUE(reported(calls_of("kind: 1058\n---\n@ruler  [T  ]\n"),
@@ -188,13 +188,13 @@ TEST(BuilderReadBack, HeadersAndFootersAreThoseDescribed)
         << text_of(calls);
 }
 
-TEST(BuilderReadBack, SpacingIsHeard)
+TEST(BuilderReadBack, SpacingIsReported)
 {
     EXPECT_TRUE(reported(calls_of("kind: 1014\n---\n@double\na\n"), "46 1 480 0 0 | 'a'"));
     EXPECT_TRUE(reported(calls_of("kind: 1017\n---\n@double\na\n"), "'a' | 46 1 480 0 0 | 13 1 0"));
 }
 
-TEST(BuilderReadBack, CommandsAndBreaksAreHeard)
+TEST(BuilderReadBack, CommandsAndBreaksAreReported)
 {
     for (const std::string kind : {"1012", "1014", "1016", "1017", "1058"}) {
         const tests::Calls calls = calls_of("kind: " + kind + "\n---\nab*new page*cd\n");
@@ -205,7 +205,7 @@ TEST(BuilderReadBack, CommandsAndBreaksAreHeard)
     EXPECT_TRUE(reported(calls_of("kind: 1014\n---\n@spaces 2\n"), "*'  ' | 13 1 0"));
 }
 
-TEST(BuilderReadBack, SuppressedStretchesAreNotHeard)
+TEST(BuilderReadBack, SuppressedStretchesAreNotReported)
 {
     EXPECT_EQ(heard_text("kind: 1015\n---\nab{hide}cd ef{/hide} gh {hide}ij{/hide} kl\n"
                          "\n{hide}mn{/hide}\\\nop\n"),

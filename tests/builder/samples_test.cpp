@@ -62,7 +62,7 @@ TEST(BuilderSamples, EachIsWhatItsDescriptionBuilds)
     }
 }
 
-TEST(BuilderSamples, EachIsReadBackWhole)
+TEST(BuilderSamples, EachIsReadBackCompletely)
 {
     for (const std::filesystem::path &path : descriptions()) {
         const Document document = parse(path).document;

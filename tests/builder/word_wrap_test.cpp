@@ -58,7 +58,7 @@ TEST(BuilderWordWrap, StoresTheSpacesOfAWiderGap)
     EXPECT_EQ(wrapped(paragraph_of("abcd. efghij"), ten_always), "abcd.~|efghij|");
 }
 
-TEST(BuilderWordWrap, AsksWhetherTheWordFitsBehindOneSpaceLess)
+TEST(BuilderWordWrap, ChecksWhetherTheWordFitsAfterOneSpaceLess)
 {
     // The gap's last space may stand in the margin, as it does with a gap of one.
     EXPECT_EQ(wrapped(paragraph_of("abcd  efgh"), ten), "abcd  efgh|");
@@ -75,14 +75,14 @@ TEST(BuilderWordWrap, KeepsTrailingSpaces)
     EXPECT_EQ(wrapped(paragraph_of("ab   "), ten), "ab   |");
 }
 
-TEST(BuilderWordWrap, KeepsACommandWholeAndJudgesItByItsFirstWord)
+TEST(BuilderWordWrap, DoesNotBreakACommandAndMeasuresItsFirstWord)
 {
     // "*NEW" would fit after "abcd ", so a reader would take a line end there for a hard one.
     EXPECT_EQ(wrapped(paragraph_of("abcd *NEW PAGE* e"), ten), "abcd *NEW PAGE*~|e|");
     EXPECT_EQ(wrapped(paragraph_of("abcdef *NEW PAGE* e"), ten), "abcdef~|*NEW PAGE*~|e|");
 }
 
-TEST(BuilderWordWrap, BreaksBehindASuppressedStretch)
+TEST(BuilderWordWrap, BreaksAfterASuppressedStretch)
 {
     EXPECT_EQ(wrapped(paragraph_of("ab{hide}xyz w{/hide} cd"), ten_always), "ab#####~|cd|");
     EXPECT_EQ(wrapped(paragraph_of("ab {hide}x{/hide} cd"), ten_always), "ab #~|cd|");
@@ -102,7 +102,7 @@ TEST(BuilderWordWrap, GivesAnEmptyParagraphOneLine)
     EXPECT_EQ(wrapped(Paragraph{{}, 3, 0, {0, 1}}, ten), "...|");
 }
 
-TEST(BuilderWordWrap, KnowsWhereASuppressedStretchCanStand)
+TEST(BuilderWordWrap, DetectsAMisplacedSuppressedStretch)
 {
     struct {
         const char *text;

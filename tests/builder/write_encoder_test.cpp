@@ -48,7 +48,7 @@ TEST(BuilderWriteEncoder, StoresIndentsAsSpaces)
     EXPECT_TRUE(holds(write_b("@spaces 3\n"), "0D '   ' 0D 0E"));
 }
 
-TEST(BuilderWriteEncoder, PutsAnAttributeByteBehindAStyledCharacter)
+TEST(BuilderWriteEncoder, PutsAnAttributeByteAfterAStyledCharacter)
 {
     EXPECT_TRUE(holds(write_b("a{b}B{/b}{u}U{/u}{i}I{/i}{sup}2{/sup}{sub}3{/sub}{b}{i}x{/i}{/b}"),
                       "0D 'a' C2 02 D5 01 C9 04 B2 08 B3 10 F8 06 0D 0E"));
@@ -66,7 +66,7 @@ TEST(BuilderWriteEncoder, HidesControlBytesInPairs)
     EXPECT_TRUE(holds(write_b("a{tab}b☺"), "0D 'a' 09 'b' 01 0D 0E"));
 }
 
-TEST(BuilderWriteEncoder, StoresCommandsAsTheyAre)
+TEST(BuilderWriteEncoder, StoresCommandsUnchanged)
 {
     EXPECT_TRUE(holds(write_b("{b}*Center*x{/b}"), "0D '*Center*' F8 02 0D 0E"));
 }

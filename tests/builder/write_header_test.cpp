@@ -24,7 +24,7 @@ std::string with_kind(const std::string &kind, const std::string &more = "")
 
 } // namespace
 
-TEST(BuilderWriteHeader, PutsEverythingInItsPlace)
+TEST(BuilderWriteHeader, PutsEverythingAtItsOffset)
 {
     const std::string file = file_of(full_header);
     EXPECT_TRUE(holds(at(file, 0, 10), "00x10"));
@@ -62,7 +62,7 @@ TEST(BuilderWriteHeader, WritesTheSignatureOfItsKind)
     }
 }
 
-TEST(BuilderWriteHeader, PlacesLeftWhereNothingIsSaid)
+TEST(BuilderWriteHeader, AlignsLeftByDefault)
 {
     EXPECT_TRUE(holds(at(file_of(with_kind("1013")), 822, 4), "01 00 01 00"));
 }
@@ -80,7 +80,7 @@ TEST(BuilderWriteHeader, RepeatsTheMarginsForProfessionalWrite2)
     EXPECT_TRUE(holds(at(file_of(with_kind("1015")), 963, 4), "0A 46 0A 46"));
 }
 
-TEST(BuilderWriteHeader, PutsRecordsBehindTheFormFeed)
+TEST(BuilderWriteHeader, PutsRecordsAfterTheFormFeed)
 {
     const std::string body =
         body_of(with_kind("1013", "record: margins 12 60\nrecord: raw 02 01 02 03\n"));

@@ -109,7 +109,7 @@ TEST_F(Command, TakesOutputAndFormatInEveryForm)
     expect_failure(run({"identify", "-o", "page", "a.pfs"}), 2, "pfsdoc: The following arg");
 }
 
-TEST_F(Command, IsWhatTheFirstWordSays)
+TEST_F(Command, IsChosenByTheFirstWord)
 {
     expect_failure(run({"text", "identify"}), 3, "pfsdoc: identify: cannot be read");
     expect_failure(run({"text", "a.pfs", "convert"}), 2, "pfsdoc: The following argument");
@@ -119,7 +119,7 @@ TEST_F(Command, IsWhatTheFirstWordSays)
     expect_failure(run({"-t", "html", "convert", "a.pfs"}), 2, "pfsdoc: ");
 }
 
-TEST_F(Command, IdentifyTellsKindNumberConfidenceAndBasis)
+TEST_F(Command, IdentifyReportsKindNumberConfidenceAndBasis)
 {
     EXPECT_EQ(output_of({"identify", "a.pfs"}),
               "a.pfs: PFS: WRITE B, file id 1013, certain, fmt/1414: \"TYPE 2\" at 641, variant "
@@ -214,7 +214,7 @@ TEST_F(Command, ExplainHasEveryByteOfTheFile)
     EXPECT_EQ(offset, document.size());
 }
 
-TEST_F(Command, ExplainHasColoursWhenToldOnly)
+TEST_F(Command, ExplainHasColoursOnlyOnRequest)
 {
     EXPECT_EQ(output_of({"explain", "a.pfs"}).find('\x1B'), std::string::npos);
     EXPECT_EQ(output_of({"explain", "--color=never", "a.pfs"}),
@@ -234,7 +234,7 @@ TEST_F(Command, ExplainStopsAtTheLargestOutputAllowed)
     EXPECT_EQ(content_of(directory / "new"), output_of({"explain", "a.pfs"}));
 }
 
-TEST_F(Command, ExplainReadsTheCharacterSetThatItIsTold)
+TEST_F(Command, ExplainReadsTheGivenCharacterSet)
 {
     write("c", choice_document('3', bytes("00 9B 08 0D 0E")));
     EXPECT_NE(output_of({"explain", "c"}).find("|\u00A2|"), std::string::npos);
@@ -338,7 +338,7 @@ TEST_F(Command, UnknownDocumentsAreFour)
 }
 
 // Every document ends with an end byte; what follows it does not matter.
-TEST_F(Command, CutDocumentsAreFiveAndWrittenAsFarAsTheyGo)
+TEST_F(Command, TruncatedDocumentsExitWithFiveAndAreWrittenAsFarAsTheyGo)
 {
     for (const KindExample &example : kind_examples()) {
         const std::string whole = document_of(example.kind, bytes(example.body));
@@ -406,7 +406,7 @@ TEST_F(Command, LimitOfTheSystemIsSeven)
     }
 }
 
-TEST_F(Command, OutputFileHoldsWhatStandardOutputWould)
+TEST_F(Command, OutputFileEqualsStandardOutput)
 {
     EXPECT_EQ(output_of({"text", "a.pfs", "-o", "text.out"}), "");
     EXPECT_EQ(content_of(directory / "text.out"), output_of({"text", "a.pfs"}));
@@ -464,7 +464,7 @@ TEST_F(Command, FindsTheModuleBesideItself)
 }
 
 // Names that look special to a command line parser are still names.
-TEST_F(Command, TakesNamesAsTheyAre)
+TEST_F(Command, TakesNamesLiterally)
 {
     const std::string document = content_of(directory / "a.pfs");
     for (const char *name : {"[x]", "[a,b]", "text", "--", "-x", "a b", "%%", "{}", "x=y"}) {

@@ -115,7 +115,7 @@ TEST_F(Convert, ListsEveryFormatInItsHelp)
     }
 }
 
-TEST_F(Convert, WrapsWhereItIsTold)
+TEST_F(Convert, WrapsAtTheGivenColumn)
 {
     EXPECT_EQ(output_of({"text", "--wrap", "6", "--no-page-breaks", "a.pfs"}),
               "  Hello\nmore\nlast\n");
@@ -136,7 +136,7 @@ TEST_F(Convert, KeepsTheLinesOfTheFileWhenAsked)
               "a *C*\nsixteen letters.\nwonderful and\n*JOIN B*\nas before\n");
 }
 
-TEST_F(Convert, ReadsTheCharacterSetThatItIsTold)
+TEST_F(Convert, ReadsTheGivenCharacterSet)
 {
     write("choice.doc", choice_document('2', "top", {choice_header_line(0, "Caf\x82 \xB5")}));
     EXPECT_EQ(run({"text", "choice.doc"}).output.substr(0, 9), "Café ╡");
@@ -148,7 +148,7 @@ TEST_F(Convert, ReadsTheCharacterSetThatItIsTold)
     EXPECT_EQ(output_of({"text", "--charset", "850", "a.pfs"}), output_of({"text", "a.pfs"}));
 }
 
-TEST_F(Convert, ReportsWhatTheFormatCannotSay)
+TEST_F(Convert, ReportsWhatTheFormatCannotExpress)
 {
     write("bold.pfs", write_document("TYPE 2", '2', bytes("0D 'so ' C2 02 'old' 0D 0E")));
     const Outcome outcome = run({"convert", "-t", "text", "--report", "bold.pfs"});
@@ -175,7 +175,7 @@ TEST_F(Convert, EndsAtTheLimitOfTheOutput)
     EXPECT_EQ(output_of({"text", "--max-output", std::to_string(whole.size()), "a.pfs"}), whole);
 }
 
-TEST_F(Convert, TellsWhereACutDocumentEnds)
+TEST_F(Convert, ReportsWhereATruncatedDocumentEnds)
 {
     write("cut.pfs", write_document("TYPE 2", '2', "\rOne\rTw"));
     const Outcome outcome = run({"text", "cut.pfs"});

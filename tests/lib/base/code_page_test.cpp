@@ -64,14 +64,14 @@ TEST(CodePage437, IsExactAboutLookAlikes)
     EXPECT_EQ(code_page_437[0xFF], 0x00A0); // no-break space
 }
 
-TEST(CodePage437, TakesTheZeroByteForItsBlankCell)
+TEST(CodePage437, MapsTheZeroByteToASpace)
 {
     EXPECT_EQ(utf8(std::string_view("\0", 1)), " ");
 }
 
 // Bytes are processed eight at a time: no byte may be missed at any position, or misread because
 // of its neighbours.
-TEST(CodePage437, TakesAByteForTheSameWhereverItStands)
+TEST(CodePage437, ConvertsAByteTheSameAtEveryPosition)
 {
     const std::string around = " AZaz~! ~ ";
     for (unsigned byte = 0; byte < code_page_437.size(); ++byte) {
@@ -85,7 +85,7 @@ TEST(CodePage437, TakesAByteForTheSameWhereverItStands)
     }
 }
 
-TEST(CodePage437, HasNoCharacterTwiceButTheBlank)
+TEST(CodePage437, HasNoCharacterTwiceButTheSpace)
 {
     const std::set<char16_t> distinct(code_page_437.begin(), code_page_437.end());
     EXPECT_EQ(distinct.size(), 255U);
@@ -137,7 +137,7 @@ TEST(CodePage, MarksUndefinedBytes)
     EXPECT_EQ(in_code_page("857", "\xD5"), "\uFFFD");
 }
 
-TEST(CodePage, IsRefusedWhereItIsNoExtensionOfAsciiByBytes)
+TEST(CodePage, IsRefusedIfItIsNotASingleByteExtensionOfAscii)
 {
     for (const char *name : {"", "no such set", "99999", "UTF-8", "UTF-16", "UCS-4", "EBCDIC-US",
                              "932", "SHIFT_JIS", "850//TRANSLIT", "437/"}) {

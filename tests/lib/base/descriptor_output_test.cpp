@@ -159,7 +159,7 @@ TEST(DescriptorOutput, FailsWithoutBeingFlushedWhereItsBufferIsFull)
     EXPECT_LT(output.size(), 100000U);
 }
 
-TEST(OutputError, SaysWhatCanBeDone)
+TEST(OutputError, NamesARemedy)
 {
     EXPECT_EQ(output_error(EROFS, "a").what, "the output a cannot be written: "
                                              "Read-only file system");

@@ -77,7 +77,7 @@ TEST_F(FileOutputTest, AppearsWhenItIsCommitted)
     EXPECT_EQ(files(), 1);
 }
 
-TEST_F(FileOutputTest, IsGoneWhenItIsNot)
+TEST_F(FileOutputTest, LeavesNothingUnlessCommitted)
 {
     open(target)->write("lost");
     EXPECT_EQ(files(), 0);
@@ -150,14 +150,14 @@ TEST_F(FileOutputTest, WritesToDevicesDirectly)
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
-TEST_F(FileOutputTest, TellsOfAFullDisk)
+TEST_F(FileOutputTest, ReportsAFullDisk)
 {
     const auto output = open("/dev/full");
     output->write("no room");
     expect_output_error(output->commit(), "/dev/full cannot be written: No space left");
 }
 
-TEST_F(FileOutputTest, TellsOfADirectoryThatIsNotThere)
+TEST_F(FileOutputTest, ReportsAMissingDirectory)
 {
     const auto output = base::FileOutput::create((directory / "none" / "out").string());
     ASSERT_FALSE(output.ok());

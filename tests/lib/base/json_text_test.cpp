@@ -17,7 +17,7 @@ std::string json_string(std::string_view utf8)
     return json;
 }
 
-TEST(JsonText, StandsInQuotes)
+TEST(JsonText, IsQuoted)
 {
     EXPECT_EQ(json_string(""), R"("")");
     EXPECT_EQ(json_string("Dear Sir"), R"("Dear Sir")");

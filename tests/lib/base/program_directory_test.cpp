@@ -9,7 +9,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(ProgramDirectory, IsWhereThisProgramStands)
+TEST(ProgramDirectory, IsThisProgramsOwn)
 {
     const fs::path directory = pfsdoc::base::program_directory();
     EXPECT_TRUE(directory.is_absolute()) << directory;

@@ -153,7 +153,7 @@ std::string read_from_here(const Descriptor &file)
     return content;
 }
 
-TEST_F(SpillStoreTest, IsTakenAsAFileThatStandsAtItsStart)
+TEST_F(SpillStoreTest, IsTakenAsAFilePositionedAtItsStart)
 {
     for (const std::size_t size : {std::size_t{0}, std::size_t{100}, fits, fits + 1, 3 * fits}) {
         SCOPED_TRACE(size);
@@ -171,7 +171,7 @@ TEST_F(SpillStoreTest, IsTakenAsAFileThatStandsAtItsStart)
     }
 }
 
-TEST_F(SpillStoreTest, FailsAsItsUserSays)
+TEST_F(SpillStoreTest, FailsWithItsUsersError)
 {
     ::setenv("TMPDIR", (directory / "missing").c_str(), 1);
     SpillStore store([](int error_number) {
@@ -247,7 +247,7 @@ TEST_F(SpillStoreTest, FailsWhereTheFileWasCut)
     EXPECT_EQ(error_of([&] { content_of(store); }), words_for(EIO));
 }
 
-TEST(ScratchError, SaysWhatCanBeDone)
+TEST(ScratchError, NamesARemedy)
 {
     const pfsdoc::Error full = pfsdoc::base::scratch_error(ENOSPC);
     EXPECT_EQ(full.kind, ErrorKind::output);

@@ -66,7 +66,7 @@ TEST(BodyWalker, DisputesACharacterThatIsNotReported)
     EXPECT_EQ(walked(choice, "ab", {{Character{'b'}, 2}}), "0+2 text: text DISPUTED\n");
 }
 
-TEST(BodyWalker, DisputesALineEndWhereThereIsNone)
+TEST(BodyWalker, DisputesALineEndThatDoesNotExist)
 {
     EXPECT_EQ(walked(choice, "a", {{Character{'a'}, 1}, {paragraph_end, 1}}),
               "0+1 text: text DISPUTED\n");
@@ -106,7 +106,7 @@ TEST(BodyWalker, DisputesASoftEndWithoutTheSpaceThatItNeeds)
         "2+1 text: text\n");
 }
 
-TEST(BodyWalker, DisputesAnotherEndThanALinesHeaderSays)
+TEST(BodyWalker, DisputesALineEndThatContradictsTheLinesHeader)
 {
     EXPECT_EQ(
         walked(DocumentKind::first_choice_3, bytes("40 01 0D"), {{Character{' '}, 3}}),
@@ -114,7 +114,7 @@ TEST(BodyWalker, DisputesAnotherEndThanALinesHeaderSays)
         "2+1 line_end: line end, soft: the line's header says so; becomes a space DISPUTED\n");
 }
 
-TEST(BodyWalker, DisputesAnotherEndThanATypeByteSays)
+TEST(BodyWalker, DisputesALineEndThatContradictsATypeByte)
 {
     EXPECT_EQ(walked(DocumentKind::professional_write_1, bytes("00 'a' 00 0E"),
                      {{Character{'a'}, 2}, {paragraph_end, 2}, {document_end, 4}}),

@@ -76,7 +76,7 @@ TEST(ExplainedHeader, OfProfessionalWrite1HasAttributes)
                   form_feed);
 }
 
-TEST(ExplainedHeader, TellsOfTheWriteRuler)
+TEST(ExplainedHeader, ExplainsTheWriteRuler)
 {
     const std::string document = write_document(
         2, bytes("0E"),
@@ -95,7 +95,7 @@ TEST(ExplainedHeader, TellsOfTheWriteRuler)
 }
 
 // Which ruler First Choice has depends on the generation.
-TEST(ExplainedHeader, TellsOfBothFirstChoiceRulers)
+TEST(ExplainedHeader, ExplainsBothFirstChoiceRulers)
 {
     const Patches ruler = {{366, bytes("01 05 00 01")}};
     const std::string of_bits = fields_of(choice_document('2', bytes("0E"), ruler));
@@ -111,7 +111,7 @@ TEST(ExplainedHeader, TellsOfBothFirstChoiceRulers)
         << of_bytes;
 }
 
-TEST(ExplainedHeader, ShowsAGenerationThatIsNoLetterAsAByte)
+TEST(ExplainedHeader, ShowsAGenerationThatIsNotALetterAsAByte)
 {
     const std::string words = fields_of(choice_document('\0', bytes("0E")));
     EXPECT_NE(words.find("generation: byte 0x00\n"), std::string::npos) << words;
@@ -128,7 +128,7 @@ TEST(ExplainedHeader, LeavesOtherFieldsTheirBytes)
               "403+81 unused: room for header");
 }
 
-TEST(ExplainedHeader, TellsOfTheWayToTheText)
+TEST(ExplainedHeader, ExplainsTheBytesUpToTheText)
 {
     std::string document = write_document(2, "");
     document.pop_back();
@@ -164,7 +164,7 @@ TEST(ExplainedHeader, IsCutOffWithTheFile)
     EXPECT_EQ(summary(spans_of(document.substr(0, 1024)), 837), "837+187 unused: not used\n");
 }
 
-TEST(ExplainedHeader, MayHaveNoTextBehindIt)
+TEST(ExplainedHeader, MayHaveNoTextAfterIt)
 {
     const std::string document = write_document(2, "");
     EXPECT_EQ(summary(spans_of(document.substr(0, 1024) + "no form feed"), 1024),

@@ -68,7 +68,7 @@ TEST(LineEnds, OfWritingAssistantLookAheadInPairs)
               "line end, hard: no word follows in the next line\n");
 }
 
-TEST(LineEnds, OfFirstChoiceTellTheSpacingToo)
+TEST(LineEnds, OfFirstChoiceGiveTheSpacingToo)
 {
     const Case cases[] = {
         {"'x'x57 0C 'abcd' 0D 0E",
@@ -103,7 +103,7 @@ TEST(LineEnds, OfFirstChoiceLookAheadEvenForAnEmptyLineWithinMargins)
               "line end, hard: no word follows in the next line; single spacing\n");
 }
 
-TEST(LineEnds, OfProfessionalWriteAreToldByTheNextTypeByte)
+TEST(LineEnds, OfProfessionalWriteAreDeterminedByTheNextTypeByte)
 {
     EXPECT_EQ(
         line_ends(write_document(4, bytes("01 'one' 00 'two' 02 'three' 03 '   ' 01 01 0E"))),
@@ -121,7 +121,7 @@ TEST(LineEnds, OfProfessionalWriteAreToldByTheNextTypeByte)
               "text\n");
 }
 
-TEST(LineEnds, OfFirstChoice3AreToldByTheLinesHeader)
+TEST(LineEnds, OfFirstChoice3AreDeterminedByTheLinesHeader)
 {
     EXPECT_EQ(line_ends(choice_document(
                   '3', bytes("00 'soft' 0D 40 01 'hard' 0D 40 41 01 'three' 0D 00 'a ' 0D 0E"))),

@@ -20,7 +20,7 @@ int length_of(DocumentKind kind, const std::string &notation, uint32_t position 
     return word.length_at(position);
 }
 
-TEST(NextWord, EndsAtABlankOrALineEnd)
+TEST(NextWord, EndsAtASpaceOrALineEnd)
 {
     EXPECT_EQ(length_of(write, "'word next'"), 4);
     EXPECT_EQ(length_of(write, "'word' 0D 'next'"), 4);
@@ -31,7 +31,7 @@ TEST(NextWord, EndsAtABlankOrALineEnd)
     EXPECT_EQ(length_of(choice, "'word' 0D 'next'"), 4);
 }
 
-TEST(NextWord, BeginsBehindLeadingBlanks)
+TEST(NextWord, BeginsAfterLeadingSpaces)
 {
     EXPECT_EQ(length_of(write, "'   word next'"), 4);
     EXPECT_EQ(length_of(write, "'    ' 0D 'next'"), 0);

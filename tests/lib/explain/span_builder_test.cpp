@@ -23,7 +23,7 @@ struct Building {
     explaining::SpanBuilder builder;
 };
 
-TEST(SpanBuilder, JoinsWhatSaysTheSame)
+TEST(SpanBuilder, JoinsEqualMeanings)
 {
     Building building("abcdef");
     building.builder.claim(SpanKind::unused, 1, "one");
@@ -36,7 +36,7 @@ TEST(SpanBuilder, JoinsWhatSaysTheSame)
     EXPECT_EQ(building.sink.spans[0].bytes, "abc");
 }
 
-TEST(SpanBuilder, SeparatesWhenTold)
+TEST(SpanBuilder, SeparatesOnRequest)
 {
     Building building("abcd");
     building.builder.claim(SpanKind::command, 2, "command");
@@ -46,7 +46,7 @@ TEST(SpanBuilder, SeparatesWhenTold)
                                    "2+2 command: command\n");
 }
 
-TEST(SpanBuilder, JoinsNothingToWhatStandsAlone)
+TEST(SpanBuilder, JoinsNothingToASeparateSpan)
 {
     Building building("abc");
     building.builder.claim_alone(SpanKind::field, 1, "field");
@@ -116,7 +116,7 @@ TEST(SpanBuilder, CutsNoCharacterFromItsAttributeBytes)
     EXPECT_EQ(longer.sink.spans[1].offset, 4095U);
 }
 
-TEST(SpanBuilder, ClaimsNothingBehindTheFile)
+TEST(SpanBuilder, ClaimsNothingAfterTheFile)
 {
     Building building("abc");
     building.builder.claim(SpanKind::unused, 10, "all of it");
@@ -126,7 +126,7 @@ TEST(SpanBuilder, ClaimsNothingBehindTheFile)
     EXPECT_EQ(building.finished(), "0+3 unused: all of it\n");
 }
 
-TEST(SpanBuilder, ClaimsUpToAPlaceOnceOnly)
+TEST(SpanBuilder, ClaimsUpToAnOffsetOnlyOnce)
 {
     Building building("abcdef");
     building.builder.claim_to(4, SpanKind::unused, "start");

@@ -36,7 +36,7 @@ TEST(Text, FillsALineUpToTheRightMarginsColumn)
     EXPECT_EQ(text(narrow_page().line("twelve chars 12345678")), "twelve chars\n12345678\n");
 }
 
-TEST(Text, ShowsTheLeftMarginAsBlanks)
+TEST(Text, ShowsTheLeftMarginAsSpaces)
 {
     EXPECT_EQ(text(TypedEvents().margins(10, 29).line("The quick brown fox jumps")), page_text(R"(
           The quick brown fox
@@ -54,19 +54,19 @@ TEST(Text, ShowsEmptyParagraphsAsEmptyLines)
     EXPECT_EQ(text(TypedEvents().margins(5, 29).special("   ").paragraph()), "\n");
 }
 
-TEST(Text, KeepsRunsOfBlanksButNotAtAWrap)
+TEST(Text, KeepsRunsOfSpacesButNotAtAWrap)
 {
     EXPECT_EQ(text(narrow_page().line("a    b")), "a    b\n");
     EXPECT_EQ(text(narrow_page().line("a whole line, almost      next")),
               "a whole line, almost\nnext\n");
 }
 
-TEST(Text, KeepsTheBlanksThatAParagraphBeginsWith)
+TEST(Text, KeepsTheSpacesThatAParagraphBeginsWith)
 {
     EXPECT_EQ(text(narrow_page().line("  two blanks")), "  two blanks\n");
 }
 
-TEST(Text, NeverEndsALineInBlanks)
+TEST(Text, NeverEndsALineInSpaces)
 {
     EXPECT_EQ(text(narrow_page().line("word   ").line("     ").line("\t").line("x\t ")),
               "word\n\n\nx\n");
@@ -77,7 +77,7 @@ TEST(Text, EndsInALineEndWhereTheDocumentDoesNot)
     EXPECT_EQ(text(narrow_page().text("no paragraph end").end()), "no paragraph end\n");
 }
 
-TEST(Text, LetsAWordLongerThanTheLineStandAlone)
+TEST(Text, PutsAWordLongerThanTheLineOnItsOwnLine)
 {
     EXPECT_EQ(text(narrow_page().line("a honorificabilitudinitatibus b")), R"(a
 honorificabilitudinitatibus
@@ -245,7 +245,7 @@ TEST(DecimalStops, WrapAWordThatReachesBeyondTheLine)
     EXPECT_EQ(text(events), "Pears\n1.2345\n1.2345\n");
 }
 
-TEST(DecimalStops, AreAPlaceForTheNextTabToStartFrom)
+TEST(DecimalStops, AreWhereTheNextTabStarts)
 {
     TypedEvents events;
     events.margins(0, 39).tabs({15}, {10}).line("a\t\tb");

@@ -97,7 +97,7 @@ TEST(PageGeometry, AlignsByACommandInFrontOfTheText)
     EXPECT_EQ(line_alignment(paragraph), LineAlignment::centre);
 }
 
-TEST(PageGeometry, LeavesACommandBehindTextAlone)
+TEST(PageGeometry, IgnoresACommandAfterText)
 {
     Paragraph paragraph;
     add_piece(paragraph, PieceKind::text, "Minutes");

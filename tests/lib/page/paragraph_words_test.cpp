@@ -22,20 +22,20 @@ TypedEvents in_attribute(int32_t code, std::string_view before, std::string_view
     return events.line(after);
 }
 
-TEST(ParagraphWords, AreWhatStandsBetweenBlanks)
+TEST(ParagraphWords, AreWhatIsBetweenSpaces)
 {
     EXPECT_EQ(words_of(TypedEvents().line("Dear Sir or  Madam")),
               "[Dear] 1 [Sir] 1 [or] 2 [Madam]");
 }
 
-TEST(ParagraphWords, HaveNoBlanksAtTheEdgesOfALine)
+TEST(ParagraphWords, HaveNoSpacesAtTheEdgesOfALine)
 {
     EXPECT_EQ(words_of(TypedEvents().line("   Dear Sir  ")), "[Dear] 1 [Sir]");
     EXPECT_EQ(words_of(TypedEvents().line("   ")), "");
     EXPECT_EQ(words_of(TypedEvents().line("")), "");
 }
 
-TEST(ParagraphWords, TakeTabsAndTheZeroBlankForBlanks)
+TEST(ParagraphWords, TreatTabsAndZeroBytesAsSpaces)
 {
     EXPECT_EQ(words_of(TypedEvents().line("\tDay\0\t Night"s)), "[Day] 3 [Night]");
 }
@@ -50,18 +50,18 @@ TEST(ParagraphWords, HaveAPartForEachSetOfAttributes)
     EXPECT_EQ(words_of(in_attribute(bold, "H", "2", "O is water")), "[H][2:2][O] 1 [is] 1 [water]");
 }
 
-TEST(ParagraphWords, HaveOnePartWhereOnlyUnsayableAttributesChange)
+TEST(ParagraphWords, HaveOnePartWhereOnlyUnsupportedAttributesChange)
 {
     EXPECT_EQ(words_of(in_attribute(underline, "H", "2", "O"), {}, attribute_bit(bold)), "[H2O]");
 }
 
-TEST(ParagraphWords, LeaveBlanksAtTheEdgeOfAPhraseOutsideOfIt)
+TEST(ParagraphWords, LeaveSpacesAtTheEdgeOfAPhraseOutsideIt)
 {
     EXPECT_EQ(words_of(in_attribute(bold, "It is", " very late ", "now")),
               "[It] 1 [is] 1 [2:very] 2:1 [2:late] 1 [now]");
 }
 
-TEST(ParagraphWords, LeaveBlanksThatLackTheAttributeOutsideOfBothPhrases)
+TEST(ParagraphWords, LeaveSpacesThatLackTheAttributeOutsideBothPhrases)
 {
     TypedEvents events;
     events.attribute(bold, true).text("one").attribute(bold, false).text(" ");

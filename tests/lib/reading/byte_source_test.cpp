@@ -157,7 +157,7 @@ TEST(BlockFile, TakesAPositionForUnsigned)
     EXPECT_EQ(position_of(block.get()), 0xFFFFFFFEU);
 }
 
-TEST(BlockFile, RefusesWhatIsNoPosition)
+TEST(BlockFile, RefusesAnInvalidPosition)
 {
     MemorySource source({1, 2});
     reading::BlockFile block(source);
@@ -213,7 +213,7 @@ TEST_F(Files, GivesAPipesBytes)
 }
 
 // A descriptor positioned inside its file delivers the rest, as to any program.
-TEST_F(Files, BeginsWhereTheDescriptorStands)
+TEST_F(Files, BeginsAtTheDescriptorsPosition)
 {
     const int descriptor = ::open(write("skipped, read").c_str(), O_RDONLY);
     ASSERT_EQ(::lseek(descriptor, 9, SEEK_SET), 9);
@@ -252,7 +252,7 @@ TEST_F(Files, RefusesMissingFiles)
     expect_error(open_source(""), "No such file");
 }
 
-TEST_F(Files, LeavesNothingOfASpooledPipeBehind)
+TEST_F(Files, LeavesNoFileOfASpooledPipe)
 {
     ::setenv("TMPDIR", directory.c_str(), 1);
     Pipe pipe("bytes");
@@ -262,7 +262,7 @@ TEST_F(Files, LeavesNothingOfASpooledPipeBehind)
     EXPECT_TRUE(std::filesystem::is_empty(directory));
 }
 
-TEST_F(Files, TellsWhenThereIsNoPlaceToSpoolTo)
+TEST_F(Files, ReportsThatThereIsNowhereToSpoolTo)
 {
     ::setenv("TMPDIR", (directory / "none").c_str(), 1);
     Pipe pipe("bytes");

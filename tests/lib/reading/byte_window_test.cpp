@@ -36,7 +36,7 @@ TEST(ByteWindow, DeliversEveryByteBackwards)
     }
 }
 
-TEST(ByteWindow, HasNoByteBehindTheEnd)
+TEST(ByteWindow, HasNoByteAfterTheEnd)
 {
     const auto source = source_from("ab");
     reading::ByteWindow window(*source);

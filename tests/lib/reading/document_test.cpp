@@ -187,7 +187,7 @@ TEST(Document, GivesTheSameBlocksHoweverADamagedDocumentIsRead)
 
 // ------------------------------------------------------------------- what it tells ----
 
-TEST(Document, TellsItsKindAndWhatItWasToldBy)
+TEST(Document, ReportsItsKindAndTheEvidence)
 {
     const Document document = opened(tests::choice_document('3', "Dear Sir\x0D\x0E"));
     EXPECT_EQ(document.kind(), DocumentKind::first_choice_3);
@@ -195,7 +195,7 @@ TEST(Document, TellsItsKindAndWhatItWasToldBy)
     EXPECT_EQ(document.size(), tests::choice_body_offset + 10);
 }
 
-TEST(Document, TellsThePageOfANewParagraph)
+TEST(Document, ReportsThePageSetup)
 {
     Document document = opened(tests::choice_document('3', "Dear Sir\x0D\x0E"));
     const auto setup = document.page_setup();
@@ -204,7 +204,7 @@ TEST(Document, TellsThePageOfANewParagraph)
     EXPECT_TRUE(setup.value().tab_stops.empty());
 }
 
-TEST(Document, GivesParagraphsWithTheirPlaceInTheFile)
+TEST(Document, GivesParagraphsWithTheirOffsets)
 {
     Document document = opened(tests::write_document(2, "\rOne\r\rTwo\r\x0E"));
     const auto first = document.next();
@@ -215,7 +215,7 @@ TEST(Document, GivesParagraphsWithTheirPlaceInTheFile)
     EXPECT_EQ(first.value()->paragraph.pieces.front().source, tests::write_body_offset);
 }
 
-TEST(Document, GivesNoPlacesWhereNoneAreAskedFor)
+TEST(Document, GivesNoOffsetsUnlessRequested)
 {
     OpenOptions options;
     options.source_offsets = false;
@@ -264,7 +264,7 @@ std::vector<std::size_t> line_starts(const std::string &document)
 }
 
 // Where lines are joined by a space, the space is the end of one line or the start of the next.
-TEST(Document, TellsWhereTheLinesOfTheFileBegin)
+TEST(Document, ReportsWhereTheLinesOfTheFileBegin)
 {
     const pfsdoc::Block none;
     EXPECT_TRUE(none.paragraph.line_starts.empty());
@@ -310,7 +310,7 @@ TEST(Document, EndsWithAParagraphThatIsTooLarge)
     EXPECT_EQ(block.error().kind, ErrorKind::limit);
 }
 
-TEST(Document, EndsWhereASinkSaysSo)
+TEST(Document, EndsWhereASinkStopsIt)
 {
     class Stopper final : public pfsdoc::BlockSink {
     public:
@@ -341,14 +341,14 @@ TEST(Document, OpensAFile)
     EXPECT_TRUE(document.ok());
 }
 
-TEST(Document, RefusesAFileThatIsNotThere)
+TEST(Document, RefusesAMissingFile)
 {
     const auto document = Document::open("no such file");
     ASSERT_FALSE(document.ok());
     EXPECT_EQ(document.error().kind, ErrorKind::input);
 }
 
-TEST(Document, RefusesWhatIsNoDocument)
+TEST(Document, RefusesAFileThatIsNotADocument)
 {
     const auto document = Document::from_bytes(bytes_of("Dear Sir"));
     ASSERT_FALSE(document.ok());
@@ -367,7 +367,7 @@ TEST(Document, ReadsAHostsOwnFile)
     EXPECT_EQ(file.closes, 0U);
 }
 
-TEST(Document, TellsThatAHostsFileFails)
+TEST(Document, ReportsThatAHostsFileFails)
 {
     tests::MemoryBlockFile file(tests::write_document(2, "\rOne\r\rTwo\r\x0E"));
     auto document = Document::from_block_file(file);
@@ -390,7 +390,7 @@ TEST(Document, RefusesAHostsFileThatCannotBeMeasured)
 
 // --------------------------------------------------------------------------- errors ---
 
-TEST(Document, TellsWhereACutDocumentEnds)
+TEST(Document, ReportsWhereATruncatedDocumentEnds)
 {
     const std::string bytes = tests::write_document(2, "\rOne\rTw");
     Document document = opened(bytes);
@@ -481,7 +481,7 @@ TEST(ResumeToken, IsRefusedWithNumbersThatDoNotFit)
     }
 }
 
-TEST(ResumeToken, IsRefusedWhereItIsNone)
+TEST(ResumeToken, IsRefusedIfInvalid)
 {
     for (const char *text : {"", "[]", "{}", "null", "{\"pfsdoc_place\":2}",
                              "{\"pfsdoc_place\":\"1\"}", "{\"pfsdoc_place\":1}"}) {

@@ -77,7 +77,7 @@ TEST(Confidence, OfCutDocumentsIsLikely)
 }
 
 // An end mark is not searched for in more fill than a disk has between two files.
-TEST(Confidence, LooksBehindFillNoFurtherThanAClusterReaches)
+TEST(Confidence, LooksPastFillNoFurtherThanACluster)
 {
     const std::string document = whole(DocumentKind::write_b);
     EXPECT_EQ(level_of(document + std::string(65536, '\0')), "certain");

@@ -78,7 +78,7 @@ TEST(Identify, PrefersFirstChoice)
                 DocumentKind::first_choice_3, "\"GERBILDOC\" at 9, generation \"3\" at 18");
 }
 
-TEST(Identify, TellsOfAnUnknownVariant)
+TEST(Identify, ReportsAnUnknownVariant)
 {
     expect_unknown(write_document("TYPE 2", '3', ""),
                    "is marked as PFS: WRITE, but of an unknown variant (\"TYPE 2\" at 641, "
@@ -101,7 +101,7 @@ TEST(Identify, NamesTheRelatives)
                    "is a First Choice graph (\"RABBITGRAPH\" at 9), not a document");
 }
 
-TEST(Identify, TellsOfEmptyFiles)
+TEST(Identify, ReportsEmptyFiles)
 {
     expect_unknown("", "is empty");
 }
@@ -118,7 +118,7 @@ TEST(Identify, DoesNotKnowWhatIsOnlyAlike)
     expect_unknown(blank_document(646, {{641, "TYPE "}}), unknown_kind);
 }
 
-TEST(Identify, TellsOfAReadThatFails)
+TEST(Identify, ReportsAReadThatFails)
 {
     DescriptorSource source(-1, 0);
     const Result<Identity> identity = identify(source);

@@ -136,7 +136,7 @@ TEST(Module, LibraryWithoutTheEntryIsAnError)
     expect_unfit(Module::load(c_library), "has no VwGetRtns");
 }
 
-TEST(Module, FakeIsFitAsLongAsNothingIsWrong)
+TEST(Module, FakeIsAcceptedIfNothingIsWrong)
 {
     EXPECT_TRUE(fake_module({}).ok());
 }
@@ -201,7 +201,7 @@ TEST_F(FindModule, OptionComesBeforeTheEnvironment)
     EXPECT_TRUE(find_module(VS_PFS_MODULE_FILE, "").ok());
 }
 
-TEST_F(FindModule, LinkedStandsForTheLinkedInOne)
+TEST_F(FindModule, LinkedMeansTheLinkedInOne)
 {
     ::setenv("VS_PFS_MODULE", "/nonexistent", 1);
     const Result<Module> module = find_module("linked", "");

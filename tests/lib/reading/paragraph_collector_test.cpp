@@ -102,7 +102,7 @@ TEST(Collector, EndsADocumentWhoseEndWasNotReported)
                                                             "end\n");
 }
 
-TEST(Collector, TellsTheEndOnceAndNothingAfterIt)
+TEST(Collector, ReportsTheEndOnceAndNothingAfterIt)
 {
     BlockNotes sink;
     reading::ParagraphCollector collector(sink);
@@ -138,7 +138,7 @@ TEST(Collector, KeepsAttributesThroughABreak)
                                     "end\n");
 }
 
-TEST(Collector, IsNotDisturbedByReportsThatSayNothingNew)
+TEST(Collector, IgnoresReportsWithoutAChange)
 {
     TypedEvents events;
     events.attribute(2, true).text("a").attribute(2, true).attribute(3, false).text("b");
@@ -278,13 +278,13 @@ TEST(Collector, KeepsACommandAsAPieceOfItsOwn)
     EXPECT_EQ(blocks(events.end()), "paragraph [a][*PRINTER 27,15*][b]\nend\n");
 }
 
-TEST(Collector, TellsTwoCommandsInARowApart)
+TEST(Collector, SeparatesTwoCommandsInARow)
 {
     EXPECT_EQ(blocks(TypedEvents().special("*C**J x*").paragraph().end()),
               "paragraph [*C*][*J x*]\nend\n");
 }
 
-TEST(Collector, IgnoresTheSpacesOfABlankLine)
+TEST(Collector, IgnoresTheSpacesOfALineOfSpaces)
 {
     EXPECT_EQ(blocks(TypedEvents().special("   ").paragraph().end()), "paragraph \nend\n");
 }
@@ -299,7 +299,7 @@ TEST(Collector, PutsAPageBreakBeforeTheParagraphThatItBegins)
               "end\n");
 }
 
-TEST(Collector, KeepsAPageBreakInMidParagraphInItsPlace)
+TEST(Collector, KeepsThePositionOfAPageBreakInsideAParagraph)
 {
     EXPECT_EQ(blocks(TypedEvents().text("One ").new_page().line(" two").end()),
               "paragraph [One ][/][*NEW PAGE*][ two]\nend\n");
@@ -327,7 +327,7 @@ TEST(Collector, EndsAnUnterminatedCommandWithWhateverComesNext)
 
 // -------------------------------------------------------------------------- blocks -----
 
-TEST(Collector, TellsHeaderAndFooterLinesWithinTheirBlocks)
+TEST(Collector, ReportsHeaderAndFooterLinesWithinTheirBlocks)
 {
     TypedEvents events;
     events.header().line("Top").line("Second").close_block();

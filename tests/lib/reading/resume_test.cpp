@@ -181,7 +181,7 @@ TEST(Resume, LeavesTheAnnouncementsOut)
 }
 
 // A saved position suffices: the session that is resumed has read something else since.
-TEST(Resume, GoesBackToAPlaceThatWasLeft)
+TEST(Resume, ReturnsToAnEarlierPosition)
 {
     const std::string document =
         document_of(DocumentKind::write_a, bytes("0D 'one' 0D 'two' 0D 'three' 0D 0E"));

@@ -52,7 +52,7 @@ TEST(Session, GivesEveryEventItsOwnTypeAndArguments)
     EXPECT_EQ(sink.told.back().event, Event(Break{VW_BREAK_END_OF_DOCUMENT, 0}));
 }
 
-TEST(Session, RefusesWhatIsNoDocument)
+TEST(Session, RefusesAFileThatIsNotADocument)
 {
     DocumentSession session("no document");
     EXPECT_FALSE(session->open(1013));
@@ -65,7 +65,7 @@ TEST(Session, NamesTheKindOfTheFileId)
     EXPECT_EQ(session->kind_name(), "IBM Writing Assistant");
 }
 
-TEST(Session, GoesOnAtAParagraphThatIsNotAnsweredWithOne)
+TEST(Session, ContinuesAtAParagraphThatIsNotAnsweredWithOne)
 {
     DocumentSession session(write_document(2, bytes("0D 'a' 0D 'b' 0D 0E")));
     ASSERT_TRUE(session->open(1013));
@@ -103,7 +103,7 @@ TEST(Session, OffsetsAreThoseOfTheByteAfter)
 }
 
 // The words after a '*' are read to recognise the command, and read again to be echoed.
-TEST(Session, APageBreakStandsBehindTheCommandThatAsksForIt)
+TEST(Session, APageBreakHasTheOffsetAfterItsCommand)
 {
     const std::string document = choice_document('2', bytes("'*N*' 0E"));
     const auto told =
@@ -163,7 +163,7 @@ TEST(Session, HandsOnTogetherWhatCameTogether)
     EXPECT_EQ(sink.stretches, 5U);
 }
 
-TEST(Session, HandsOnALongTextWholeAndInOrder)
+TEST(Session, PassesOnALongTextCompletelyAndInOrder)
 {
     std::string text;
     for (int line = 0; line < 2000; ++line) {
@@ -174,7 +174,7 @@ TEST(Session, HandsOnALongTextWholeAndInOrder)
     EXPECT_LT(sink.stretches, text.size() / 100);
 }
 
-TEST(Session, TellsCharactersOneByOneWhereOffsetsAreWanted)
+TEST(Session, ReportsCharactersOneByOneIfOffsetsAreRequested)
 {
     const TextSink sink = text_of_write_b("0D 'ab' 0D 0E", reading::Offsets::wanted);
     EXPECT_NE(sink.told.find("|??|"), std::string::npos);
@@ -321,7 +321,7 @@ private:
     bool failed_ = false;
 };
 
-TEST(ReadDocument, TellsOfAReadThatFailed)
+TEST(ReadDocument, ReportsAReadThatFailed)
 {
     FailingSource source(write_document(2, bytes("0D 'x'x3000 0D 0E")), 2048);
     KeepingSink sink;
@@ -332,7 +332,7 @@ TEST(ReadDocument, TellsOfAReadThatFailed)
     EXPECT_EQ(sink.all<Character>().size(), 2048 - write_body_offset - 1);
 }
 
-TEST(ReadDocument, TellsWhenTheModuleDoesNotRecogniseIt)
+TEST(ReadDocument, ReportsThatTheModuleDoesNotRecogniseIt)
 {
     const auto source = source_from("no document");
     KeepingSink sink;
@@ -360,7 +360,7 @@ TEST(ReadDocument, StoppingAtBreaksChangesNothing)
 }
 
 // The example's record sets columns 10 and 47 in the paragraph that ends in "moved".
-TEST(ReadDocument, TellsOfNewMarginsBeforeTheBreakOfTheirParagraph)
+TEST(ReadDocument, ReportsNewMarginsBeforeTheBreakOfTheirParagraph)
 {
     const Event new_margins = Margins{10 * VW_TWIPS_PER_COLUMN, 47 * VW_TWIPS_PER_COLUMN};
     const Event paragraph_end = Break{VW_BREAK_PARAGRAPH, 0};
@@ -383,7 +383,7 @@ TEST(ReadDocument, TellsOfNewMarginsBeforeTheBreakOfTheirParagraph)
 }
 
 // A sink that requests a stop gets it, and the caller is informed.
-TEST(ReadDocument, TellsWhenItEndedEarly)
+TEST(ReadDocument, ReportsThatItEndedEarly)
 {
     const auto source = source_from(write_document(2, bytes("0D 'a' 0D 'b' 0D 0E")));
     KeepingSink sink;

@@ -175,7 +175,7 @@ TEST(HtmlEscaping, LeavesNoControlCharacterRaw)
     EXPECT_NE(written.find("\xE2\x98\xBA"), std::string::npos); // byte 1, a smiling face
 }
 
-TEST(HtmlEscaping, TellsOfBytesThatTheCharacterSetLacks)
+TEST(HtmlEscaping, ReportsBytesThatTheCharacterSetLacks)
 {
     const auto page = CodePage::named("ISO-8859-7");
     ASSERT_TRUE(page.ok());
@@ -187,7 +187,7 @@ TEST(HtmlEscaping, TellsOfBytesThatTheCharacterSetLacks)
     EXPECT_EQ(result.losses[0].loss, Loss::character);
 }
 
-TEST(HtmlText, KeepsBlanksAsTheyAre)
+TEST(HtmlText, KeepsSpacesUnchanged)
 {
     expect_lines({
         {"  a   b  ", "  a   b  "},
@@ -385,7 +385,7 @@ TEST(HtmlTabs, AroundAlignedTextHaveNoWidth)
                                      tab(0) + "</p>\n");
 }
 
-TEST(HtmlTabs, StandInTheirAttributes)
+TEST(HtmlTabs, AreInsideTheirAttributes)
 {
     TypedEvents events;
     events.margins(0, 19).tabs({5}).text("a").attribute(underline, true).text("\tb");
@@ -395,7 +395,7 @@ TEST(HtmlTabs, StandInTheirAttributes)
 
 // ----------------------------------------------------------------- paragraphs' looks ---
 
-TEST(HtmlParagraph, TellsItsIndents)
+TEST(HtmlParagraph, HasItsIndents)
 {
     TypedEvents events;
     events.margins(9, 69).text("a").indents(5, 0).paragraph();
@@ -408,7 +408,7 @@ TEST(HtmlParagraph, TellsItsIndents)
                                  "<p>d</p>\n");
 }
 
-TEST(HtmlParagraph, TellsMarginsThatAreNotThePages)
+TEST(HtmlParagraph, HasMarginsThatDifferFromThePages)
 {
     TypedEvents events;
     events.margins(9, 69).line("a").margins(4, 69).line("b").margins(9, 64).line("c");
@@ -419,7 +419,7 @@ TEST(HtmlParagraph, TellsMarginsThatAreNotThePages)
                                  "<p>d</p>\n");
 }
 
-TEST(HtmlParagraph, TellsItsAlignment)
+TEST(HtmlParagraph, HasItsAlignment)
 {
     TypedEvents events;
     events.margins(9, 69).alignment(VW_ALIGN_RIGHT).line("right");
@@ -432,7 +432,7 @@ TEST(HtmlParagraph, TellsItsAlignment)
                                  "<p class=\"center\">title</p>\n");
 }
 
-TEST(HtmlParagraph, HidesOuterBlanksWhereTheyWouldMoveTheText)
+TEST(HtmlParagraph, HidesOuterSpacesWhereTheyWouldMoveTheText)
 {
     TypedEvents events;
     events.margins(9, 69).alignment(VW_ALIGN_CENTRE).line("  a  b ").line("   ");
@@ -441,7 +441,7 @@ TEST(HtmlParagraph, HidesOuterBlanksWhereTheyWouldMoveTheText)
                                  "<p class=\"center\"><span class=\"tab\">   </span></p>\n");
 }
 
-TEST(HtmlParagraph, TellsDoubleSpacing)
+TEST(HtmlParagraph, HasDoubleSpacing)
 {
     TypedEvents events;
     events.margins(9, 69).spacing(VW_DOUBLE_SPACING).line("a").line("");
@@ -463,7 +463,7 @@ TEST(HtmlParagraph, LosesNothingOfAllThat)
 
 // ----------------------------------------------------------------------- page breaks ---
 
-TEST(HtmlPageBreak, StandsBetweenParagraphs)
+TEST(HtmlPageBreak, IsBetweenParagraphs)
 {
     TypedEvents events;
     events.margins(0, 19).line("a").page_break().page_break().line("b");
@@ -539,7 +539,7 @@ TEST(HtmlCommand, ThatIsCutShowsIt)
 
 // --------------------------------------------------------------- headers and footers ---
 
-TEST(HtmlRunningLines, StandAroundTheBody)
+TEST(HtmlRunningLines, SurroundTheBody)
 {
     TypedEvents events;
     events.margins(9, 69).header().alignment(VW_ALIGN_CENTRE).line("Title");
@@ -576,7 +576,7 @@ TEST(HtmlRunningLines, AreLeftOutIfNotWanted)
     EXPECT_TRUE(result.losses.empty());
 }
 
-TEST(HtmlRunningLines, AreLostBeyondTwoAndBehindTheBody)
+TEST(HtmlRunningLines, AreLostBeyondTwoAndAfterTheBody)
 {
     TypedEvents events;
     events.header().line("1").line("2").line("3").close_block().line("a");
@@ -597,7 +597,7 @@ TEST(HtmlRunningLines, BreakNoPage)
     EXPECT_EQ(body(events), "<header>\n<p>ab</p>\n</header>\n<main>\n</main>\n");
 }
 
-TEST(HtmlRunningLines, TellTheRowsThatTheyNeedBeyondTwo)
+TEST(HtmlRunningLines, GiveTheRowsThatTheyNeedBeyondTwo)
 {
     TypedEvents events;
     events.margins(0, 9).header().line(std::string(25, 'x')).line("y").close_block();
@@ -684,7 +684,7 @@ TEST(HostileHtml, NothingButTabs)
     EXPECT_EQ(found.bytes, megabyte * tab(8).size() + paragraph_tags);
 }
 
-TEST(HostileHtml, TabsBetweenStretchesOfBlanks)
+TEST(HostileHtml, TabsBetweenRunsOfSpaces)
 {
     const Cost found = cost(one_paragraph(repeated("\t" + std::string(999, ' '), 1000)));
     EXPECT_GT(found.bytes, megabyte);

@@ -103,7 +103,7 @@ TEST(JsonWriter, ShowsCommandsAndPageBreaksAsRuns)
         {"type": "text", "text": "b", "attributes": ["italic"], "source": 114}])"));
 }
 
-TEST(JsonWriter, SaysThatACommandIsCut)
+TEST(JsonWriter, MarksATruncatedCommand)
 {
     TypedEvents events;
     events.special("*" + std::string(5000, 'x')).paragraph();
@@ -114,7 +114,7 @@ TEST(JsonWriter, SaysThatACommandIsCut)
               json::parse(R"([{"what": "cut_command", "count": 1, "first_source": 0}])"));
 }
 
-TEST(JsonWriter, SaysHowAParagraphIsAligned)
+TEST(JsonWriter, HasAParagraphsAlignment)
 {
     EXPECT_EQ(first_block(TypedEvents().alignment(VW_ALIGN_RIGHT).line("x")).at("alignment"),
               "right");

@@ -14,7 +14,7 @@ TEST(LossReport, IsEmptyAtFirst)
     EXPECT_TRUE(LossReport().entries().empty());
 }
 
-TEST(LossReport, CountsAndRemembersTheFirstPlace)
+TEST(LossReport, CountsAndRemembersTheFirstOffset)
 {
     LossReport report;
     report.add(Loss::tab_stops, 900);

@@ -146,7 +146,7 @@ INSTANTIATE_TEST_SUITE_P(Blanks, MarkdownEscape,
                                                 "a&nbsp;b"},
                                          Escape{{"a\0b", 3}, "a b"}));
 
-TEST(MarkdownEscape, StartsAnewOnEachLine)
+TEST(MarkdownEscape, StartsAgainOnEachLine)
 {
     EXPECT_EQ(markdown(TypedEvents().line("a # 1.").page_break().line("# 1.")),
               "a # 1.\n\n***\n\n\\# 1.\n");
@@ -217,7 +217,7 @@ TEST(MarkdownEmphasis, EndsWithItsParagraphAndGoesOnInTheNext)
 
 // -------------------------------------------------------------------- losses ----------
 
-TEST(MarkdownWriter, CountsWhatItCannotSay)
+TEST(MarkdownWriter, CountsWhatItCannotExpress)
 {
     TypedEvents events;
     events.margins(10, 70).tabs({20}).line("Plain").indents(4, 0).line("Indented");

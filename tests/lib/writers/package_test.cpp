@@ -41,7 +41,7 @@ std::string package_of(std::string_view content)
 }
 
 // The first bytes identify the type of the file without unpacking anything.
-TEST(Package, StoresAnEntryAsItIs)
+TEST(Package, StoresAnEntryUnchanged)
 {
     const std::string package = package_of("<a/>");
     EXPECT_EQ(package.substr(0, 4), "PK\x03\x04");

@@ -208,7 +208,7 @@ TEST(PandocWriter, KeepsWhatGoesOnOpen)
     EXPECT_EQ(blocks(events), "Para(Emph(a _ Strong(b) _ c))\n");
 }
 
-TEST(PandocWriter, ClosesAndReopensWhatStandsInsideOfWhatEnds)
+TEST(PandocWriter, ClosesAndReopensWhatIsInsideAnEndedElement)
 {
     TypedEvents events;
     events.attribute(bold, true).text("a").attribute(italic, true).text("b");
@@ -232,7 +232,7 @@ TEST(PandocWriter, EndsAttributesWithTheirParagraphAndGoesOnInTheNext)
 
 // -------------------------------------------------------------------- losses ----------
 
-TEST(PandocWriter, CountsWhatItCannotSay)
+TEST(PandocWriter, CountsWhatItCannotExpress)
 {
     TypedEvents events;
     events.margins(10, 70).tabs({20}).line("Plain").indents(4, 0).line("Indented");

@@ -95,7 +95,7 @@ TEST(HostileDocument, WithAWordThatNeverEnds)
     EXPECT_LE(hostile.output.largest, base::Utf8Output::chunk_size);
 }
 
-TEST(HostileDocument, WithNothingButBlanks)
+TEST(HostileDocument, WithNothingButSpaces)
 {
     Hostile hostile(TypedEvents().margins(10, 69));
     tell_character(hostile.writer, 'a', 1);
@@ -134,7 +134,7 @@ TEST(HostileDocument, WithADecimalTabBeforeAWordWithoutPointOrEnd)
     EXPECT_EQ(hostile.output.total, 5 * megabyte + 1);
 }
 
-TEST(HostileDocument, WithMostBlanksForItsSize)
+TEST(HostileDocument, WithTheMostSpacesForItsSize)
 {
     // Two columns at the right end of the widest page: a line for each letter.
     Hostile hostile(TypedEvents().margins(254, 255));

@@ -55,7 +55,7 @@ TEST(AlignedLines, LieBetweenTheMargins)
 )"));
 }
 
-TEST(AlignedLines, DisregardTheirOuterBlanksAndIndents)
+TEST(AlignedLines, IgnoreTheirOuterSpacesAndIndents)
 {
     TypedEvents events = narrow_page();
     events.alignment(VW_ALIGN_RIGHT).text("  Date  ").indents(3, 3).paragraph();
@@ -91,7 +91,7 @@ Text
 )");
 }
 
-TEST(AlignedLines, CommandMayFollowBlanksAndOtherCommandsButNotText)
+TEST(AlignedLines, CommandMayFollowSpacesAndOtherCommandsButNotText)
 {
     TypedEvents events = narrow_page();
     events.special("*JY N*").text(" ").special("*R*").line("Date");
@@ -169,7 +169,7 @@ TEST(Commands, AreShownAsStoredWhenAskedFor)
               "             *R*Date\n");
 }
 
-TEST(Commands, ThatAreCutSaySo)
+TEST(Commands, ThatAreTruncatedAreMarked)
 {
     TypedEvents events = narrow_page();
     events.special("*" + std::string(100000, 'x')).paragraph();
@@ -180,7 +180,7 @@ TEST(Commands, ThatAreCutSaySo)
 
 // ----------------------------------------------------------------- headers and footers ---
 
-TEST(HeadersAndFooters, StandAtTheTextsStartAndEnd)
+TEST(HeadersAndFooters, AreAtTheTextsStartAndEnd)
 {
     TypedEvents events;
     events.margins(2, 21).indents(0, 0);
@@ -260,7 +260,7 @@ TEST(Characters, LeaveNoControlCodeRaw)
     }
 }
 
-TEST(Characters, OfAZeroByteIsABlank)
+TEST(Characters, OfAZeroByteIsASpace)
 {
     EXPECT_EQ(text(narrow_page().line(std::string("a\0b\0", 4))), "a b\n");
 }

@@ -40,7 +40,7 @@ std::string folded(std::string_view text)
     return trace(characters(text), {.fold = true});
 }
 
-TEST(TraceText, SaysTheUsualEventsShortly)
+TEST(TraceText, WritesTheUsualEventsBriefly)
 {
     EXPECT_EQ(writers::trace_text(SectionStart{0}), "section 0");
     EXPECT_EQ(writers::trace_text(TabStopsBegin{}), "tabs");
@@ -178,7 +178,7 @@ TEST(Trace, FoldStopsAtAnyOtherEvent)
               "text \"a\"\nattribute 2 bold on\ntext \"bc\"\nbreak paragraph\n");
 }
 
-TEST(Trace, FoldLeavesOutWhatNoByteCanSay)
+TEST(Trace, FoldLeavesOutWhatNoByteCanExpress)
 {
     EXPECT_EQ(trace({Character{'a'}, Character{-1}, SpecialCharacter{'b', 1}}, {.fold = true}),
               "text \"a\"\nchar value -1\nspecial 62 b type 1\n");
