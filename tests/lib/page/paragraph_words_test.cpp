@@ -10,10 +10,6 @@ using namespace tests;
 using pfsdoc::attribute_bit;
 using pfsdoc::WriterOptions;
 
-constexpr int32_t bold = 2;
-constexpr int32_t italic = 3;
-constexpr int32_t underline = 4;
-
 TypedEvents in_attribute(int32_t code, std::string_view before, std::string_view inside,
                          std::string_view after)
 {

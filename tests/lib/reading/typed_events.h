@@ -1,6 +1,7 @@
 // Events in the order in which a document reports them, for the tests of what is above the session.
 #pragma once
 
+#include "pfsdoc/attribute_names.h"
 #include "pfsdoc/events.h"
 #include "vs_pfs.h"
 
@@ -10,6 +11,12 @@
 #include <vector>
 
 namespace tests {
+
+inline constexpr int32_t bold = static_cast<int32_t>(pfsdoc::AttributeCode::bold);
+inline constexpr int32_t italic = static_cast<int32_t>(pfsdoc::AttributeCode::italic);
+inline constexpr int32_t underline = static_cast<int32_t>(pfsdoc::AttributeCode::underline);
+inline constexpr int32_t subscript = static_cast<int32_t>(pfsdoc::AttributeCode::subscript);
+inline constexpr int32_t superscript = static_cast<int32_t>(pfsdoc::AttributeCode::superscript);
 
 // Reads as the document does: TypedEvents().margins(10, 70).text("Dear Sir").paragraph().
 // Columns stand for twips. Offsets are 0 unless `at` sets the one of all that follows.

@@ -15,12 +15,6 @@ namespace {
 using namespace pfsdoc;
 using namespace tests;
 
-constexpr int32_t bold = 2;
-constexpr int32_t italic = 3;
-constexpr int32_t underline = 4;
-constexpr int32_t subscript = 10;
-constexpr int32_t superscript = 11;
-
 std::string html(const TypedEvents &events, const WriterOptions &options = {})
 {
     return written("html", events, options).text;

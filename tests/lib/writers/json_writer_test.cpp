@@ -14,8 +14,6 @@ using namespace tests;
 using nlohmann::json;
 using pfsdoc::WriterOptions;
 
-constexpr int32_t bold = 2;
-constexpr int32_t italic = 3;
 constexpr int32_t unknown_code = 7;
 
 json document(const TypedEvents &events, const WriterOptions &options = {})

@@ -20,9 +20,6 @@ namespace {
 using namespace tests;
 using pfsdoc::CodePage;
 
-constexpr int32_t bold = 2;
-constexpr int32_t italic = 3;
-
 // Characters, each emphasised one preceded by 'b', 'i', or 'x' for both.
 class Notation {
 public:

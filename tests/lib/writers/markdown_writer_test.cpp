@@ -12,18 +12,13 @@ using namespace std::string_literals;
 using namespace tests;
 using pfsdoc::WriterOptions;
 
-constexpr int32_t bold = 2;
-constexpr int32_t italic = 3;
-constexpr int32_t underline = 4;
-constexpr int32_t subscript = 10;
-
 std::string markdown(const TypedEvents &events, const WriterOptions &options = {})
 {
     return written("markdown", events, options).text;
 }
 
 // One line's text, without the line end.
-std::string line(std::string_view bytes)
+std::string one_line(std::string_view bytes)
 {
     std::string text = markdown(TypedEvents().line(bytes));
     if (!text.empty()) {
@@ -110,7 +105,7 @@ class MarkdownEscape : public testing::TestWithParam<Escape> {};
 
 TEST_P(MarkdownEscape, IsWrittenWhereItIsNeeded)
 {
-    EXPECT_EQ(line(GetParam().text), GetParam().markdown);
+    EXPECT_EQ(one_line(GetParam().text), GetParam().markdown);
 }
 
 INSTANTIATE_TEST_SUITE_P(

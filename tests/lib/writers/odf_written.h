@@ -1,7 +1,6 @@
 // Documents as OpenDocument, for the tests of its writer: the single XML file, or a part of it.
 #pragma once
 
-#include "pfsdoc/attribute_names.h"
 #include "tests/lib/writers/losses_of.h"
 #include "tests/lib/writers/written.h"
 #include "tests/support/odf_facts.h"
@@ -16,12 +15,6 @@
 namespace tests {
 
 using namespace pfsdoc;
-
-inline constexpr int32_t bold = static_cast<int32_t>(AttributeCode::bold);
-inline constexpr int32_t italic = static_cast<int32_t>(AttributeCode::italic);
-inline constexpr int32_t underline = static_cast<int32_t>(AttributeCode::underline);
-inline constexpr int32_t subscript = static_cast<int32_t>(AttributeCode::subscript);
-inline constexpr int32_t superscript = static_cast<int32_t>(AttributeCode::superscript);
 
 // What lies between the two, which must be there.
 inline std::string between(const std::string &text, std::string_view begin, std::string_view end)

@@ -13,12 +13,6 @@ using namespace tests;
 using nlohmann::json;
 using pfsdoc::WriterOptions;
 
-constexpr int32_t bold = 2;
-constexpr int32_t italic = 3;
-constexpr int32_t underline = 4;
-constexpr int32_t subscript = 10;
-constexpr int32_t superscript = 11;
-
 std::string tree(const TypedEvents &events, const WriterOptions &options = {})
 {
     return written("pandoc", events, options).text;
@@ -130,7 +124,7 @@ TEST(PandocWriter, LeavesPageBreaksOutWhereAsked)
               "Para(One _ two)\n");
 }
 
-TypedEvents letter_with_headers()
+TypedEvents page_with_headers()
 {
     TypedEvents events;
     events.footer().line("The foot").close_block();
@@ -142,7 +136,7 @@ TypedEvents letter_with_headers()
 
 TEST(PandocWriter, PutsHeadersAtTheTopAndFootersAtTheBottom)
 {
-    EXPECT_EQ(blocks(letter_with_headers()), "Div.header.center(Para(The _ head))\n"
+    EXPECT_EQ(blocks(page_with_headers()), "Div.header.center(Para(The _ head))\n"
                                              "Para(Between)\n"
                                              "Div.footer(Para(The _ foot))\n"
                                              "Div.footer(Para(Its _ sole))\n");
@@ -159,7 +153,7 @@ TEST(PandocWriter, LeavesHeadersAndFootersOutWhereAsked)
 {
     WriterOptions options;
     options.headers = false;
-    EXPECT_EQ(blocks(letter_with_headers(), options), "Para(Between)\n");
+    EXPECT_EQ(blocks(page_with_headers(), options), "Para(Between)\n");
 }
 
 TEST(PandocWriter, ShowsCommandsWhereAsked)

@@ -9,11 +9,10 @@ namespace {
 
 using pfsdoc::Loss;
 using pfsdoc::WriterOptions;
+using tests::bold;
 using tests::TypedEvents;
+using tests::underline;
 using tests::written;
-
-constexpr int32_t bold = 2;
-constexpr int32_t underline = 4;
 
 WriterOptions wrapped(uint32_t columns)
 {
