@@ -1,5 +1,5 @@
-# The libraries are what needs to be fast, and to be watched closely; the tests are most of the
-# code that is compiled. Builds whose compiler is slow can compile tests with other options.
+# The libraries have to be fast and closely checked; the tests are most of the code to compile. So
+# builds with a slow compiler can compile the tests with other options than the rest.
 set(VS_PFS_TEST_OPTIONS "" CACHE STRING "Options that tests alone are compiled with, such as -O0")
 
 # Most of the time that a test file takes to compile goes into the headers it shares with the

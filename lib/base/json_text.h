@@ -1,6 +1,6 @@
 // Strings of JSON, and members of its objects. The structure around them is a few fixed words,
-// which the writers spell out as they go: an object of a library for each word of the text took
-// forty times as long. That the result is JSON is what the tests have a library say. Tests:
+// which the writers spell out as they go, since an object of a library for each word of the text is
+// slow (docs/performance.md). That the result is JSON is what the tests have a library say. Tests:
 // tests/lib/base/json_text_test.cpp.
 #pragma once
 
