@@ -44,7 +44,7 @@ std::string letters(std::size_t count)
     return std::string(count, 'a');
 }
 
-std::string blanks(std::size_t count)
+std::string spaces(std::size_t count)
 {
     return std::string(count, ' ');
 }
@@ -80,9 +80,9 @@ std::string return_words(std::size_t size)
     return repeat(letters(longer_than_a_buffer) + "\x0D", size);
 }
 
-std::string return_blanks(std::size_t size)
+std::string return_spaces(std::size_t size)
 {
-    return repeat(blanks(longer_than_a_buffer) + "a\x0D", size);
+    return repeat(spaces(longer_than_a_buffer) + "a\x0D", size);
 }
 
 std::string return_lines(std::size_t size)
@@ -113,7 +113,7 @@ constexpr char high_pair[] = "\xBF\x0D\x80\x0D";
 constexpr char chain_0d[] = "\x80@@\x0D";
 constexpr char letter_chain_0c[] = "a\x80@@\x0C";
 constexpr char long_chain[] = "\x80@@@@@@@@@@@@@@@@\x0D";
-constexpr char blank_chain[] = "\xA0@@\x0D";
+constexpr char space_chain[] = "\xA0@@\x0D";
 constexpr char chains_of_both_ends[] = "\xC1\x48@\x0C\x80\x60@@\x0D";
 
 } // namespace
@@ -135,16 +135,16 @@ const std::vector<HostileBody> &hostile_bodies()
         {"a 80 40 40 0C", choice, true, pattern<letter_chain_0c>},
         {"80 40x16 0D", choice, true, pattern<long_chain>},
         {"80 40x3000 0D", choice, true, choice_long_chains},
-        {"A0 40 40 0D blanks", choice, true, pattern<blank_chain>},
+        {"A0 40 40 0D spaces", choice, true, pattern<space_chain>},
         {"C1 48 40 0C 80 60..", choice, true, pattern<chains_of_both_ends>},
         {"chains mixed", choice, true, choice_mix},
         {"chains, 2 KB apart", choice, false, choice_stretches},
         {"a 0D", write, false, return_lines},
         {"ax3000 0D", write, false, return_words},
-        {"20x3000 a 0D", write, false, return_blanks},
+        {"20x3000 a 0D", write, false, return_spaces},
         {"a 0D", choice, false, return_lines},
         {"ax3000 0D", choice, false, return_words},
-        {"20x3000 a 0D", choice, false, return_blanks},
+        {"20x3000 a 0D", choice, false, return_spaces},
     };
     return bodies;
 }

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t resumes_a_round = 10'000;
 constexpr std::size_t groups = 4;
 
-struct Place {
+struct Checkpoint {
     std::array<uint8_t, VW_SAVED_STATE_SIZE> state;
     uint32_t position;
 };
@@ -57,26 +57,26 @@ private:
     {
         host_.stops_at_paragraphs = true;
         while (!host_.ended) {
-            Place place{};
-            reading_.entries.get_data(place.state.data(), reading_.instance);
-            reading_.entries.stream_tell(reading_.stream, &place.position);
-            places_.push_back(place);
+            Checkpoint checkpoint{};
+            reading_.entries.get_data(checkpoint.state.data(), reading_.instance);
+            reading_.entries.stream_tell(reading_.stream, &checkpoint.position);
+            checkpoints_.push_back(checkpoint);
             reading_.entries.stream_read(reading_.stream, reading_.instance);
         }
     }
 
     double resume_some(std::size_t group)
     {
-        const std::size_t group_size = places_.size() / groups;
-        std::array<const Place *, batch> chosen;
+        const std::size_t group_size = checkpoints_.size() / groups;
+        std::array<const Checkpoint *, batch> chosen;
         std::generate(chosen.begin(), chosen.end(),
-                      [&] { return &places_[group * group_size + random_() % group_size]; });
+                      [&] { return &checkpoints_[group * group_size + random_() % group_size]; });
         const double begin = thread_seconds();
-        for (const Place *place : chosen) {
+        for (const Checkpoint *checkpoint : chosen) {
             const uint64_t reads = file_.reads;
             host_.rewind();
-            reading_.entries.set_data(place->state.data(), reading_.instance);
-            reading_.entries.stream_seek(reading_.stream, &place->position);
+            reading_.entries.set_data(checkpoint->state.data(), reading_.instance);
+            reading_.entries.stream_seek(reading_.stream, &checkpoint->position);
             reading_.entries.stream_read(reading_.stream, reading_.instance);
             most_reads_ = std::max(most_reads_, file_.reads - reads);
         }
@@ -94,7 +94,7 @@ private:
     AppendingHost host_;
     MemoryFile file_;
     Reading reading_;
-    std::vector<Place> places_;
+    std::vector<Checkpoint> checkpoints_;
     std::minstd_rand random_{1995};
     uint64_t most_reads_ = 0;
 };

@@ -8,13 +8,13 @@
 namespace pfs_builder {
 namespace {
 
-constexpr std::string_view blanks = " \t\r";
+constexpr std::string_view whitespace = " \t\r";
 constexpr std::string_view body_begins = "---";
 constexpr char comment_mark = '#';
 
-std::string_view without_trailing_blanks(std::string_view text)
+std::string_view without_trailing_whitespace(std::string_view text)
 {
-    const std::size_t last = text.find_last_not_of(blanks);
+    const std::size_t last = text.find_last_not_of(whitespace);
     return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
 
@@ -56,7 +56,7 @@ std::vector<SourceLine> split_lines(std::string_view text, std::size_t source)
     for (int number = 1; !text.empty(); ++number) {
         const std::size_t end = text.find('\n');
         const std::string_view line = text.substr(0, end);
-        lines.push_back({{source, number}, std::string(without_trailing_blanks(line))});
+        lines.push_back({{source, number}, std::string(without_trailing_whitespace(line))});
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
     }
     return lines;
@@ -65,17 +65,18 @@ std::vector<SourceLine> split_lines(std::string_view text, std::size_t source)
 std::vector<std::string> split_words(std::string_view text)
 {
     std::vector<std::string> words;
-    for (text = without_leading_blanks(text); !text.empty(); text = without_leading_blanks(text)) {
-        const std::size_t length = std::min(text.find_first_of(blanks), text.size());
+    for (text = without_leading_whitespace(text); !text.empty();
+         text = without_leading_whitespace(text)) {
+        const std::size_t length = std::min(text.find_first_of(whitespace), text.size());
         words.emplace_back(text.substr(0, length));
         text.remove_prefix(length);
     }
     return words;
 }
 
-std::string_view without_leading_blanks(std::string_view text)
+std::string_view without_leading_whitespace(std::string_view text)
 {
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    text.remove_prefix(std::min(text.find_first_not_of(whitespace), text.size()));
     return text;
 }
 

@@ -66,7 +66,7 @@ Result take_raw(const Argument &argument, Document &document)
 Result take_spaces(const Argument &argument, Document &document)
 {
     constexpr int most = 255;
-    const auto count = parse_number(without_leading_blanks(argument.text));
+    const auto count = parse_number(without_leading_whitespace(argument.text));
     if (!count || *count > most) {
         return Problem{"`@spaces` is followed by their number", "write it as `@spaces 3`"};
     }

@@ -204,7 +204,7 @@ Result parse_header_line(const SourceLine &line, Document &document)
     }
     document.keys_seen.push_back(name);
     const std::string_view value =
-        without_leading_blanks(std::string_view(line.text).substr(colon + 1));
+        without_leading_whitespace(std::string_view(line.text).substr(colon + 1));
     return key->take({std::string(value), line.location}, document);
 }
 

@@ -27,7 +27,7 @@ std::vector<SourceLine> split_lines(std::string_view text, std::size_t source);
 // The words of a text, separated by spaces.
 std::vector<std::string> split_words(std::string_view text);
 
-std::string_view without_leading_blanks(std::string_view text);
+std::string_view without_leading_whitespace(std::string_view text);
 
 std::optional<int> parse_number(std::string_view word); // digits only, up to 32767
 std::optional<Margins> parse_margins(std::string_view text);

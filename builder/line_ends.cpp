@@ -18,7 +18,7 @@ constexpr std::size_t attribute_byte = 1;
 
 void count_character(LineMeasure &measure, uint8_t character)
 {
-    if (character == space && measure.blank()) {
+    if (character == space && measure.only_spaces()) {
         ++measure.leading_spaces;
     }
     ++measure.columns;
@@ -137,11 +137,11 @@ Decision decide(const Margins &margins, std::string_view body, const LineEnd &li
                 const LineReading &reading)
 {
     const LineMeasure measure = reading.measure(body.substr(line.begin, line.end - line.begin));
-    const bool counts_margin = reading.blank_line_counts_margin || !measure.blank();
+    const bool counts_margin = reading.spaces_count_margin || !measure.only_spaces();
     const int column = measure.columns + (counts_margin ? margins.left - 1 : 0);
     const int word = reading.first_word(body.substr(line.end + 1));
     const bool counted_as_empty =
-        reading.blank_line_counts_margin ? column == measure.leading_spaces : measure.columns == 0;
+        reading.spaces_count_margin ? column == measure.leading_spaces : measure.columns == 0;
     const bool fits = column + word <= margins.right - 1;
     return {!counted_as_empty && word != 0 && !fits, column, word};
 }

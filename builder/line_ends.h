@@ -24,7 +24,7 @@ struct LineEnd {
 struct LineMeasure {
     int columns = 0;
     int leading_spaces = 0;
-    bool blank() const
+    bool only_spaces() const
     {
         return columns == leading_spaces;
     }
@@ -38,7 +38,7 @@ struct LineReading {
     int (*first_word)(std::string_view text);
     // The column of a line of spaces is counted from the left margin, as any other (First Choice),
     // or from 0 (the Write family).
-    bool blank_line_counts_margin;
+    bool spaces_count_margin;
 };
 
 extern const LineReading write_line_reading;

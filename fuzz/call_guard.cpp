@@ -147,9 +147,9 @@ void CallGuard::check_attribute(const Call &call)
     const int32_t on = call.arguments[1];
     require(code == 2 || code == 3 || code == 4 || code == 10 || code == 11, "not an attribute");
     require(on == 0 || on == 1, "an attribute is neither on nor off");
-    int32_t &told = attributes[static_cast<std::size_t>(code)];
-    require(!in_text || foreign_state || told != on, "an attribute that has not changed");
-    told = on;
+    int32_t &reported = attributes[static_cast<std::size_t>(code)];
+    require(!in_text || foreign_state || reported != on, "an attribute that has not changed");
+    reported = on;
 }
 
 void CallGuard::check_break(const Call &call)

@@ -11,9 +11,10 @@ using tests::Fault;
 constexpr uint32_t claims[] = {1, 2047, 2048, 2049, 65535, UINT32_MAX};
 constexpr uint32_t positions[] = {0, 1, 511, 2048, 65535, UINT32_MAX};
 // Of the eight kinds that an input byte selects, the last two leave the operation alone.
-constexpr Fault::Kind kinds[] = {
-    Fault::Kind::none,   Fault::Kind::fails, Fault::Kind::no_bytes, Fault::Kind::fails_afterward,
-    Fault::Kind::claims, Fault::Kind::tells, Fault::Kind::none,     Fault::Kind::none};
+constexpr Fault::Kind kinds[] = {Fault::Kind::none,     Fault::Kind::fails,
+                                 Fault::Kind::no_bytes, Fault::Kind::fails_afterward,
+                                 Fault::Kind::claims,   Fault::Kind::misreports,
+                                 Fault::Kind::none,     Fault::Kind::none};
 
 template <std::size_t Size> uint32_t pick(const uint32_t (&values)[Size], unsigned index)
 {
@@ -26,7 +27,7 @@ Fault fault_of(uint8_t byte)
     const unsigned index = byte >> 3;
     if (fault.kind == Fault::Kind::claims) {
         fault.value = pick(claims, index);
-    } else if (fault.kind == Fault::Kind::tells) {
+    } else if (fault.kind == Fault::Kind::misreports) {
         fault.value = pick(positions, index);
     }
     return fault;

@@ -157,19 +157,19 @@ void Host::read_all()
     }
 }
 
-Place Host::place() const
+Checkpoint Host::checkpoint() const
 {
-    Place place{{}, 0, guard};
-    VwGetData(place.state.data(), instance);
-    require(VwStreamTell(stream, &place.position) == 0, "a position that failed");
-    return place;
+    Checkpoint checkpoint{{}, 0, guard};
+    VwGetData(checkpoint.state.data(), instance);
+    require(VwStreamTell(stream, &checkpoint.position) == 0, "a position that failed");
+    return checkpoint;
 }
 
-void Host::go_to(const Place &place)
+void Host::go_to(const Checkpoint &checkpoint)
 {
-    VwSetData(place.state.data(), instance);
-    require(VwStreamSeek(stream, &place.position) == 0, "a seek that failed");
-    guard = place.guard;
+    VwSetData(checkpoint.state.data(), instance);
+    require(VwStreamSeek(stream, &checkpoint.position) == 0, "a seek that failed");
+    guard = checkpoint.guard;
     document_ended = false;
 }
 
@@ -204,7 +204,7 @@ void read_both_ways(const std::string &document, uint32_t most_per_read, bool st
     while (!reader->document_ended) {
         reader->read();
         if (!reader->document_ended) {
-            other->go_to(reader->place());
+            other->go_to(reader->checkpoint());
             other->recorded = std::move(reader->recorded);
             std::swap(reader, other);
         }

@@ -14,7 +14,7 @@
 namespace fuzz {
 
 // A position where reading can be resumed, with what is open there.
-struct Place {
+struct Checkpoint {
     std::array<uint8_t, VW_SAVED_STATE_SIZE> state;
     uint32_t position;
     CallGuard guard;
@@ -35,8 +35,8 @@ public:
     // Until the end of the document is reported, which must come.
     void read_all();
 
-    Place place() const;
-    void go_to(const Place &place);
+    Checkpoint checkpoint() const;
+    void go_to(const Checkpoint &checkpoint);
     void unregister(int32_t id);
     void register_routines();
 

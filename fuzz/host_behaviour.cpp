@@ -16,8 +16,8 @@ enum Action : uint8_t {
     read_another, // reads another document from within a routine
     seek_inside,  // forbidden: may garble the text, nothing worse
     forget_routine,
-    remember_place, // at the end of this read call
-    go_back         // to the remembered position
+    take_checkpoint, // at the end of this read call
+    go_back          // to the remembered position
 };
 
 constexpr int32_t odd_answers[] = {-1, 2, 0x10001, INT32_MIN, INT32_MAX, 13};
@@ -70,7 +70,7 @@ private:
         case read_another: read_other(); break;
         case seek_inside: seek(parameter); break;
         case forget_routine: host.unregister(pick(forgettable, parameter >> 3)); break;
-        case remember_place: wants_place = true; break;
+        case take_checkpoint: wants_checkpoint = true; break;
         default: wants_return = true; break;
         }
         return usual;
@@ -104,13 +104,13 @@ private:
 
     void between_reads()
     {
-        if (wants_return && place) {
-            host.go_to(*place);
+        if (wants_return && checkpoint) {
+            host.go_to(*checkpoint);
         }
-        if (wants_place && !host.document_ended) {
-            place = host.place();
+        if (wants_checkpoint && !host.document_ended) {
+            checkpoint = host.checkpoint();
         }
-        wants_place = wants_return = false;
+        wants_checkpoint = wants_return = false;
     }
 
     fuzz::Frame frame;
@@ -120,9 +120,9 @@ private:
     fuzz::Host host;
     fuzz::Host other;
     bool other_open = false;
-    bool wants_place = false;
+    bool wants_checkpoint = false;
     bool wants_return = false;
-    std::optional<fuzz::Place> place;
+    std::optional<fuzz::Checkpoint> checkpoint;
 };
 
 } // namespace

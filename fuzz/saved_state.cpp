@@ -15,11 +15,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
     host.file.most_per_read = frame.most_per_read();
     host.answer = [&](const fuzz::Call &) { return frame.stop() ? 1 : 0; };
     fuzz::require(host.open(), "a document that is not known");
-    fuzz::Place place = host.place();
-    std::copy(state.begin(), state.end(), place.state.begin());
-    place.position = position;
-    place.guard.expect_foreign_state();
-    host.go_to(place);
+    fuzz::Checkpoint checkpoint = host.checkpoint();
+    std::copy(state.begin(), state.end(), checkpoint.state.begin());
+    checkpoint.position = position;
+    checkpoint.guard.expect_foreign_state();
+    host.go_to(checkpoint);
     host.read_all();
     return 0;
 }

@@ -161,10 +161,10 @@ TEST_P(Faults, InTheTellsChangeNothing)
     };
     expect_whole(always(BlockOperation::tell, {Kind::fails}));
     expect_whole(always(BlockOperation::tell, {Kind::fails_afterward}));
-    expect_whole(always(BlockOperation::tell, {Kind::tells, UINT32_MAX}));
+    expect_whole(always(BlockOperation::tell, {Kind::misreports, UINT32_MAX}));
     const auto lie = [&](auto position) {
         expect_whole([=](unsigned number, BlockOperation which, const MemoryBlockFile &file) {
-            return which == BlockOperation::tell ? Fault{Kind::tells, position(number, file)}
+            return which == BlockOperation::tell ? Fault{Kind::misreports, position(number, file)}
                                                  : Fault{};
         });
     };

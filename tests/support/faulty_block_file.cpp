@@ -69,7 +69,7 @@ static int32_t faulty_tell(VwBlockFile *self, uint32_t *position)
         return failure;
     }
     const int32_t result = inner->tell(inner, position);
-    if (fault.kind == Kind::tells) {
+    if (fault.kind == Kind::misreports) {
         *position = fault.value;
     }
     return answer(fault, result);

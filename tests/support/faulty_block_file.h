@@ -16,7 +16,7 @@ struct Fault {
         fails_afterward, // the file is read or moved nevertheless
         no_bytes,        // a read that succeeds and delivers nothing
         claims,          // a read reports `value` bytes, whatever it delivered
-        tells            // tell stores `value`, whatever the position
+        misreports       // tell stores `value`, whatever the position
     };
     Kind kind = Kind::none;
     uint32_t value = 0;

@@ -1,5 +1,5 @@
-// The files of tests/documents: each tells of one thing that a format does, in prose, in
-// bytes and in the trace that comes of them.
+// The files of tests/documents: each shows one property of a format, in prose, in bytes and in the
+// resulting trace.
 //
 //   What the document shows.
 //
