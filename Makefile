@@ -1,10 +1,10 @@
-# A thin face over CMakePresets.json and scripts/.
-# demo:  installs what is missing, builds, shows one sample of each kind as text
-# check: installs what is missing, builds, passes the tests of library and commands: minutes
-# check-all: check, then sanitizers, other programs' judgement, an installation and a package
+# A thin wrapper around CMakePresets.json and scripts/.
+# demo:  installs missing packages, builds, shows one sample of each kind as text
+# check: installs missing packages, builds, runs the tests of library and commands: minutes
+# check-all: check, then sanitizers, checks by other programs, an installation and a package
 # qa:    the tests in every build and on every machine of scripts/qa: takes hours
-# package: installs what is missing, builds the Debian package in build/package, tests it
-# bench: installs what is missing, builds, measures, prints what was reached of each goal
+# package: installs missing packages, builds the Debian package in build/package, tests it
+# bench: installs missing packages, builds, measures, prints the goals with the measured values
 .PHONY: demo check check-all qa package bench lint coverage clean
 
 demo:
