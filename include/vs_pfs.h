@@ -9,37 +9,37 @@
  *
  *   VwGetRtns               once per loaded module: the table of entry points
  *   for each document:
- *     VwAllocProc           an instance record; the host owns it until VwFreeProc
- *     VwLocalUp             wraps the host's block file into a character stream and sets
+ *     VwAllocProc           an instance; the host owns it until VwFreeProc
+ *     VwLocalUp             wraps the host's block file in a character stream and sets
  *                           every output routine to SODummy; check the stream for null
- *     VwSetSoRtn, VwSetUser the host's output routines and its two words
+ *     VwSetSoRtn, VwSetUser the host's output routines and its two user words
  *     VwStreamOpen          recognises the document and reads its header
  *     VwStreamSection       announces the one section
  *     VwStreamRead          again and again, until break VW_BREAK_END_OF_DOCUMENT is reported
- *     VwLocalDown           frees the stream, hands the block file back
+ *     VwLocalDown           frees the stream, returns the block file
  *     VwFreeProc            frees the instance
  *
  * VwLocalUp must come before VwSetSoRtn: it overwrites every routine.
  *
  * STOPPING AND RESUMING
  *
- * At each paragraph end VwStreamRead reports VW_BREAK_PARAGRAPH. If the routine answers 1
- * the call returns at once, and the next VwStreamRead goes on from there. At such a point
+ * At each paragraph end VwStreamRead reports VW_BREAK_PARAGRAPH. If the routine returns 1
+ * the call returns at once, and the next VwStreamRead continues from there. At such a point
  * VwStreamTell and VwGetData give a position and VW_SAVED_STATE_SIZE bytes with which
- * reading can be resumed later: VwSetData, VwStreamSeek, VwStreamRead. The pair is good for
- * the same document only, in any instance that has opened it. A routine 13 left
- * unregistered answers 1 to every paragraph end, for SODummy returns its first argument.
+ * reading can be resumed later: VwSetData, VwStreamSeek, VwStreamRead. The pair is valid for
+ * the same document only, in any instance that has opened it. An unregistered routine 13
+ * returns 1 at every paragraph end, since SODummy returns its first argument.
  *
  * UNITS
  *
- * Measures are twips: VW_TWIPS_PER_COLUMN (144) is one character column, 240 is single and
+ * Lengths are in twips: VW_TWIPS_PER_COLUMN (144) is one character column, 240 is single and
  * 480 double line spacing. Characters are the document's own bytes (code page 437 in nearly
  * all of them); the filter does not convert them. All integers are in native byte order.
  *
  * 16-BIT VALUES
  *
- * Small integers travel as whole 32-bit words and are read as 16-bit values where the
- * comment says so: only the low 16 bits count.
+ * Small integers are passed as 32-bit words and read as 16-bit values where the comment says
+ * so: only the low 16 bits count.
  *
  * THREADS
  *
@@ -49,17 +49,17 @@
  * on the instance, which take effect with the next call out. They must not throw or jump out of
  * the filter, must not read, seek or release that stream, and must not restore a saved state.
  *
- * WHAT IS PROMISED OF BAD INPUT
+ * WHAT IS PROMISED FOR BAD INPUT
  *
- * Any file content is read without leaving the filter's own memory and to an end: data that
- * stop without the end byte report VW_BREAK_END_OF_DOCUMENT where they stop. A read that
- * fails, or that claims more bytes than were asked for, counts as the end of the data. Any
- * bytes given to VwSetData may make nonsense of the text, never more than that.
+ * Any file content is read to an end, within the filter's own memory: data that stop without
+ * the end byte report VW_BREAK_END_OF_DOCUMENT where they stop. A read that fails, or that
+ * claims more bytes than were requested, counts as the end of the data. Arbitrary bytes given
+ * to VwSetData may garble the text, nothing worse.
  *
  * NOT PROMISED
  *
- * That a text is what its author saw; that a null pointer is survived where this file does
- * not say so; the layout of the instance record and of the saved state.
+ * That a text is what its author saw; that null pointers are accepted where this file does
+ * not say so; the layout of the instance and of the saved state.
  */
 #ifndef VS_PFS_H
 #define VS_PFS_H
@@ -82,7 +82,7 @@
 extern "C" {
 #endif
 
-/* The per-document record. Opaque; from VwAllocProc. */
+/* All state of a document. Opaque; from VwAllocProc. */
 typedef struct VwInstance VwInstance;
 typedef struct VwBlockFile VwBlockFile;
 typedef struct VwCharStream VwCharStream;
@@ -97,9 +97,9 @@ typedef void (*VwRoutine)(void);
 
 /* ------------------------------------------------------------------ block files --- */
 
-/* The host's file: a record that begins with these seven pointers, followed by whatever the
- * host keeps there. The host owns it; it must outlive the stream that wraps it. Each
- * operation returns 0 for success and anything else for failure. */
+/* The host's file: a structure that begins with these seven pointers, followed by the host's
+ * own data. The host owns it; it must outlive the stream that wraps it. Each operation
+ * returns 0 for success and anything else for failure. */
 struct VwBlockFile {
     /* Closes the file. Called by VwBlockClose only. */
     int32_t (*close)(VwBlockFile *self);
@@ -109,7 +109,7 @@ struct VwBlockFile {
     int32_t (*read)(VwBlockFile *self, void *destination, uint32_t count, uint32_t *count_read);
     VwRoutine reserved2; /* never called */
     /* Moves to offset bytes from the start (origin 0) or from the end (origin 2). With
-     * origin 0 the offset is a position: its 32 bits are to be read as unsigned. */
+     * origin 0 the offset is a position: its 32 bits are unsigned. */
     int32_t (*seek)(VwBlockFile *self, uint32_t origin, int32_t offset);
     /* Stores the current position. */
     int32_t (*tell)(VwBlockFile *self, uint32_t *position);
@@ -122,7 +122,7 @@ struct VwBlockFile {
 
 enum { VW_OPEN_PATH = 1, VW_OPEN_BESIDE = 9 };
 
-/* Names a file in the same place as an open one. */
+/* Names a file in the same directory as an open one. */
 typedef struct VwOpenBeside {
     VwBlockFile *existing;
     char name[256]; /* without path, NUL-terminated */
@@ -137,9 +137,9 @@ VS_PFS_API int32_t VwBlockRead(VwBlockFile *file, void *destination, uint32_t co
 VS_PFS_API int32_t VwBlockSeek(VwBlockFile *file, int32_t offset, uint32_t origin);
 /* The current position, or -1 on failure. */
 VS_PFS_API int32_t VwBlockTell(VwBlockFile *file);
-/* Closes the file. 0 whatever the file answers. */
+/* Closes the file. 0 whatever the file returns. */
 VS_PFS_API int32_t VwBlockClose(VwBlockFile *file);
-/* Opens path, or failing that the file of that name beside `file` (what follows the last
+/* Opens path, or if that fails the file of that name beside `file` (what follows the last
  * '\\', '/' or ':' is the name). Returns the new file, which the host owns, or the pointer
  * value -1: for an empty path, for a name of 256 characters or more, and when the host's
  * open refuses both. The third argument is not used. */
@@ -150,7 +150,7 @@ VS_PFS_API VwBlockFile *VwBlockOpen(VwBlockFile *file, const char *path, uint32_
 #define VW_STREAM_BUFFER_SIZE 2048
 
 /* A buffered, seekable byte reader over a block file. Public so that VwCharGet can be
- * expanded in place; treat the members as read-only.
+ * inlined; treat the members as read-only.
  * While bytes are buffered: cursor == buffer + (bufferLength - remaining), and the next
  * byte's position is bufferBase + bufferLength - remaining. */
 struct VwCharStream {
@@ -162,20 +162,20 @@ struct VwCharStream {
     VwBlockFile *blockFile;
 };
 
-/* Wraps a block file; reading starts at position 0 wherever the file stands. From malloc;
- * null when memory is short. Owned by the caller until VwCharToBlock. */
+/* Wraps a block file; reading starts at position 0 whatever the file's position. From
+ * malloc; null if there is not enough memory. Owned by the caller until VwCharToBlock. */
 VS_PFS_API VwCharStream *VwBlockToChar(VwBlockFile *file);
 /* Frees the stream and returns the block file it wrapped, still open. */
 VS_PFS_API VwBlockFile *VwCharToBlock(VwCharStream *stream);
-/* Refills the buffer and delivers its first byte, 0 to 255; -1 at the end of the data or
- * when the read fails. The slow half of VwCharGet; not to be called while bytes remain. */
+/* Refills the buffer and delivers its first byte, 0 to 255; -1 at the end of the data or if
+ * the read fails. The slow path of VwCharGet; not to be called while bytes remain. */
 VS_PFS_API int32_t vxfilbuf(VwCharStream *stream);
 /* Moves to position: absolute (origin 0), relative to here (1) or to the end (2); origin is
- * a signed 16-bit value and any other one is taken as 0. 0, or -1 when the block file
- * refuses; the stream then stands empty at the position asked for, or, if origin 2 could
- * not be resolved, where it was. */
+ * a signed 16-bit value, and any other value means 0. 0, or -1 if the block file refuses; the
+ * stream is then empty, at the requested position or, if origin 2 could not be resolved, at
+ * its old one. */
 VS_PFS_API int32_t VwCharSeek(VwCharStream *stream, uint32_t position, int32_t origin);
-/* The next byte's position. Each read past the end counts one further. */
+/* The next byte's position. Each read past the end advances it by one. */
 VS_PFS_API uint32_t VwCharTell(VwCharStream *stream);
 /* VwBlockOpen on the stream's file, wrapped into a new stream. The pointer value -1 on
  * failure; a file that opened but could not be wrapped is then not closed. */
@@ -190,7 +190,7 @@ static inline int32_t VwCharGet(VwCharStream *stream)
         --stream->remaining;
         return *stream->cursor++;
     }
-    if (stream->remaining > INT16_MIN) { /* held there: it must never climb back to 0 */
+    if (stream->remaining > INT16_MIN) { /* saturates: it must never wrap around to 0 */
         --stream->remaining;
     }
     return vxfilbuf(stream);
@@ -211,15 +211,15 @@ static inline void VwCharUnget(VwCharStream *stream)
 /* Ids for VwSetSoRtn. 1 to 65 can be registered; the filter calls only these. */
 enum VwOutputId {
     VW_SO_CHARACTER = 1,         /* (byte): a character; 0x20 where wrapped lines join; a
-                                    missing byte of a cut header text is -1 */
-    VW_SO_SPECIAL_CHARACTER = 2, /* (byte, 7): a space of a line that holds only spaces, or
-                                    one byte of an embedded command, its asterisks included */
+                                    missing byte of a truncated header text is -1 */
+    VW_SO_SPECIAL_CHARACTER = 2, /* (byte, 7): a space in a line of spaces only, or one byte
+                                    of an embedded command, including its asterisks */
     VW_SO_PAGE_BREAK = 3,        /* (4, 0) */
     VW_SO_ATTRIBUTE = 4,         /* (code 2, 3, 4, 10 or 11; 1 on, 0 off) */
     VW_SO_FONT = 5,              /* (24), at the start of each read */
     VW_SO_ALIGNMENT = 6,         /* (VwAlignment) for what follows */
-    VW_SO_INDENTS = 7,           /* (left, right, first line) in twips from the margins, sent
-                                    after a paragraph's text, before its break; 0, 0, 0 resets */
+    VW_SO_INDENTS = 7,           /* (left, right, first line) in twips from the margins, after
+                                    a paragraph's text, before its break; 0, 0, 0 resets */
     VW_SO_TAB_STOPS_BEGIN = 8,   /* () a new table of tab stops, which replaces the last */
     VW_SO_TAB_STOPS_END = 9,     /* () */
     VW_SO_TAB_STOP = 10,         /* (const VwTabStop *), valid during the call */
@@ -243,7 +243,7 @@ enum VwAlignment { VW_ALIGN_LEFT = 1, VW_ALIGN_RIGHT = 2, VW_ALIGN_CENTRE = 3 };
 
 enum VwTabKind { VW_TAB_LEFT = 1, VW_TAB_DECIMAL = 4 };
 
-/* One tab stop, built for the call: copy what is to be kept. */
+/* One tab stop, valid during the call only. */
 typedef struct VwTabStop {
     uint16_t kind;               /* VwTabKind */
     uint16_t alignmentCharacter; /* '.' for a decimal stop, else 0 */
@@ -260,8 +260,8 @@ typedef int32_t (*VwOutput3)(int32_t, int32_t, int32_t, uint32_t user1, uint32_t
 typedef int32_t (*VwOutput4)(int32_t, int32_t, int32_t, int32_t, uint32_t user1, uint32_t user2);
 typedef int32_t (*VwOutputTabStop)(const VwTabStop *, uint32_t user1, uint32_t user2);
 
-/* The default routine. Returns its first argument. A slot that holds it is never called
- * through: the filter takes the first argument for the answer. */
+/* The default routine. Returns its first argument. The filter does not actually call it:
+ * it takes the first argument as the result. */
 VS_PFS_API int32_t SODummy(int32_t first);
 
 /* -------------------------------------------------------------------- entry points --- */
@@ -291,7 +291,7 @@ enum VwEntrySlot {
 #define VW_INTERFACE_DO_SPECIAL 19
 
 /* Fills the host's table of VW_ENTRY_SLOTS pointers. interfaceVersion is an unsigned 16-bit
- * value; below 19 the last slot is left as it is. */
+ * value; below 19 the last slot is left unchanged. */
 VS_PFS_API void VwGetRtns(VwRoutine *table, uint32_t interfaceVersion);
 
 /* Queries of VwGetInfo; query is an unsigned 16-bit value. */
@@ -309,24 +309,24 @@ enum VwInfoQuery {
     VW_INFO_ZERO_11 = 11,          /* uint16_t: 0 */
     VW_INFO_MARKER = 12            /* uint32_t: 0x12345678 */
 };
-/* Writes the answer into result, which needs no alignment. 1, or 0 for an unknown query,
+/* Writes the result to result, which needs no alignment. 1, or 0 for an unknown query,
  * which writes nothing. The instance is not used and may be null. */
 VS_PFS_API int32_t VwGetInfo(void *result, uint32_t query, VwInstance *instance);
 
-/* A new, uninitialised instance, from malloc; null when memory is short. VwLocalUp and
- * VwStreamOpen must be called before anything is read with it. */
+/* A new, uninitialised instance, from malloc; null if there is not enough memory. VwLocalUp
+ * and VwStreamOpen must be called before anything is read with it. */
 VS_PFS_API VwInstance *VwAllocProc(void);
 /* Frees an instance; null is ignored. */
 VS_PFS_API void VwFreeProc(VwInstance *instance);
 
-/* Stores the two words that end every output call. */
+/* Stores the two user words, the last arguments of every output call. */
 VS_PFS_API void VwSetUser(uint32_t user1, uint32_t user2, VwInstance *instance);
 /* Registers the output routine of an id, a signed 16-bit value; null restores SODummy, and
  * an id outside 1 to 65 is ignored. */
 VS_PFS_API void VwSetSoRtn(int32_t id, VwRoutine routine, VwInstance *instance);
 
-/* Wraps the block file and stores the stream, null when memory is short; sets all output
- * routines to SODummy. The stream is the host's to give back with VwLocalDown. */
+/* Wraps the block file and stores the stream, null if there is not enough memory; sets all
+ * output routines to SODummy. The host frees the stream with VwLocalDown. */
 VS_PFS_API void VwLocalUp(VwBlockFile *file, VwCharStream **stream, VwInstance *instance);
 /* Frees the stream and stores the block file it wrapped. The instance is not used. */
 VS_PFS_API void VwLocalDown(VwCharStream *stream, VwBlockFile **file, VwInstance *instance);
@@ -339,20 +339,20 @@ struct VwFileDescription {
 };
 
 /* Opens the document of the stream. fileId is a signed 16-bit value, one of the ids of
- * VwPfsOverlayId; it only chooses the name put into description, which may be null. The
+ * VwPfsOverlayId; it only selects the name stored in description, which may be null. The
  * stream is left at the first byte of the text.
- * 0, or -1 when the document is of no known kind. A document that is cut short opens. */
+ * 0, or -1 if the document is of no known kind. A truncated document opens. */
 VS_PFS_API int32_t VwStreamOpen(VwCharStream *stream, int32_t fileId, void *unused,
                                 VwFileDescription *description, VwInstance *instance);
 /* Reports VW_SO_SECTION_START. Always 0. */
 VS_PFS_API int32_t VwStreamSection(VwCharStream *stream, VwInstance *instance);
 /* Reports tab stops, attributes, margins, header and footer lines not yet reported, and
- * text, until a paragraph end is answered with 1 or the document ends. Always 0: the
- * reason for stopping is reported by VW_SO_BREAK alone. */
+ * text, until VW_SO_BREAK returns 1 at a paragraph end or the document ends. Always 0: only
+ * VW_SO_BREAK reports why reading stopped. */
 VS_PFS_API int32_t VwStreamRead(VwCharStream *stream, VwInstance *instance);
 /* Stores the next byte's position. Always 0. */
 VS_PFS_API int32_t VwStreamTell(VwCharStream *stream, uint32_t *position);
-/* Moves to an absolute position. 0, or -1 when the block file refuses. */
+/* Moves to an absolute position. 0, or -1 if the block file refuses. */
 VS_PFS_API int32_t VwStreamSeek(VwCharStream *stream, const uint32_t *position);
 
 #define VW_SAVED_STATE_SIZE 328
@@ -368,7 +368,7 @@ VS_PFS_API void VwDoSpecial(void *, void *, void *, void *, void *, VwInstance *
 VS_PFS_API void VwGetSectionData(void *buffer, VwInstance *instance);
 VS_PFS_API void VwSetSectionData(const void *buffer, VwInstance *instance);
 
-/* A block of size bytes, all zero, from malloc's heap; null when memory is short. */
+/* A block of size bytes, all zero, from malloc's heap; null if there is not enough memory. */
 VS_PFS_API void *SUAlloc(uint32_t size);
 
 /* --------------------------------------------------------------------------- tables --- */
@@ -384,7 +384,7 @@ typedef struct VwFileKind {
 /* The seven kinds: 1012 to 1017, and 1058. */
 VS_PFS_API extern const VwFileKind VwPfsOverlayId[VW_FILE_KINDS];
 
-/* The texts that documents are recognised by: "GERBILDOC" (10 bytes with its NUL), the 18
+/* The texts that identify documents and commands: "GERBILDOC" (10 bytes with its NUL), the 18
  * command keywords (9 bytes each) and the five signatures (7 bytes each), and a final NUL. */
 #define VW_PFS_INIT_SIZE 208
 VS_PFS_API extern const char PfsInit[VW_PFS_INIT_SIZE];

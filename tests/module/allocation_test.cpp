@@ -1,5 +1,5 @@
-// Allocation: none while reading, and what happens when there is no memory. The linker is
-// told to send the allocating calls of everything in this program through here.
+// Allocation: none while reading, and what happens when memory runs out. The linker redirects all
+// allocating calls in this program here.
 #include "tests/module/bench.h"
 #include "tests/module/rich_documents.h"
 
@@ -13,13 +13,13 @@
 
 namespace {
 
-// Only what happens between two marks is counted or refused. Volatile, since a compiler that
-// sees through the module knows that the library's malloc looks at none of this.
+// Only allocations between two marks are counted or refused. Volatile, since a compiler that sees
+// through the module knows that the library's malloc does not read these.
 volatile bool counting = false;
 volatile bool refusing = false;
 volatile unsigned allocations = 0;
 volatile unsigned mallocs = 0; // of these, by malloc
-volatile bool soiling = false; // malloc hands out memory that has been used
+volatile bool soiling = false; // malloc returns memory that has been used
 
 bool refuse_one()
 {
@@ -97,7 +97,7 @@ namespace {
 
 using namespace tests;
 
-// Refuses memory, and takes the refusal back when the test leaves, however it does.
+// Refuses memory until the end of the scope, however the test leaves it.
 struct NoMemory {
     NoMemory()
     {

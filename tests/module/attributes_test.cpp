@@ -1,4 +1,4 @@
-// The attribute set: how it is built, announced, and taken back.
+// The attribute set: how it is built, announced, and turned off.
 #include "tests/module/bench.h"
 
 #include "vs_pfs/formatting.h"
@@ -122,14 +122,14 @@ TEST(CheckAttributes, ChangesTheStateBeforeEachCall)
     EXPECT_EQ(states_seen, (std::vector<int>{0x0A, 0x0E, 0x0C, 0x1C, 0x14}));
 }
 
-TEST(PutAttributes, TellsAllFiveEvenWhenNoneIsOn)
+TEST(PutAttributes, ReportsAllFiveEvenIfNoneIsOn)
 {
     Bench bench("");
     EXPECT_EQ(PutAttributes(bench.instance), 0);
     EXPECT_TRUE(matches(bench.take(), "4 2 0 | 4 4 0 | 4 3 0 | 4 11 0 | 4 10 0"));
 }
 
-TEST(PutAttributes, TellsEachBitByItsCode)
+TEST(PutAttributes, ReportsEachBitByItsCode)
 {
     const std::array<std::pair<uint8_t, const char *>, 6> reported{{
         {0x02, "4 2 1 | 4 4 0 | 4 3 0 | 4 11 0 | 4 10 0"},
@@ -189,7 +189,7 @@ TEST(Attributes, ARunCostsACallAtEachEnd)
     EXPECT_TRUE(matches(after_announcements(host.read()), "4 2 1 | 'ABC' | 4 2 0 | 'd' | 13 2 0"));
 }
 
-TEST(Attributes, TheNextReadTellsThemAgain)
+TEST(Attributes, TheNextReadReportsThemAgain)
 {
     RecordingHost host(write_document(2, bytes("0D C1 12 0D 0D 'b' 0E")));
     ASSERT_EQ(host.open(), 0);
@@ -200,8 +200,8 @@ TEST(Attributes, TheNextReadTellsThemAgain)
                                          line_defaults + "13 1 0 | 4 2 0 | 4 10 0 | 'b' | 13 2 0"));
 }
 
-// A host may not restore a saved state from within a routine. One that does gets nonsense, but
-// it gets it once.
+// A host must not restore a saved state from within a routine. One that does gets nonsense, but
+// only once.
 struct Undoing {
     VwInstance *instance;
     std::string codes;
@@ -215,7 +215,7 @@ int32_t undo_all(int32_t code, int32_t, uint32_t, uint32_t)
     return 0;
 }
 
-TEST(Attributes, ARoutineThatUndoesTheChangeHearsOfEachOnce)
+TEST(Attributes, ARoutineThatUndoesTheChangeGetsEachOnce)
 {
     Bench bench("");
     Undoing undone = {bench.instance, ""};

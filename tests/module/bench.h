@@ -1,5 +1,5 @@
-// A recording host for tests that reach inside the module: an instance with a cleared record
-// over bytes that need not be a document, and shorthands for what opens each read call.
+// A recording host for tests that access the module's internals: a zeroed instance over bytes that
+// need not be a document, and shorthands for the announcements of each read call.
 #pragma once
 
 #include "tests/support/raw_documents.h"
@@ -39,7 +39,7 @@ public:
     {
         return VwCharTell(stream);
     }
-    // Opens and says whether that succeeded.
+    // Opens and returns whether that succeeded.
     bool opens()
     {
         return open() == 0;

@@ -58,7 +58,7 @@ TEST_F(BlockFile, ReadStoresTheLowSixteenBits)
     EXPECT_EQ(count, 0xFFF3);
 }
 
-TEST_F(BlockFile, ReadTellsOfAFailure)
+TEST_F(BlockFile, ReadReportsAFailure)
 {
     std::string buffer(8, '.');
     uint16_t count = 99;
@@ -98,7 +98,7 @@ TEST_F(BlockFile, TellReturnsThePosition)
     EXPECT_EQ(VwBlockTell(&file), 0) << "of a file that stores none";
 }
 
-TEST_F(BlockFile, CloseSucceedsWhateverTheFileAnswers)
+TEST_F(BlockFile, CloseSucceedsWhateverTheFileReturns)
 {
     EXPECT_EQ(VwBlockClose(&file), 0);
     file.close_result = 5;
@@ -123,8 +123,8 @@ TEST_F(BlockFile, OpenTriesThePathFirst)
     EXPECT_EQ(open_record().requests[0].one, 1U);
 }
 
-// The bare name that is asked for beside the open file when the path is refused; "(none)"
-// when it is not asked for.
+// The bare name that is requested beside the open file if the path is refused; "(none)" if it is
+// not requested.
 std::string bare_name(MemoryBlockFile &file, const std::string &path)
 {
     open_record() = {};
@@ -149,7 +149,7 @@ TEST_F(BlockFile, OpenFindsTheBareNameAfterTheLastSeparator)
     EXPECT_EQ(bare_name(file, "//LETTER"), "LETTER");
 }
 
-TEST_F(BlockFile, OpenKeepsAPathWithoutSeparatorsWhole)
+TEST_F(BlockFile, OpenDoesNotSplitAPathWithoutSeparators)
 {
     EXPECT_EQ(bare_name(file, "LETTER.DOC"), "LETTER.DOC");
     EXPECT_EQ(bare_name(file, "L"), "L");

@@ -73,7 +73,7 @@ TEST_F(CharStream, StartsEmptyAtPositionZero)
     EXPECT_EQ(file->take_log(), "");
 }
 
-TEST_F(CharStream, DeliversPositionZeroFirstWhereverTheFileStands)
+TEST_F(CharStream, DeliversPositionZeroFirstWhateverTheFilesPosition)
 {
     wrap(numbered(6000));
     file->position = 5000;
@@ -81,7 +81,7 @@ TEST_F(CharStream, DeliversPositionZeroFirstWhereverTheFileStands)
     EXPECT_EQ(file->take_log(), "tell, seek 0 0, read 2048");
 }
 
-TEST_F(CharStream, DoesNotSeekWhereTheFileStandsRight)
+TEST_F(CharStream, DoesNotSeekIfTheFilesPositionIsRight)
 {
     wrap("abc");
     EXPECT_EQ(get(), 'a');
@@ -101,7 +101,7 @@ TEST_F(CharStream, KeepsItsInvariantWhileBytesAreBuffered)
     }
 }
 
-TEST_F(CharStream, AnEmptyFileEndsAtOnceAndTellsOneFurther)
+TEST_F(CharStream, AnEmptyFileEndsAtOnceAndReportsOneFurther)
 {
     wrap("");
     EXPECT_EQ(get(), -1);
@@ -119,7 +119,7 @@ TEST_F(CharStream, AFileOfOneBufferEndsAfterIt)
     EXPECT_EQ(file->reads, 2U);
 }
 
-TEST_F(CharStream, AByteOfAllBitsIsNoEnd)
+TEST_F(CharStream, AByteOfAllBitsIsNotTheEnd)
 {
     wrap("\xFF\xFE");
     EXPECT_EQ(get(), 255);
@@ -139,7 +139,7 @@ TEST_F(CharStream, DeliversTheSameBytesHoweverFewTheHostHandsOut)
     }
 }
 
-TEST_F(CharStream, EachReadPastTheEndAsksAgainAndTellsOneFurther)
+TEST_F(CharStream, EachReadPastTheEndRetriesAndReportsOneFurther)
 {
     wrap("abc");
     skip(3);

@@ -12,7 +12,7 @@ using namespace vs_pfs;
 
 class Choice3Ruler : public ::testing::Test {
 protected:
-    // Reads a ruler with the three bytes that are not used put before the body.
+    // Reads a ruler, with the three unused bytes before the body.
     Calls ruler(std::string_view body)
     {
         bench = std::make_unique<Bench>("\x01\x02\x03" + bytes(body));

@@ -254,7 +254,7 @@ TEST(ChoiceLineReader, LeadingSpacesHaveSixteenBits)
     EXPECT_TRUE(matches(text("' 'x40000 'a' 0C 0E"), "'a' | " + single_end + "13 1 0 | 13 2 0"));
 }
 
-// A number of spaces that has become negative is no indent, nor part of the next paragraph's.
+// A number of spaces that has become negative is not an indent, nor part of the next paragraph's.
 TEST(ChoiceLineReader, SpacesThatWrappedAreNotCarriedOver)
 {
     EXPECT_TRUE(matches(text("' 'x40000 'a' 0C '  b' 0C 0E"),
@@ -335,7 +335,7 @@ TEST(FcDetermineEnder, AMaskedLineEndBelongsToTheWord)
     EXPECT_TRUE(ends_hard(56, "'b' 8C 00 8D 00 8E 00 0C"));
 }
 
-TEST(FcDetermineEnder, AByteOfAllBitsIsNoEnd)
+TEST(FcDetermineEnder, AByteOfAllBitsIsNotTheEnd)
 {
     EXPECT_FALSE(ends_hard(56, "'bbbb' FF 00 0C"));
     EXPECT_FALSE(ends_hard(56, "'bbbb' FF 08 0C"));
@@ -370,8 +370,8 @@ TEST(FcDetermineEnder, NeverSetsTheFlag)
     EXPECT_EQ(ends_here, 0);
 }
 
-// Line ends that the lookahead takes for attribute bytes: each looks at the same bytes again,
-// and each answer is the one that a fresh look gives.
+// Line ends that the lookahead takes for attribute bytes: each scans the same bytes again, and each
+// result is that of a fresh scan.
 TEST(ChoiceLineReader, LineEndsInARowAgreeWithFreshLooks)
 {
     // The reader takes two attribute bytes, so the third 0x40 is a character and the 0x0C a

@@ -16,12 +16,12 @@ struct Cut {
     const char *name;
     std::string body; // as bytes' notation
     std::string expected;
-    // How many bytes past the end are asked for, which the reported position says: one, but
-    // for what is read to its own end and noticed by the byte after it.
+    // How many bytes past the end are requested, which the reported position shows: one, except
+    // where the end is noticed only at the byte after.
     uint32_t asked_beyond = 1;
 };
 
-// For the list of tests, which would show the record's bytes.
+// For the list of tests, which would show the structure's bytes.
 void PrintTo(const Cut &cut, std::ostream *stream)
 {
     *stream << cut.body;
@@ -155,7 +155,7 @@ TEST_P(CutChoice, EndsWhereTheDataStop)
 {
     for (const char generation : {'1', '2'}) {
         SCOPED_TRACE(generation);
-        // A ruler of 99 bytes and the rest of the header stand before the text.
+        // A ruler of 99 bytes and the rest of the header come before the text.
         expect_cut(choice_document(generation, bytes(GetParam().body)), GetParam());
     }
 }
@@ -230,7 +230,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(CutHeaderText, MissingBytesAreCharactersOfMinusOne)
 {
-    // The header line says five bytes, the file has two of them.
+    // The header line claims five bytes, the file has two of them.
     RecordingHost host(choice_document('2', "", {choice_header_line(0, "abcde")}).substr(0, 31));
     ASSERT_EQ(host.open(), 0);
     const std::string reported = text_of(host.read());

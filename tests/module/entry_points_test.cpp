@@ -1,5 +1,5 @@
-// The table of entry points, the information queries, registration, and the entry points
-// that do little or nothing.
+// The table of entry points, the information queries, registration, and the entry points that do
+// little or nothing.
 #include "tests/module/bench.h"
 
 #include <gtest/gtest.h>
@@ -86,8 +86,8 @@ TEST(EntryPointTable, SlotsFifteenAndSixteenAreNullForEveryVersion)
     }
 }
 
-// The bytes that a query writes: the buffer is odd in address and filled before, so that
-// alignment and length show.
+// The bytes that a query writes: the buffer has an odd address and is filled first, so that
+// alignment and length are visible.
 struct Answer {
     int32_t result;
     std::string bytes;
@@ -214,7 +214,7 @@ protected:
     Bench bench{""};
 };
 
-TEST_F(SetSoRtn, IdsFourteenToSixteenStandInACircle)
+TEST_F(SetSoRtn, IdsFourteenToSixteenAreRotated)
 {
     set(14);
     EXPECT_EQ(found(), 16U);

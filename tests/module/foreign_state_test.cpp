@@ -1,5 +1,5 @@
-// Saved states that no reading produced. They may make nonsense of the text; the document is
-// read to its end all the same, within bounds.
+// Saved states that no reading produced. The text may become nonsense; the document is still read
+// to its end, within bounds.
 #include "tests/module/bench.h"
 #include "tests/module/rich_documents.h"
 
@@ -24,7 +24,7 @@ protected:
         start = host.place();
     }
 
-    // Reads on from the body's start with the state, to the end.
+    // Reads from the body's start with the state to the end.
     void read_with(const std::vector<uint8_t> &state)
     {
         for (const bool stop : {false, true}) {

@@ -98,7 +98,7 @@ TEST(FormatDetection, WriteDocumentsGetAGenerationToo)
     EXPECT_EQ(detect(document).type, format_professional_write_1);
 }
 
-TEST(FormatDetection, MagicIsExactInCaseAndPlace)
+TEST(FormatDetection, MagicIsExactInCaseAndOffset)
 {
     expect_unknown(blank_document(1100, {{9, "gerbildoc"}}));
     expect_unknown(blank_document(1100, {{9, "GERBILDOc"}}));
@@ -107,7 +107,7 @@ TEST(FormatDetection, MagicIsExactInCaseAndPlace)
     expect_unknown(blank_document(1100, {{10, "GERBILDOC"}}));
 }
 
-TEST(FormatDetection, SignatureIsExactInCaseBlanksAndPlace)
+TEST(FormatDetection, SignatureIsExactInCaseSpacesAndOffset)
 {
     expect_unknown(signed_file("IBM  x"));
     expect_unknown(signed_file("IBM"));

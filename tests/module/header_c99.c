@@ -1,5 +1,5 @@
-/* The public header compiles alone as C99, first in its file and twice, and what it expands
- * in place works from C. */
+/* The public header compiles alone as C99, first in its file and twice, and its inline functions
+ * work from C. */
 #include "vs_pfs.h"
 
 #include "tests/module/header_languages.h"

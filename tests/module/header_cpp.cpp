@@ -29,7 +29,7 @@ TEST(PublicHeader, HasTheSameRecordsInBothLanguages)
     EXPECT_EQ(sizeof(VwTabStop), 12U);
 }
 
-TEST(PublicHeader, BlockFileOperationsStandInTheirSlots)
+TEST(PublicHeader, BlockFileOperationsAreInTheirSlots)
 {
     constexpr std::size_t slot = sizeof(VwRoutine);
     EXPECT_EQ(offsetof(VwBlockFile, close), 0 * slot);

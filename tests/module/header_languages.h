@@ -1,4 +1,4 @@
-/* What the two halves of the test of the public header share. */
+/* Shared by the two halves of the public header's test. */
 #ifndef HEADER_LANGUAGES_H
 #define HEADER_LANGUAGES_H
 

@@ -1,4 +1,4 @@
-// Header and footer lines: their order, their blocks, and the ends that a stop leaves owed.
+// Header and footer lines: their order, their blocks, and the ends that a stop leaves pending.
 #include "tests/module/bench.h"
 
 #include "vs_pfs/formatting.h"
@@ -130,7 +130,7 @@ TEST_F(HeadersFooters, AllFourLines)
     EXPECT_EQ(pending(), 0);
 }
 
-TEST_F(HeadersFooters, AStopAtTheLastLineEndLeavesTheBlockEndOwed)
+TEST_F(HeadersFooters, AStopAtTheLastLineEndLeavesTheBlockEndPending)
 {
     document({{header_1, "Top"}});
     bench->state().headerAttrs = 0x03;
@@ -168,7 +168,7 @@ TEST_F(HeadersFooters, AStopInTheFooter)
     EXPECT_EQ(pending(), 0);
 }
 
-TEST_F(HeadersFooters, TheOwedEndKeepsThePlace)
+TEST_F(HeadersFooters, ThePendingEndKeepsThePosition)
 {
     document({{header_1, "Top"}});
     bench->checker.expect_foreign_state();
@@ -232,7 +232,7 @@ TEST_F(HeadersFooters, TheTextIsNotDecoded)
                                    "1 0 | ' ' | 13 1 0 | 13 7 0"));
 }
 
-TEST_F(HeadersFooters, ALineMayBeAsLongAsItsByteSays)
+TEST_F(HeadersFooters, ALineMayBeAsLongAsItsLengthByte)
 {
     document({});
     bench->saved().hfPending = 0x02;
@@ -313,7 +313,7 @@ TEST_F(HeadersFooters, AStopSurvivesSaveAndRestore)
     EXPECT_EQ(whole.reads, 4U);
 }
 
-// A reader is handed the stream and makes it the instance's, for the texts stand elsewhere in it.
+// A reader is given the stream and makes it the instance's, since the texts are elsewhere in it.
 TEST(HeadersFootersStream, IsTheOneThatTheReaderIsGiven)
 {
     for (const auto reader :
@@ -329,7 +329,7 @@ TEST(HeadersFootersStream, IsTheOneThatTheReaderIsGiven)
     }
 }
 
-// What is saved by a routine that asks for the state while a block is being opened.
+// The state as saved by a routine while a block is being opened.
 VwInstance *asked = nullptr;
 std::vector<int> reader_flags;
 
@@ -354,7 +354,7 @@ extern "C" int32_t note_at_block_kind(int32_t, int32_t, uint32_t, uint32_t)
     return 0;
 }
 
-TEST_F(HeadersFooters, ABlockIsMarkedOpenBeforeTheHostIsTold)
+TEST_F(HeadersFooters, ABlockIsMarkedOpenBeforeItIsReported)
 {
     for (const int first_line : {header_1, footer_1}) {
         document({{first_line, "One"}});

@@ -31,7 +31,7 @@ TEST(SavedStateLayout, HoldsTheFieldsInTheirOrder)
     EXPECT_EQ(sizeof(FilterState), 380U);
 }
 
-TEST(GetData, BeginsWithThePlaceOfTheBodyAndHoldsTheTabStops)
+TEST(GetData, BeginsWithTheBodysOffsetAndHoldsTheTabStops)
 {
     // Bit-form ruler: 0x05 in its third byte marks columns 16 and 18.
     RecordingHost host(choice_document('3', bytes("0E"), {{366 + 2, "\x05"}}));
@@ -98,7 +98,7 @@ TEST(UnregisteredBreakRoutine, EndsEachReadAtTheFirstParagraphEnd)
     EXPECT_TRUE(matches(after_announcements(host.read()), "'Three'"));
 }
 
-TEST(Resuming, GoesOnFromARememberedPlaceInTheSameInstance)
+TEST(Resuming, ContinuesFromASavedPositionInTheSameInstance)
 {
     RecordingHost host(write_document(2, three_paragraphs));
     ASSERT_EQ(host.open(), 0);
@@ -110,7 +110,7 @@ TEST(Resuming, GoesOnFromARememberedPlaceInTheSameInstance)
     EXPECT_EQ(text_of(host.read_all()), text_of(rest));
 }
 
-TEST(Resuming, GoesOnFromARememberedPlaceInASecondInstance)
+TEST(Resuming, ContinuesFromASavedPositionInASecondInstance)
 {
     const std::string document = write_document(2, three_paragraphs);
     RecordingHost host(document);
@@ -139,8 +139,8 @@ TEST(Instances, AreReadSideBySide)
     EXPECT_TRUE(matches(after_announcements(other.read()), "'B' | 46 1 240 0 0 | 13 1 0"));
 }
 
-// What one document has left behind must not show in the next one that the instance opens,
-// even where its stream comes to lie in the same place.
+// One document must not affect the next one that the instance opens, even if its stream has the
+// same address.
 TEST(Instances, AreOpenedAgainWithoutATrace)
 {
     const std::string hostile =

@@ -1,5 +1,5 @@
-/* Loads the built module the way a host does, resolves everything in it at once, and asks it
- * one question through its table of entry points.
+/* Loads the built module as a host does, resolves all its symbols at once, and makes one query
+ * through its table of entry points.
  *   load_test MODULE */
 #include "vs_pfs.h"
 

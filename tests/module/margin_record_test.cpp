@@ -38,7 +38,7 @@ TEST(MarginsFontRecord, TypeOneSetsTheMargins)
     expect_record("05 01 0B 47 'text'", 10, 70, 4);
 }
 
-TEST(MarginsFontRecord, OtherTypesAreSkippedWhole)
+TEST(MarginsFontRecord, OtherTypesAreSkippedCompletely)
 {
     expect_record("08 02 'AAAAA' 'text'", 1000, 2000, 7);
     expect_record("08 00 'AAAAA' 'text'", 1000, 2000, 7);

@@ -111,7 +111,7 @@ Calls read_whole(const std::string &document)
     return host.read_all();
 }
 
-// Calls without what a stop may add or leave out: announcements, and indents set to none.
+// Calls without those that a stop may add or omit: announcements, and indents set to none.
 Calls without_resets(const Calls &calls)
 {
     Calls kept;
@@ -242,8 +242,7 @@ TEST_P(AnyDocument, EndsWhenTheFilesOperationsFail)
 
 TEST_P(AnyDocument, KeepsTheStreamsPositionRightAtEveryCall)
 {
-    // The position never goes back from one body call to the next, and ends behind the end
-    // byte.
+    // The position never decreases from one body call to the next, and ends after the end byte.
     RecordingHost host(GetParam().bytes);
     ASSERT_EQ(host.open(), 0);
     host.read_all();

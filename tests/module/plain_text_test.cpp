@@ -1,6 +1,6 @@
-// Runs of plain text: which bytes belong to one, and what a host sees and may change between
-// two of its characters. That a run reports what its characters would report one by one is
-// compared in tests/model, and over buffers of a few bytes in tests/robustness.
+// Runs of plain text: which bytes belong to one, and what a host sees and may change between two of
+// its characters. tests/model checks that a run reports what its characters would one by one, as
+// does tests/robustness with buffers of a few bytes.
 #include "tests/module/bench.h"
 #include "vs_pfs/line_readers/line_text.h"
 
@@ -13,7 +13,7 @@ using namespace vs_pfs;
 
 constexpr int longest_run = 45; // several words of eight bytes, and a rest
 
-// A bench whose whole text lies in the buffer.
+// A bench whose whole text is in the buffer.
 class Buffered : public Bench {
 public:
     explicit Buffered(std::string text) : Bench(std::move(text))
@@ -36,7 +36,7 @@ TEST(PlainText, BytesFromTheSpaceToSevenF)
     }
 }
 
-TEST(PlainText, CountsUpToAnyOtherByteAtAnyPlace)
+TEST(PlainText, CountsUpToAnyOtherByteAtAnyPosition)
 {
     for (int byte = 0; byte < 256; ++byte) {
         for (int position = 0; position < longest_run; ++position) {
@@ -61,8 +61,8 @@ TEST(PlainText, CountsToTheEndOfTheBuffer)
     }
 }
 
-// Long runs are looked at in blocks of 64 bytes. 0x20 and 0x7F are next to what is not plain.
-TEST(PlainText, RunsEndBeforeAnyOtherByteAtAnyPlace)
+// Long runs are scanned in blocks of 64 bytes. 0x20 and 0x7F are next to bytes that are not plain.
+TEST(PlainText, RunsEndBeforeAnyOtherByteAtAnyPosition)
 {
     for (const char byte : {'\0', '\r', '\x1F', '*', '\x80', '\xFF'}) {
         for (std::size_t position = 1; position < 200; ++position) {
@@ -82,7 +82,7 @@ TEST(PlainText, RunsEndBeforeAnyOtherByteAtAnyPlace)
     }
 }
 
-TEST(PlainText, CountsNothingBehindTheData)
+TEST(PlainText, CountsNothingPastTheData)
 {
     Bench bench("a");
     EXPECT_EQ(count_plain(bench.stream, space), 0) << "nothing is buffered yet";
@@ -166,7 +166,7 @@ protected:
     int16_t column = 0;
 };
 
-TEST_F(WatchedRun, EachCharacterIsToldAtItsOwnPlace)
+TEST_F(WatchedRun, EachCharacterIsReportedAtItsOwnPosition)
 {
     watched.last_of_first = 0;
     put_all();

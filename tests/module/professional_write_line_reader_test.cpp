@@ -78,7 +78,7 @@ TEST(ProfessionalWriteLineReader, ASoftEndIsASpaceEvenAfterASpace)
     EXPECT_TRUE(matches(text("00 'text' 00 'more' 0E"), "'text more' | 13 2 0"));
 }
 
-TEST(ProfessionalWriteLineReader, TheLinesOwnTypeSaysHowItEnds)
+TEST(ProfessionalWriteLineReader, TheLinesOwnTypeDecidesHowItEnds)
 {
     EXPECT_TRUE(matches(text("00 'a' 01 'b' 00 'c' 0E"), "'a' | " + single_spacing + "' ' | " +
                                                              single_spacing +
@@ -123,7 +123,7 @@ TEST(ProfessionalWriteLineReader, TheLastIndentIsRememberedOverReads)
                         single_spacing + "'ghi' | " + single_spacing + "13 1 0"));
 }
 
-TEST(ProfessionalWriteLineReader, AnEqualLeftIndentIsToldAgain)
+TEST(ProfessionalWriteLineReader, AnEqualLeftIndentIsReportedAgain)
 {
     EXPECT_TRUE(matches(text("01 ' a' 00 ' b' 0E"),
                         single_spacing + "'a' | 7 144 0 144 | 13 1 0 | 'b' | 13 2 0"));
@@ -155,7 +155,7 @@ TEST(ProfessionalWriteLineReader, ALineOfSpacesIsSpecialCharacters)
     EXPECT_TRUE(matches(text("00 '   ' 00 0E"), "*'   ' | 13 1 0 | 13 2 0"));
 }
 
-TEST(ProfessionalWriteLineReader, ABlankLineDropsTheFirstLinesIndent)
+TEST(ProfessionalWriteLineReader, ALineOfSpacesDropsTheFirstLinesIndent)
 {
     EXPECT_TRUE(matches(text("00 '  aaa' 00 00 0E"), "'aaa ' | 13 1 0 | 13 2 0"));
 }
@@ -217,7 +217,7 @@ TEST(ProfessionalWriteLineReader, AttributesStayOverALineEnd)
 
 TEST(ProfessionalWriteLineReader, LeadingSpacesHaveSixteenBits)
 {
-    // A negative count is no indent, but it is another than the last: -25536 columns.
+    // A negative count is not an indent, but it differs from the last: -25536 columns.
     EXPECT_TRUE(matches(text("01 ' 'x40000 'a' 00 0E"),
                         single_spacing + "'a' | 7 -3677184 0 -3677184 | 13 1 0 | 13 2 0"));
     EXPECT_TRUE(matches(text("01 ' 'x40000 00 0E"), single_spacing + "13 1 0 | 13 2 0"));
@@ -230,7 +230,7 @@ TEST(ProfessionalWriteLineReader, ASecondTwoSuppressesTheRestOfTheLine)
     EXPECT_TRUE(matches(text("02 'ab' 02 'cd' 00 0E"), "'ab ' | 13 2 0"));
 }
 
-TEST(ProfessionalWriteLineReader, AThreeSuppressesTooAndTellsItsSpacing)
+TEST(ProfessionalWriteLineReader, AThreeSuppressesTooAndReportsItsSpacing)
 {
     EXPECT_TRUE(
         matches(text("02 'ab' 03 'cd' 00 0E"), "'ab' | " + double_spacing + "' ' | 13 2 0"));
@@ -347,7 +347,7 @@ TEST(ProfessionalWriteLineReader, TwoRecordsInALine)
     EXPECT_TRUE(matches(text("00 07 03 02 07 05 01 02 03 ' a' 0E"), "' a' | 13 2 0"));
 }
 
-TEST(ProfessionalWriteLineReader, ARecordMayStandWhereATypeByteDoes)
+TEST(ProfessionalWriteLineReader, ARecordMayReplaceATypeByte)
 {
     // Opening has read the record already; here it is read again, as text.
     Bench bench(write_document(4, bytes("07 05 01 0B 47 ' b' 0E")));

@@ -1,5 +1,4 @@
-// One document of each kind that uses what its kind can do, for tests that must hold of any
-// document.
+// One document of each kind with all its features, for tests that must hold for any document.
 #pragma once
 
 #include <ostream>
@@ -13,7 +12,7 @@ struct NamedDocument {
     std::string bytes;
 };
 
-// For the list of tests, which would show the record's bytes.
+// For the list of tests, which would show the structure's bytes.
 inline void PrintTo(const NamedDocument &document, std::ostream *stream)
 {
     *stream << document.name;

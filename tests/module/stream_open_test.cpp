@@ -131,7 +131,7 @@ TEST(StreamOpenChoice, LeavesTheStreamAtTheBodyWhateverTheHeaderHolds)
     }
 }
 
-TEST(StreamOpenChoice, SetsPlacesAndFlags)
+TEST(StreamOpenChoice, SetsOffsetsAndFlags)
 {
     Bench bench(choice_document('2', "body"));
     ASSERT_TRUE(bench.opens());
@@ -153,7 +153,7 @@ TEST(StreamOpenChoice, OpensADocumentThatIsCutInItsHeader)
     EXPECT_EQ(VwCharGet(bench.stream), -1);
 }
 
-TEST(StreamOpenWrite, SetsThePlacesOfTheHeaderTexts)
+TEST(StreamOpenWrite, SetsTheOffsetsOfTheHeaderTexts)
 {
     for (int type = 1; type <= 5; ++type) {
         Bench bench(write_document(type, "body"));

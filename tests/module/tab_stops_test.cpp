@@ -1,4 +1,4 @@
-// The table of tab stops as the host hears it.
+// The table of tab stops as reported to the host.
 #include "tests/module/bench.h"
 
 #include "vs_pfs/formatting.h"
@@ -33,7 +33,7 @@ Calls stops(uint16_t count, uint16_t column = 0, uint8_t kind = 0)
     return bench.take();
 }
 
-TEST(PutTabStops, FortyFiveStopsAreToldAsThirty)
+TEST(PutTabStops, OfFortyFiveStopsThirtyAreReported)
 {
     std::string expected = "8";
     for (int i = 0; i < 30; ++i) {
@@ -44,7 +44,7 @@ TEST(PutTabStops, FortyFiveStopsAreToldAsThirty)
     EXPECT_TRUE(matches(stops(31), expected + " | 9"));
 }
 
-TEST(PutTabStops, TwentyNineStopsAreAllTold)
+TEST(PutTabStops, TwentyNineStopsAreAllReported)
 {
     EXPECT_EQ(stops(29).size(), 31U);
 }

@@ -37,7 +37,7 @@ std::string lower_case(std::string text)
     return text;
 }
 
-TEST(GetCommand, ReturnsEachKeywordsPlaceInTheTable)
+TEST(GetCommand, ReturnsEachKeywordsIndexInTheTable)
 {
     for (std::size_t i = 0; i < keywords.size(); ++i) {
         const Keyword read = keyword(std::string(keywords[i]) + "rest");
@@ -75,7 +75,7 @@ TEST(GetCommand, TheTerminatorBelongsToTheKeyword)
     for (std::size_t i = 0; i < keywords.size(); ++i) {
         std::string other = keywords[i];
         other.back() = other.back() == '*' ? ' ' : '*';
-        // "JUSTIFY*" and its like are no keywords; no two differ in the terminator alone.
+        // "JUSTIFY*" and the like are not keywords; no two differ only in the terminator.
         EXPECT_EQ(keyword(other).code, 0) << other;
     }
 }
@@ -113,7 +113,7 @@ TEST(GetCommand, FindsNothingAtTheEndOfTheData)
     EXPECT_EQ(keyword("JUSTIFY").code, 0);
 }
 
-// What PfsTextCommand makes of the text after an asterisk.
+// How PfsTextCommand reads the text after an asterisk.
 struct Outcome {
     int32_t result;
     uint32_t position;
@@ -209,7 +209,7 @@ TEST(TextCommand, OneWordCommandsAreOnlyEchoed)
     }
 }
 
-TEST(TextCommand, AWordThatOnlyBeginsWithAKeywordIsNone)
+TEST(TextCommand, AWordThatOnlyBeginsWithAKeywordIsNotOne)
 {
     expect_no_command("NEWPAGE*");
     expect_no_command("PRINTERXY*");
@@ -217,7 +217,7 @@ TEST(TextCommand, AWordThatOnlyBeginsWithAKeywordIsNone)
     expect_no_command("CENTERED*");
 }
 
-TEST(TextCommand, AControlByteInTheKeywordMakesItNone)
+TEST(TextCommand, AControlByteInTheKeywordMakesItText)
 {
     for (const char *control : {"0E", "00", "01", "02", "03", "07"}) {
         expect_no_command(bytes(control) + "N*");
@@ -254,7 +254,7 @@ TEST(TextCommand, TheColumnKeepsItsSixteenBits)
     EXPECT_EQ(outcome.column, static_cast<int16_t>(100 + 70004));
 }
 
-TEST(TextCommand, TheEndOfTheDataInAKeywordMakesItNone)
+TEST(TextCommand, TheEndOfTheDataInAKeywordMakesItText)
 {
     expect_no_command("");
     expect_no_command("N");

@@ -1,8 +1,8 @@
-// The lookahead remembers its last scan. Here its answers are compared with those of a scan
-// that remembers nothing and works on the bytes themselves, and its cost is counted in block
-// file reads, over bodies in which each line end's scan runs on for long.
+// The lookahead remembers its last scan. Here its results are compared with those of a scan that
+// remembers nothing and works on the bytes themselves, and its cost is counted in block file reads,
+// over bodies in which each line end's scan is long.
 //
-// VS_PFS_LOOKAHEAD_BODIES chooses how many random and hostile bodies are compared, over both
+// VS_PFS_LOOKAHEAD_BODIES sets how many random and hostile bodies are compared, over both
 // families together, and VS_PFS_LOOKAHEAD_SEED the number of the first.
 #include "tests/module/bench.h"
 #include "vs_pfs/line_readers.h"
@@ -92,7 +92,7 @@ int16_t choice_word_length(const std::string &body, std::size_t position)
                 attribute = bytes.next();
             }
             if (attribute == nothing) {
-                break; // a character that the data cut short is dropped
+                break; // a truncated character is dropped
             }
         }
         if (d == 0x20 && !leading) {
@@ -131,7 +131,7 @@ std::vector<std::size_t> positions_after_line_ends(const std::string &body, cons
     return positions;
 }
 
-// Asks the module at a position as its reader would.
+// Queries the module at a position as its reader would.
 bool module_says_hard(Bench &bench, const Family &family, std::size_t position, int16_t column)
 {
     VwCharSeek(bench.stream, static_cast<uint32_t>(position), 0);
@@ -164,7 +164,7 @@ void expect_same_answers(const std::string &body, const Family &family,
     }
 }
 
-// With whole buffers, in which words are looked at, and with small ones, past which they run.
+// With whole buffers, which contain the words, and with small ones, which the words exceed.
 void expect_same_answers(const std::string &body, const Family &family,
                          const std::vector<std::size_t> &positions, int16_t column,
                          int16_t right_margin)
@@ -182,7 +182,7 @@ std::string random_body(std::mt19937 &random, const std::string &alphabet, std::
     return body;
 }
 
-// Of a few tokens only, so that the one that would end a scan is often not among them.
+// From a few tokens only, so that the one that would end a scan is often missing.
 std::string hostile_body(std::mt19937 &random, std::vector<std::string> tokens, std::size_t size)
 {
     std::shuffle(tokens.begin(), tokens.end(), random);
@@ -200,13 +200,13 @@ std::string any_body(std::mt19937 &random, const Family &family)
     if (random() % 2 == 0) {
         return hostile_body(random, family.tokens, size);
     }
-    // Leaving out one byte value at a time lets scans run on for longer.
+    // Omitting one byte value at a time makes scans longer.
     std::string alphabet = family.alphabet;
     alphabet.erase(random() % alphabet.size(), 1);
     return random_body(random, alphabet, size);
 }
 
-// Mostly where the words' lengths are; else any, negative ones included.
+// Mostly near the words' lengths; otherwise any, including negative ones.
 int16_t any_margin(std::mt19937 &random)
 {
     return static_cast<int16_t>(random() % 8 == 0 ? random() : random() % 260);
@@ -240,7 +240,7 @@ TEST_P(WordLookahead, AnswersRandomHostileBodiesAsThePlainScanDoes)
     EXPECT_GT(line_ends, bodies);
 }
 
-TEST_P(WordLookahead, AnswersRightWhateverTheOrderOfPlaces)
+TEST_P(WordLookahead, IsRightWhateverTheOrderOfPositions)
 {
     const Family &family = *GetParam();
     std::mt19937 random(7);
@@ -284,7 +284,7 @@ TEST_P(WordLookahead, CountsWordsInSixteenBitsThatWrap)
     }
 }
 
-// Reads a body and asks at each line end, as a reader does. The reads that it took.
+// Reads a body and queries at each line end, as a reader does. Returns the number of reads.
 unsigned reads_of(const std::string &body, const Family &family)
 {
     Bench bench(body);
@@ -311,7 +311,7 @@ TEST_P(WordLookahead, ReadsProseOnceAlthoughWordsLieAcrossTheBuffersEnd)
         body += word + (line_length < 60 ? ' ' : family.line_ends[0]);
         line_length = line_length < 60 ? line_length : 0;
     }
-    // The buffer begins anew before a word that is likely to run past its end.
+    // The buffer is refilled before a word that is likely to run past its end.
     const std::size_t least_used = VW_STREAM_BUFFER_SIZE - vs_pfs::common_word_length;
     EXPECT_LE(reads_of(body, family), body.size() / least_used + 1);
 }
@@ -322,12 +322,12 @@ TEST_P(WordLookahead, CostsThreeReadsOfEachBlockHoweverLongTheWord)
     const std::string body = endless_word(family, 200000);
     const unsigned reads = reads_of(body, family);
     const unsigned once = static_cast<unsigned>(body.size() / VW_STREAM_BUFFER_SIZE);
-    // One for the scan; and one for the reader and one for counting off what it has read.
+    // One for the scan; and one for the reader and one for subtracting what it has read.
     EXPECT_GT(reads, once);
     EXPECT_LE(reads, 3 * once + 10);
 }
 
-TEST_P(WordLookahead, AskedAgainAtTheSamePlaceItReadsNoFurther)
+TEST_P(WordLookahead, QueriedAgainAtTheSamePositionItReadsNothing)
 {
     const Family &family = *GetParam();
     Bench bench(endless_word(family, 10000));
@@ -353,8 +353,8 @@ TEST_P(WordLookahead, ForgetsItsScanWhenADocumentIsOpened)
 INSTANTIATE_TEST_SUITE_P(Families, WordLookahead, ::testing::Values(&write_family, &choice_family),
                          [](const auto &family) { return std::string(family.param->name); });
 
-// A file that delivers other bytes than it did before has no right answer, but the call must
-// come back, with the stream where it was.
+// A file that delivers different bytes than before has no right result, but the call must return,
+// with the stream at its position.
 TEST(WordLookaheadFaults, ComesBackWhenTheFileChangesUnderIt)
 {
     Bench bench(endless_word(write_family, 2000));
@@ -370,8 +370,8 @@ TEST(WordLookaheadFaults, ComesBackWhenTheFileChangesUnderIt)
     module_says_hard(bench, write_family, 3003, 1);
 }
 
-// What is remembered of the word ends now before the position that is asked about: the answer is
-// that of a fresh scan.
+// The remembered word now ends before the position of the query: the result is that of a fresh
+// scan.
 TEST(WordLookaheadFaults, ScansAgainWhereTheRememberedWordIsGone)
 {
     Bench bench(endless_word(write_family, 2000));
@@ -387,8 +387,8 @@ TEST(WordLookaheadFaults, ScansAgainWhereTheRememberedWordIsGone)
     EXPECT_FALSE(module_says_hard(bench, write_family, 3003, 1));
 }
 
-// The remembered scan is followed from its own beginning, the fresh one starts at the position.
-TEST(WordLookaheadFaults, ScansAgainFromThePlaceThatIsAskedAbout)
+// The remembered scan is followed from its own start, the fresh one starts at the position.
+TEST(WordLookaheadFaults, ScansAgainFromThePositionOfTheQuery)
 {
     Bench bench(endless_word(write_family, 2000));
     bench.saved().rightMargin = 60;

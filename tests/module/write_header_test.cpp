@@ -136,9 +136,9 @@ TEST_F(WriteHeader, RulerKindsAreOrdinaryDecimalOrNone)
     EXPECT_EQ(bench->saved().tabPos[3], 0xFFFF);
 }
 
-// The ruler is put into the table before the merge, which writes over its beginning only; a host
+// The ruler is stored in the table before the merge, which overwrites only its beginning; a host
 // that saves the state sees the rest.
-TEST_F(WriteHeader, BehindTheTerminatorTheRulerStays)
+TEST_F(WriteHeader, AfterTheTerminatorTheRulerRemains)
 {
     header(
         2,
@@ -185,7 +185,7 @@ TEST_F(WriteHeader, EqualColumnsStayTwice)
     EXPECT_EQ(stops_of(bench->saved()), "8 8");
 }
 
-TEST_F(WriteHeader, ADecimalStopStandsBeforeAnOrdinaryOneInItsColumn)
+TEST_F(WriteHeader, ADecimalStopComesBeforeAnOrdinaryOneInItsColumn)
 {
     with_ruler({{0, {ordinary, 15}}, {1, {decimal, 15}}});
     EXPECT_EQ(stops_of(bench->saved()), "15. 15");

@@ -1,5 +1,5 @@
-// The reader of PFS: WRITE text, and its lookahead. What is different in Writing Assistant is
-// in writing_assistant_test.cpp.
+// The reader of PFS: WRITE text, and its lookahead. writing_assistant_test.cpp tests the
+// differences of Writing Assistant.
 #include "tests/module/bench.h"
 
 #include "vs_pfs/line_readers.h"
@@ -122,7 +122,7 @@ TEST(WriteLineReader, ALineOfSpacesIsMeasuredByItsSpaces)
     EXPECT_TRUE(matches(text("'   ' 0D 'word' 0E", 5, 6), "*'   ' | 'word' | 13 2 0"));
 }
 
-TEST(WriteLineReader, TheSpacesOfAWrappedBlankLineStayTheFirstLinesIndent)
+TEST(WriteLineReader, TheSpacesOfAWrappedLineOfSpacesStayTheFirstLinesIndent)
 {
     EXPECT_TRUE(matches(text("'   ' 0D 'word' 0D 0E", 0, 6),
                         "*'   ' | 'word' | 7 0 0 432 | 13 1 0 | 7 0 0 0 | 13 2 0"));
@@ -155,10 +155,10 @@ TEST(WriteLineReader, IndentsDoNotReachTheNextParagraph)
                         "'c' | 7 288 0 288 | 13 1 0 | 7 0 0 0 | 13 2 0"));
 }
 
-TEST(WriteLineReader, ABlankLineThatEndsHardHasNoIndents)
+TEST(WriteLineReader, ALineOfSpacesWithAHardEndHasNoIndents)
 {
-    // Attributed spaces are a word to the lookahead, so the line before them is wrapped; the
-    // blank line that they are to the reader then drops the paragraph's first indent.
+    // Attributed spaces are a word to the lookahead, so the line before them is wrapped; to the
+    // reader they are a line of spaces, which then drops the paragraph's first indent.
     EXPECT_TRUE(matches(text("'  aaaa' 0D A0 00 A0 00 0D 'cccc' 0D 0E", 0, 7),
                         "'aaaa ' | *'  ' | 13 1 0 | 'cccc' | 13 1 0 | 13 2 0"));
 }
@@ -266,7 +266,7 @@ TEST(WriteLineReader, ACommandIsEchoedAndAdvancesTheColumn)
                         letters(57) + "| *'*C*' | ' bbbbb' | 13 2 0"));
 }
 
-TEST(WriteLineReader, ALineOfACommandIsNotBlank)
+TEST(WriteLineReader, ALineOfACommandIsNotALineOfSpaces)
 {
     EXPECT_TRUE(
         matches(text("'  *N*' 0D 0E"), "3 4 0 | *'*N*' | 7 288 0 288 | 13 1 0 | 7 0 0 0 | 13 2 0"));
@@ -318,7 +318,7 @@ TEST(WriteLineReader, AnswersOtherThanOneGoOn)
 
 // ---------------------------------------------------------------- the lookahead
 
-// Whether the line before `next` ends hard at `column`, by the lookahead alone.
+// Whether the line end before `next` is hard at `column`, by the lookahead alone.
 bool ends_hard(int16_t column, std::string_view next, uint16_t right = 64)
 {
     Bench bench("xyz" + bytes(next));
@@ -364,7 +364,7 @@ TEST(PfsDetermineEnder, APairIsOneCharacter)
     EXPECT_FALSE(ends_hard(60, "C1 00 C2 00 C3 00 C4 00 C5 00 0D"));
 }
 
-TEST(PfsDetermineEnder, ThePairsSecondByteIsNotLookedAt)
+TEST(PfsDetermineEnder, ThePairsSecondByteIsIgnored)
 {
     for (const char *second : {"20", "0D", "0E", "FF"}) {
         EXPECT_TRUE(ends_hard(60, std::string("C1 ") + second + " 'bbb' 0D")) << second;

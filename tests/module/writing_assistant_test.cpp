@@ -1,5 +1,5 @@
-// What the PFS: WRITE reader does in Writing Assistant text only: attribute pairs of another
-// kind, a translation of characters, and a lookahead that does not know of either.
+// What the PFS: WRITE reader does in Writing Assistant text only: a different kind of attribute
+// pairs, a translation of characters, and a lookahead that ignores both.
 #include "tests/module/bench.h"
 
 #include <gtest/gtest.h>
@@ -28,7 +28,7 @@ std::string letters(std::size_t count)
     return "'" + std::string(count, 'a') + "'";
 }
 
-// What Writing Assistant makes of a decoded value.
+// Writing Assistant's translation of a decoded value.
 int translated(int value)
 {
     struct Range {
@@ -139,8 +139,8 @@ TEST(WritingAssistant, TheLookaheadReadsOnOverAReturnThatItTakesForAnAttribute)
                         letters(60) + " | ' ' | 1 128 | 13 1 0 | 'bbbb' | 13 2 0"));
 }
 
-// Many line ends before one long word: each looks ahead at the same word, and each answer is
-// the one that a fresh look gives.
+// Many line ends before one long word: each looks ahead at the same word, and each result is that
+// of a fresh scan.
 TEST(WritingAssistant, LineEndsInARowAgreeWithFreshLooks)
 {
     std::string body;
@@ -151,7 +151,7 @@ TEST(WritingAssistant, LineEndsInARowAgreeWithFreshLooks)
     const Calls calls = text(body + "'b' 0E", 0, 21);
     std::string wanted;
     for (int line = 0; line < 40; ++line) {
-        // Column 1; from here the lookahead counts one for each pair left, and the b.
+        // Column 1; from here the lookahead counts one for each remaining pair, and the b.
         const int word = 39 - line + 1;
         wanted += std::string("1 128 | ") + (1 + word > 21 ? "1 32 |" : "13 1 0 |");
     }

@@ -153,7 +153,7 @@ TEST_P(Faults, InOneSeekChangeNothing)
     });
 }
 
-TEST_P(Faults, InTheTellsChangeNothing)
+TEST_P(Faults, InTheTellOperationsChangeNothing)
 {
     const Calls whole = read_with(document, no_faults(), UINT32_MAX).calls;
     const auto expect_whole = [&](const Plan &plan) {
