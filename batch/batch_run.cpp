@@ -2,6 +2,7 @@
 
 #include "batch/inputs/archive_reader.h"
 #include "batch/interruption.h"
+#include "cli/report.h"
 #include "batch/processes/processors.h"
 #include "batch/sha256.h"
 
@@ -80,15 +81,15 @@ std::optional<uint64_t> count_files(const InputOptions &inputs)
 int report_end(const BatchRequest &request, const BatchRun &run, const Status &fault)
 {
     if (!request.quiet && !run.sandbox_words().empty()) {
-        report_line("sandbox: " + run.sandbox_words());
+        cli::report_line("sandbox: " + run.sandbox_words());
     }
     const bool has_failures = run.tally().failures() > 0;
     if (!request.quiet) {
         const std::string where = request.manifest + (fault ? ".partial" : "");
-        report_line(run.tally().words() + (has_failures || fault ? "; see " + where : ""));
+        cli::report_line(run.tally().words() + (has_failures || fault ? "; see " + where : ""));
     }
     if (fault) {
-        return report_error(*fault);
+        return cli::report("", *fault);
     }
     return has_failures ? some_failed : 0;
 }
@@ -228,20 +229,20 @@ std::string BatchRun::sandbox_words() const
 int run_batch(const BatchRequest &request)
 {
     if (const Status misplaced = check_places(request)) {
-        return report_error(*misplaced);
+        return cli::report("", *misplaced);
     }
     const Result<std::unique_ptr<ForkServer>> server = start_server(request);
     if (!server.ok()) {
-        return report_error(server.error());
+        return cli::report("", server.error());
     }
     watch_interruptions();
     Result<OutputFolder> folder = OutputFolder::open(request.output);
     if (!folder.ok()) {
-        return report_error(folder.error());
+        return cli::report("", folder.error());
     }
     Result<Manifest> manifest = Manifest::open(request.manifest);
     if (!manifest.ok()) {
-        return report_error(manifest.error());
+        return cli::report("", manifest.error());
     }
     const OpenFile stop(::eventfd(0, EFD_CLOEXEC));
     InputOptions options = request.inputs;

@@ -2,7 +2,6 @@
 
 #include "batch/canary.h"
 #include "batch/processes/processors.h"
-#include "cli/format_options.h"
 #include "lib/base/scratch_file.h"
 #include "pfsdoc/output.h"
 
@@ -40,8 +39,8 @@ Exit codes:
   70   a fault of pfsdoc itself, or the sandbox that is required cannot be had
   130  interrupted)";
 
-constexpr double longest_time = 86400;
-constexpr std::size_t most_jobs = 1024;
+constexpr double max_seconds_unless_given = 30;
+constexpr uint64_t max_bytes_unless_given = uint64_t{1} << 30; // of memory, and of an output
 
 SandboxMode sandbox_mode(const std::string &name)
 {
@@ -61,6 +60,37 @@ Status check_scratch_files(const Format &format)
     return file.get() < 0 ? Status(base::scratch_error(errno)) : Status();
 }
 
+// Those that the outputs depend on: a run goes on from one with the same.
+std::string options_that_matter(const cli::Arguments &arguments)
+{
+    const WriterOptions &writer = arguments.writer;
+    std::string words;
+    const auto add = [&words](bool is_given, const std::string &word) {
+        words.append(words.empty() || !is_given ? "" : " ").append(is_given ? word : "");
+    };
+    add(!writer.page_breaks, "--no-page-breaks");
+    add(!writer.headers, "--no-headers");
+    add(writer.commands, "--commands");
+    add(writer.raw_lines, "--raw-lines");
+    add(writer.lines, "--lines");
+    add(writer.wrap.has_value(), "--wrap " + std::to_string(writer.wrap.value_or(0)));
+    add(!arguments.charset.empty(), "--charset " + arguments.charset);
+    add(arguments.max_output.has_value(),
+        "--max-output " + std::to_string(arguments.max_output.value_or(0)));
+    return words;
+}
+
+InputOptions input_options(const cli::Arguments &arguments, SandboxMode mode)
+{
+    InputOptions options;
+    options.paths = arguments.paths;
+    options.list_files = arguments.list_files;
+    options.max_input = arguments.max_input.value_or(options.max_input);
+    options.exclude = arguments.output;
+    options.sandbox = mode;
+    return options;
+}
+
 ProgressForm progress_form(bool quiet)
 {
     if (quiet) {
@@ -73,131 +103,44 @@ ProgressForm progress_form(bool quiet)
 
 BatchCommandLine::BatchCommandLine() : app_(description, "pfsdoc batch")
 {
-    add_files();
-    add_text_options();
-    add_limits();
+    options_.add_to(app_, cli::batch_command);
     add_canary_option(app_);
     app_.footer(examples);
 }
 
-void BatchCommandLine::add_files()
-{
-    app_.add_option("IN", inputs_.paths, "files, folders, and zip and tar archives")
-        ->option_text(" ");
-    app_.add_option("--files-from", inputs_.list_files,
-                    "read names of files from this file, one a line or each with a NUL byte\n"
-                    "behind it; - is standard input")
-        ->option_text("FILE")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    app_.add_option("-o,--output", output_, "the folder to write to; made where it is missing")
-        ->required()
-        ->option_text("OUT");
-    app_.add_option("-t,--to", format_, "the output format; see pfsdoc convert --help")
-        ->required()
-        ->option_text("FORMAT");
-    app_.add_option("--manifest", manifest_, "instead of OUT/manifest.ndjson")->option_text("FILE");
-    app_.add_flag("-q,--quiet", quiet_, "show neither progress nor the sum at the end");
-}
-
-void BatchCommandLine::add_text_options()
-{
-    app_.add_flag("--no-page-breaks", no_page_breaks_, "leave page breaks out");
-    app_.add_flag("--no-headers", no_headers_, "leave header and footer lines out");
-    app_.add_flag("--commands", options_.commands, "show the commands embedded in the text");
-    app_.add_option("--wrap", options_.wrap,
-                    "fill lines to this many columns; 0 gives each paragraph one line")
-        ->option_text("COLUMNS");
-    app_.add_flag("--raw-lines", options_.raw_lines, "end lines where they end in the file")
-        ->excludes("--wrap");
-    app_.add_flag("--lines", options_.lines, "json: one object a line");
-    app_.add_option("--charset", charset_,
-                    "the documents' character set: 437 unless given, 850, ...")
-        ->option_text("NAME");
-}
-
-void BatchCommandLine::add_limits()
-{
-    app_.add_option("-j,--jobs", jobs_, "how many files at a time; one for each processor")
-        ->option_text("NUMBER")
-        ->check(CLI::Range(std::size_t{1}, most_jobs));
-    app_.add_option("--max-input", inputs_.max_input, "leave larger files out: 4GB unless given")
-        ->option_text("SIZE")
-        ->transform(CLI::AsSizeValue(false));
-    app_.add_option("--max-time", max_seconds_, "for each file: 30 unless given")
-        ->option_text("SECONDS")
-        ->check(CLI::Range(0.001, longest_time));
-    app_.add_option("--max-memory", max_memory_, "for each file: 1GB unless given")
-        ->option_text("SIZE")
-        ->transform(CLI::AsSizeValue(false));
-    app_.add_option("--max-output", max_output_, "for each file: 1GB unless given")
-        ->option_text("SIZE")
-        ->transform(CLI::AsSizeValue(false));
-    CLI::Option *mode =
-        app_.add_option("--sandbox", sandbox_, "off, available (as far as it can be had), require")
-            ->option_text("MODE")
-            ->check(CLI::IsMember({"off", "available", "require"}));
-    app_.add_flag("--no-sandbox", no_sandbox_, "the same as --sandbox=off")->excludes(mode);
-    app_.add_option("--module", module_path_,
-                    "the filter module to read with, or \"linked\" for the built-in one")
-        ->option_text("PATH");
-}
-
-std::string BatchCommandLine::options_that_matter() const
-{
-    std::string words;
-    const auto add = [&words](const std::string &word) {
-        words.append(words.empty() ? "" : " ").append(word);
-    };
-    for (const char *flag :
-         {"--no-page-breaks", "--no-headers", "--commands", "--raw-lines", "--lines"}) {
-        if (app_.count(flag) > 0) {
-            add(flag);
-        }
-    }
-    if (options_.wrap) {
-        add("--wrap " + std::to_string(*options_.wrap));
-    }
-    if (!charset_.empty()) {
-        add("--charset " + charset_);
-    }
-    if (app_.count("--max-output") > 0) {
-        add("--max-output " + std::to_string(max_output_));
-    }
-    return words;
-}
-
 Result<ConversionSettings> BatchCommandLine::conversion()
 {
-    const Format *format = find_format(format_);
+    const cli::Arguments &arguments = options_.arguments();
+    const Format *format = find_format(arguments.format);
     if (format == nullptr) {
-        return Error{ErrorKind::usage, "there is no output format \"" + format_ + "\"",
+        return Error{ErrorKind::usage, "there is no output format \"" + arguments.format + "\"",
                      "see pfsdoc convert --help"};
     }
-    if (const Status misfit = cli::check_format_options(app_, *format)) {
+    if (const Status misfit = options_.check_format(*format)) {
         return *misfit;
     }
-    Result<CodePage> page = charset_.empty() ? CodePage::ibm437() : CodePage::named(charset_);
+    Result<CodePage> page = cli::code_page_of(arguments);
     if (!page.ok()) {
         return page.error();
     }
-    Result<Module> module = find_module(module_path_, PFSDOC_LIBRARY_DIRECTORY);
+    Result<Module> module = find_module(arguments.module, PFSDOC_LIBRARY_DIRECTORY);
     if (!module.ok()) {
         return module.error();
     }
     code_page_.emplace(std::move(page.value()));
     module_.emplace(std::move(module.value()));
-    options_.code_page = &*code_page_;
-    options_.page_breaks = !no_page_breaks_;
-    options_.headers = !no_headers_;
-    const ConversionSettings settings{format, options_, &*module_, max_output_};
+    WriterOptions writer_options = arguments.writer;
+    writer_options.code_page = &*code_page_;
+    const ConversionSettings settings{format, writer_options, &*module_,
+                                      arguments.max_output.value_or(max_bytes_unless_given)};
     const Status unfit = check_scratch_files(*format);
     return unfit ? Result<ConversionSettings>(*unfit) : settings;
 }
 
 Result<BatchRequest> BatchCommandLine::request()
 {
-    if (inputs_.paths.empty() && inputs_.list_files.empty()) {
+    const cli::Arguments &arguments = options_.arguments();
+    if (arguments.paths.empty() && arguments.list_files.empty()) {
         return Error{ErrorKind::usage, "there is nothing to be read",
                      "name files, folders or archives; see pfsdoc batch --help"};
     }
@@ -205,21 +148,22 @@ Result<BatchRequest> BatchCommandLine::request()
     if (!settings.ok()) {
         return settings.error();
     }
-    const SandboxMode mode = no_sandbox_ ? SandboxMode::off : sandbox_mode(sandbox_);
+    const SandboxMode mode =
+        arguments.no_sandbox ? SandboxMode::off : sandbox_mode(arguments.sandbox);
+    const double seconds = arguments.max_seconds.value_or(max_seconds_unless_given);
     BatchRequest request;
-    request.inputs = inputs_;
-    request.inputs.exclude = output_;
-    request.inputs.sandbox = mode;
-    request.output = output_;
-    request.manifest = manifest_.empty() ? output_ + "/manifest.ndjson" : manifest_;
-    request.worker = {settings.value(), mode, max_memory_};
-    request.workers = jobs_ != 0 ? jobs_ : std::min(count_processors(), most_jobs);
-    request.max_time =
-        std::chrono::milliseconds(static_cast<int64_t>(std::ceil(max_seconds_ * 1000)));
-    request.recorded = {format_, std::string(settings.value().format->extension),
-                        options_that_matter()};
-    request.progress = progress_form(quiet_);
-    request.quiet = quiet_;
+    request.inputs = input_options(arguments, mode);
+    request.output = arguments.output;
+    request.manifest =
+        arguments.manifest.empty() ? arguments.output + "/manifest.ndjson" : arguments.manifest;
+    request.worker = {settings.value(), mode,
+                      arguments.max_memory.value_or(max_bytes_unless_given)};
+    request.workers = arguments.jobs.value_or(std::min(count_processors(), cli::most_jobs));
+    request.max_time = std::chrono::milliseconds(static_cast<int64_t>(std::ceil(seconds * 1000)));
+    request.recorded = {arguments.format, std::string(settings.value().format->extension),
+                        options_that_matter(arguments)};
+    request.progress = progress_form(arguments.quiet);
+    request.quiet = arguments.quiet;
     return request;
 }
 

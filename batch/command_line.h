@@ -3,12 +3,11 @@
 #pragma once
 
 #include "batch/batch_run.h"
+#include "cli/options.h"
 
 #include <CLI/CLI.hpp>
 
-#include <memory>
 #include <optional>
-#include <string>
 
 namespace pfsdoc::batch {
 
@@ -28,29 +27,10 @@ public:
     Result<BatchRequest> request();
 
 private:
-    void add_files();
-    void add_text_options();
-    void add_limits();
     Result<ConversionSettings> conversion();
-    std::string options_that_matter() const;
 
     CLI::App app_;
-    InputOptions inputs_;
-    std::string output_;
-    std::string manifest_;
-    std::string format_;
-    std::string charset_;
-    std::string module_path_;
-    std::string sandbox_ = "available";
-    WriterOptions options_;
-    bool no_page_breaks_ = false;
-    bool no_headers_ = false;
-    bool no_sandbox_ = false;
-    bool quiet_ = false;
-    std::size_t jobs_ = 0; // 0: one for each processor
-    double max_seconds_ = 30;
-    uint64_t max_memory_ = uint64_t{1} << 30;
-    uint64_t max_output_ = uint64_t{1} << 30;
+    cli::Options options_;
     std::optional<CodePage> code_page_;
     std::optional<Module> module_;
 };

@@ -1,17 +1,13 @@
 #include "batch/interruption.h"
 
-#include "pfsdoc/error.h"
+#include "cli/interruption.h"
 
-#include <array>
 #include <atomic>
-#include <csignal>
 #include <unistd.h>
 
 namespace pfsdoc::batch {
 
 namespace {
-
-constexpr std::array<int, 3> ending_signals = {SIGINT, SIGTERM, SIGHUP};
 
 // A signal may come to any thread.
 std::atomic<bool> interrupted = false;
@@ -28,14 +24,7 @@ void note(int)
 
 void watch_interruptions()
 {
-    struct sigaction action {};
-    action.sa_handler = note;
-    for (const int signal : ending_signals) {
-        struct sigaction before {};
-        if (::sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
-            ::sigaction(signal, &action, nullptr);
-        }
-    }
+    cli::on_ending_signals(note);
 }
 
 bool was_interrupted()

@@ -1,7 +1,5 @@
 #include "batch/progress.h"
 
-#include "lib/base/printable.h"
-
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -109,17 +107,6 @@ void Progress::clear() const
     if (form_ == ProgressForm::bar) {
         put(line_start_over);
     }
-}
-
-int report_error(const Error &error)
-{
-    report_line(error.what + (error.remedy.empty() ? "" : "; ") + error.remedy);
-    return exit_code(error.kind);
-}
-
-void report_line(const std::string &line)
-{
-    put("pfsdoc: " + base::printable(line) + "\n");
 }
 
 } // namespace pfsdoc::batch

@@ -50,8 +50,4 @@ private:
     Clock::time_point shown_ = start_;
 };
 
-// One line on standard error, and the error's exit code.
-int report_error(const Error &error);
-void report_line(const std::string &line);
-
 } // namespace pfsdoc::batch

@@ -1,18 +1,47 @@
-// What programs of this project do with what they were started with, before anything else.
-// Test: tests/command/command_test.cpp.
+// The values of all options of the command line, and what holds for those that are not given.
+// Which command has which of them: option_table.h.
 #pragma once
 
+#include "pfsdoc/writer.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace pfsdoc::cli {
 
-// The arguments without the program's name, in the reverse order in which CLI11 takes them.
-// Names that would be misread are given a path that leads to the same file.
-std::vector<std::string> reversed_arguments(int argument_count, char **arguments);
+inline constexpr std::size_t most_jobs = 1024;
 
-// A standard stream that is closed would give its number to the next file that is opened, and
-// messages would go into a document. The stand-ins fail when they are used.
-void occupy_standard_streams();
+struct Arguments {
+    // "-" is standard input, and as the output standard output.
+    std::string file;               // of the commands for one document
+    std::vector<std::string> paths; // of those for several
+    std::string output;
+    std::string format;
+    std::string charset; // empty: code page 437
+    std::string module;
+    WriterOptions writer; // except its code page
+
+    bool json = false;
+    bool json_lines = false;
+    std::string color = "auto";
+    bool stop = false;   // at every paragraph
+    bool report = false; // list the losses on standard error
+
+    std::vector<std::string> list_files;
+    std::string manifest;
+    bool quiet = false;
+    std::optional<std::size_t> jobs;
+    std::optional<double> max_seconds;
+    // In bytes.
+    std::optional<uint64_t> max_input;
+    std::optional<uint64_t> max_memory;
+    std::optional<uint64_t> max_output;
+
+    std::string sandbox = "available";
+    bool no_sandbox = false;
+};
 
 } // namespace pfsdoc::cli

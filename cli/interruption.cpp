@@ -40,10 +40,10 @@ sigset_t ending_signal_set()
 
 } // namespace
 
-void handle_interruptions()
+void on_ending_signals(void (*handler)(int signal))
 {
     struct sigaction action {};
-    action.sa_handler = end_at_once;
+    action.sa_handler = handler;
     action.sa_mask = ending_signal_set();
     for (const int signal : ending_signals) {
         struct sigaction before {};
@@ -51,6 +51,11 @@ void handle_interruptions()
             ::sigaction(signal, &action, nullptr);
         }
     }
+}
+
+void handle_interruptions()
+{
+    on_ending_signals(end_at_once);
 }
 
 Result<std::unique_ptr<base::FileOutput>> create_interruptible(const std::string &path,

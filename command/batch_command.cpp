@@ -1,5 +1,7 @@
 #include "command/batch_command.h"
 
+#include "cli/report.h"
+#include "command/subcommand.h"
 #include "lib/base/program_directory.h"
 
 #include <cerrno>
@@ -14,31 +16,14 @@ namespace {
 
 constexpr const char *program_name = "pfsdoc-batch";
 
-class BatchCommandLine final : public CommandLine {
-public:
-    const char *name() const override
-    {
-        return batch_command.data();
-    }
-    const char *description() const override
-    {
-        return "Write many documents in another format";
-    }
-    // It was not the first word, so nothing of it can be meant.
-    void add_options(CLI::App &, OptionSet) override {}
-    int run(const CLI::App &) override
-    {
-        return report(
-            "", {ErrorKind::usage, "batch must be the first argument", "see pfsdoc batch --help"});
-    }
-};
+// It was not the first word, so nothing of it can be meant.
+int refuse(const Options &)
+{
+    return report(
+        "", {ErrorKind::usage, "batch must be the first argument", "see pfsdoc batch --help"});
+}
 
 } // namespace
-
-std::unique_ptr<CommandLine> batch_command_line()
-{
-    return std::make_unique<BatchCommandLine>();
-}
 
 int become_batch(char **arguments)
 {
@@ -52,5 +37,13 @@ int become_batch(char **arguments)
                        std::string(program_name) + " cannot be started: " + std::strerror(reason),
                        "install it beside pfsdoc"});
 }
+
+const Subcommand batch_subcommand = {
+    .name = "batch",
+    .description = "Write many documents in another format",
+    .footer = "",
+    .command = batch_command,
+    .run = refuse,
+};
 
 } // namespace pfsdoc::cli

@@ -26,13 +26,18 @@ std::string subject_of(const std::string &file)
     return file.empty() ? "\"\"" : file;
 }
 
-Result<Input> open_input(const DocumentRequest &request)
+bool writes_to_standard_output(const Arguments &arguments)
 {
-    if (is_same_file(request.file, request.output)) {
+    return arguments.output.empty() || arguments.output == "-";
+}
+
+Result<Input> open_input(const Arguments &arguments)
+{
+    if (is_same_file(arguments.file, arguments.output)) {
         return Error{ErrorKind::usage, "would be replaced by its own output",
                      "name another file with -o"};
     }
-    Result<std::unique_ptr<ByteSource>> source = open_source(request.file);
+    Result<std::unique_ptr<ByteSource>> source = open_source(arguments.file);
     if (!source.ok()) {
         return source.error();
     }
@@ -40,26 +45,26 @@ Result<Input> open_input(const DocumentRequest &request)
     if (!identity.ok()) {
         return identity.error();
     }
-    const Result<Module> module = find_module(request.module, PFSDOC_LIBRARY_DIRECTORY);
+    const Result<Module> module = find_module(arguments.module, PFSDOC_LIBRARY_DIRECTORY);
     if (!module.ok()) {
         return module.error();
     }
     return Input{std::move(source.value()), identity.value(), module.value()};
 }
 
-Result<std::unique_ptr<base::FileOutput>> make_output(const DocumentRequest &request)
+Result<std::unique_ptr<base::FileOutput>> make_output(const Arguments &arguments)
 {
-    return create_interruptible(request.output, request.max_output);
+    return create_interruptible(arguments.output, arguments.max_output.value_or(UINT64_MAX));
 }
 
-Status settle(base::FileOutput &output, const Status &fault)
+Status finish(base::FileOutput &output, const Status &failure)
 {
-    if (!reading::is_read_to_end(fault)) {
+    if (!reading::is_read_to_end(failure)) {
         output.flush();
-        return fault;
+        return failure;
     }
     const Status unwritten = output.commit();
-    return unwritten ? unwritten : fault;
+    return unwritten ? unwritten : failure;
 }
 
 } // namespace pfsdoc::cli

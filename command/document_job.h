@@ -1,9 +1,9 @@
 // What every command that reads one document begins and ends with: the document recognised and
-// the module found, then the output made, and at last put in its place. Test:
+// the module found, then the output made, and at last committed. Test:
 // tests/command/command_test.cpp.
 #pragma once
 
-#include "command/commands.h"
+#include "cli/arguments.h"
 #include "lib/base/file_output.h"
 #include "pfsdoc/identify.h"
 #include "pfsdoc/module.h"
@@ -20,16 +20,17 @@ struct Input {
     Module module;
 };
 
-// Refuses a document that the request's output would replace.
-Result<Input> open_input(const DocumentRequest &request);
+// Refuses a document that its output would replace.
+Result<Input> open_input(const Arguments &arguments);
 
 // To be made last: nothing that is wrong with the document may touch it.
-Result<std::unique_ptr<base::FileOutput>> make_output(const DocumentRequest &request);
+Result<std::unique_ptr<base::FileOutput>> make_output(const Arguments &arguments);
 
-// Puts the output in its place if all went well, or as well as it can with a document that is
-// not whole. What has gone to standard output before any other error is out; a named file is
-// not made.
-Status settle(base::FileOutput &output, const Status &fault);
+// Commits the output if all went well, or as well as it can with a document that is not whole.
+// What has gone to standard output before any other error is out; a named file is not made.
+Status finish(base::FileOutput &output, const Status &failure);
+
+bool writes_to_standard_output(const Arguments &arguments);
 
 // A file as a message names it.
 std::string subject_of(const std::string &file);

@@ -1,7 +1,7 @@
 // pfsdoc explain: every byte of a document with what it was read as.
-#include "command/commands.h"
-
+#include "cli/report.h"
 #include "command/document_job.h"
+#include "command/subcommand.h"
 #include "lib/explain/explain_json.h"
 #include "lib/explain/explain_text.h"
 #include "pfsdoc/explain.h"
@@ -14,27 +14,33 @@ namespace pfsdoc::cli {
 
 namespace {
 
+using explaining::Colours;
+
+constexpr const char *footer =
+    R"(One span of the file a line: position, bytes, characters, and what they were read as.
+
+Examples:
+  pfsdoc explain LETTER | less
+  pfsdoc explain --json LETTER | grep '"line_end":"soft"')";
+
 // Colours are for people who look at a terminal and have not asked to be spared.
-explaining::Colours wanted_colours(const ExplainRequest &request)
+Colours wanted_colours(const Arguments &arguments)
 {
-    if (request.colours) {
-        return *request.colours;
+    if (arguments.color != "auto") {
+        return arguments.color == "always" ? Colours::on : Colours::off;
     }
     const char *spared = std::getenv("NO_COLOR");
-    const bool to_standard_output =
-        request.document.output.empty() || request.document.output == "-";
-    const bool shown = to_standard_output && ::isatty(STDOUT_FILENO) == 1;
-    return shown && (spared == nullptr || *spared == '\0') ? explaining::Colours::on
-                                                           : explaining::Colours::off;
+    const bool shown = writes_to_standard_output(arguments) && ::isatty(STDOUT_FILENO) == 1;
+    return shown && (spared == nullptr || *spared == '\0') ? Colours::on : Colours::off;
 }
 
-std::unique_ptr<SpanSink> make_writer(Output &output, const ExplainRequest &request)
+std::unique_ptr<SpanSink> make_writer(Output &output, const Arguments &arguments,
+                                      const CodePage &page)
 {
-    if (request.json) {
-        return std::make_unique<explaining::ExplainJsonWriter>(output, *request.code_page);
+    if (arguments.json) {
+        return std::make_unique<explaining::ExplainJsonWriter>(output, page);
     }
-    return std::make_unique<explaining::ExplainTextWriter>(output, *request.code_page,
-                                                           wanted_colours(request));
+    return std::make_unique<explaining::ExplainTextWriter>(output, page, wanted_colours(arguments));
 }
 
 // Passes on what it gets as long as the output takes it: what is not wanted need not be read.
@@ -57,10 +63,9 @@ private:
     const base::FileOutput &output_;
 };
 
-Status explain_into(base::FileOutput &output, const Input &input, const ExplainRequest &request)
+Status explain_into(base::FileOutput &output, const Input &input, SpanSink &writer)
 {
-    const std::unique_ptr<SpanSink> writer = make_writer(output, request);
-    SpanGuard guard(*writer, output);
+    SpanGuard guard(writer, output);
     try {
         return explain(input.module, *input.source, input.identity.kind, guard);
     } catch (const ReadingStopped &stopped) {
@@ -68,26 +73,39 @@ Status explain_into(base::FileOutput &output, const Input &input, const ExplainR
     }
 }
 
-Status run(const ExplainRequest &request)
+Status explain_file(const Arguments &arguments, const CodePage &page)
 {
-    const Result<Input> input = open_input(request.document);
+    const Result<Input> input = open_input(arguments);
     if (!input.ok()) {
         return input.error();
     }
-    const Result<std::unique_ptr<base::FileOutput>> output = make_output(request.document);
+    const Result<std::unique_ptr<base::FileOutput>> output = make_output(arguments);
     if (!output.ok()) {
         return output.error();
     }
-    const Status fault = explain_into(*output.value(), input.value(), request);
-    return settle(*output.value(), fault);
+    const std::unique_ptr<SpanSink> writer = make_writer(*output.value(), arguments, page);
+    return finish(*output.value(), explain_into(*output.value(), input.value(), *writer));
+}
+
+int run(const Options &options)
+{
+    const Arguments &arguments = options.arguments();
+    const Result<CodePage> page = code_page_of(arguments);
+    if (!page.ok()) {
+        return report("", page.error());
+    }
+    const Status failure = explain_file(arguments, page.value());
+    return failure ? report(subject_of(arguments.file), *failure) : 0;
 }
 
 } // namespace
 
-int run_explain(const ExplainRequest &request)
-{
-    const Status fault = run(request);
-    return fault ? report(subject_of(request.document.file), *fault) : 0;
-}
+const Subcommand explain_subcommand = {
+    .name = "explain",
+    .description = "Tell of every byte of a document what it was read as",
+    .footer = footer,
+    .command = explain_command,
+    .run = run,
+};
 
 } // namespace pfsdoc::cli

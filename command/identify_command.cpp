@@ -1,7 +1,7 @@
 // pfsdoc identify: what files are, one line or one JSON object for each.
-#include "command/commands.h"
-
+#include "cli/report.h"
 #include "command/document_job.h"
+#include "command/subcommand.h"
 #include "lib/base/json_text.h"
 #include "lib/base/printable.h"
 #include "pfsdoc/examine.h"
@@ -9,6 +9,17 @@
 namespace pfsdoc::cli {
 
 namespace {
+
+constexpr int some_failed = 1; // of several files
+
+constexpr const char *footer =
+    R"(Goes on after a file that fails; with several files the exit code is then 1. How sure the
+kind is: certain (signature, plausible header, end mark), likely (no end mark at the end)
+or signature (that alone).
+
+Examples:
+  pfsdoc identify letters/*
+  pfsdoc identify --json letters/* > letters.json)";
 
 // What has been found out about one file.
 struct Finding {
@@ -136,19 +147,21 @@ std::string json_of(const std::string &file, const Error &error)
         .closed();
 }
 
+enum class Form { table, json_array, json_lines };
+
 // Puts one file's findings after the other, in the form that is wanted.
 class Report {
 public:
-    Report(base::FileOutput &output, IdentifyForm form) : output_(output), form_(form)
+    Report(base::FileOutput &output, Form form) : output_(output), form_(form)
     {
-        if (form_ == IdentifyForm::json_array) {
+        if (form_ == Form::json_array) {
             output_.write("[");
         }
     }
 
     void add(const std::string &file, const Result<Finding> &finding)
     {
-        if (form_ != IdentifyForm::table) {
+        if (form_ != Form::table) {
             add_object(finding.ok() ? json_of(file, finding.value())
                                     : json_of(file, finding.error()));
         } else if (finding.ok()) {
@@ -158,7 +171,7 @@ public:
     }
     void finish()
     {
-        if (form_ == IdentifyForm::json_array) {
+        if (form_ == Form::json_array) {
             output_.write("\n]\n");
         }
     }
@@ -166,7 +179,7 @@ public:
 private:
     void add_object(const std::string &object)
     {
-        if (form_ == IdentifyForm::json_lines) {
+        if (form_ == Form::json_lines) {
             output_.write(object + "\n");
             return;
         }
@@ -176,32 +189,48 @@ private:
     }
 
     base::FileOutput &output_;
-    IdentifyForm form_;
+    Form form_;
     bool first_ = true;
 };
 
-} // namespace
-
-int run_identify(const IdentifyRequest &request)
+Form wanted_form(const Arguments &arguments)
 {
-    constexpr int some_failed = 1;
+    if (arguments.json) {
+        return Form::json_array;
+    }
+    return arguments.json_lines ? Form::json_lines : Form::table;
+}
+
+int run(const Options &options)
+{
+    const Arguments &arguments = options.arguments();
     const Result<std::unique_ptr<base::FileOutput>> output = base::FileOutput::create("");
     if (!output.ok()) {
         return report("", output.error());
     }
-    Report findings(*output.value(), request.form);
+    Report findings(*output.value(), wanted_form(arguments));
     int code = 0;
-    for (const std::string &file : request.files) {
+    for (const std::string &file : arguments.paths) {
         const Result<Finding> finding = find_out(file);
         findings.add(file, finding);
         if (!finding.ok()) {
             const int own = report(subject_of(file), finding.error());
-            code = request.files.size() == 1 ? own : some_failed;
+            code = arguments.paths.size() == 1 ? own : some_failed;
         }
     }
     findings.finish();
-    const Status fault = output.value()->commit();
-    return fault ? report("", *fault) : code;
+    const Status failure = output.value()->commit();
+    return failure ? report("", *failure) : code;
 }
+
+} // namespace
+
+const Subcommand identify_subcommand = {
+    .name = "identify",
+    .description = "Tell what files are, one line for each",
+    .footer = footer,
+    .command = identify_command,
+    .run = run,
+};
 
 } // namespace pfsdoc::cli

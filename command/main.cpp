@@ -1,22 +1,19 @@
-// The command pfsdoc: reads the command line and hands over to commands.h. The manual page
-// is docs/man/pfsdoc.1; what is said here and there must agree. Test:
-// tests/command/command_test.cpp.
-#include "cli/arguments.h"
+// The command pfsdoc: finds the subcommand that is called. The manual page is
+// docs/man/pfsdoc.1, which must agree with the help text. Test: tests/command/command_test.cpp.
 #include "cli/interruption.h"
+#include "cli/parse.h"
+#include "cli/program.h"
 #include "command/batch_command.h"
-#include "command/command_line.h"
+#include "command/subcommand.h"
 
 #include <algorithm>
-#include <csignal>
-#include <exception>
-#include <functional>
-#include <memory>
-#include <string>
+#include <optional>
+#include <span>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 namespace {
+
+using namespace pfsdoc::cli;
 
 constexpr const char *description =
     "Reads documents of PFS: WRITE, Professional Write, IBM Writing Assistant\n"
@@ -45,82 +42,49 @@ Exit codes:
   70   a fault of pfsdoc itself, or of its module
   130  interrupted)";
 
-std::vector<std::unique_ptr<pfsdoc::cli::CommandLine>> all_command_lines()
-{
-    std::vector<std::unique_ptr<pfsdoc::cli::CommandLine>> lines;
-    lines.push_back(pfsdoc::cli::identify_command_line());
-    lines.push_back(pfsdoc::cli::text_command_line());
-    lines.push_back(pfsdoc::cli::convert_command_line());
-    lines.push_back(pfsdoc::cli::explain_command_line());
-    lines.push_back(pfsdoc::cli::trace_command_line());
-    lines.push_back(pfsdoc::cli::batch_command_line());
-    return lines;
-}
+constexpr const Subcommand *subcommands[] = {
+    &identify_subcommand, &text_subcommand,  &convert_subcommand,
+    &explain_subcommand,  &trace_subcommand, &batch_subcommand,
+};
 
-// The one that is called. All where the first argument is none: as for help.
-std::vector<std::unique_ptr<pfsdoc::cli::CommandLine>> command_lines_for(const std::string &first)
+// The one of this name; all where there is none, as for the help text. Setting one up takes as
+// long as reading a page.
+std::span<const Subcommand *const> candidates(std::string_view name)
 {
-    std::vector<std::unique_ptr<pfsdoc::cli::CommandLine>> lines = all_command_lines();
-    const auto is_called = [&first](const auto &line) { return line->name() == first; };
-    if (std::any_of(lines.begin(), lines.end(), is_called)) {
-        std::erase_if(lines, std::not_fn(is_called));
-    }
-    return lines;
+    const std::span<const Subcommand *const> all = subcommands;
+    const auto found = std::find_if(all.begin(), all.end(), [name](const Subcommand *subcommand) {
+        return subcommand->name == name;
+    });
+    return found == all.end() ? all : all.subspan(static_cast<std::size_t>(found - all.begin()), 1);
 }
 
 int run(int argument_count, char **arguments)
 {
-    if (argument_count > 1 && std::string_view(arguments[1]) == pfsdoc::cli::batch_command) {
-        return pfsdoc::cli::become_batch(arguments + 1);
+    handle_interruptions();
+    if (argument_count > 1 && std::string_view(arguments[1]) == batch_subcommand.name) {
+        return become_batch(arguments + 1);
     }
     CLI::App app(description, "pfsdoc");
     app.set_version_flag("--version", "pfsdoc " PFSDOC_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(examples);
-    std::vector<std::string> reversed = pfsdoc::cli::reversed_arguments(argument_count, arguments);
-    const pfsdoc::cli::OptionSet wanted = pfsdoc::cli::wanted_options(reversed);
-    const auto command_lines = command_lines_for(reversed.empty() ? "" : reversed.back());
-    for (const auto &line : command_lines) {
-        CLI::App *command = app.add_subcommand(line->name(), line->description());
-        if (std::find(reversed.begin(), reversed.end(), line->name()) != reversed.end()) {
-            line->add_options(*command, wanted);
-        }
+    Options options;
+    const Subcommand *called = nullptr;
+    for (const Subcommand *subcommand : candidates(argument_count > 1 ? arguments[1] : "")) {
+        CLI::App *parser = app.add_subcommand(subcommand->name, subcommand->description);
+        parser->preparse_callback([&options, &called, parser, subcommand](std::size_t) {
+            called = subcommand;
+            parser->footer(subcommand->footer);
+            options.add_to(*parser, subcommand->command);
+        });
     }
-    try {
-        app.parse(std::move(reversed));
-    } catch (const CLI::CallForHelp &) {
-        return pfsdoc::cli::run_print(app.help());
-    } catch (const CLI::CallForVersion &version) {
-        return pfsdoc::cli::run_print(std::string(version.what()) + "\n");
-    } catch (const CLI::ParseError &error) {
-        return pfsdoc::cli::report("",
-                                   {pfsdoc::ErrorKind::usage, error.what(), "see pfsdoc --help"});
-    }
-    const CLI::App &command = *app.get_subcommands().front();
-    const auto called =
-        std::find_if(command_lines.begin(), command_lines.end(),
-                     [&command](const auto &line) { return line->name() == command.get_name(); });
-    return (*called)->run(command);
+    const std::optional<int> ended = parse(app, argument_count, arguments, "see pfsdoc --help");
+    return ended ? *ended : called->run(options);
 }
 
 } // namespace
 
 int main(int argument_count, char **arguments)
 {
-    // A reader that goes away, or a file that may not grow, is an output that cannot be written,
-    // with a message of its own.
-    for (const int signal : {SIGPIPE, SIGXFSZ}) {
-        static_cast<void>(std::signal(signal, SIG_IGN));
-    }
-    pfsdoc::cli::occupy_standard_streams();
-    pfsdoc::cli::handle_interruptions();
-    try {
-        return run(argument_count, arguments);
-    } catch (const std::bad_alloc &) {
-        return pfsdoc::cli::report("", {pfsdoc::ErrorKind::internal, "there is not enough memory",
-                                        "end other programs and try again"});
-    } catch (const std::exception &fault) {
-        return pfsdoc::cli::report("", {pfsdoc::ErrorKind::internal, fault.what(),
-                                        "please report this as a fault of pfsdoc"});
-    }
+    return run_program(run, argument_count, arguments);
 }

@@ -34,6 +34,44 @@ struct DocumentInfo {
     std::string title; // UTF-8 without control characters; may be empty
 };
 
+// The members of WriterOptions that not every format reads.
+enum class WriterOption : unsigned {
+    page_breaks = 1U << 0,
+    headers = 1U << 1,
+    commands = 1U << 2,
+    wrap = 1U << 3,
+    raw_lines = 1U << 4,
+    lines = 1U << 5,
+    offsets = 1U << 6,
+    fold = 1U << 7,
+};
+
+// Any number of them: `WriterOption::wrap | WriterOption::raw_lines`.
+class OptionSet {
+public:
+    constexpr OptionSet() = default;
+    constexpr OptionSet(WriterOption option) : bits_(static_cast<unsigned>(option)) {}
+
+    // True for a set that is empty.
+    constexpr bool has_all(OptionSet others) const
+    {
+        return (bits_ & others.bits_) == others.bits_;
+    }
+    constexpr OptionSet operator|(OptionSet other) const
+    {
+        other.bits_ |= bits_;
+        return other;
+    }
+
+private:
+    unsigned bits_ = 0;
+};
+
+constexpr OptionSet operator|(WriterOption one, WriterOption other)
+{
+    return OptionSet(one) | OptionSet(other);
+}
+
 // Each option is read by the formats that list it, and ignored by the others.
 struct WriterOptions {
     const CodePage *code_page = &CodePage::ibm437(); // outlives the writer
@@ -87,7 +125,7 @@ struct Format {
     std::string_view name;
     std::string_view extension; // without the dot
     std::string_view description;
-    std::string_view options;          // names of the WriterOptions it uses, a space after each
+    OptionSet options;                 // those of WriterOptions that it uses
     MakeWriter make_writer;            // null for a format of events
     MakeEventWriter make_event_writer; // null for all others
     // Whether paragraphs need their source offsets, which cost time.
@@ -95,11 +133,6 @@ struct Format {
     bool is_binary = false; // not to be shown on a terminal
     // The number of temporary files that its writer needs for long documents.
     std::size_t scratch_files = 0;
-
-    bool reads_option(std::string_view option) const
-    {
-        return options.find(std::string(option) + " ") != std::string_view::npos;
-    }
 };
 
 } // namespace pfsdoc

@@ -202,7 +202,8 @@ const Format text_format = {
     .name = "text",
     .extension = "txt",
     .description = "plain text in UTF-8, as the page shows it",
-    .options = "page_breaks headers commands wrap raw_lines ",
+    .options = WriterOption::page_breaks | WriterOption::headers | WriterOption::commands |
+               WriterOption::wrap | WriterOption::raw_lines,
     .make_writer = make_writer,
     .make_event_writer = nullptr,
     .wants_offsets = false,

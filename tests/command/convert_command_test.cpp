@@ -106,6 +106,13 @@ TEST_F(Convert, RefusesOptionsThatTheFormatDoesNotRead)
     expect_failure(run({"convert", "-t", "text", "--wrap", "many", "a.pfs"}), 2, "pfsdoc: ");
 }
 
+// "lines" is a part of "raw_lines", which text reads.
+TEST_F(Convert, TakesNoOptionForAnotherWhoseNameHasItInIt)
+{
+    expect_failure(run({"convert", "-t", "text", "--lines", "a.pfs"}), 2,
+                   "pfsdoc: --lines means nothing for text");
+}
+
 TEST_F(Convert, ListsEveryFormatInItsHelp)
 {
     const std::string help = output_of({"convert", "--help"});

@@ -1,0 +1,213 @@
+#include "cli/option_table.h"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+namespace pfsdoc::cli {
+
+namespace {
+
+constexpr std::size_t most_jobs = 1024;
+constexpr double longest_time = 86400; // seconds
+
+// ------------------------------------------- how an option gets to its value's place -----
+// A path leads to the value: members of Arguments, and of what is inside it.
+
+template <auto... path>
+CLI::Option *flag(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return app.add_flag(entry.names, (arguments.*....*path), entry.help);
+}
+
+// For what is on unless the option turns it off.
+template <auto... path>
+CLI::Option *turn_off(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    bool &value = (arguments.*....*path);
+    return app.add_flag_callback(
+        entry.names, [&value] { value = false; }, entry.help);
+}
+
+template <auto... path>
+CLI::Option *value(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return app.add_option(entry.names, (arguments.*....*path), entry.help)
+        ->option_text(entry.argument);
+}
+
+template <auto... path>
+CLI::Option *required(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return value<path...>(app, entry, arguments)->required();
+}
+
+// One value each time that it is given: what follows is an operand.
+template <auto... path>
+CLI::Option *repeated(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return value<path...>(app, entry, arguments)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+// CLI11's own validator makes its table of units when it is set up, which costs more than all
+// other options together; this one does so for a size that was given.
+std::string bytes_of(std::string size)
+{
+    if (size.find('-') != std::string::npos) {
+        throw CLI::ValidationError(size + " is negative"); // it would wrap around
+    }
+    const std::string problem = CLI::AsSizeValue(false)(size);
+    if (!problem.empty()) {
+        throw CLI::ValidationError(problem);
+    }
+    uint64_t bytes = 0;
+    if (std::from_chars(size.data(), size.data() + size.size(), bytes).ec != std::errc()) {
+        throw CLI::ValidationError(size + " is too large");
+    }
+    return size;
+}
+
+template <auto... path>
+CLI::Option *size(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return value<path...>(app, entry, arguments)->transform(bytes_of);
+}
+
+CLI::Option *color(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return value<&Arguments::color>(app, entry, arguments)
+        ->check(CLI::IsMember({"auto", "always", "never"}));
+}
+
+CLI::Option *jobs(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return value<&Arguments::jobs>(app, entry, arguments)
+        ->check(CLI::Range(std::size_t{1}, most_jobs));
+}
+
+CLI::Option *max_time(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return value<&Arguments::max_seconds>(app, entry, arguments)
+        ->check(CLI::Range(0.001, longest_time));
+}
+
+CLI::Option *sandbox(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return value<&Arguments::sandbox>(app, entry, arguments)
+        ->check(CLI::IsMember({"off", "available", "require"}));
+}
+
+// With a line for each format.
+CLI::Option *format(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    constexpr std::size_t name_width = 10;
+    CLI::Option *option = value<&Arguments::format>(app, entry, arguments);
+    std::string help = entry.help;
+    for (const Format *one : formats()) {
+        std::string name(one->name);
+        name.resize(std::max(name_width, name.size() + 1), ' ');
+        help.append("\n  ").append(name).append(one->description);
+    }
+    return option->description(help);
+}
+
+// ------------------------------------------------------------------------- the table -----
+
+constexpr unsigned one_document = text_command | convert_command | trace_command | explain_command;
+constexpr unsigned converting = text_command | convert_command | batch_command;
+
+using enum WriterOption;
+
+constexpr OptionEntry all_options[] = {
+    {one_document, "FILE", " ", "the document; - is standard input", required<&Arguments::file>},
+    {identify_command, "FILE", "...", "the files; - is standard input",
+     required<&Arguments::paths>},
+    {batch_command, "IN", " ", "files, folders, and zip and tar archives",
+     value<&Arguments::paths>},
+    {batch_command, "--files-from", "FILE",
+     "read names of files from this file, one a line or each\n"
+     "with a NUL byte behind it; - is standard input",
+     repeated<&Arguments::list_files>},
+    {one_document, "-o,--output", "FILE", "write to this file, whole or not at all",
+     value<&Arguments::output>},
+    {batch_command, "-o,--output", "OUT", "the folder to write to; made where it is missing",
+     required<&Arguments::output>},
+    {convert_command, "-t,--to", "FORMAT", "the output format:", format},
+    {batch_command, "-t,--to", "FORMAT", "the output format; see pfsdoc convert --help",
+     required<&Arguments::format>},
+    {batch_command, "--manifest", "FILE", "instead of OUT/manifest.ndjson",
+     value<&Arguments::manifest>},
+    {identify_command, "--json", nullptr, "write an array of JSON objects", flag<&Arguments::json>},
+    {identify_command,
+     "--lines",
+     nullptr,
+     "write JSON objects, one a line",
+     flag<&Arguments::json_lines>,
+     {},
+     "--json"},
+    {explain_command, "--json", nullptr, "write JSON objects, one a line", flag<&Arguments::json>},
+
+    {converting, "--no-page-breaks", nullptr, "leave page breaks out",
+     turn_off<&Arguments::writer, &WriterOptions::page_breaks>, page_breaks},
+    {converting, "--no-headers", nullptr, "leave header and footer lines out",
+     turn_off<&Arguments::writer, &WriterOptions::headers>, headers},
+    {converting, "--commands", nullptr, "show the commands embedded in the text",
+     flag<&Arguments::writer, &WriterOptions::commands>, commands},
+    {converting, "--wrap", "COLUMNS",
+     "fill lines to this many columns; 0 gives each paragraph one line",
+     value<&Arguments::writer, &WriterOptions::wrap>, wrap},
+    {converting, "--raw-lines", nullptr, "end lines where they end in the file",
+     flag<&Arguments::writer, &WriterOptions::raw_lines>, raw_lines, "--wrap"},
+    {convert_command | batch_command, "--lines", nullptr, "one object a line",
+     flag<&Arguments::writer, &WriterOptions::lines>, lines},
+    {convert_command | trace_command, "--offsets", nullptr,
+     "put the position in the file before each event",
+     flag<&Arguments::writer, &WriterOptions::offsets>, offsets},
+    {convert_command | trace_command, "--fold", nullptr,
+     "join characters that follow each other into one line",
+     flag<&Arguments::writer, &WriterOptions::fold>, fold},
+    {trace_command, "--stop", nullptr,
+     "stop at every paragraph, go on from saved states: the same output", flag<&Arguments::stop>},
+    {converting | explain_command, "--charset", "NAME",
+     "the character set of the input: 437 unless given, 850, ...", value<&Arguments::charset>},
+    {convert_command, "--report", nullptr, "list on standard error what the format could not say",
+     flag<&Arguments::report>},
+    {explain_command, "--color", "WHEN", "auto (on a terminal), always or never", color},
+
+    {batch_command, "-q,--quiet", nullptr, "show neither progress nor the sum at the end",
+     flag<&Arguments::quiet>},
+    {batch_command, "-j,--jobs", "NUMBER", "how many files at a time; one for each processor",
+     jobs},
+    {batch_command, "--max-input", "SIZE", "leave larger files out: 4GB unless given",
+     size<&Arguments::max_input>},
+    {batch_command, "--max-time", "SECONDS", "for each file: 30 unless given", max_time},
+    {batch_command, "--max-memory", "SIZE", "for each file: 1GB unless given",
+     size<&Arguments::max_memory>},
+    {batch_command, "--max-output", "SIZE", "for each file: 1GB unless given",
+     size<&Arguments::max_output>},
+    {one_document, "--max-output", "SIZE",
+     "end with code 6 when the output grows larger, such as 64MB", size<&Arguments::max_output>},
+    {batch_command, "--sandbox", "MODE", "off, available (as far as it can be had), require",
+     sandbox},
+    {batch_command,
+     "--no-sandbox",
+     nullptr,
+     "the same as --sandbox=off",
+     flag<&Arguments::no_sandbox>,
+     {},
+     "--sandbox"},
+    {one_document | batch_command, "--module", "PATH",
+     "the filter module to read with, or \"linked\" for the built-in one",
+     value<&Arguments::module>},
+};
+
+} // namespace
+
+std::span<const OptionEntry> option_table()
+{
+    return all_options;
+}
+
+} // namespace pfsdoc::cli
