@@ -72,7 +72,7 @@ void register_size_benchmarks(const Scene &scene);
 void register_letter_benchmarks(const Scene &scene);
 // Resuming at saved positions (resume_benchmarks.cpp).
 void register_resume_benchmarks(const Scene &scene);
-// Text by the reference host, in process (host_benchmarks.cpp).
+// Text by the library, in process (host_benchmarks.cpp).
 void register_host_benchmarks(const Scene &scene);
 // Text by the command, compared with other commands (command_benchmarks.cpp).
 void register_command_benchmarks(const Scene &scene);

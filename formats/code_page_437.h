@@ -1,6 +1,6 @@
 // Code page 437, the character set of all seven kinds and of the IBM PC. Byte 0 is its blank
 // cell; a text's 0x09 is a tab rather than the character that stands there.
-// Tests: tests/host/code_page_test.cpp, tests/builder/code_page_437_test.cpp.
+// Tests: tests/lib/base/code_page_test.cpp, tests/builder/code_page_437_test.cpp.
 #pragma once
 
 #include <array>

@@ -23,19 +23,19 @@ constexpr Attribute announcement_order[] = {
 // Header and footer lines know three attributes.
 constexpr Attribute header_footer_order[] = {{attr_code_2, 2}, {attr_code_4, 4}, {attr_code_3, 3}};
 
-// What comes first of a set of changes, and what may come behind it.
+// The first of a set of changes, and those that may follow it.
 struct Transition {
     Attribute attribute;
-    uint8_t behind;
+    uint8_t rest;
 };
 
 constexpr Transition first_transition(unsigned changed)
 {
-    uint8_t behind = attr_all;
+    uint8_t rest = attr_all;
     for (const Attribute &attribute : transition_order) {
-        behind = static_cast<uint8_t>(behind & ~attribute.bit);
+        rest = static_cast<uint8_t>(rest & ~attribute.bit);
         if ((changed & attribute.bit) != 0) {
-            return {attribute, behind};
+            return {attribute, rest};
         }
     }
     return {};
@@ -69,7 +69,7 @@ void change_attributes(uint8_t newSet, VwInstance *instance)
     while (const int changed = (current ^ newSet) & pending) {
         const Transition &transition = transitions[static_cast<unsigned>(changed)];
         current ^= transition.attribute.bit;
-        pending = transition.behind;
+        pending = transition.rest;
         put_attribute(instance, transition.attribute.code,
                       (current & transition.attribute.bit) != 0);
     }

@@ -13,14 +13,14 @@ inline constexpr int32_t seek_absolute = 0;
 inline constexpr int32_t seek_relative = 1;
 inline constexpr int32_t seek_from_end = 2;
 
-// The next byte's position. Wraps behind the last one that there is.
+// The next byte's position. Wraps after the largest one.
 inline uint32_t position_of(const VwCharStream *stream)
 {
     return static_cast<uint32_t>(int64_t{stream->bufferBase} + stream->bufferLength -
                                  stream->remaining);
 }
 
-// Whether the position is that of a buffered byte, or of the first one behind them.
+// Whether the position is that of a buffered byte, or the first one after them.
 inline bool buffer_reaches(const VwCharStream *stream, uint32_t position)
 {
     return stream->bufferBase <= position && position - stream->bufferBase <= stream->bufferLength;

@@ -1,4 +1,4 @@
-// Recognising a document and reading what stands before, and between, its text.
+// Recognising a document and reading its header, records and rulers.
 #pragma once
 
 #include "vs_pfs/filter_interface.h"
@@ -16,7 +16,7 @@ enum FormatType : uint8_t {
     format_first_choice = 6
 };
 
-// Values of fcVersion. 2 stands for every generation but the third.
+// Values of fcVersion. 2 means every generation but the third.
 inline constexpr uint16_t choice_generation_2 = 2;
 inline constexpr uint16_t choice_generation_3 = 3;
 

@@ -17,7 +17,7 @@ template <typename Function> VwRoutine routine(Function *function)
     return reinterpret_cast<VwRoutine>(function);
 }
 
-// The host's buffer need not be aligned, so every answer is copied in.
+// The host's buffer need not be aligned, so every result is copied in.
 template <typename T> int32_t answer(void *result, const T &value)
 {
     std::memcpy(result, &value, sizeof value);
@@ -37,7 +37,7 @@ int32_t answer_file_ids(void *result)
     return answer(result, ids);
 }
 
-// Fixed answers whose use lies with the host.
+// Fixed values, for the host to use.
 constexpr uint16_t host_size_4 = 400;
 constexpr uint16_t host_size_5 = 440;
 constexpr char build_date[] = "Oct 12 1995";

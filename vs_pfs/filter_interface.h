@@ -200,7 +200,7 @@ inline void put_header_footer_kind(const VwInstance *instance, int32_t kind)
     call_output<VW_SO_HEADER_FOOTER, VwOutput2>(instance, kind, kind, header_footer_type);
 }
 
-// Reports a break and returns the host's answer, which counts after paragraphs only.
+// Reports a break and returns the host's result, which matters after paragraphs only.
 inline int32_t put_break(const VwInstance *instance, VwBreak code)
 {
     return call_output<VW_SO_BREAK, VwOutput2>(instance, code, int32_t{code}, 0);

@@ -6,7 +6,7 @@
 //
 // One call reports one line, so that the host can stop at each line's end. A stop at the
 // last line of a block leaves the close owed; the next call pays it before anything else.
-// The texts stand in the file's header; the stream returns to the body after each.
+// The texts are in the file's header; the stream returns to the body after each.
 //
 // hfPending says what is left to report. Footer line 2 is marked with three bits, which
 // bring both header lines with it: see "footer line 2" in docs/quirks.md.
@@ -65,7 +65,7 @@ void put_line_alignment(const VwInstance *instance, uint8_t align_code)
     }
 }
 
-// Bytes go out as they stand: attributes, commands and translations are the body's. Where
+// Bytes are reported unchanged: attributes, commands and translations are the body's. Where
 // the file is cut short the missing bytes go out as -1.
 void put_line_text(VwInstance *instance, Line line)
 {

@@ -1,5 +1,5 @@
 // The readers of the text, one for each generation. Each reads from the stream's position
-// until the host answers a paragraph end with 1, or to the document's end byte, or to the
+// until the host returns 1 at a paragraph end, or to the document's end byte, or to the
 // end of the data. They always return 0: routine 13 reports the reason for stopping.
 #pragma once
 

@@ -1,7 +1,7 @@
 // Opening a document and handing each read call to the reader of its kind.
 //
-// After open the stream stands at the first byte of the text: at 512 in a First Choice
-// document, after the first form feed at or behind 1024 (and the records that follow it)
+// After open the stream is at the first byte of the text: at 512 in a First Choice
+// document, after the first form feed at or after 1024 (and the records that follow it)
 // in a Write-family one. Test: tests/module/stream_open_test.cpp.
 #include "formats/first_choice.h"
 #include "formats/write_family.h"
@@ -21,7 +21,7 @@ constexpr uint16_t description_flags = 1;
 
 constexpr uint8_t font_value = 24;
 
-// The kind that the host's id names; every unknown id stands for the last one.
+// The kind that the host's id names; every unknown id means the last one.
 const VwFileKind &file_kind(int32_t file_id)
 {
     const VwFileKind *last = std::end(VwPfsOverlayId) - 1;
@@ -47,7 +47,7 @@ void reset(VwCharStream *stream, VwInstance *instance)
     instance->state.saved.fontValue = font_value;
 }
 
-// A header or footer line's text stands behind its length, a byte.
+// A header or footer line's text follows its length byte.
 void set_text_positions(const formats::LineTable &length_offsets, FilterState &state)
 {
     std::transform(length_offsets.begin(), length_offsets.end(), state.hfTextPos,

@@ -3,7 +3,7 @@
 // The words after a '*' are looked up in the table of 18 keywords. A keyword's last
 // character belongs to it: '*' makes it a whole command, a space says that more follows.
 // If the words are a command, its text is echoed to the host up to the closing '*', byte by
-// byte as it stands in the file, and a new-page command is reported as a page break first.
+// byte as stored in the file, and a new-page command is reported as a page break first.
 // If not, the stream goes back to just after the opening '*', which is then plain text.
 //
 // The echo has no length limit: a command that is never closed runs on to the next '*' or
@@ -132,7 +132,7 @@ int32_t PfsTextCommand(VwCharStream *stream, int16_t *column, VwInstance *instan
     const uint32_t start = VwCharTell(stream);
     const Meaning meaning = read_command(stream, instance);
     if (meaning == Meaning::page_break) {
-        put_page_break(instance); // with the stream behind the words that ask for it
+        put_page_break(instance); // with the stream after the command
     }
     VwCharSeek(stream, start, seek_absolute);
     if (meaning == Meaning::no_command) {

@@ -23,7 +23,7 @@ Word load_word(const uint8_t *at)
 }
 
 // Marks, by their highest bits, the bytes that are below `lowest`, above 0x7F or asterisks.
-// Only the first mark counts: what is borrowed for it may mark bytes behind it.
+// Only the first mark counts: borrows for it may mark bytes after it.
 constexpr Word mark_others(Word word, uint8_t lowest)
 {
     const Word below = word - each_byte * lowest;
@@ -43,7 +43,7 @@ uint64_t mark_others_of_block(const uint8_t *at)
     return marks;
 }
 
-// Goes on counting plain bytes behind the first `count` in the buffer.
+// Continues counting plain bytes after the first `count` in the buffer.
 int count_on(const VwCharStream *stream, int count, uint8_t lowest)
 {
     const uint8_t *const bytes = stream->cursor;

@@ -242,7 +242,7 @@ Progress end_line(Reading &reading, Line &line)
     if (line.atLineStart != LineStart::over) {
         put_blank_line(reading, line);
     }
-    // A blank line has a hard end by now, so the second half never decides alone.
+    // A line of spaces has a hard end by now, so the second half never decides alone.
     if (!line.hardEnd && !line.lineBlank) {
         put_character(reading.instance, space);
     }
