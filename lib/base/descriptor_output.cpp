@@ -11,6 +11,8 @@ namespace pfsdoc::base {
 namespace {
 
 constexpr std::size_t buffer_size = 65536;
+// So much is worth a write of its own, and is not copied.
+constexpr std::size_t least_unbuffered = buffer_size / 4;
 
 std::string output_remedy(int error_number)
 {
@@ -59,6 +61,11 @@ void DescriptorOutput::write(std::string_view bytes)
     const std::string_view part =
         over_limit_ ? bytes.substr(0, static_cast<std::size_t>(allowed)) : bytes;
     size_ += part.size();
+    if (part.size() >= least_unbuffered) {
+        flush();
+        hand_on(part);
+        return;
+    }
     buffer_.append(part);
     if (buffer_.size() >= buffer_size) {
         flush();
@@ -67,13 +74,20 @@ void DescriptorOutput::write(std::string_view bytes)
 
 void DescriptorOutput::flush()
 {
-    if (observer_) {
-        observer_(buffer_);
+    if (!buffer_.empty()) {
+        hand_on(buffer_);
+        buffer_.clear();
     }
-    if (error_number_ == 0 && !write_all(descriptor_, buffer_)) {
+}
+
+void DescriptorOutput::hand_on(std::string_view bytes)
+{
+    if (observer_) {
+        observer_(bytes);
+    }
+    if (error_number_ == 0 && !write_all(descriptor_, bytes)) {
         error_number_ = errno;
     }
-    buffer_.clear();
 }
 
 Status DescriptorOutput::failure(const std::string &name) const

@@ -50,6 +50,8 @@ public:
     Status failure(const std::string &name = {}) const;
 
 private:
+    void hand_on(std::string_view bytes);
+
     int descriptor_;
     uint64_t max_bytes_;
     Observer observer_;

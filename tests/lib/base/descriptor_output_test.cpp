@@ -69,6 +69,22 @@ TEST(DescriptorOutput, WritesInOrderWhatItsBufferDoesNotHold)
     EXPECT_EQ(output.size(), expected.size());
 }
 
+TEST(DescriptorOutput, KeepsTheOrderOfPiecesTooLargeToBuffer)
+{
+    const Descriptor file = nameless_file();
+    std::string seen;
+    DescriptorOutput output(file.get(), UINT64_MAX, [&](std::string_view bytes) { seen += bytes; });
+    std::string expected;
+    for (const std::size_t size : {10U, 100000U, 5U, 40000U, 40000U, 7U}) {
+        const std::string text(size, static_cast<char>('a' + expected.size() % 26));
+        output.write(text);
+        expected += text;
+    }
+    output.flush();
+    EXPECT_TRUE(content_of(file) == expected);
+    EXPECT_TRUE(seen == expected);
+}
+
 TEST(DescriptorOutput, ShowsTheObserverWhatItWrites)
 {
     const Descriptor file = nameless_file();
