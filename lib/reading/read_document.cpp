@@ -1,5 +1,7 @@
 #include "lib/reading/read_document.h"
 
+#include "lib/reading/margin_records.h"
+
 #include <algorithm>
 #include <array>
 #include <span>
@@ -16,17 +18,6 @@ bool is_professional_write(DocumentKind kind)
 
 using SessionResult = Result<std::unique_ptr<Session>>;
 
-Status read_stopping(std::span<Session *const> sessions, Stitcher &stitcher,
-                     const ByteSource &source)
-{
-    if (!read_with_stops(sessions, stitcher)) {
-        return Error{ErrorKind::internal, "the module refuses to go back to a saved place", ""};
-    }
-    const auto last = std::find_if(sessions.begin(), sessions.end(),
-                                   [](const Session *session) { return session->ended(); });
-    return check_end(**last, source);
-}
-
 Status read_in_two_sessions(const Module &module, ByteSource &source, DocumentKind kind,
                             Session &session, EventSink &sink, Offsets offsets)
 {
@@ -37,16 +28,32 @@ Status read_in_two_sessions(const Module &module, ByteSource &source, DocumentKi
     }
     Stitcher stitcher(sink, indents_reset(kind));
     const std::array<Session *, 2> sessions = {&session, other.value().get()};
-    return read_stopping(sessions, stitcher, source);
+    if (!read_with_stops(sessions, stitcher)) {
+        return Error{ErrorKind::internal, "the module refuses to go back to a saved place", ""};
+    }
+    return check_end(session.ended() ? session : *other.value(), source);
 }
 
-Status read_following_margins(const ByteSource &source, DocumentKind kind, Session &session,
-                              EventSink &sink)
+Status read_following_margins(const Module &module, ByteSource &source, DocumentKind kind,
+                              EventSink &sink, Offsets offsets)
 {
+    MarginRecordSource record_source(source);
+    BlockFile file(record_source);
+    SessionResult opened = open_session(module, file, kind, offsets);
+    if (!opened.ok()) {
+        return opened.error();
+    }
+    Session &session = *opened.value();
     MarginFollower follower(sink);
     Stitcher stitcher(follower, indents_reset(kind), AnnouncedMargins::passed_on_if_changed);
-    const std::array<Session *, 1> sessions = {&session};
-    return read_stopping(sessions, stitcher, source);
+    MarginStops stops(stitcher, record_source, session);
+    session.section(sink);
+    session.read(stops);
+    while (!session.ended()) {
+        stitcher.resume();
+        session.read(stops);
+    }
+    return check_end(session, source);
 }
 
 Status read_at_once(const ByteSource &source, Session &session, EventSink &sink)
@@ -61,6 +68,9 @@ Status read_at_once(const ByteSource &source, Session &session, EventSink &sink)
 Status read_all(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
                 const ReadOptions &options)
 {
+    if (options.stops == Stops::for_margins && text_changes_margins(kind)) {
+        return read_following_margins(module, source, kind, sink, options.offsets);
+    }
     BlockFile file(source);
     SessionResult session = open_session(module, file, kind, options.offsets);
     if (!session.ok()) {
@@ -69,9 +79,6 @@ Status read_all(const Module &module, ByteSource &source, DocumentKind kind, Eve
     session.value()->section(sink);
     if (options.stops == Stops::at_breaks) {
         return read_in_two_sessions(module, source, kind, *session.value(), sink, options.offsets);
-    }
-    if (options.stops == Stops::for_margins && text_changes_margins(kind)) {
-        return read_following_margins(source, kind, *session.value(), sink);
     }
     return read_at_once(source, *session.value(), sink);
 }

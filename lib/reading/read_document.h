@@ -19,8 +19,8 @@ enum class Stops {
     // Stops at every paragraph break and goes on from the saved position in another session:
     // slower, and the same events.
     at_breaks,
-    // Where the text can change its margins (Professional Write), stops at every paragraph
-    // break to receive them; the change comes before the break of the paragraph that holds
+    // Where the text may have changed its margins (Professional Write), stops at a paragraph's
+    // break to have them reported; the change comes before the break of the paragraph that holds
     // it. All else is the same.
     for_margins
 };
