@@ -18,7 +18,7 @@ Utf8Output::Utf8Output(Output &output, const CodePage &code_page)
 {
 }
 
-void Utf8Output::blanks(std::size_t count)
+void Utf8Output::spaces(std::size_t count)
 {
     if (count == 0) {
         return;
@@ -70,6 +70,7 @@ void Utf8Output::separate()
 
 void Utf8Output::finish()
 {
+    separator_due_ = false;
     if (line_open_) {
         line_end();
     }

@@ -19,7 +19,7 @@ public:
     // Both must outlive it.
     explicit Utf8Output(Output &output, const CodePage &code_page = CodePage::ibm437());
 
-    void blanks(std::size_t count);
+    void spaces(std::size_t count);
     // Bytes of the code page.
     void text(std::string_view bytes);
     // Text that is UTF-8 already.

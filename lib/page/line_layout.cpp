@@ -3,6 +3,7 @@
 #include "lib/page/blank_bytes.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace pfsdoc::page {
@@ -11,53 +12,86 @@ namespace {
 
 constexpr char point = '.';
 
-// A word is taken in stretches of this size, so that a long one is never held whole.
-constexpr std::size_t longest_stretch = 4096;
-
-constexpr bool is_word_byte(char byte)
+constexpr bool is_space(char byte)
 {
-    return byte != ' ' && byte != zero_blank && byte != tab_byte;
+    return byte == ' ' || byte == zero_blank;
 }
 
-std::size_t word_stretch(std::string_view bytes)
+std::size_t count_spaces(std::string_view bytes)
 {
-    const std::string_view stretch = bytes.substr(0, longest_stretch);
-    const auto end = std::find_if_not(stretch.begin(), stretch.end(),
-                                      [](char byte) { return is_word_byte(byte); });
-    return static_cast<std::size_t>(end - stretch.begin());
+    const auto end = std::find_if_not(bytes.begin(), bytes.end(), is_space);
+    return static_cast<std::size_t>(end - bytes.begin());
+}
+
+// Of the word that the bytes begin with.
+std::size_t word_length(std::string_view bytes)
+{
+    const auto end = std::find_if(bytes.begin(), bytes.end(), is_space);
+    return static_cast<std::size_t>(end - bytes.begin());
+}
+
+// How many of the bytes, which begin with a word, are words that end among them.
+std::size_t complete_words(std::string_view bytes)
+{
+    std::size_t end = bytes.size();
+    while (end > 0 && !is_space(bytes[end - 1])) {
+        --end;
+    }
+    while (end > 0 && is_space(bytes[end - 1])) {
+        --end;
+    }
+    return end;
+}
+
+bool is_before(const TabColumn &a, const TabColumn &b)
+{
+    return a.column < b.column;
+}
+
+// Of two stops in one column the first counts, so it stays before the other.
+void sort_by_column(std::vector<TabColumn> &stops)
+{
+    if (!std::is_sorted(stops.begin(), stops.end(), is_before)) {
+        std::stable_sort(stops.begin(), stops.end(), is_before);
+    }
+}
+
+// Whether the bytes are those that follow `distance` bytes behind the others in memory.
+bool continues(std::string_view others, std::size_t distance, std::string_view bytes)
+{
+    const auto end = reinterpret_cast<std::uintptr_t>(others.data()) + others.size();
+    return end + distance == reinterpret_cast<std::uintptr_t>(bytes.data());
+}
+
+void extend(std::string_view &bytes, std::size_t count)
+{
+    bytes = {bytes.data(), bytes.size() + count};
 }
 
 } // namespace
 
-LineLayout::LineLayout(base::Utf8Output &output) : output_(output) {}
-
 void LineLayout::begin(LineGeometry geometry)
 {
     geometry_ = std::move(geometry);
+    sort_by_column(geometry_.tab_stops);
     line_written_ = false;
-    skip_blanks_ = false;
+    skip_spaces_ = false;
     word_.clear();
+    word_length_ = 0;
     in_long_word_ = false;
-    tab_gaps_.clear();
     start_line(geometry_.first_line_indent);
 }
 
 void LineLayout::text(std::string_view bytes)
 {
-    words_untried_ = true;
     while (!bytes.empty()) {
-        if (std::exchange(words_untried_, false)) {
-            bytes.remove_prefix(put_words(bytes));
-        }
-        const std::size_t length = word_stretch(bytes);
-        if (length > 0) {
-            add_to_word(bytes.substr(0, length));
-        } else if (bytes.front() == tab_byte) {
+        const std::size_t length = std::min(bytes.find(tab_byte), bytes.size());
+        text_without_tabs(bytes.substr(0, length));
+        bytes.remove_prefix(length);
+        if (!bytes.empty()) {
             tab();
-        } else {
-            blank();
+            bytes.remove_prefix(1);
         }
-        bytes.remove_prefix(std::max<std::size_t>(length, 1));
     }
 }
 
@@ -65,7 +99,7 @@ void LineLayout::end_line()
 {
     end_word();
     make_room();
-    skip_blanks_ = true;
+    skip_spaces_ = true;
 }
 
 void LineLayout::end(bool empty_line)
@@ -74,69 +108,90 @@ void LineLayout::end(bool empty_line)
     if (line_has_text_ || (empty_line && !line_written_)) {
         write_line();
     }
+    hand_on_gaps();
 }
 
 // ----------------------------------------------------------------------- words --------
 
-void LineLayout::add_to_word(std::string_view part)
+void LineLayout::text_without_tabs(std::string_view bytes)
 {
-    if (in_long_word_) {
-        output_.text(part);
-        return;
+    while (!bytes.empty()) {
+        std::size_t length = count_spaces(bytes);
+        if (length > 0) {
+            add_spaces(length);
+        } else if (length = put_words(bytes); length == 0) {
+            length = add_to_word(bytes);
+        }
+        bytes.remove_prefix(length);
     }
-    word_.append(part);
-    if (word_.size() > geometry_.width) {
+}
+
+// Puts down at once what whole words fit on the rest of the line, as each of them would be by
+// itself, and begins the next line if a word is left that does not. Returns how far it has come:
+// not at all where the first word may not fit, or there is anything special about it.
+std::size_t LineLayout::put_words(std::string_view bytes)
+{
+    const std::size_t used = column_ + spaces_;
+    if (word_length_ > 0 || in_long_word_ || long_word_on_line_ || decimal_stop_ ||
+        used >= geometry_.width) {
+        return 0;
+    }
+    // With one more: the space behind a word that ends at the margin.
+    const std::string_view reach = bytes.substr(0, geometry_.width - used + 1);
+    const std::size_t end = complete_words(reach);
+    if (end == 0) {
+        return 0;
+    }
+    put(used, bytes.substr(0, end));
+    const std::size_t next = end + count_spaces(bytes.substr(end));
+    if (reach.size() <= geometry_.width - used || next == bytes.size()) {
+        return end;
+    }
+    write_line();
+    start_line(geometry_.indent);
+    return next;
+}
+
+// Takes the word that the bytes begin with, and returns its length.
+std::size_t LineLayout::add_to_word(std::string_view bytes)
+{
+    const std::string_view part = bytes.substr(0, word_length(bytes));
+    if (in_long_word_) {
+        sink_.text(0, part);
+        return part.size();
+    }
+    if (!word_.empty() && continues(word_.back(), 0, part)) {
+        extend(word_.back(), part.size());
+    } else {
+        word_.push_back(part);
+    }
+    word_length_ += part.size();
+    if (word_length_ > geometry_.width) {
         put_long_word();
     }
+    return part.size();
 }
 
 void LineLayout::put_long_word()
 {
     make_room();
-    output_.blanks(geometry_.left_margin + line_.size());
-    output_.text(word_);
+    std::size_t spaces = geometry_.left_margin + column_;
+    for (const std::string_view part : word_) {
+        sink_.text(std::exchange(spaces, 0), part);
+    }
     word_.clear();
+    word_length_ = 0;
     in_long_word_ = true;
     long_word_on_line_ = true;
     line_has_text_ = true;
-    skip_blanks_ = false;
-}
-
-// Puts down at once what whole words fit on the rest of the line, as each of them would be by
-// itself, and returns their length: up to the blank behind the last of them. Most lines are
-// filled so, but for the word that may not fit. Tried once a line, since it looks at all of it.
-std::size_t LineLayout::put_words(std::string_view bytes)
-{
-    const std::size_t used = line_.size() + blanks_;
-    if (!word_.empty() || in_long_word_ || long_word_on_line_ || decimal_stop_ || skip_blanks_ ||
-        used >= geometry_.width) {
-        return 0;
-    }
-    const std::size_t end = bytes.rfind(' ', geometry_.width - used);
-    if (end == std::string_view::npos) {
-        return 0;
-    }
-    const std::size_t last = bytes.find_last_not_of(' ', end);
-    if (last == std::string_view::npos) {
-        return 0;
-    }
-    const std::string_view words = bytes.substr(0, last + 1);
-    if (words.find(tab_byte) != std::string_view::npos ||
-        words.find(zero_blank) != std::string_view::npos) {
-        return 0;
-    }
-    line_.resize(used, ' ');
-    line_.append(words);
-    line_has_text_ = true;
-    blanks_ = 0;
-    return words.size();
+    skip_spaces_ = false;
 }
 
 void LineLayout::end_word()
 {
     if (in_long_word_) {
         in_long_word_ = false;
-    } else if (!word_.empty()) {
+    } else if (word_length_ > 0) {
         put_word();
     }
 }
@@ -147,45 +202,75 @@ void LineLayout::put_word()
     if (decimal_stop_) {
         set_last_gap(at);
     }
-    if (at + word_.size() > geometry_.width) {
+    if (at + word_length_ > geometry_.width) {
         make_room();
-        at = line_.size();
+        at = column_;
     }
-    line_.resize(at, ' ');
-    line_.append(word_);
-    line_has_text_ = true;
+    for (const std::string_view part : word_) {
+        put(at, part);
+        at += part.size();
+    }
     word_.clear();
-    blanks_ = 0;
+    word_length_ = 0;
     decimal_stop_.reset();
-    skip_blanks_ = false;
 }
 
 std::size_t LineLayout::word_column() const
 {
-    return decimal_stop_ ? decimal_word_column() : column() + blanks_;
+    return decimal_stop_ ? decimal_word_column() : column() + spaces_;
 }
 
 std::size_t LineLayout::decimal_word_column() const
 {
-    const std::size_t before_point = std::min(word_.find(point), word_.size());
-    const bool touches_text = line_has_text_ && line_.back() != ' ';
-    const std::size_t first_free = line_.size() + (touches_text ? 1 : 0);
+    std::size_t before_point = 0;
+    for (const std::string_view part : word_) {
+        const std::size_t found = std::min(part.find(point), part.size());
+        before_point += found;
+        if (found < part.size()) {
+            break;
+        }
+    }
+    const bool touches_text = line_has_text_ && column_ == text_end_;
+    const std::size_t first_free = column_ + (touches_text ? 1 : 0);
     const std::size_t wanted = *decimal_stop_ - std::min(before_point, *decimal_stop_);
     return std::max(wanted, first_free);
 }
 
 std::size_t LineLayout::column() const
 {
-    return long_word_on_line_ ? geometry_.width : line_.size();
+    return long_word_on_line_ ? geometry_.width : column_;
 }
 
-// ------------------------------------------------------------- blanks and tabs --------
+// Where only spaces lie between, as in the document, the text before goes on.
+void LineLayout::put(std::size_t column, std::string_view bytes)
+{
+    hand_on_gaps();
+    if (!line_has_text_) {
+        text_begin_ = column;
+    }
+    const std::size_t gap = column - column_;
+    if (!runs_.empty() && !tab_since_text_ && continues(runs_.back().bytes, gap, bytes)) {
+        extend(runs_.back().bytes, gap + bytes.size());
+    } else {
+        if (geometry_.alignment == LineAlignment::left) {
+            hand_on_runs();
+        }
+        runs_.push_back({column, bytes});
+    }
+    column_ = text_end_ = column + bytes.size();
+    line_has_text_ = true;
+    tab_since_text_ = false;
+    skip_spaces_ = false;
+    spaces_ = 0;
+}
 
-void LineLayout::blank()
+// ------------------------------------------------------------- spaces and tabs --------
+
+void LineLayout::add_spaces(std::size_t count)
 {
     end_word();
-    if (!skip_blanks_ && !decimal_stop_) {
-        ++blanks_;
+    if (!skip_spaces_ && !decimal_stop_) {
+        spaces_ += count;
     }
 }
 
@@ -194,65 +279,70 @@ void LineLayout::tab()
     end_word();
     if (decimal_stop_) { // a tab straight after a tab: the stop's column was its end
         set_last_gap(*decimal_stop_);
-        line_.resize(std::max(line_.size(), *decimal_stop_), ' ');
+        column_ = std::max(column_, *decimal_stop_);
         decimal_stop_.reset();
     }
-    const std::size_t at = column() + std::exchange(blanks_, 0);
+    const std::size_t at = column() + std::exchange(spaces_, 0);
     const TabColumn stop = next_tab_stop(at);
-    skip_blanks_ = stop.column >= geometry_.width;
+    skip_spaces_ = stop.column >= geometry_.width;
     const std::size_t end = std::max(at, std::min(stop.column, geometry_.width));
-    tab_gaps_.push_back({static_cast<uint16_t>(end - at), skip_blanks_ || stop.decimal});
+    gaps_.push_back({static_cast<uint16_t>(end - at), skip_spaces_ || stop.decimal});
+    tab_since_text_ = true;
     if (stop.column >= geometry_.width) {
         write_line();
         start_line(geometry_.indent);
     } else if (stop.decimal) {
-        line_.resize(at, ' ');
+        column_ = at;
         decimal_stop_ = stop.column;
     } else {
-        line_.resize(stop.column, ' ');
+        column_ = stop.column;
     }
 }
 
 // The line still ends at the tab.
 void LineLayout::set_last_gap(std::size_t end)
 {
-    end = std::clamp(end, line_.size(), std::max(line_.size(), geometry_.width));
-    tab_gaps_.back().columns = static_cast<uint16_t>(end - line_.size());
+    end = std::clamp(end, column_, std::max(column_, geometry_.width));
+    gaps_.back().columns = static_cast<uint16_t>(end - column_);
 }
 
 void LineLayout::drop_tabs_of_line()
 {
-    for (std::size_t i = line_first_gap_; i < tab_gaps_.size(); ++i) {
-        tab_gaps_[i] = {0, true};
+    std::fill(gaps_.begin(), gaps_.end(), TabGap{0, true});
+}
+
+void LineLayout::hand_on_gaps()
+{
+    for (const TabGap &gap : gaps_) {
+        sink_.tab_gap(gap);
     }
+    gaps_.clear();
 }
 
 TabColumn LineLayout::next_tab_stop(std::size_t column) const
 {
-    TabColumn next{geometry_.width, false};
-    for (const TabColumn &stop : geometry_.tab_stops) {
-        if (stop.column > column && stop.column < next.column) {
-            next = stop;
-        }
+    const auto next = std::upper_bound(geometry_.tab_stops.begin(), geometry_.tab_stops.end(),
+                                       TabColumn{column, false}, is_before);
+    if (next != geometry_.tab_stops.end() && next->column < geometry_.width) {
+        return *next;
     }
-    if (next.column == geometry_.width) {
-        next.column = (column / fallback_tab_columns + 1) * fallback_tab_columns;
-    }
-    return next;
+    return {(column / fallback_tab_columns + 1) * fallback_tab_columns, false};
 }
 
 // ----------------------------------------------------------------------- lines --------
 
 void LineLayout::start_line(std::size_t indent)
 {
-    line_.assign(indent, ' ');
+    hand_on_gaps();
+    runs_.clear();
+    column_ = indent;
     line_indent_ = indent;
     line_has_text_ = false;
-    words_untried_ = true;
+    line_begun_ = false;
+    tab_since_text_ = false;
     long_word_on_line_ = false;
-    blanks_ = 0;
+    spaces_ = 0;
     decimal_stop_.reset();
-    line_first_gap_ = tab_gaps_.size();
 }
 
 // Leaves a line without text: the next one, or this one if it has none.
@@ -270,27 +360,33 @@ void LineLayout::make_room()
 void LineLayout::write_line()
 {
     line_written_ = true;
-    if (line_has_text_ && !long_word_on_line_) {
-        std::string_view text = line_;
-        text = text.substr(0, text.find_last_not_of(' ') + 1);
-        if (geometry_.alignment != LineAlignment::left) {
-            text.remove_prefix(text.find_first_not_of(' '));
-        }
-        output_.blanks(geometry_.left_margin + alignment_blanks(text.size()));
-        output_.text(text);
-    }
-    output_.line_end();
+    hand_on_runs();
+    sink_.line_end();
 }
 
-std::size_t LineLayout::alignment_blanks(std::size_t length) const
+void LineLayout::hand_on_runs()
 {
+    for (const Run &run : runs_) {
+        const std::size_t spaces =
+            line_begun_ ? run.column - handed_on_to_ : geometry_.left_margin + alignment_spaces();
+        sink_.text(spaces, run.bytes);
+        line_begun_ = true;
+        handed_on_to_ = run.column + run.bytes.size();
+    }
+    runs_.clear();
+}
+
+// From the left margin to the line's text.
+std::size_t LineLayout::alignment_spaces() const
+{
+    const std::size_t length = text_end_ - text_begin_;
     const std::size_t room = geometry_.width - std::min(length, geometry_.width);
     switch (geometry_.alignment) {
     case LineAlignment::centre: return room / 2;
     case LineAlignment::right: return room;
     case LineAlignment::left: break;
     }
-    return 0;
+    return text_begin_;
 }
 
 } // namespace pfsdoc::page

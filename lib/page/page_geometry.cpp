@@ -78,7 +78,9 @@ LineGeometry line_geometry(const Paragraph &paragraph)
     geometry.width = static_cast<std::size_t>(width);
     geometry.first_line_indent = indent_columns(paragraph.first_line_indent, width);
     geometry.indent = indent_columns(paragraph.left_indent, width);
-    geometry.tab_stops = tab_columns(paragraph.tab_stops, page);
+    if (paragraph.bytes.find(tab_byte) != std::string::npos) {
+        geometry.tab_stops = tab_columns(paragraph.tab_stops, page);
+    }
     geometry.alignment = line_alignment(paragraph);
     if (geometry.alignment != LineAlignment::left) {
         geometry.first_line_indent = geometry.indent = 0;

@@ -1,10 +1,11 @@
 // What a paragraph's margins, indents, tab stops and commands mean for a page of fixed-pitch
-// columns; every writer sees them the same way. Tests: tests/lib/page_geometry_test.cpp.
+// columns; every writer sees them the same way. Tests: tests/lib/page/page_geometry_test.cpp.
 //
 //   margins     that cannot be (right not beyond left, negative, or beyond
 //               widest_page_columns) count as the ones that new documents start with
 //   indents     leave at least one column of the line; centred and right-aligned paragraphs
 //               have none
+//   tab stops   only where the paragraph has a tab
 //   alignment   as reported, unless a centre or right-align command stands in front of the
 //               paragraph's text
 #pragma once

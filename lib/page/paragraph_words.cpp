@@ -22,9 +22,9 @@ std::size_t stretch_of(std::string_view bytes, bool blanks)
     return static_cast<std::size_t>(end - bytes.begin());
 }
 
-class WordTeller {
+class WordSplitter {
 public:
-    WordTeller(const CodePage &code_page, WordSink &sink) : code_page_(code_page), sink_(sink) {}
+    WordSplitter(const CodePage &code_page, WordSink &sink) : code_page_(code_page), sink_(sink) {}
 
     void text(std::string_view bytes, AttributeSet attributes)
     {
@@ -101,23 +101,23 @@ private:
 
 } // namespace
 
-void tell_words(const Paragraph &paragraph, const WriterOptions &options, AttributeSet sayable,
-                WordSink &sink)
+void split_into_words(const Paragraph &paragraph, const WriterOptions &options,
+                      AttributeSet supported, WordSink &sink)
 {
-    WordTeller teller(*options.code_page, sink);
+    WordSplitter splitter(*options.code_page, sink);
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         const Piece &piece = paragraph.pieces[i];
-        const AttributeSet attributes = piece.attributes & sayable;
+        const AttributeSet attributes = piece.attributes & supported;
         if (piece.kind == PieceKind::text) {
-            teller.text(paragraph.piece_bytes(i), attributes);
+            splitter.text(paragraph.piece_bytes(i), attributes);
         } else if (piece.kind == PieceKind::command && options.commands) {
-            teller.text(paragraph.piece_bytes(i), attributes);
-            teller.text(cut_mark(piece), attributes);
+            splitter.text(paragraph.piece_bytes(i), attributes);
+            splitter.text(cut_mark(piece), attributes);
         } else if (piece.kind == PieceKind::page_break && options.page_breaks) {
-            teller.page_break();
+            splitter.page_break();
         }
     }
-    teller.end_line();
+    splitter.end_line();
 }
 
 } // namespace pfsdoc::page

@@ -9,7 +9,7 @@
 //
 // A tab counts as one blank. Commands are words of the text where WriterOptions::commands
 // shows them, one that is cut ending in "...". Where they are hidden the text on both sides
-// meets. A page break ends a word, and is told where WriterOptions::page_breaks asks for it.
+// meets. A page break ends a word, and is reported where WriterOptions::page_breaks asks for it.
 // Holds one word. Tests: tests/lib/page/paragraph_words_test.cpp.
 #pragma once
 
@@ -57,8 +57,8 @@ public:
     virtual void page_break_in_text() = 0;
 };
 
-// Attributes that are not in `sayable` are as if they were not there.
-void tell_words(const Paragraph &paragraph, const WriterOptions &options, AttributeSet sayable,
-                WordSink &sink);
+// Attributes that are not in `supported` are as if they were not there.
+void split_into_words(const Paragraph &paragraph, const WriterOptions &options,
+                      AttributeSet supported, WordSink &sink);
 
 } // namespace pfsdoc::page

@@ -22,35 +22,32 @@ bool has_tabs(const Paragraph &paragraph)
 } // namespace
 
 FlowWriter::FlowWriter(Output &output, const WriterOptions &options, const Abilities &abilities)
-    : options_(options), abilities_(abilities), text_(output), footer_text_(footers_)
+    : options_(options), abilities_(abilities), text_(output)
 {
 }
 
 void FlowWriter::paragraph(const Paragraph &paragraph)
 {
-    if (!is_kept(paragraph)) {
+    if (!is_written(paragraph)) {
         return;
     }
     add_common_losses(paragraph, options_);
     add_attribute_losses(paragraph, static_cast<AttributeSet>(~abilities_.attributes));
     add_layout_losses(paragraph);
-    write_paragraph(paragraph);
+    if (!running_lines_.in_footer()) {
+        write_paragraph(paragraph);
+    }
 }
 
-bool FlowWriter::is_kept(const Paragraph &paragraph)
+// Now, or behind the text.
+bool FlowWriter::is_written(const Paragraph &paragraph)
 {
-    if (place_ == Place::body) {
-        return true;
-    }
-    if (!options_.headers || paragraph.pieces.empty()) {
+    if (running_lines_.block() && (!options_.headers || paragraph.pieces.empty())) {
         return false;
     }
-    if (place_ == Place::footer) {
-        footer_bytes_ += paragraph.bytes.size() + 1;
-        if (footer_bytes_ > max_footer_bytes) {
-            losses_.add(Loss::header_footer, paragraph.source_begin);
-            return false;
-        }
+    if (running_lines_.in_footer() && !running_lines_.keep(paragraph)) {
+        losses_.add(Loss::header_footer, paragraph.source_begin);
+        return false;
     }
     return true;
 }
@@ -75,7 +72,7 @@ void FlowWriter::add_layout_losses(const Paragraph &paragraph)
 
 void FlowWriter::page_break(uint32_t)
 {
-    if (options_.page_breaks && place_ == Place::body) {
+    if (options_.page_breaks && !running_lines_.block()) {
         begin_block();
         write_page_break();
     }
@@ -83,32 +80,31 @@ void FlowWriter::page_break(uint32_t)
 
 void FlowWriter::block_begin(BlockKind kind)
 {
-    place_ = kind == BlockKind::header ? Place::header : Place::footer;
+    running_lines_.begin(kind);
 }
 
 void FlowWriter::block_end()
 {
-    place_ = Place::body;
+    running_lines_.end();
 }
 
 void FlowWriter::end_of_document()
 {
-    footer_text_.finish();
-    if (has_footer_blocks_) {
-        begin_block();
-        text_.utf8(footers_.text);
+    running_lines_.begin(BlockKind::footer);
+    for (const Paragraph &line : running_lines_.footers()) {
+        write_paragraph(line);
     }
+    running_lines_.end();
     write_end();
     text_.finish();
 }
 
 void FlowWriter::begin_block()
 {
-    bool &has_blocks = place_ == Place::footer ? has_footer_blocks_ : has_blocks_;
-    if (has_blocks) {
-        out().utf8(abilities_.separator);
+    if (has_blocks_) {
+        text_.utf8(abilities_.separator);
     }
-    has_blocks = true;
+    has_blocks_ = true;
 }
 
 } // namespace pfsdoc::writers

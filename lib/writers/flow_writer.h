@@ -10,6 +10,7 @@
 #pragma once
 
 #include "lib/base/utf8_output.h"
+#include "lib/page/running_lines.h"
 #include "pfsdoc/events.h"
 #include "pfsdoc/output.h"
 #include "pfsdoc/paragraph.h"
@@ -24,10 +25,6 @@ namespace pfsdoc::writers {
 
 class FlowWriter : public Writer {
 public:
-    // Footers have to wait for the end of the document. Two lines of at most 255 bytes are
-    // all that a document has; lines beyond this much are lost.
-    static constexpr std::size_t max_footer_bytes = 4096;
-
     FlowWriter(const FlowWriter &) = delete;
     FlowWriter &operator=(const FlowWriter &) = delete;
 
@@ -38,9 +35,7 @@ public:
     void end_of_document() final;
 
 protected:
-    enum class Place { body, header, footer };
-
-    // What a format can say, and the text that it wants between two blocks.
+    // What a format supports, and the text that it wants between two blocks.
     struct Abilities {
         AttributeSet attributes;
         bool alignment;
@@ -56,39 +51,35 @@ protected:
 
     // To be called before each block; a paragraph may be several, or none.
     void begin_block();
-    // Takes all text: the body's, or the footers' while one is written.
     base::Utf8Output &out()
     {
-        return place_ == Place::footer ? footer_text_ : text_;
+        return text_;
     }
-    Place place() const
+    // The header or footer whose line is written.
+    std::optional<BlockKind> block() const
     {
-        return place_;
+        return running_lines_.block();
     }
     const WriterOptions &options() const
     {
         return options_;
     }
-    AttributeSet sayable() const
+    AttributeSet supported() const
     {
         return abilities_.attributes;
     }
 
 private:
-    bool is_kept(const Paragraph &paragraph);
+    bool is_written(const Paragraph &paragraph);
     void add_layout_losses(const Paragraph &paragraph);
 
     WriterOptions options_;
     Abilities abilities_;
-    Place place_ = Place::body;
     std::optional<Margins> last_margins_;
 
     base::Utf8Output text_;
     bool has_blocks_ = false;
-    StringOutput footers_;
-    base::Utf8Output footer_text_;
-    bool has_footer_blocks_ = false;
-    std::size_t footer_bytes_ = 0;
+    page::RunningLines running_lines_; // the footers
 };
 
 } // namespace pfsdoc::writers

@@ -84,7 +84,8 @@ void append_html_escaped(std::string &html, std::string_view utf8)
 
 void ShownText::clear()
 {
-    bytes_.clear();
+    bytes_ = {};
+    copy_.clear();
     runs_.clear();
 }
 
@@ -96,7 +97,17 @@ void ShownText::add(std::string_view bytes, AttributeSet attributes)
     if (runs_.empty() || runs_.back().attributes != attributes) {
         runs_.push_back({bytes_.size(), attributes});
     }
-    bytes_.append(bytes);
+    if (bytes_.empty()) {
+        bytes_ = bytes;
+    } else if (copy_.empty() && bytes_.data() + bytes_.size() == bytes.data()) {
+        bytes_ = {bytes_.data(), bytes_.size() + bytes.size()};
+    } else {
+        if (copy_.empty()) {
+            copy_ = bytes_;
+        }
+        copy_.append(bytes);
+        bytes_ = copy_;
+    }
 }
 
 bool ShownText::has_word() const
@@ -165,7 +176,7 @@ void HtmlText::write_visible(const Range &range, const std::vector<page::TabGap>
 
 std::size_t HtmlText::next_stop(std::size_t at) const
 {
-    const std::string_view rest = std::string_view(text_->bytes()).substr(at);
+    const std::string_view rest = text_->bytes().substr(at);
     const auto stop = std::find_if(rest.begin(), rest.end(), [this](char byte) {
         return is_stop_[static_cast<uint8_t>(byte)];
     });
@@ -276,14 +287,14 @@ void HtmlText::write_word(const Range &word)
 std::size_t HtmlText::write_tab(const Range &range, const page::TabGap &gap)
 {
     std::size_t end = range.begin + 1;
-    while (gap.takes_blanks && end < range.end && byte_class(end) == ByteClass::blank) {
+    while (gap.takes_spaces && end < range.end && byte_class(end) == ByteClass::blank) {
         ++end;
     }
     go_to(range.begin);
     output_.utf8("<span class=\"tab\" style=\"--w:");
     output_.utf8(std::to_string(gap.columns));
     output_.utf8("\">\t");
-    output_.text(std::string_view(text_->bytes()).substr(range.begin + 1, end - range.begin - 1));
+    output_.text(text_->bytes().substr(range.begin + 1, end - range.begin - 1));
     output_.utf8("</span>");
     return end;
 }
@@ -293,8 +304,7 @@ void HtmlText::write_hidden(const Range &blanks)
     if (blanks.begin < blanks.end) {
         go_to(blanks.begin);
         output_.utf8("<span class=\"tab\">");
-        output_.text(
-            std::string_view(text_->bytes()).substr(blanks.begin, blanks.end - blanks.begin));
+        output_.text(text_->bytes().substr(blanks.begin, blanks.end - blanks.begin));
         output_.utf8("</span>");
     }
 }

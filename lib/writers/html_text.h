@@ -37,7 +37,8 @@ namespace pfsdoc::writers {
 // Appends UTF-8 with the characters escaped that mean something in HTML text.
 void append_html_escaped(std::string &html, std::string_view utf8);
 
-// What is shown of a paragraph, or of what stands between two page breaks in it.
+// What is shown of a paragraph, or of what stands between two page breaks in it: a view of the
+// paragraph's bytes, or a copy where something between them is hidden.
 class ShownText {
 public:
     struct Run {
@@ -46,9 +47,10 @@ public:
     };
 
     void clear();
+    // The bytes must stay where they are for as long as this is used.
     void add(std::string_view bytes, AttributeSet attributes);
 
-    const std::string &bytes() const
+    std::string_view bytes() const
     {
         return bytes_;
     }
@@ -59,7 +61,8 @@ public:
     bool has_word() const;
 
 private:
-    std::string bytes_;
+    std::string_view bytes_;
+    std::string copy_; // empty while the bytes are the paragraph's
     std::vector<Run> runs_;
 };
 

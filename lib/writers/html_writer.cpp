@@ -27,6 +27,7 @@
 #include "lib/page/blank_bytes.h"
 #include "lib/page/page_geometry.h"
 #include "lib/page/paragraph_pieces.h"
+#include "lib/page/running_lines.h"
 #include "lib/writers/formats.h"
 #include "lib/writers/html_style.h"
 #include "lib/writers/html_text.h"
@@ -40,7 +41,6 @@ namespace pfsdoc::writers {
 
 namespace {
 
-constexpr std::size_t max_running_lines = 2; // header or footer
 constexpr std::size_t usual_running_rows = 2;
 
 // A style attribute, if it comes to hold anything.
@@ -83,10 +83,17 @@ std::string class_attribute(page::LineAlignment alignment, bool is_double_spaced
     return names.empty() ? names : " class=\"" + names + "\"";
 }
 
-// What LineLayout writes goes nowhere: only its tab gaps are wanted.
-class NoOutput final : public Output {
+// A browser lays out the lines itself: of ours only the tab gaps are wanted.
+class TabGaps final : public page::LineSink {
 public:
-    void write(std::string_view) override {}
+    void text(std::size_t, std::string_view) override {}
+    void line_end() override {}
+    void tab_gap(const page::TabGap &gap) override
+    {
+        gaps.push_back(gap);
+    }
+
+    std::vector<page::TabGap> gaps;
 };
 
 class HtmlWriter final : public Writer {
@@ -106,7 +113,7 @@ public:
     void end_of_document() override;
 
 private:
-    void keep_running_line(std::vector<Paragraph> &lines, const Paragraph &paragraph);
+    void keep_running_line(const Paragraph &paragraph);
     void begin_page(const Paragraph *first);
     void write_head();
     void write_running_lines(std::string_view element, const std::vector<Paragraph> &lines);
@@ -123,54 +130,46 @@ private:
     base::Utf8Output html_;
     HtmlText text_;
 
-    NoOutput no_output_;
-    base::Utf8Output unused_lines_{no_output_};
-    page::LineLayout layout_{unused_lines_};
-    std::vector<page::TabGap> tabs_;
+    TabGaps tabs_;
+    page::LineLayout layout_{tabs_};
 
-    std::optional<BlockKind> block_; // the header's or footer's, while in it
-    std::vector<Paragraph> headers_;
-    std::vector<Paragraph> footers_;
+    page::RunningLines running_lines_{page::usual_running_lines};
     uint64_t page_breaks_before_body_ = 0;
     bool page_begun_ = false;
     page::PageColumns page_; // the page's own
 
     ShownText shown_; // of the part of a paragraph that is at hand
     bool part_continues_ = false;
+    bool has_only_text_ = false; // the paragraph
 };
 
 // ------------------------------------------------------------------------- blocks -----
 
 void HtmlWriter::paragraph(const Paragraph &paragraph)
 {
-    if (block_) {
-        keep_running_line(*block_ == BlockKind::header ? headers_ : footers_, paragraph);
+    if (running_lines_.block()) {
+        keep_running_line(paragraph);
         return;
     }
     begin_page(&paragraph);
     write_paragraph(paragraph);
 }
 
-void HtmlWriter::keep_running_line(std::vector<Paragraph> &lines, const Paragraph &paragraph)
+void HtmlWriter::keep_running_line(const Paragraph &paragraph)
 {
     const bool is_empty = paragraph.bytes.find_first_not_of(page::blank_bytes) == std::string::npos;
     if (!options_.headers || is_empty) {
         return;
     }
-    const bool is_late = page_begun_ && &lines == &headers_;
-    if (is_late || lines.size() == max_running_lines) {
+    const bool is_late = page_begun_ && !running_lines_.in_footer();
+    if (is_late || !running_lines_.keep(page::without_page_breaks(paragraph))) {
         losses_.add(Loss::header_footer, paragraph.source_begin);
-    } else {
-        lines.push_back(paragraph);
-        // A line that stands on every page breaks none.
-        std::erase_if(lines.back().pieces,
-                      [](const Piece &piece) { return piece.kind == PieceKind::page_break; });
     }
 }
 
 void HtmlWriter::page_break(uint32_t)
 {
-    if (!options_.page_breaks || block_) {
+    if (!options_.page_breaks || running_lines_.block()) {
         return;
     }
     if (page_begun_) {
@@ -182,19 +181,20 @@ void HtmlWriter::page_break(uint32_t)
 
 void HtmlWriter::block_begin(BlockKind kind)
 {
-    block_ = kind;
+    running_lines_.begin(kind);
 }
 
 void HtmlWriter::block_end()
 {
-    block_.reset();
+    running_lines_.end();
 }
 
 void HtmlWriter::end_of_document()
 {
-    begin_page(headers_.empty() ? nullptr : &headers_.front());
+    const std::vector<Paragraph> &headers = running_lines_.headers();
+    begin_page(headers.empty() ? nullptr : &headers.front());
     html_.utf8("</main>\n");
-    write_running_lines("footer", footers_);
+    write_running_lines("footer", running_lines_.footers());
     html_.utf8("</body>\n</html>\n");
     html_.finish();
 }
@@ -211,7 +211,7 @@ void HtmlWriter::begin_page(const Paragraph *first)
     page_ = first != nullptr ? page::page_columns(first->margins) : page::PageColumns{};
     write_head();
     html_.utf8("<body>\n");
-    write_running_lines("header", headers_);
+    write_running_lines("header", running_lines_.headers());
     html_.utf8("<main>\n");
     page_begun_ = true;
     for (; page_breaks_before_body_ > 0; --page_breaks_before_body_) {
@@ -225,9 +225,9 @@ void HtmlWriter::write_head()
     style.add("--left", static_cast<std::size_t>(page_.left));
     style.add("--width", static_cast<std::size_t>(page_.width()));
     style.add_unless(usual_running_rows, "--head",
-                     std::max(running_rows(headers_), usual_running_rows));
+                     std::max(running_rows(running_lines_.headers()), usual_running_rows));
     style.add_unless(usual_running_rows, "--foot",
-                     std::max(running_rows(footers_), usual_running_rows));
+                     std::max(running_rows(running_lines_.footers()), usual_running_rows));
     std::string head = "<!DOCTYPE html>\n<html" + style.take() + ">\n<head>\n";
     head.append("<meta charset=\"utf-8\">\n"
                 "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
@@ -272,6 +272,7 @@ void HtmlWriter::write_paragraph(const Paragraph &paragraph)
     add_common_losses(paragraph, options_);
     page::LineGeometry geometry = page::line_geometry(paragraph);
     part_continues_ = false;
+    has_only_text_ = page::is_text_only(paragraph);
     shown_.clear();
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         const bool breaks_page = paragraph.pieces[i].kind == PieceKind::page_break;
@@ -299,7 +300,7 @@ void HtmlWriter::show_piece(const Paragraph &paragraph, std::size_t index)
 
 void HtmlWriter::write_part(const Paragraph &paragraph, const page::LineGeometry &geometry)
 {
-    if (!shown_.has_word() && !page::is_text_only(paragraph)) {
+    if (!has_only_text_ && !shown_.has_word()) {
         return;
     }
     const auto left = static_cast<std::size_t>(page_.left);
@@ -315,7 +316,7 @@ void HtmlWriter::write_part(const Paragraph &paragraph, const page::LineGeometry
         html_.utf8("<br>");
     } else {
         lay_out_tabs(geometry);
-        text_.write(shown_, tabs_,
+        text_.write(shown_, tabs_.gaps,
                     geometry.alignment == page::LineAlignment::left && !part_continues_);
     }
     html_.utf8("</p>\n");
@@ -323,15 +324,14 @@ void HtmlWriter::write_part(const Paragraph &paragraph, const page::LineGeometry
 
 void HtmlWriter::lay_out_tabs(const page::LineGeometry &geometry)
 {
-    tabs_.clear();
-    if (shown_.bytes().find(page::tab_byte) != std::string::npos) {
+    tabs_.gaps.clear();
+    if (shown_.bytes().find(page::tab_byte) != std::string_view::npos) {
         layout_.begin(geometry);
         if (part_continues_) {
             layout_.end_line(); // which leaves out the blanks that come next
         }
         layout_.text(shown_.bytes());
         layout_.end(false);
-        tabs_ = layout_.tab_gaps();
         if (geometry.alignment != page::LineAlignment::left) {
             hide_outer_tabs();
         }
@@ -341,14 +341,14 @@ void HtmlWriter::lay_out_tabs(const page::LineGeometry &geometry)
 // Those before and behind all words: blanks there do not count for alignment, nor do these.
 void HtmlWriter::hide_outer_tabs()
 {
-    const std::string &bytes = shown_.bytes();
+    const std::string_view bytes = shown_.bytes();
     const std::size_t first = bytes.find_first_not_of(page::gap_bytes); // npos: no words
     const std::size_t last = bytes.find_last_not_of(page::gap_bytes);
     std::size_t tab = 0;
     for (std::size_t at = bytes.find(page::tab_byte); at < bytes.size();
          at = bytes.find(page::tab_byte, at + 1)) {
         if (at < first || at > last) {
-            tabs_[tab] = {0, true};
+            tabs_.gaps[tab] = {0, true};
         }
         ++tab;
     }

@@ -156,7 +156,7 @@ MarkdownWriter::MarkdownWriter(Output &output, const WriterOptions &options)
 void MarkdownWriter::write_paragraph(const Paragraph &paragraph)
 {
     italic_mark_ = has_both_emphases(paragraph) ? italic_mark_beside_bold : lone_italic_mark;
-    page::tell_words(paragraph, options(), sayable(), *this);
+    page::split_into_words(paragraph, options(), supported(), *this);
     end_line();
 }
 
@@ -171,7 +171,7 @@ void MarkdownWriter::write_end() {}
 void MarkdownWriter::page_break_in_text()
 {
     end_line();
-    if (place() == Place::body) {
+    if (!block()) {
         begin_block();
         write_page_break();
     }
@@ -190,7 +190,7 @@ void MarkdownWriter::end_line()
 void MarkdownWriter::blanks(std::size_t count, AttributeSet attributes)
 {
     nesting_.close_unwanted(attributes, [this](AttributeCode code) { out().utf8(mark(code)); });
-    out().blanks(count);
+    out().spaces(count);
 }
 
 std::string_view MarkdownWriter::mark(AttributeCode code) const

@@ -103,8 +103,8 @@ PandocWriter::PandocWriter(Output &output, const DocumentInfo &info, const Write
 void PandocWriter::write_paragraph(const Paragraph &paragraph)
 {
     alignment_ = page::line_alignment(paragraph);
-    page::tell_words(paragraph, options(), sayable(), *this);
-    if (!paragraph_open_ && place() == Place::body && page::is_text_only(paragraph)) {
+    page::split_into_words(paragraph, options(), supported(), *this);
+    if (!paragraph_open_ && !block() && page::is_text_only(paragraph)) {
         begin_paragraph();
     }
     end_paragraph();
@@ -124,7 +124,7 @@ void PandocWriter::write_end()
 void PandocWriter::page_break_in_text()
 {
     end_paragraph();
-    if (place() == Place::body) {
+    if (!block()) {
         begin_block();
         write_page_break();
     }
@@ -152,8 +152,8 @@ bool PandocWriter::begin_div()
     const auto add = [](std::string &list, std::string_view item) {
         list.append(list.empty() || item.empty() ? "" : ",").append(item);
     };
-    if (place() != Place::body) {
-        add(classes, place() == Place::header ? R"("header")" : R"("footer")");
+    if (block()) {
+        add(classes, block() == BlockKind::header ? R"("header")" : R"("footer")");
     }
     add(classes, names.css_class);
     add(attributes, names.style);

@@ -42,42 +42,61 @@ page::LineGeometry wanted_geometry(const Paragraph &paragraph, const WriterOptio
 // ---------------------------------------------------------------- TextBlockWriter -----
 
 TextBlockWriter::TextBlockWriter(Output &output, const WriterOptions &options)
-    : options_(options), text_(output, *options.code_page), layout_(text_),
-      footer_text_(footers_, *options.code_page), footer_layout_(footer_text_)
+    : options_(options), text_(output, *options.code_page)
 {
+}
+
+void TextBlockWriter::Lines::text(std::size_t spaces, std::string_view bytes)
+{
+    output_.spaces(spaces);
+    output_.text(bytes);
+}
+
+void TextBlockWriter::Lines::line_end()
+{
+    output_.line_end();
 }
 
 void TextBlockWriter::paragraph(const Paragraph &paragraph)
 {
-    if (place_ != Place::body && !options_.headers) {
+    const bool is_running_line = running_lines_.block().has_value();
+    if (is_running_line && !options_.headers) {
         losses_.add(Loss::header_footer, paragraph.source_begin, paragraph.bytes.empty() ? 0 : 1);
         return;
     }
     add_losses(paragraph);
-    next_line_ = 0;
-    page::LineLayout &layout = place_ == Place::footer ? footer_layout_ : layout_;
-    layout.begin(wanted_geometry(paragraph, options_));
-    for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
-        lay_out_piece(paragraph, i, layout);
+    if (!running_lines_.in_footer()) {
+        write_paragraph(paragraph);
+    } else if (!paragraph.bytes.empty() &&
+               !running_lines_.keep(page::without_page_breaks(paragraph))) {
+        losses_.add(Loss::header_footer, paragraph.source_begin);
     }
-    layout.end(place_ == Place::body && page::is_text_only(paragraph));
 }
 
-void TextBlockWriter::lay_out_piece(const Paragraph &paragraph, std::size_t index,
-                                    page::LineLayout &layout)
+void TextBlockWriter::write_paragraph(const Paragraph &paragraph)
+{
+    next_line_ = 0;
+    layout_.begin(wanted_geometry(paragraph, options_));
+    for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
+        lay_out_piece(paragraph, i);
+    }
+    layout_.end(!running_lines_.block() && page::is_text_only(paragraph));
+}
+
+void TextBlockWriter::lay_out_piece(const Paragraph &paragraph, std::size_t index)
 {
     const Piece &piece = paragraph.pieces[index];
     switch (piece.kind) {
-    case PieceKind::text: lay_out_lines(paragraph, index, layout); break;
+    case PieceKind::text: lay_out_lines(paragraph, index); break;
     case PieceKind::command:
         if (options_.commands) {
-            lay_out_lines(paragraph, index, layout);
-            lay_out_text(page::cut_mark(piece), layout);
+            lay_out_lines(paragraph, index);
+            layout_.text(page::cut_mark(piece));
         }
         break;
     case PieceKind::page_break:
-        if (page_break_is_shown(piece.source)) {
-            layout.end_line();
+        if (shows_page_breaks()) {
+            layout_.end_line();
             text_.form_feed();
         }
         break;
@@ -85,8 +104,7 @@ void TextBlockWriter::lay_out_piece(const Paragraph &paragraph, std::size_t inde
 }
 
 // In stretches, where lines end as they do in the file.
-void TextBlockWriter::lay_out_lines(const Paragraph &paragraph, std::size_t index,
-                                    page::LineLayout &layout)
+void TextBlockWriter::lay_out_lines(const Paragraph &paragraph, std::size_t index)
 {
     const std::string_view bytes = paragraph.piece_bytes(index);
     const std::size_t begin = paragraph.pieces[index].begin;
@@ -95,35 +113,26 @@ void TextBlockWriter::lay_out_lines(const Paragraph &paragraph, std::size_t inde
            paragraph.line_starts[next_line_] < begin + bytes.size()) {
         // A hidden command may have begun the line.
         const std::size_t end = std::max(paragraph.line_starts[next_line_], begin) - begin;
-        lay_out_text(bytes.substr(done, end - done), layout);
-        layout.end_line();
+        layout_.text(bytes.substr(done, end - done));
+        layout_.end_line();
         done = end;
         ++next_line_;
     }
-    lay_out_text(bytes.substr(done), layout);
-}
-
-void TextBlockWriter::lay_out_text(std::string_view bytes, page::LineLayout &layout)
-{
-    if (place_ == Place::footer) {
-        bytes = bytes.substr(0, max_footer_bytes - footer_bytes_);
-        footer_bytes_ += bytes.size();
-    }
-    layout.text(bytes);
+    layout_.text(bytes.substr(done));
 }
 
 void TextBlockWriter::page_break(uint32_t source)
 {
-    if (page_break_is_shown(source)) {
+    if (shows_page_breaks()) {
         text_.form_feed();
+    } else {
+        losses_.add(Loss::page_break, source);
     }
 }
 
-bool TextBlockWriter::page_break_is_shown(uint32_t source)
+bool TextBlockWriter::shows_page_breaks() const
 {
-    const bool is_shown = options_.page_breaks && place_ == Place::body;
-    losses_.add(Loss::page_break, source, is_shown ? 0 : 1);
-    return is_shown;
+    return options_.page_breaks && !running_lines_.block();
 }
 
 // Lines that are filled anew lose where the page had them.
@@ -131,6 +140,10 @@ void TextBlockWriter::add_losses(const Paragraph &paragraph)
 {
     add_common_losses(paragraph, options_);
     add_attribute_losses(paragraph, all_attributes);
+    for (const Piece &piece : paragraph.pieces) {
+        const bool is_lost = piece.kind == PieceKind::page_break && !shows_page_breaks();
+        losses_.add(Loss::page_break, piece.source, is_lost ? 1 : 0);
+    }
     const bool is_double_spaced = paragraph.line_spacing == VW_DOUBLE_SPACING;
     losses_.add(Loss::line_spacing, paragraph.source_begin, is_double_spaced ? 1 : 0);
     if (options_.wrap == 0U) {
@@ -143,24 +156,26 @@ void TextBlockWriter::add_losses(const Paragraph &paragraph)
 
 void TextBlockWriter::block_begin(BlockKind kind)
 {
-    place_ = kind == BlockKind::header ? Place::header : Place::footer;
+    running_lines_.begin(kind);
 }
 
 void TextBlockWriter::block_end()
 {
-    if (place_ == Place::header && !text_.empty()) {
+    if (running_lines_.block() == BlockKind::header && !text_.empty()) {
         text_.separate();
     }
-    place_ = Place::body;
+    running_lines_.end();
 }
 
 void TextBlockWriter::end_of_document()
 {
-    footer_text_.finish();
-    if (!footers_.text.empty() && !text_.empty()) {
+    if (!text_.empty()) {
         text_.separate();
     }
-    text_.utf8(footers_.text);
+    running_lines_.begin(BlockKind::footer);
+    for (const Paragraph &line : running_lines_.footers()) {
+        write_paragraph(line);
+    }
     text_.finish();
 }
 

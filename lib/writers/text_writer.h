@@ -1,11 +1,11 @@
 // Plain text, UTF-8, as the page shows it: the writer behind `pfsdoc text`.
 //
 // Paragraphs have come as one string each; here they are wrapped to the document's margins
-// again, with the left margin and the indents as blanks, so that the columns are the page's.
+// again, with the left margin and the indents as spaces, so that the columns are the page's.
 // The right margin is the last column of the text: it is what the stored lines are judged by
 // when they are joined, so a paragraph that was stored in full lines falls into the same
 // lines again. Header lines come first, then an empty line, the body, an empty line and the
-// footer lines. Lines never end in blanks; text that is not empty ends with a line end.
+// footer lines. Lines never end in spaces; text that is not empty ends with a line end.
 //
 //   page breaks   a form feed, directly before the next line. Without WriterOptions::page_breaks
 //                 they leave no trace: a paragraph goes on over them.
@@ -29,6 +29,7 @@
 
 #include "lib/base/utf8_output.h"
 #include "lib/page/line_layout.h"
+#include "lib/page/running_lines.h"
 #include "lib/reading/paragraph_collector.h"
 #include "pfsdoc/events.h"
 #include "pfsdoc/output.h"
@@ -43,10 +44,6 @@ namespace pfsdoc::writers {
 // Writes blocks as text.
 class TextBlockWriter final : public Writer {
 public:
-    // Footers have to wait for the end of the document. Two lines of at most 255 bytes are
-    // all that a document has; this much is kept whatever is sent.
-    static constexpr std::size_t max_footer_bytes = 4096;
-
     TextBlockWriter(Output &output, const WriterOptions &options);
     TextBlockWriter(const TextBlockWriter &) = delete;
     TextBlockWriter &operator=(const TextBlockWriter &) = delete;
@@ -58,23 +55,30 @@ public:
     void end_of_document() override;
 
 private:
-    enum class Place { body, header, footer };
+    class Lines final : public page::LineSink {
+    public:
+        explicit Lines(base::Utf8Output &output) : output_(output) {}
+
+        void text(std::size_t spaces, std::string_view bytes) override;
+        void line_end() override;
+        void tab_gap(const page::TabGap &) override {}
+
+    private:
+        base::Utf8Output &output_;
+    };
 
     void add_losses(const Paragraph &paragraph);
-    bool page_break_is_shown(uint32_t source);
-    void lay_out_piece(const Paragraph &paragraph, std::size_t index, page::LineLayout &layout);
-    void lay_out_lines(const Paragraph &paragraph, std::size_t index, page::LineLayout &layout);
-    void lay_out_text(std::string_view bytes, page::LineLayout &layout);
+    bool shows_page_breaks() const;
+    void write_paragraph(const Paragraph &paragraph);
+    void lay_out_piece(const Paragraph &paragraph, std::size_t index);
+    void lay_out_lines(const Paragraph &paragraph, std::size_t index);
 
     WriterOptions options_;
-    Place place_ = Place::body;
     base::Utf8Output text_;
-    page::LineLayout layout_;
-    StringOutput footers_;
-    base::Utf8Output footer_text_;
-    page::LineLayout footer_layout_;
-    std::size_t footer_bytes_ = 0;
-    std::size_t next_line_ = 0; // of the paragraph's line starts
+    Lines lines_{text_};
+    page::LineLayout layout_{lines_};
+    page::RunningLines running_lines_; // the footers
+    std::size_t next_line_ = 0;        // of the paragraph's line starts
 };
 
 // The same from events.

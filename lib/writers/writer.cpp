@@ -60,9 +60,12 @@ void Writer::add_common_losses(const Paragraph &paragraph, const WriterOptions &
 void Writer::add_attribute_losses(const Paragraph &paragraph, AttributeSet unsupported)
 {
     for (const Piece &piece : paragraph.pieces) {
+        const AttributeSet lost = piece.attributes & unsupported;
+        if (lost == 0 || piece.kind != PieceKind::text) {
+            continue;
+        }
         for (const AttributeLoss &entry : attribute_losses) {
-            const AttributeSet bit = attribute_bit(static_cast<int32_t>(entry.code));
-            if (piece.kind == PieceKind::text && (piece.attributes & unsupported & bit) != 0) {
+            if ((lost & attribute_bit(static_cast<int32_t>(entry.code))) != 0) {
                 losses_.add(entry.loss, piece.source);
             }
         }

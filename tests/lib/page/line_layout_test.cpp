@@ -6,11 +6,14 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
 using namespace pfsdoc;
 using namespace tests;
+using namespace std::string_view_literals;
 
 // ------------------------------------------------------------ paragraphs and wrapping ---
 
@@ -254,19 +257,41 @@ TEST(DecimalStops, AreWhereTheNextTabStarts)
 
 // ------------------------------------------------------------------ in any stretches ---
 
-std::string laid_out(std::string_view bytes, std::size_t stretch,
-                     const page::LineGeometry &geometry)
+class LaidOutLines final : public page::LineSink {
+public:
+    void text(std::size_t spaces, std::string_view bytes) override
+    {
+        page.append(spaces, ' ');
+        page.append(bytes);
+        ++pieces;
+    }
+    void line_end() override
+    {
+        page.push_back('\n');
+    }
+    void tab_gap(const page::TabGap &gap) override
+    {
+        gaps.push_back(gap);
+    }
+
+    std::string page;
+    std::size_t pieces = 0;
+    std::vector<page::TabGap> gaps;
+};
+
+LaidOutLines laid_out(std::string_view bytes, std::size_t stretch,
+                      const page::LineGeometry &geometry)
 {
-    StringOutput output;
-    base::Utf8Output encoded(output);
-    page::LineLayout layout(encoded);
+    LaidOutLines lines;
+    page::LineLayout layout(lines);
     layout.begin(geometry);
     for (; !bytes.empty(); bytes.remove_prefix(std::min(stretch, bytes.size()))) {
         layout.text(bytes.substr(0, stretch));
     }
     layout.end(true);
-    encoded.finish();
-    return output.text;
+    // As the code page has it.
+    std::replace(lines.page.begin(), lines.page.end(), '\0', ' ');
+    return lines;
 }
 
 // Whole words are put down together where they can be; byte by byte they never are.
@@ -287,11 +312,14 @@ TEST(LineLayout, IsTheSameHoweverTheTextIsCutUp)
         geometry.indent = random() % geometry.width;
         geometry.alignment = static_cast<page::LineAlignment>(random() % 3);
         geometry.tab_stops = {{random() % 30, false}, {random() % 30, true}};
-        const std::string expected = laid_out(bytes, 1, geometry);
+        const LaidOutLines expected = laid_out(bytes, 1, geometry);
         for (const std::size_t stretch : {2U, 7U, 50U, 200U}) {
-            ASSERT_EQ(laid_out(bytes, stretch, geometry), expected) << i << " by " << stretch;
+            const LaidOutLines found = laid_out(bytes, stretch, geometry);
+            ASSERT_EQ(found.page, expected.page) << i << " by " << stretch;
+            ASSERT_EQ(found.gaps, expected.gaps) << i << " by " << stretch;
         }
-        lines += static_cast<std::size_t>(std::count(expected.begin(), expected.end(), '\n'));
+        lines +=
+            static_cast<std::size_t>(std::count(expected.page.begin(), expected.page.end(), '\n'));
     }
     EXPECT_GT(lines, 30000U);
 }
@@ -300,13 +328,7 @@ TEST(LineLayout, IsTheSameHoweverTheTextIsCutUp)
 
 std::vector<page::TabGap> tab_gaps(std::string_view bytes, const page::LineGeometry &geometry)
 {
-    StringOutput output;
-    base::Utf8Output lines(output);
-    page::LineLayout layout(lines);
-    layout.begin(geometry);
-    layout.text(bytes);
-    layout.end(false);
-    return layout.tab_gaps();
+    return laid_out(bytes, bytes.size(), geometry).gaps;
 }
 
 const page::LineGeometry gap_geometry = {
@@ -343,15 +365,63 @@ TEST(TabGaps, OfTabsThatAreDroppedAreNothing)
 
 TEST(TabGaps, AreOneParagraphsAlone)
 {
-    StringOutput output;
-    base::Utf8Output lines(output);
+    LaidOutLines lines;
     page::LineLayout layout(lines);
     for (int i = 0; i < 2; ++i) {
+        lines.gaps.clear();
         layout.begin(gap_geometry);
         layout.text("\ta");
         layout.end(false);
-        EXPECT_EQ(layout.tab_gaps().size(), 1U);
+        EXPECT_EQ(lines.gaps.size(), 1U);
     }
+}
+
+TEST(TabGaps, GoToTheNearestStopInWhateverOrderTheyAre)
+{
+    const page::LineGeometry geometry = {
+        .width = 40, .tab_stops = {{30, false}, {10, false}, {20, true}, {20, false}, {50, false}}};
+    // The first of two stops in one column counts: the word ends there.
+    EXPECT_EQ(laid_out("\ta\tb\tc", 9, geometry).page, "          a        b          c\n");
+    EXPECT_EQ(tab_gaps("\ta\tb\tc", geometry),
+              (std::vector<page::TabGap>{{10, false}, {8, true}, {10, false}}));
+}
+
+// ---------------------------------------------------------------------- what is handed on ---
+
+constexpr std::string_view prose_line =
+    "The quick brown fox jumps over the lazy dog, and  then \0 some of it is said again."sv;
+
+// Lines, not words, cost a call of the sink.
+TEST(Lines, OfProseAreHandedOnWhole)
+{
+    const LaidOutLines lines =
+        laid_out(prose_line, prose_line.size(), {.left_margin = 5, .width = 30});
+    EXPECT_EQ(lines.page, "     The quick brown fox jumps over\n"
+                          "     the lazy dog, and  then   some\n"
+                          "     of it is said again.\n");
+    EXPECT_EQ(lines.pieces, 3U);
+}
+
+// However the text was cut up: attributes in the middle of a line cost nothing here.
+TEST(Lines, OfTextInManyPiecesAreHandedOnWhole)
+{
+    EXPECT_EQ(laid_out(prose_line, 1, {.left_margin = 5, .width = 30}).pieces, 3U);
+    EXPECT_EQ(laid_out(prose_line, 3, {.width = 1000}).pieces, 1U);
+}
+
+// What is hidden between two stretches is no part of the line.
+TEST(Lines, LeaveOutWhatLiesBetweenStretches)
+{
+    constexpr std::string_view bytes = "some *N*text *N* and more";
+    LaidOutLines lines;
+    page::LineLayout layout(lines);
+    layout.begin({.width = 30});
+    layout.text(bytes.substr(0, 5));
+    layout.text(bytes.substr(8, 5));
+    layout.text(bytes.substr(16));
+    layout.end(true);
+    EXPECT_EQ(lines.page, "some text  and more\n");
+    EXPECT_EQ(lines.pieces, 3U);
 }
 
 } // namespace

@@ -79,6 +79,8 @@ TEST(PageGeometry, KeepsTheTabStopsBetweenTheMargins)
         paragraph.tab_stops.push_back({VW_TAB_LEFT, 0, 0, column * VW_TWIPS_PER_COLUMN});
     }
     paragraph.tab_stops.push_back({VW_TAB_DECIMAL, '.', 0, 20 * VW_TWIPS_PER_COLUMN});
+    EXPECT_TRUE(line_geometry(paragraph).tab_stops.empty()); // without a tab
+    paragraph.bytes = "\t";
     const LineGeometry geometry = line_geometry(paragraph);
     ASSERT_EQ(geometry.tab_stops.size(), 3U);
     EXPECT_EQ(geometry.tab_stops[0].column, 1U);

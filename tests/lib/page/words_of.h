@@ -73,14 +73,14 @@ public:
 inline constexpr auto every_attribute = static_cast<pfsdoc::AttributeSet>(~0U);
 
 inline std::string words_of(const TypedEvents &events, const pfsdoc::WriterOptions &options = {},
-                            pfsdoc::AttributeSet sayable = every_attribute)
+                            pfsdoc::AttributeSet supported = every_attribute)
 {
     FirstParagraph blocks;
     pfsdoc::reading::ParagraphCollector collector(blocks);
     events.tell(collector);
     collector.finish();
     WordLog words;
-    pfsdoc::page::tell_words(blocks.first, options, sayable, words);
+    pfsdoc::page::split_into_words(blocks.first, options, supported, words);
     return words.log;
 }
 
