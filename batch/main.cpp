@@ -1,5 +1,9 @@
 // The program pfsdoc-batch, which `pfsdoc batch` becomes. Test: tests/batch/run/batch_test.cpp.
-#include "batch/command_line.h"
+#include "batch/sandboxed/archive_reader.h"
+#include "batch/sandboxed/test_hook.h"
+#include "batch/sandboxed/worker.h"
+#include "batch/trusted/command_line.h"
+#include "batch/trusted/run_batch.h"
 #include "cli/parse.h"
 #include "cli/program.h"
 #include "cli/report.h"
@@ -8,15 +12,19 @@
 
 namespace {
 
+constexpr pfsdoc::batch::ProcessRoles roles{pfsdoc::batch::run_worker,
+                                            pfsdoc::batch::run_archive_reader};
+
 int run(int argument_count, char **arguments)
 {
     pfsdoc::batch::BatchCommandLine line;
+    pfsdoc::batch::add_test_hook_option(line.app());
     if (const std::optional<int> ended = pfsdoc::cli::parse(line.app(), argument_count, arguments,
                                                             "see pfsdoc batch --help")) {
         return *ended;
     }
     const pfsdoc::Result<pfsdoc::batch::BatchRequest> request = line.request();
-    return request.ok() ? pfsdoc::batch::run_batch(request.value())
+    return request.ok() ? pfsdoc::batch::run_batch(request.value(), roles)
                         : pfsdoc::cli::report("", request.error());
 }
 

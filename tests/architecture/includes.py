@@ -35,11 +35,7 @@ ALLOWED = {
     # The programs.
     "cli": {"lib/base", LIBRARY_API},
     "command": {"cli", "lib/base", "lib/reading", "lib/writers", "lib/explain"} | PUBLIC,
-    "batch": {"batch/trusted", "batch/sandboxed", "batch/wire", "batch/inputs", "batch/processes",
-              "batch/sandbox", "cli", "lib/base", LIBRARY_API},
-    "batch/inputs": {"batch/processes", "batch/sandbox", "lib/base", LIBRARY_API},
-    "batch/processes": {"lib/base", LIBRARY_API},
-    "batch/sandbox": {"lib/base", LIBRARY_API},
+    "batch": {"batch/trusted", "batch/sandboxed", "batch/wire", "cli", "lib/base", LIBRARY_API},
     # What sees a stranger's bytes, and what must not: neither includes the other.
     "batch/wire": {"lib/base", LIBRARY_API},
     "batch/trusted": {"batch/wire", "cli", "lib/base", LIBRARY_API},

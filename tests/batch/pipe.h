@@ -1,7 +1,7 @@
 // A pipe, whose ends are closed with it or before it.
 #pragma once
 
-#include "batch/processes/open_file.h"
+#include "lib/base/descriptor.h"
 
 #include <gtest/gtest.h>
 
@@ -17,8 +17,8 @@ struct Pipe {
     {
         std::array<int, 2> ends{};
         EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
-        reading = pfsdoc::batch::OpenFile(ends[0]);
-        writing = pfsdoc::batch::OpenFile(ends[1]);
+        reading = pfsdoc::base::Descriptor(ends[0]);
+        writing = pfsdoc::base::Descriptor(ends[1]);
     }
     std::string read_some() const
     {
@@ -29,15 +29,15 @@ struct Pipe {
     // Waits until nobody can write any more.
     std::string read_all()
     {
-        writing = pfsdoc::batch::OpenFile();
+        writing = pfsdoc::base::Descriptor();
         std::string all;
         for (std::string some = read_some(); !some.empty(); some = read_some()) {
             all += some;
         }
         return all;
     }
-    pfsdoc::batch::OpenFile reading;
-    pfsdoc::batch::OpenFile writing;
+    pfsdoc::base::Descriptor reading;
+    pfsdoc::base::Descriptor writing;
 };
 
 } // namespace tests

@@ -119,7 +119,7 @@ protected:
     // Of a run that has begun with a file; 0 where the kernel does not tell.
     static pid_t first_worker(pid_t run)
     {
-        return first_child(first_child(run));
+        return first_child(run);
     }
     static pid_t first_child(pid_t process)
     {

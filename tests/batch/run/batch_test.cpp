@@ -1,7 +1,6 @@
 // pfsdoc batch from the outside: what the folder and the manifest hold afterwards.
 #include "tests/batch/run/batch_bench.h"
 
-#include <sched.h>
 #include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -137,33 +136,6 @@ TEST_F(Batch, WaitsForAListThatComesLate)
     write("list", "in/a\n");
     EXPECT_EQ(outcome_of(child).exit_code, 0);
     EXPECT_EQ(statuses(), "in/a: converted\n");
-}
-
-// How many processors a process may run on.
-int processors_of(pid_t process)
-{
-    cpu_set_t set;
-    EXPECT_EQ(::sched_getaffinity(process, sizeof set, &set), 0);
-    return CPU_COUNT(&set);
-}
-
-TEST_F(Batch, BindsWorkersWhereEachProcessorHasOne)
-{
-    write_letter("in/a", "Hello");
-    ASSERT_EQ(::mkfifo((directory / "list").c_str(), 0600), 0);
-    const int all = processors_of(0);
-    for (const int jobs : {all, all + 1}) {
-        const pid_t child = start({"batch", "--files-from", "list", "-o", "out", "-t", "text", "-q",
-                                   "-j", std::to_string(jobs)});
-        std::ofstream list(directory / "list");
-        list << "in/a" << '\0' << std::flush;
-        wait_for_lines(1);
-        const pid_t worker = first_worker(child);
-        ASSERT_GT(worker, 1) << "this kernel does not tell a process's children";
-        EXPECT_EQ(processors_of(worker), jobs == all ? 1 : all);
-        list.close();
-        EXPECT_EQ(outcome_of(child).exit_code, 0);
-    }
 }
 
 TEST_F(Batch, ConvertsAgainWhatIsNotAsItWas)

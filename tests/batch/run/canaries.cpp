@@ -1,7 +1,7 @@
 // A reader that has been taken over by the document: it does what a mark in the text asks for,
 // or with --canary that to each document that has the word.
 // What a sandbox should have kept it from leaves a word in the output, for the tests to find.
-#include "batch/canary.h"
+#include "batch/sandboxed/test_hook.h"
 
 #include <array>
 #include <csignal>
@@ -91,7 +91,7 @@ void kill_parent(Output &output)
 
 struct Canary {
     std::string_view name;
-    void (*deed)(Output &);
+    void (*action)(Output &);
 };
 constexpr std::array<Canary, 9> canaries = {{
     {"crash", crash},
@@ -111,7 +111,7 @@ std::string chosen; // by --canary
 
 } // namespace
 
-void batch::add_canary_option(CLI::App &app)
+void batch::add_test_hook_option(CLI::App &app)
 {
     std::vector<std::string> names;
     for (const Canary &canary : canaries) {
@@ -120,7 +120,7 @@ void batch::add_canary_option(CLI::App &app)
     app.add_option("--canary", chosen)->check(CLI::IsMember(names));
 }
 
-void batch::sing(ByteSource &document, Output &output)
+void batch::run_test_hook(ByteSource &document, Output &output)
 {
     std::vector<uint8_t> bytes(document.size());
     document.read_at(0, bytes);
@@ -129,7 +129,7 @@ void batch::sing(ByteSource &document, Output &output)
         const std::string wanted = std::string(mark) + " " + std::string(canary.name);
         const bool is_chosen = chosen == canary.name && text.find(mark) != std::string_view::npos;
         if (is_chosen || text.find(wanted) != std::string_view::npos) {
-            canary.deed(output);
+            canary.action(output);
         }
     }
 }

@@ -1,5 +1,5 @@
 // Readers that have been taken over: each costs its own file, and gets nowhere.
-#include "batch/shadow_memory.h"
+#include "batch/sandboxed/shadow_memory.h"
 #include "tests/batch/run/batch_bench.h"
 
 #include <algorithm>
@@ -8,15 +8,15 @@ namespace tests {
 
 namespace {
 
-struct Deed {
+struct Action {
     std::string_view mark;
     std::string_view status;
 };
 
 // In the order of their names, as the files are read. A sanitizer's memory is not limited.
-std::vector<Deed> all_deeds()
+std::vector<Action> all_actions()
 {
-    std::vector<Deed> deeds = {
+    std::vector<Action> actions = {
         {"connect", "crashed, the process that read it was ended by SIGABRT"},
         {"crash", "crashed, the process that read it was ended by SIGSEGV"},
         {"exit", "crashed, the process that read it was ended with code 3"},
@@ -27,22 +27,22 @@ std::vector<Deed> all_deeds()
         {"open", "crashed, the process that read it was ended by SIGABRT"},
     };
     if (!pfsdoc::batch::memory_is_shadowed) {
-        deeds.push_back({"memory", "memory, needs more memory than is allowed"});
+        actions.push_back({"memory", "memory, needs more memory than is allowed"});
     }
-    std::sort(deeds.begin(), deeds.end(),
-              [](const Deed &one, const Deed &other) { return one.mark < other.mark; });
-    return deeds;
+    std::sort(actions.begin(), actions.end(),
+              [](const Action &one, const Action &other) { return one.mark < other.mark; });
+    return actions;
 }
-const std::vector<Deed> deeds = all_deeds();
+const std::vector<Action> actions = all_actions();
 
 class Canary : public Batch {
 protected:
     void SetUp() override
     {
         Batch::SetUp();
-        for (const Deed &deed : deeds) {
-            write_letter("in/" + std::string(deed.mark), "canary " + std::string(deed.mark));
-            write_letter("in/" + std::string(deed.mark) + ".next", "Hello");
+        for (const Action &action : actions) {
+            write_letter("in/" + std::string(action.mark), "canary " + std::string(action.mark));
+            write_letter("in/" + std::string(action.mark) + ".next", "Hello");
         }
     }
     std::vector<std::string> arguments(const std::string &output, const std::string &jobs) const
@@ -55,13 +55,13 @@ protected:
 TEST_F(Canary, CostsItsOwnFileOnly)
 {
     std::string expected;
-    for (const Deed &deed : deeds) {
-        expected += "in/" + std::string(deed.mark) + ": " + std::string(deed.status) + "\n";
-        expected += "in/" + std::string(deed.mark) + ".next: converted\n";
+    for (const Action &action : actions) {
+        expected += "in/" + std::string(action.mark) + ": " + std::string(action.status) + "\n";
+        expected += "in/" + std::string(action.mark) + ".next: converted\n";
     }
     EXPECT_EQ(run(arguments("out", "1")).exit_code, 1);
     EXPECT_EQ(statuses(), expected);
-    EXPECT_EQ(files().size(), deeds.size() + 1) << names();
+    EXPECT_EQ(files().size(), actions.size() + 1) << names();
     // Again, with more workers: what crashed is tried again, and ends in the same way.
     EXPECT_EQ(run(arguments("out", "3")).exit_code, 1);
     EXPECT_EQ(statuses(), expected);
@@ -73,16 +73,16 @@ TEST_F(Canary, DoesWhatTheOptionSays)
 {
     write_letter("one/bird", "a canary");
     write_letter("one/letter", "Hello");
-    for (const auto &[name, status] : deeds) {
+    for (const auto &[name, status] : actions) {
         if (name == "memory") {
             continue; // its status depends on what the limit is
         }
-        const std::string deed(name);
-        EXPECT_EQ(run({"one", "-o", deed, "-t", "text", "--canary", deed, "--max-time", "0.5",
+        const std::string action(name);
+        EXPECT_EQ(run({"one", "-o", action, "-t", "text", "--canary", action, "--max-time", "0.5",
                        "--max-output", "1MB"})
                       .exit_code,
                   1);
-        EXPECT_EQ(statuses(deed + "/manifest.ndjson"),
+        EXPECT_EQ(statuses(action + "/manifest.ndjson"),
                   "one/bird: " + std::string(status) + "\none/letter: converted\n");
     }
 }

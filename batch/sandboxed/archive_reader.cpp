@@ -1,0 +1,239 @@
+// libarchive reads the archive out of memory that the file is mapped to, so that nothing but
+// computing and one pipe is needed once the sandbox is closed. A file that another program cuts
+// meanwhile ends this process, which is what it is for.
+//
+// Only the filters that run inside the process are asked for: libarchive would start programs
+// for the others.
+#include "batch/sandboxed/archive_reader.h"
+
+#include "batch/sandboxed/sandbox.h"
+#include "batch/wire/archive_messages.h"
+
+#include <algorithm>
+#include <archive.h>
+#include <archive_entry.h>
+#include <array>
+#include <clocale>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace pfsdoc::batch {
+
+namespace {
+
+constexpr std::size_t part_size = 65536;
+static_assert(part_size <= longest_message);
+
+struct FreeArchive {
+    void operator()(archive *opened) const
+    {
+        ::archive_read_free(opened);
+    }
+};
+
+using Archive = std::unique_ptr<archive, FreeArchive>;
+
+// The file in memory, and how far libarchive is in it.
+struct MappedFile {
+    const char *bytes = nullptr;
+    la_int64_t size = 0;
+    la_int64_t position = 0;
+};
+
+la_ssize_t read_part(archive *, void *data, const void **part)
+{
+    MappedFile &file = *static_cast<MappedFile *>(data);
+    const la_int64_t count = std::min<la_int64_t>(part_size, file.size - file.position);
+    *part = file.bytes + file.position;
+    file.position += count;
+    return static_cast<la_ssize_t>(count);
+}
+
+la_int64_t skip_part(archive *, void *data, la_int64_t request)
+{
+    MappedFile &file = *static_cast<MappedFile *>(data);
+    const la_int64_t count = std::clamp<la_int64_t>(request, 0, file.size - file.position);
+    file.position += count;
+    return count;
+}
+
+la_int64_t seek_part(archive *, void *data, la_int64_t offset, int whence)
+{
+    MappedFile &file = *static_cast<MappedFile *>(data);
+    const la_int64_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.position : file.size;
+    if (offset < -from || offset > file.size - from) {
+        return ARCHIVE_FATAL;
+    }
+    file.position = from + offset;
+    return file.position;
+}
+
+bool map(int descriptor, MappedFile &file)
+{
+    struct stat status {};
+    if (::fstat(descriptor, &status) != 0) {
+        return false;
+    }
+    const auto size = static_cast<std::size_t>(status.st_size);
+    if (size == 0) {
+        return true;
+    }
+    void *mapped = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, descriptor, 0);
+    file.bytes = static_cast<const char *>(mapped);
+    file.size = status.st_size;
+    return mapped != MAP_FAILED;
+}
+
+Archive open_archive(MappedFile &file)
+{
+    Archive opened(::archive_read_new());
+    archive *reader = opened.get();
+    ::archive_read_support_filter_gzip(reader);
+    ::archive_read_support_filter_bzip2(reader);
+    ::archive_read_support_filter_xz(reader);
+    ::archive_read_support_filter_zstd(reader);
+    ::archive_read_support_format_tar(reader);
+    ::archive_read_support_format_zip(reader);
+    ::archive_read_set_read_callback(reader, read_part);
+    ::archive_read_set_skip_callback(reader, skip_part);
+    ::archive_read_set_seek_callback(reader, seek_part);
+    ::archive_read_set_callback_data(reader, &file);
+    return ::archive_read_open1(reader) == ARCHIVE_OK ? std::move(opened) : nullptr;
+}
+
+class MemberSender {
+public:
+    MemberSender(archive *opened, int output, const ArchiveSettings &settings)
+        : archive_(opened), output_(output), settings_(settings)
+    {
+    }
+
+    // How the archive ended, or nothing where nobody listens any more.
+    std::optional<ArchiveOutcome> send_all();
+
+private:
+    bool send_member(archive_entry *entry);
+    ArchiveOutcome send_content(archive_entry *entry);
+    ArchiveOutcome send_parts();
+
+    archive *archive_;
+    int output_;
+    const ArchiveSettings &settings_;
+};
+
+std::string_view name_of(archive_entry *entry)
+{
+    const char *name = ::archive_entry_pathname(entry);
+    if (name == nullptr) {
+        name = ::archive_entry_pathname_utf8(entry);
+    }
+    return std::string_view(name != nullptr ? name : "").substr(0, longest_message);
+}
+
+// Whatever breaks off is damage: libarchive has no finer words that hold for all formats.
+ArchiveOutcome MemberSender::send_parts()
+{
+    std::array<char, part_size> part{};
+    uint64_t sent = 0;
+    for (;;) {
+        const la_ssize_t count = ::archive_read_data(archive_, part.data(), part.size());
+        if (count <= 0) {
+            return count == 0 ? ArchiveOutcome::whole : ArchiveOutcome::damaged;
+        }
+        const auto length = static_cast<std::size_t>(count);
+        sent += length;
+        if (sent > settings_.max_input) {
+            return ArchiveOutcome::too_large;
+        }
+        if (!send_bytes(output_, MessageKind::bytes, {part.data(), length})) {
+            return ArchiveOutcome::reader_ended;
+        }
+    }
+}
+
+ArchiveOutcome MemberSender::send_content(archive_entry *entry)
+{
+    const auto type = ::archive_entry_filetype(entry);
+    if (type == AE_IFLNK || ::archive_entry_hardlink(entry) != nullptr) {
+        return ArchiveOutcome::link;
+    }
+    if (type != AE_IFREG && type != 0) {
+        return ArchiveOutcome::special;
+    }
+    if (::archive_entry_is_encrypted(entry) != 0) {
+        return ArchiveOutcome::encrypted;
+    }
+    const la_int64_t size = ::archive_entry_size(entry);
+    if (size > 0 && static_cast<uint64_t>(size) > settings_.max_input) {
+        return ArchiveOutcome::too_large;
+    }
+    return send_parts();
+}
+
+bool MemberSender::send_member(archive_entry *entry)
+{
+    if (::archive_entry_filetype(entry) == AE_IFDIR) {
+        return true;
+    }
+    return send_bytes(output_, MessageKind::member, name_of(entry)) &&
+           send_end(output_, MessageKind::member_end, send_content(entry));
+}
+
+std::optional<ArchiveOutcome> MemberSender::send_all()
+{
+    for (bool at_start = true;; at_start = false) {
+        archive_entry *entry = nullptr;
+        const int result = ::archive_read_next_header(archive_, &entry);
+        if (result == ARCHIVE_EOF) {
+            return ArchiveOutcome::whole;
+        }
+        if (result < ARCHIVE_WARN) {
+            return at_start ? ArchiveOutcome::not_an_archive : ArchiveOutcome::damaged;
+        }
+        if (static_cast<uint64_t>(::archive_filter_bytes(archive_, 0)) > settings_.max_archive) {
+            return ArchiveOutcome::too_many_bytes;
+        }
+        if (!send_member(entry)) {
+            return std::nullopt;
+        }
+    }
+}
+
+void prepare_process(int output)
+{
+    static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
+    ::dup2(output, STDOUT_FILENO);
+    ::closefrom(STDERR_FILENO + 1); // the archive too, which is in memory
+    ::close(STDIN_FILENO);
+    // Names in UTF-8 shall come as they are. Both read files, so they cannot be left for later.
+    static_cast<void>(std::setlocale(LC_CTYPE, "C.UTF-8"));
+    ::tzset();
+    ::prctl(PR_SET_NAME, "pfsdoc-archive");
+}
+
+} // namespace
+
+void run_archive_reader(int archive, int output, const ArchiveSettings &settings)
+{
+    MappedFile file;
+    const bool is_mapped = map(archive, file);
+    prepare_process(output);
+    std::optional<ArchiveOutcome> outcome = ArchiveOutcome::not_an_archive;
+    if (!enter_sandbox(settings.sandbox).ok()) {
+        outcome = ArchiveOutcome::no_sandbox;
+    } else if (const Archive opened = is_mapped ? open_archive(file) : nullptr) {
+        outcome = MemberSender(opened.get(), STDOUT_FILENO, settings).send_all();
+    }
+    if (outcome) {
+        send_end(STDOUT_FILENO, MessageKind::archive_end, *outcome);
+    }
+    ::_exit(EXIT_SUCCESS);
+}
+
+} // namespace pfsdoc::batch

@@ -1,0 +1,233 @@
+#include "batch/sandboxed/convert_file.h"
+
+#include "batch/sandboxed/test_hook.h"
+#include "batch/wire/sha256.h"
+#include "lib/base/descriptor_output.h"
+#include "lib/base/printable.h"
+#include "lib/base/transfers.h"
+#include "pfsdoc/document.h"
+#include "pfsdoc/reading_stopped.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <optional>
+#include <sys/types.h>
+#include <unistd.h>
+#include <utility>
+
+namespace pfsdoc::batch {
+
+namespace {
+
+constexpr std::size_t hashed_at_once = 65536;
+
+// Of all that the descriptor has from its start; nothing where it cannot be read.
+std::optional<Digest> digest_of_file(int descriptor)
+{
+    std::array<char, hashed_at_once> buffer;
+    Sha256 sum;
+    for (uint64_t offset = 0;;) {
+        const ssize_t count = base::read_some_at(descriptor, buffer.data(), buffer.size(), offset);
+        if (count <= 0) {
+            return count == 0 ? std::optional(sum.finish()) : std::nullopt;
+        }
+        const auto length = static_cast<std::size_t>(count);
+        sum.update({buffer.data(), length});
+        offset += length;
+    }
+}
+
+void stop_if_failed(const base::DescriptorOutput &output)
+{
+    if (output.failed()) {
+        throw ReadingStopped(*output.failure());
+    }
+}
+
+// Counts blocks on their way to the writer, and stops where the output takes no more.
+class CountingSink final : public BlockSink {
+public:
+    CountingSink(Writer &writer, const base::DescriptorOutput &output)
+        : writer_(writer), output_(output)
+    {
+    }
+
+    void paragraph(const Paragraph &paragraph) override
+    {
+        stop_if_failed(output_);
+        ++(in_header_ ? counts.header_lines : counts.paragraphs);
+        for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
+            const PieceKind kind = paragraph.pieces[i].kind;
+            counts.characters += kind == PieceKind::text ? paragraph.piece_bytes(i).size() : 0;
+            counts.page_breaks += kind == PieceKind::page_break ? 1 : 0;
+        }
+        writer_.paragraph(paragraph);
+    }
+    void page_break(uint32_t source) override
+    {
+        stop_if_failed(output_);
+        ++counts.page_breaks;
+        writer_.page_break(source);
+    }
+    void block_begin(BlockKind kind) override
+    {
+        in_header_ = true;
+        writer_.block_begin(kind);
+    }
+    void block_end() override
+    {
+        in_header_ = false;
+        writer_.block_end();
+    }
+    void end_of_document() override
+    {
+        writer_.end_of_document();
+    }
+
+    BlockCounts counts;
+
+private:
+    Writer &writer_;
+    const base::DescriptorOutput &output_;
+    bool in_header_ = false;
+};
+
+class GuardedEvents final : public EventSink {
+public:
+    GuardedEvents(EventWriter &writer, const base::DescriptorOutput &output)
+        : writer_(writer), output_(output)
+    {
+    }
+
+    int32_t on_event(const Event &event, uint32_t offset) override
+    {
+        stop_if_failed(output_);
+        return writer_.on_event(event, offset);
+    }
+
+private:
+    EventWriter &writer_;
+    const base::DescriptorOutput &output_;
+};
+
+Status write_blocks(Document &document, const DocumentInfo &info, base::DescriptorOutput &output,
+                    const ConversionSettings &settings, Outcome &outcome)
+{
+    const auto writer = settings.format->make_writer(output, info, settings.options);
+    if (!writer.ok()) {
+        return writer.error();
+    }
+    CountingSink sink(*writer.value(), output);
+    Status fault = document.read(sink);
+    if (!fault || fault->kind == ErrorKind::damaged) {
+        outcome.has_counts = 1;
+        outcome.counts = sink.counts;
+        for (const LossEntry &entry : writer.value()->losses().entries()) {
+            outcome.losses[static_cast<std::size_t>(entry.loss)] = entry.count;
+        }
+    }
+    return fault;
+}
+
+Status write_events(Document &document, base::DescriptorOutput &output,
+                    const ConversionSettings &settings)
+{
+    const auto writer = settings.format->make_event_writer(output, settings.options);
+    GuardedEvents sink(*writer, output);
+    Status fault = document.read_events(sink);
+    if (!fault || fault->kind == ErrorKind::damaged) {
+        writer->finish();
+    }
+    return fault;
+}
+
+Status write_document(Document &document, std::string_view title, base::DescriptorOutput &output,
+                      const ConversionSettings &settings, Outcome &outcome)
+{
+    outcome.kind = static_cast<int32_t>(document.kind());
+    outcome.basis.set(document.identity().basis);
+    const DocumentInfo info{document.kind(), base::printable(title)};
+    const Status fault = settings.format->make_event_writer != nullptr
+                             ? write_events(document, output, settings)
+                             : write_blocks(document, info, output, settings, outcome);
+    output.flush();
+    // Where the output has failed, that is why the reading ended.
+    const Status unwritten = output.failure();
+    return unwritten ? unwritten : fault;
+}
+
+// A temporary file that cannot be written is no reason to end the run, as an output is: other
+// files may need none.
+FileStatus status_of(const Error &fault, const base::DescriptorOutput &output)
+{
+    return fault.kind == ErrorKind::output && !output.failed() ? FileStatus::internal
+                                                               : batch::status_of(fault.kind);
+}
+
+void finish(const Status &fault, const base::DescriptorOutput &output, Sha256 &sum,
+            Outcome &outcome)
+{
+    outcome.status = fault ? status_of(*fault, output) : FileStatus::converted;
+    if (fault) {
+        outcome.set_error(*fault);
+    }
+    outcome.system_error = output.error_number();
+    if (has_output(outcome.status)) {
+        outcome.output_size = output.size();
+        outcome.output_digest = sum.finish();
+    } else {
+        outcome.has_counts = 0;
+        outcome.losses = {};
+    }
+}
+
+bool is_unchanged(const Job &job, const Digest &input, int earlier_output)
+{
+    return job.has_earlier != 0 && input == job.earlier_input &&
+           (job.has_earlier_output == 0 || digest_of_file(earlier_output) == job.earlier_output);
+}
+
+Result<Document> open_document(const Job &job, base::Descriptor &input,
+                               base::DescriptorOutput &output, const ConversionSettings &settings)
+{
+    if (job.size >= input_size_limit) {
+        return too_large();
+    }
+    auto source =
+        std::make_unique<DescriptorSource>(input.release(), static_cast<uint32_t>(job.size));
+    run_test_hook(*source, output);
+    const bool offsets = settings.format->wants_offsets || settings.options.raw_lines;
+    return Document::from_source(std::move(source), {settings.module, offsets});
+}
+
+} // namespace
+
+Outcome convert_file(const Job &job, JobFiles files, const ConversionSettings &settings)
+{
+    const std::optional<Digest> digest = digest_of_file(files.input.get());
+    if (!digest) {
+        return failed_outcome(FileStatus::unreadable,
+                              {ErrorKind::input,
+                               std::string("cannot be read: ") + std::strerror(errno),
+                               "check that it is a readable file"});
+    }
+    Outcome outcome;
+    outcome.has_input_digest = 1;
+    outcome.input_digest = *digest;
+    if (is_unchanged(job, *digest, files.earlier_output.get())) {
+        outcome.status = FileStatus::unchanged;
+        return outcome;
+    }
+    Sha256 sum;
+    base::DescriptorOutput output(files.output.get(), settings.max_output,
+                                  [&sum](std::string_view bytes) { sum.update(bytes); });
+    Result<Document> document = open_document(job, files.input, output, settings);
+    const Status fault =
+        document.ok() ? write_document(document.value(), job.title.get(), output, settings, outcome)
+                      : Status(document.error());
+    finish(fault, output, sum, outcome);
+    return outcome;
+}
+
+} // namespace pfsdoc::batch

@@ -1,0 +1,211 @@
+#include "batch/trusted/archives.h"
+
+#include "lib/base/spill_store.h"
+#include "pfsdoc/reading_stopped.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace pfsdoc::batch {
+
+namespace {
+
+Error too_large(uint64_t max_input)
+{
+    return {ErrorKind::limit, "has more than the " + std::to_string(max_input) + " bytes allowed",
+            "allow more with --max-input"};
+}
+
+Error no_reader(int error_number)
+{
+    return {ErrorKind::internal,
+            std::string("no process to read it can be started: ") + std::strerror(error_number),
+            "end other programs"};
+}
+
+Error error_of_member(ArchiveOutcome outcome, const InputOptions &options)
+{
+    switch (outcome) {
+    case ArchiveOutcome::link:
+        return {ErrorKind::input, "is a link inside an archive", "unpack the archive"};
+    case ArchiveOutcome::special:
+        return {ErrorKind::input, "is a device or a pipe inside an archive", ""};
+    case ArchiveOutcome::encrypted:
+        return {ErrorKind::input, "is encrypted", "unpack the archive with its password"};
+    case ArchiveOutcome::too_large: return too_large(options.max_input);
+    default: return {ErrorKind::damaged, "is damaged inside its archive", "get the archive again"};
+    }
+}
+
+Error error_of_archive(ArchiveOutcome outcome, const InputOptions &options)
+{
+    switch (outcome) {
+    case ArchiveOutcome::not_an_archive:
+        return {ErrorKind::input, "is no zip or tar archive, though its name says so",
+                "give it another ending to have it read as a file"};
+    case ArchiveOutcome::too_many_members:
+        return {ErrorKind::limit,
+                "has more than " + std::to_string(most_members) + " members; the rest is not read",
+                "unpack it"};
+    case ArchiveOutcome::too_many_bytes:
+        return {ErrorKind::limit,
+                "unpacks to more than " + std::to_string(options.max_archive) +
+                    " bytes; the rest is not read",
+                "unpack it"};
+    case ArchiveOutcome::no_sandbox:
+        return {ErrorKind::internal, "cannot be read: there is no sandbox to do it in",
+                "allow reading without one"};
+    case ArchiveOutcome::reader_ended:
+        return {ErrorKind::damaged, "made its reader end; the rest is not read", "unpack it"};
+    default:
+        return {ErrorKind::damaged, "is a damaged archive; the rest is not read",
+                "get the archive again"};
+    }
+}
+
+Error cannot_be_unpacked(int error_number)
+{
+    return {ErrorKind::input, std::string("cannot be unpacked: ") + std::strerror(error_number),
+            "make room, or set TMPDIR to a folder with more of it"};
+}
+
+// The bytes of a member. What comes after a failure is not kept: the member is read to its end all
+// the same, and the next one with it.
+class MemberBytes {
+public:
+    void write(std::string_view bytes)
+    {
+        size_ += bytes.size();
+        try {
+            if (!fault_) {
+                store_.write(bytes);
+            }
+        } catch (const ReadingStopped &failure) {
+            fault_ = failure.error();
+        }
+    }
+    uint64_t size() const
+    {
+        return size_;
+    }
+    // All of them, positioned at their start.
+    Result<base::Descriptor> take()
+    {
+        try {
+            return fault_ ? Result<base::Descriptor>(*fault_) : store_.take();
+        } catch (const ReadingStopped &failure) {
+            return failure.error();
+        }
+    }
+
+private:
+    base::SpillStore store_{cannot_be_unpacked};
+    uint64_t size_ = 0;
+    std::optional<Error> fault_;
+};
+
+} // namespace
+
+ArchiveMembers::ArchiveMembers(const base::Descriptor &archive, std::string name,
+                               const InputOptions &options, NameSet &names)
+    : name_(std::move(name)), options_(options), names_(names)
+{
+    start(archive);
+}
+
+ArchiveMembers::~ArchiveMembers()
+{
+    stop();
+}
+
+void ArchiveMembers::start(const base::Descriptor &archive)
+{
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+        error_ = no_reader(errno);
+        return;
+    }
+    messages_ = base::Descriptor(ends[0]);
+    const base::Descriptor output(ends[1]);
+    const std::array<int, 2> kept = {archive.get(), output.get()};
+    Result<ChildProcess> reader = ChildProcess::start(
+        kept, [&] { options_.archive_reader(archive.get(), output.get(), options_); });
+    if (!reader.ok()) {
+        error_ = reader.error();
+        return;
+    }
+    reader_ = std::move(reader.value());
+}
+
+void ArchiveMembers::stop()
+{
+    messages_ = base::Descriptor();
+    reader_.end();
+}
+
+std::optional<BatchInput> ArchiveMembers::end(ArchiveOutcome outcome)
+{
+    stop();
+    if (outcome == ArchiveOutcome::whole) {
+        return std::nullopt;
+    }
+    return BatchInput{name_, base::Descriptor(), 0, error_of_archive(outcome, options_)};
+}
+
+std::optional<BatchInput> ArchiveMembers::member(const std::string &path)
+{
+    MemberBytes content;
+    for (;;) {
+        const std::optional<Message> message = receive_message(messages_.get(), options_.wait);
+        const bool is_content = message && message->kind == MessageKind::bytes;
+        if (is_content && bytes_ + message->bytes.size() > options_.max_archive) {
+            return end(ArchiveOutcome::too_many_bytes);
+        }
+        if (is_content && content.size() + message->bytes.size() <= options_.max_input) {
+            content.write(message->bytes);
+            bytes_ += message->bytes.size();
+            continue;
+        }
+        if (!message || message->kind != MessageKind::member_end) {
+            return end(ArchiveOutcome::reader_ended);
+        }
+        std::string name =
+            names_.unique(below(name_, safe_name(path, Separators::slash_and_backslash)));
+        if (message->outcome != ArchiveOutcome::whole) {
+            return BatchInput{std::move(name), base::Descriptor(), 0,
+                              error_of_member(message->outcome, options_)};
+        }
+        Result<base::Descriptor> file = content.take();
+        if (!file.ok()) {
+            return BatchInput{std::move(name), base::Descriptor(), 0, file.error()};
+        }
+        return BatchInput{std::move(name), std::move(file.value()), content.size(), std::nullopt};
+    }
+}
+
+std::optional<BatchInput> ArchiveMembers::next()
+{
+    if (error_) {
+        return BatchInput{name_, base::Descriptor(), 0, std::exchange(error_, std::nullopt)};
+    }
+    if (reader_.id() == 0) {
+        return std::nullopt;
+    }
+    const std::optional<Message> message = receive_message(messages_.get(), options_.wait);
+    if (message && message->kind == MessageKind::archive_end) {
+        return end(message->outcome);
+    }
+    if (!message || message->kind != MessageKind::member) {
+        return end(ArchiveOutcome::reader_ended);
+    }
+    if (++members_ > most_members) {
+        return end(ArchiveOutcome::too_many_members);
+    }
+    return member(message->bytes);
+}
+
+} // namespace pfsdoc::batch

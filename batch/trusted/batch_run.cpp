@@ -1,0 +1,353 @@
+#include "batch/trusted/batch_run.h"
+
+#include "batch/trusted/interruption.h"
+#include "lib/base/printable.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <fcntl.h>
+#include <new>
+#include <span>
+#include <sys/types.h>
+#include <unistd.h>
+#include <utility>
+
+namespace pfsdoc::batch {
+
+namespace {
+
+constexpr std::chrono::milliseconds between_looks{100};
+constexpr std::size_t most_prepared = 8; // each takes up to three descriptors
+constexpr off_t probed_bytes = 65536;
+
+Job job_of(const RecordedFile &file, const std::optional<EarlierRecord> &earlier)
+{
+    Job job;
+    job.size = file.size;
+    job.title.set(base::base_name(file.name));
+    if (earlier) {
+        job.has_earlier = 1;
+        job.has_earlier_output = earlier->output.empty() ? 0 : 1;
+        job.earlier_input = earlier->input;
+        job.earlier_output = earlier->output_digest;
+    }
+    return job;
+}
+
+// Whether it is true that nothing can be written: a worker that has been taken over may report
+// so to end the run.
+bool is_unwritable(int descriptor)
+{
+    const off_t end = ::lseek(descriptor, 0, SEEK_END);
+    return ::posix_fallocate(descriptor, std::max<off_t>(end, 0), probed_bytes) != 0;
+}
+
+Error unwritten(const Outcome &outcome)
+{
+    return {ErrorKind::output, std::string(outcome.what.get()),
+            "make room; the next run goes on from here"};
+}
+
+Outcome invalid_report()
+{
+    return failed_outcome(FileStatus::crashed,
+                          {ErrorKind::internal, "the process that read it said what is not so",
+                           "please report this as a fault of pfsdoc"});
+}
+
+} // namespace
+
+BatchRun::BatchRun(const BatchRequest &request, const ProcessRoles &roles, OutputFolder folder,
+                   Manifest manifest)
+    : request_(request), folder_(std::move(folder)), manifest_(std::move(manifest)),
+      progress_(request.progress, request.progress == ProgressForm::none
+                                      ? std::nullopt
+                                      : count_files(request.inputs)),
+      commits_(folder_, request.recorded)
+{
+    for (std::size_t i = 0; i < request.workers; ++i) {
+        workers_.push_back({WorkerProcess(request.worker, roles.worker, request.max_time)});
+    }
+    InputOptions options = request.inputs;
+    options.archive_reader = roles.archive_reader;
+    options.wait = [this](int descriptor) { return wait_for_input(descriptor); };
+    inputs_ = open_inputs(options);
+}
+
+// The first reason counts.
+void BatchRun::stop(Error fault)
+{
+    if (!fault_) {
+        fault_ = std::move(fault);
+    }
+}
+
+Status BatchRun::run()
+{
+    const Status fault = convert_all();
+    const Status unkept = keep_what_is_done();
+    progress_.clear();
+    if (fault || unkept) {
+        return fault ? fault : unkept;
+    }
+    return manifest_.finish();
+}
+
+Status BatchRun::convert_all()
+{
+    try {
+        while (!fault_) {
+            prepare_tasks();
+            if (is_done()) {
+                break;
+            }
+            wait_for_any(-1);
+        }
+    } catch (const std::bad_alloc &) {
+        stop({ErrorKind::internal, "there is not enough memory",
+              "end other programs and try again"});
+    } catch (const std::exception &fault) {
+        stop({ErrorKind::internal, fault.what(), "please report this as a fault of pfsdoc"});
+    }
+    return fault_;
+}
+
+bool BatchRun::is_done() const
+{
+    return fault_ || (inputs_ended_ && lines_.is_empty());
+}
+
+// Whatever ends the run ends the workers, too, and that is no fault of their files. What has been
+// converted by then is kept, as far as that is possible.
+Status BatchRun::keep_what_is_done()
+{
+    workers_.clear();
+    prepared_.clear();
+    const Status fault = commits_.finish_all();
+    const Status unwritten = write_lines();
+    return fault ? fault : unwritten;
+}
+
+// ------------------------------------------------------ from the inputs to the workers -----
+
+// One file more for each worker than it has, so that none waits for its next file to be opened.
+void BatchRun::prepare_tasks()
+{
+    const std::size_t wanted = std::min(workers_.size(), most_prepared);
+    while (!fault_ && !inputs_ended_ && prepared_.size() < wanted && !lines_.is_full()) {
+        std::optional<BatchInput> input = inputs_->next();
+        if (fault_) {
+            return;
+        }
+        inputs_ended_ = !input;
+        if (input) {
+            prepare(std::move(*input));
+            hand_out();
+        }
+    }
+}
+
+void BatchRun::prepare(BatchInput input)
+{
+    RecordedFile file{input.name, input.size, input.name + "." + request_.recorded.extension};
+    Task task{lines_.add(), std::move(input), std::move(file)};
+    if (task.input.error) {
+        record(task, failed_outcome(status_of(task.input.error->kind), *task.input.error));
+        return;
+    }
+    look_up(task);
+    open_earlier_output(task);
+    Result<PendingOutput> output = folder_.create(task.file.output);
+    if (output.ok()) {
+        task.output.emplace(std::move(output.value()));
+        prepared_.push_back(std::move(task));
+    } else if (output.error().kind == ErrorKind::output) {
+        stop(output.error());
+    } else {
+        record(task, failed_outcome(FileStatus::name, output.error()));
+    }
+}
+
+void BatchRun::look_up(Task &task) const
+{
+    for (std::string &line : manifest_.earlier().find(task.file.name)) {
+        task.earlier = usable_record(line, task.file, request_.recorded);
+        if (task.earlier) {
+            task.earlier_line = std::move(line) + "\n";
+            return;
+        }
+    }
+}
+
+// An output that is not what it was is made again.
+void BatchRun::open_earlier_output(Task &task) const
+{
+    if (!task.earlier || task.earlier->output.empty()) {
+        return;
+    }
+    task.earlier_output = folder_.open_existing(task.file.output, task.earlier->output_size);
+    if (task.earlier_output.get() < 0) {
+        task.earlier.reset();
+    }
+}
+
+void BatchRun::hand_out()
+{
+    for (auto worker = workers_.begin(); worker != workers_.end() && !prepared_.empty(); ++worker) {
+        if (!worker->task) {
+            submit(*worker);
+        }
+    }
+}
+
+// The next task that is prepared.
+void BatchRun::submit(Worker &worker)
+{
+    Task &task = worker.task.emplace(std::move(prepared_.front()));
+    prepared_.pop_front();
+    const std::array<int, 3> descriptors = {task.input.file.get(), task.output->descriptor(),
+                                            task.earlier_output.get()};
+    const std::size_t count = task.earlier_output.get() < 0 ? 2 : 3;
+    if (Status fault = worker.process.submit(job_of(task.file, task.earlier),
+                                             std::span(descriptors).first(count))) {
+        stop(std::move(*fault));
+    }
+}
+
+// ---------------------------------------------------------------------------- waiting -----
+
+bool BatchRun::wait_for_input(int descriptor)
+{
+    while (!fault_ && !wait_for_any(descriptor)) {
+    }
+    return !fault_;
+}
+
+// In milliseconds: until the next job is late, or there is something else to look after.
+int BatchRun::patience() const
+{
+    Clock::time_point next = Clock::now() + between_looks;
+    for (const Worker &worker : workers_) {
+        if (worker.task) {
+            next = std::min(next, worker.process.deadline());
+        }
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now());
+    return static_cast<int>(std::max<std::chrono::milliseconds::rep>(left.count(), 0));
+}
+
+bool BatchRun::wait_for_any(int descriptor)
+{
+    polled_.clear();
+    polled_.push_back({descriptor, POLLIN, 0});
+    polled_.push_back({commits_.descriptor(), POLLIN, 0});
+    for (const Worker &worker : workers_) {
+        polled_.push_back({worker.task ? worker.process.socket() : -1, POLLIN, 0});
+    }
+    const bool has_hope =
+        std::any_of(polled_.begin(), polled_.end(), [](const pollfd &one) { return one.fd >= 0; });
+    const int ready = ::poll(polled_.data(), polled_.size(), has_hope ? patience() : 0);
+    if (was_interrupted()) {
+        stop({ErrorKind::interrupted, "interrupted", "the next run goes on from here"});
+    }
+    if (ready > 0) {
+        for (std::size_t i = 0; i < workers_.size() && !fault_; ++i) {
+            if (polled_[i + 2].revents != 0) {
+                receive_from(workers_[i]);
+            }
+        }
+    }
+    end_late_jobs();
+    hand_out();
+    commit_outputs(ready > 0 && polled_[1].revents != 0);
+    progress_.show(tally_);
+    return ready > 0 && polled_[0].revents != 0;
+}
+
+// The worker gets its next file before the results of this one are looked at.
+void BatchRun::receive_from(Worker &worker)
+{
+    Result<std::optional<Outcome>> answer = worker.process.receive();
+    if (!answer.ok()) {
+        stop(answer.error());
+        return;
+    }
+    if (!answer.value()) {
+        sandbox_words_ = worker.process.sandbox_words();
+        return;
+    }
+    Task done = std::move(*worker.task);
+    worker.task.reset();
+    if (!prepared_.empty()) {
+        submit(worker);
+    }
+    finish(std::move(done), std::move(*answer.value()));
+}
+
+void BatchRun::end_late_jobs()
+{
+    const Clock::time_point now = Clock::now();
+    for (Worker &worker : workers_) {
+        if (!fault_ && worker.task && worker.process.deadline() <= now) {
+            finish(std::move(*worker.task), worker.process.end_late());
+            worker.task.reset();
+        }
+    }
+}
+
+// ------------------------------------------------------ from the workers to the manifest -----
+
+void BatchRun::finish(Task task, Outcome outcome)
+{
+    const bool is_invalid =
+        (outcome.status == FileStatus::unchanged && !task.earlier) ||
+        (outcome.status == FileStatus::unwritten && !is_unwritable(task.output->descriptor()));
+    if (is_invalid) {
+        outcome = invalid_report();
+    }
+    if (outcome.status == FileStatus::unwritten) {
+        stop(unwritten(outcome));
+    } else if (has_output(outcome.status)) {
+        task.output->close(); // some hundred wait to be synced: too many to keep their descriptors
+        std::string line = record_line(task.file, request_.recorded, outcome);
+        commits_.add({&task.entry, std::move(task.file), outcome.status, std::move(line),
+                      std::move(*task.output)});
+    } else {
+        record(task, outcome);
+    }
+}
+
+void BatchRun::record(Task &task, const Outcome &outcome)
+{
+    if (outcome.status == FileStatus::unchanged) {
+        task.entry.finish(task.earlier->status, std::move(task.earlier_line));
+    } else {
+        task.entry.finish(outcome.status, record_line(task.file, request_.recorded, outcome));
+    }
+}
+
+void BatchRun::commit_outputs(bool is_synced)
+{
+    Status fault = is_synced ? commits_.finish() : Status();
+    const bool is_last = inputs_ended_ && prepared_.empty() &&
+                         std::none_of(workers_.begin(), workers_.end(),
+                                      [](const Worker &worker) { return worker.task.has_value(); });
+    fault = fault ? fault : commits_.begin(is_last || lines_.is_full());
+    const Clock::time_point now = Clock::now();
+    if (!fault && (is_synced || is_last || lines_.is_full() || now - looked_ >= between_looks)) {
+        looked_ = now;
+        fault = write_lines();
+    }
+    if (fault) {
+        stop(std::move(*fault));
+    }
+}
+
+Status BatchRun::write_lines()
+{
+    const std::string lines = lines_.take(tally_);
+    return lines.empty() ? Status() : manifest_.add(lines);
+}
+
+} // namespace pfsdoc::batch

@@ -1,0 +1,115 @@
+#include "batch/trusted/folders.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+
+namespace pfsdoc::batch {
+
+namespace {
+
+struct CloseFolder {
+    void operator()(DIR *folder) const
+    {
+        ::closedir(folder);
+    }
+};
+
+// Its names without those of itself and its parent, sorted.
+Result<std::vector<std::string>> entries_of(int folder)
+{
+    const int descriptor = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
+    const std::unique_ptr<DIR, CloseFolder> listing(::fdopendir(descriptor));
+    if (listing == nullptr) {
+        const int error_number = errno;
+        const base::Descriptor closed_again(descriptor);
+        return cannot_be_read(error_number);
+    }
+    std::vector<std::string> entries;
+    errno = 0;
+    while (const dirent *entry = ::readdir(listing.get())) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") {
+            entries.push_back(name);
+        }
+    }
+    if (errno != 0) {
+        return cannot_be_read(errno);
+    }
+    std::sort(entries.begin(), entries.end());
+    return entries;
+}
+
+Error too_deep()
+{
+    return {ErrorKind::limit, "lies more than " + std::to_string(deepest_folder) + " folders deep",
+            "name it itself"};
+}
+
+} // namespace
+
+FolderWalk::FolderWalk(base::Descriptor folder, std::string name,
+                       std::optional<FileIdentity> exclude, NameSet &names)
+    : exclude_(exclude), names_(names)
+{
+    first_ = enter(std::move(folder), std::move(name));
+}
+
+FoundFile FolderWalk::failed(const std::string &name, Error error)
+{
+    return {{names_.unique(name), base::Descriptor(), 0, std::move(error)}, false};
+}
+
+// An error, or nothing where there is one more level.
+std::optional<FoundFile> FolderWalk::enter(base::Descriptor folder, std::string name)
+{
+    if (levels_.size() == deepest_folder) {
+        return failed(name, too_deep());
+    }
+    Result<std::vector<std::string>> entries = entries_of(folder.get());
+    if (!entries.ok()) {
+        return failed(name, entries.error());
+    }
+    levels_.push_back({std::move(folder), std::move(name), std::move(entries.value())});
+    return std::nullopt;
+}
+
+// Nothing for a folder: its files come next.
+std::optional<FoundFile> FolderWalk::visit(const std::string &entry)
+{
+    const Level &level = levels_.back();
+    const std::string name = below(level.name, safe_name(entry, Separators::slash));
+    Result<Entry> opened = open_entry(level.folder.get(), entry, Links::refused);
+    if (!opened.ok()) {
+        return failed(name, opened.error());
+    }
+    Entry &found = opened.value();
+    if (!found.is_folder) {
+        return FoundFile{{names_.unique(name), std::move(found.file), found.size, std::nullopt},
+                         is_archive_name(entry)};
+    }
+    return found.identity == exclude_ ? std::nullopt : enter(std::move(found.file), name);
+}
+
+std::optional<FoundFile> FolderWalk::next()
+{
+    if (first_) {
+        return std::exchange(first_, std::nullopt);
+    }
+    while (!levels_.empty()) {
+        Level &level = levels_.back();
+        if (level.index == level.entries.size()) {
+            levels_.pop_back();
+            continue;
+        }
+        const std::string entry = std::move(level.entries[level.index++]);
+        if (std::optional<FoundFile> found = visit(entry)) {
+            return found;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace pfsdoc::batch

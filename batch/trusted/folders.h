@@ -1,0 +1,47 @@
+// The files of a folder and of the folders in it, by name.
+//
+// The names of a folder are sorted by their bytes, so that the order is the same under every
+// locale, and a folder's files come where its own name stands. A folder below another is one
+// more level on a stack of our own. Links are not followed, so no folder can hold itself.
+// Tests: tests/batch/trusted/inputs_test.cpp.
+#pragma once
+
+#include "batch/trusted/entries.h"
+#include "batch/trusted/names.h"
+
+namespace pfsdoc::batch {
+
+// Each level keeps a descriptor, of which a process may have 1024 as a rule.
+constexpr std::size_t deepest_folder = 256;
+
+struct FoundFile {
+    BatchInput input;
+    bool is_archive = false; // by its name
+};
+
+class FolderWalk {
+public:
+    FolderWalk(base::Descriptor folder, std::string name, std::optional<FileIdentity> exclude,
+               NameSet &names);
+    // Errors are in the input, and the walk goes on behind them.
+    std::optional<FoundFile> next();
+
+private:
+    struct Level {
+        base::Descriptor folder;
+        std::string name; // of its inputs' names, the part before theirs
+        std::vector<std::string> entries;
+        std::size_t index = 0;
+    };
+
+    std::optional<FoundFile> enter(base::Descriptor folder, std::string name);
+    std::optional<FoundFile> visit(const std::string &entry);
+    FoundFile failed(const std::string &name, Error error);
+
+    std::vector<Level> levels_;
+    std::optional<FoundFile> first_; // the error of the folder itself
+    std::optional<FileIdentity> exclude_;
+    NameSet &names_;
+};
+
+} // namespace pfsdoc::batch

@@ -1,0 +1,66 @@
+// The files of a batch, one after the other in an order that depends on nothing but their
+// names: those of folders (below them too, sorted by name), of lists, of zip and tar
+// archives, and single ones.
+//
+// Everything that was named is accounted for: what cannot be read comes as an input with an
+// error, in its place. Only folders have no input of their own. Tests:
+// tests/batch/trusted/inputs_test.cpp and archive_inputs_test.cpp.
+#pragma once
+
+#include "batch/wire/settings.h"
+#include "lib/base/descriptor.h"
+#include "pfsdoc/error.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pfsdoc::batch {
+
+struct BatchInput {
+    // The name that the manifest and the output go by: relative to the folder or archive that
+    // it was found in, behind that one's own name; "/" between the parts, and never one that
+    // leads out of the output folder ("..", an absolute path, an empty part). What a list names
+    // goes by the whole path there. No two inputs of a batch have the same name: later ones get
+    // " (2)", " (3)" before their ending.
+    std::string name;
+    base::Descriptor file;      // positioned at its start; can be positioned (regular or in memory)
+    uint64_t size = 0;          // in bytes
+    std::optional<Error> error; // set: it cannot be read, and file is not open
+};
+
+// Waits until the descriptor can be read from. False: no more inputs are wanted.
+using WaitForInput = std::function<bool(int descriptor)>;
+
+struct InputOptions : ArchiveSettings {  // max_input holds for files, too
+    std::vector<std::string> paths;      // files, folders, archives
+    std::vector<std::string> list_files; // --files-from; "-" is standard input
+    std::string exclude; // a folder that is passed over inside others: the output's; may be empty
+    // The role of the processes that read archives.
+    ArchiveReaderRole archive_reader = nullptr;
+    WaitForInput wait; // for lists that come out of pipes, and for archives
+};
+
+class BatchInputs {
+public:
+    virtual ~BatchInputs() = default;
+    // The next one, or nothing at the end. An error in place of an input ends nothing: it is
+    // the input's own.
+    //
+    // Of each name a number is kept, some 50 bytes, to tell when one comes again. Of files and
+    // paths nothing else is: one folder's names are held at a time, and its parents'.
+    virtual std::optional<BatchInput> next() = 0;
+};
+
+// The paths come first, then what the lists name. Symbolic links are followed where a path or a
+// list names them, and are an error inside folders and archives: neither may lead elsewhere.
+//
+// A file is an archive by its ending: .zip, .tar, .tar.gz, .tgz, .tar.bz2, .tar.xz and .tar.zst,
+// in capitals too; but not as a member of another archive. Archives are read in a process of
+// their own, in the sandbox that is asked for: their bytes are strangers' too.
+std::unique_ptr<BatchInputs> open_inputs(const InputOptions &options);
+
+} // namespace pfsdoc::batch

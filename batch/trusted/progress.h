@@ -1,0 +1,53 @@
+// What a run says on standard error while it goes on: a bar that is drawn again and again on a
+// terminal, a line now and then elsewhere. Test: tests/batch/run/batch_test.cpp.
+#pragma once
+
+#include "batch/wire/outcome.h"
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace pfsdoc::batch {
+
+// How many files have which status.
+class Tally {
+public:
+    void add(FileStatus status)
+    {
+        ++counts_[static_cast<std::size_t>(status)];
+    }
+    uint64_t files() const;
+    uint64_t failures() const; // all but those that were converted whole
+    // "1000 files: 990 converted, 10 damaged".
+    std::string words() const;
+
+private:
+    std::array<uint64_t, file_status_count> counts_{};
+};
+
+enum class ProgressForm { none, lines, bar };
+
+class Progress {
+public:
+    // Without a total there is neither a bar nor a remaining time.
+    Progress(ProgressForm form, std::optional<uint64_t> total) : form_(form), total_(total) {}
+
+    void show(const Tally &tally);
+    // The run is over: takes the bar away.
+    void clear() const;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    std::string line_of(const Tally &tally, double seconds) const;
+
+    ProgressForm form_;
+    std::optional<uint64_t> total_;
+    Clock::time_point start_ = Clock::now();
+    Clock::time_point shown_ = start_;
+};
+
+} // namespace pfsdoc::batch

@@ -1,0 +1,181 @@
+#include "batch/trusted/record.h"
+
+#include "lib/base/json_text.h"
+#include "lib/base/printable.h"
+
+#include <nlohmann/json.hpp>
+
+namespace pfsdoc::batch {
+
+namespace {
+
+using nlohmann::json;
+
+void append_null(std::string &line, std::string_view name)
+{
+    base::append_json_name(line, name);
+    line += "null";
+}
+
+// A worker's texts may be anything.
+void append_text(std::string &line, std::string_view name, std::string_view text)
+{
+    base::append_json_member(line, name, base::printable(text));
+}
+
+// Begins a member that is an object.
+void open_object(std::string &line, std::string_view name)
+{
+    base::append_json_name(line, name);
+    line += '{';
+}
+
+void append_kind(std::string &line, const Outcome &outcome)
+{
+    if (outcome.kind == no_kind) {
+        append_null(line, "kind");
+        append_null(line, "file_id");
+        append_null(line, "basis");
+        return;
+    }
+    const auto kind = static_cast<DocumentKind>(outcome.kind);
+    base::append_json_member(line, "kind", display_name(kind));
+    base::append_json_member(line, "file_id", file_id(kind));
+    append_text(line, "basis", outcome.basis.get());
+}
+
+void append_error(std::string &line, const Outcome &outcome)
+{
+    if (outcome.what.get().empty()) {
+        append_null(line, "error");
+        return;
+    }
+    open_object(line, "error");
+    append_text(line, "words", outcome.what.get());
+    append_text(line, "remedy", outcome.remedy.get());
+    if (outcome.error_offset != no_offset) {
+        base::append_json_member(line, "offset", outcome.error_offset);
+    }
+    line += '}';
+}
+
+void append_counts(std::string &line, const Outcome &outcome)
+{
+    if (outcome.has_counts == 0) {
+        append_null(line, "counts");
+        return;
+    }
+    open_object(line, "counts");
+    base::append_json_member(line, "paragraphs", outcome.counts.paragraphs);
+    base::append_json_member(line, "characters", outcome.counts.characters);
+    base::append_json_member(line, "page_breaks", outcome.counts.page_breaks);
+    base::append_json_member(line, "header_lines", outcome.counts.header_lines);
+    line += '}';
+}
+
+void append_losses(std::string &line, const Outcome &outcome)
+{
+    open_object(line, "losses");
+    for (std::size_t i = 0; i < outcome.losses.size(); ++i) {
+        if (outcome.losses[i] != 0) {
+            base::append_json_member(line, loss_name(static_cast<Loss>(i)), outcome.losses[i]);
+        }
+    }
+    line += '}';
+}
+
+void append_output(std::string &line, const RecordedFile &file, const Outcome &outcome)
+{
+    if (!has_output(outcome.status)) {
+        append_null(line, "output");
+        return;
+    }
+    open_object(line, "output");
+    append_text(line, "name", file.output);
+    base::append_json_member(line, "size", outcome.output_size);
+    base::append_json_member(line, "sha256", hex_of(outcome.output_digest));
+    line += '}';
+}
+
+std::optional<FileStatus> status_of_name(const std::string &name)
+{
+    for (std::size_t i = 0; i < file_status_count; ++i) {
+        if (status_name(static_cast<FileStatus>(i)) == name) {
+            return static_cast<FileStatus>(i);
+        }
+    }
+    return std::nullopt;
+}
+
+// Throws what the library throws where a member is missing or of another type.
+std::optional<EarlierRecord> usable(const json &members, const RecordedFile &file,
+                                    const RecordedRequest &request)
+{
+    const auto status = status_of_name(members.at("status").get<std::string>());
+    const bool is_same = members.at("name").get<std::string>() == base::printable(file.name) &&
+                         members.at("size").get<uint64_t>() == file.size &&
+                         members.at("format").get<std::string>() == request.format &&
+                         members.at("options").get<std::string>() == request.options &&
+                         members.at("pfsdoc").get<std::string>() == PFSDOC_VERSION;
+    if (!is_same || !status || !is_final(*status) || members.at("sha256").is_null()) {
+        return std::nullopt;
+    }
+    EarlierRecord record{*status, {}, {}, 0, {}};
+    const auto input = digest_of_hex(members.at("sha256").get<std::string>());
+    if (!input || !has_output(*status)) {
+        record.input = input.value_or(Digest{});
+        return input ? std::optional(record) : std::nullopt;
+    }
+    record.input = *input;
+    record.output = members.at("output").at("name").get<std::string>();
+    record.output_size = members.at("output").at("size").get<uint64_t>();
+    const auto digest = digest_of_hex(members.at("output").at("sha256").get<std::string>());
+    record.output_digest = digest.value_or(Digest{});
+    return digest ? std::optional(record) : std::nullopt;
+}
+
+} // namespace
+
+std::string record_line(const RecordedFile &file, const RecordedRequest &request,
+                        const Outcome &outcome)
+{
+    std::string line = "{";
+    append_text(line, "name", file.name);
+    base::append_json_member(line, "size", file.size);
+    if (outcome.has_input_digest != 0) {
+        base::append_json_member(line, "sha256", hex_of(outcome.input_digest));
+    } else {
+        append_null(line, "sha256");
+    }
+    append_kind(line, outcome);
+    base::append_json_member(line, "status", status_name(outcome.status));
+    append_error(line, outcome);
+    append_counts(line, outcome);
+    append_losses(line, outcome);
+    append_output(line, file, outcome);
+    base::append_json_member(line, "format", request.format);
+    base::append_json_member(line, "options", request.options);
+    base::append_json_member(line, "pfsdoc", std::string_view(PFSDOC_VERSION));
+    return line + "}\n";
+}
+
+std::optional<EarlierRecord> usable_record(std::string_view line, const RecordedFile &file,
+                                           const RecordedRequest &request)
+{
+    try {
+        return usable(json::parse(line), file, request);
+    } catch (const json::exception &) {
+        return std::nullopt;
+    }
+}
+
+std::optional<std::string> recorded_name(std::string_view line)
+{
+    try {
+        return json::parse(line).at("name").get<std::string>();
+    } catch (const json::exception &) {
+        return std::nullopt;
+    }
+}
+
+} // namespace pfsdoc::batch

@@ -1,0 +1,137 @@
+// A line of the manifest, written and read again; and whole manifests that were cut anywhere.
+#include "batch/trusted/manifest.h"
+#include "batch/trusted/record.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace tests {
+
+namespace {
+
+using pfsdoc::batch::FileStatus;
+
+const pfsdoc::batch::RecordedFile file{"a/letter", 4, "a/letter.txt"};
+const pfsdoc::batch::RecordedRequest request{"text", "txt", "--wrap 7"};
+
+pfsdoc::batch::Outcome outcome_of(FileStatus status)
+{
+    pfsdoc::batch::Outcome outcome;
+    outcome.status = status;
+    outcome.kind = static_cast<int32_t>(pfsdoc::DocumentKind::first_choice_3);
+    outcome.has_input_digest = 1;
+    outcome.input_digest = pfsdoc::batch::sha256_of("abc");
+    outcome.output_digest = pfsdoc::batch::sha256_of("");
+    outcome.output_size = 7;
+    return outcome;
+}
+
+TEST(Record, IsOneLineOfJson)
+{
+    pfsdoc::batch::Outcome outcome = outcome_of(FileStatus::damaged);
+    outcome.basis.set("basis");
+    outcome.set_error({pfsdoc::ErrorKind::damaged, "is cut\n", "look for another", 9});
+    outcome.has_counts = 1;
+    outcome.counts = {1, 2, 3, 4};
+    outcome.losses[static_cast<std::size_t>(pfsdoc::Loss::tab_stops)] = 5;
+    EXPECT_EQ(pfsdoc::batch::record_line(file, request, outcome),
+              R"({"name":"a/letter","size":4,)"
+              R"("sha256":"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad",)"
+              R"("kind":"PFS: First Choice 3.0","file_id":1058,"basis":"basis","status":"damaged",)"
+              R"("error":{"words":"is cut\\x0A","remedy":"look for another","offset":9},)"
+              R"("counts":{"paragraphs":1,"characters":2,"page_breaks":3,"header_lines":4},)"
+              R"("losses":{"tab_stops":5},"output":{"name":"a/letter.txt","size":7,)"
+              R"("sha256":"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},)"
+              R"("format":"text","options":"--wrap 7","pfsdoc":")" PFSDOC_VERSION "\"}\n");
+}
+
+TEST(Record, OfAFileThatWasNotReadHasNothingOfIt)
+{
+    const pfsdoc::batch::Outcome outcome = pfsdoc::batch::failed_outcome(
+        FileStatus::crashed, {pfsdoc::ErrorKind::internal, "was ended", ""});
+    EXPECT_EQ(pfsdoc::batch::record_line(file, request, outcome),
+              R"({"name":"a/letter","size":4,"sha256":null,"kind":null,"file_id":null,)"
+              R"("basis":null,"status":"crashed","error":{"words":"was ended","remedy":""},)"
+              R"("counts":null,"losses":{},"output":null,"format":"text",)"
+              R"("options":"--wrap 7","pfsdoc":")" PFSDOC_VERSION "\"}\n");
+}
+
+TEST(Record, IsUsedAgainForTheSameFileAndRequestOnly)
+{
+    const std::string line =
+        pfsdoc::batch::record_line(file, request, outcome_of(FileStatus::converted));
+    const auto record = pfsdoc::batch::usable_record(line, file, request);
+    ASSERT_TRUE(record.has_value());
+    EXPECT_EQ(record->status, FileStatus::converted);
+    EXPECT_EQ(record->input, pfsdoc::batch::sha256_of("abc"));
+    EXPECT_EQ(record->output, "a/letter.txt");
+    EXPECT_EQ(record->output_size, 7U);
+    EXPECT_EQ(record->output_digest, pfsdoc::batch::sha256_of(""));
+    EXPECT_FALSE(pfsdoc::batch::usable_record(line, {"b", 4, ""}, request).has_value());
+    EXPECT_FALSE(pfsdoc::batch::usable_record(line, {"a/letter", 5, ""}, request).has_value());
+    EXPECT_FALSE(
+        pfsdoc::batch::usable_record(line, file, {"html", "html", "--wrap 7"}).has_value());
+    EXPECT_FALSE(pfsdoc::batch::usable_record(line, file, {"text", "txt", ""}).has_value());
+    for (std::size_t size = 0; size + 2 < line.size(); ++size) {
+        EXPECT_FALSE(pfsdoc::batch::usable_record(line.substr(0, size), file, request).has_value());
+    }
+}
+
+TEST(Record, IsUsedAgainWhereTheOutcomeWouldBeTheSame)
+{
+    for (std::size_t i = 0; i < pfsdoc::batch::file_status_count; ++i) {
+        const auto status = static_cast<FileStatus>(i);
+        const bool is_lasting = status == FileStatus::converted || status == FileStatus::damaged ||
+                                status == FileStatus::not_a_document || status == FileStatus::limit;
+        const std::string line = pfsdoc::batch::record_line(file, request, outcome_of(status));
+        EXPECT_EQ(pfsdoc::batch::usable_record(line, file, request).has_value(), is_lasting)
+            << line;
+    }
+}
+
+std::string content_of(const std::string &path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+}
+
+// A run is ended at every byte of its manifest, and the next one finds all whole lines.
+TEST(Manifest, FindsTheLinesOfRunsThatWereEnded)
+{
+    std::string folder = (std::filesystem::temp_directory_path() / "pfsdoc-XXXXXX").string();
+    ASSERT_NE(::mkdtemp(folder.data()), nullptr);
+    const std::string path = folder + "/m";
+    const std::string lines = "{\"name\":\"a\"}\n{\"name\":\"b\"}\n";
+    const std::size_t first = lines.find('\n') + 1;
+    for (std::size_t size = 0; size <= lines.size(); ++size) {
+        std::filesystem::remove(path + ".earlier");
+        std::ofstream(path + ".partial") << lines.substr(0, size);
+        for (int starts = 0; starts < 2; ++starts) {
+            const auto manifest = pfsdoc::batch::Manifest::open(path);
+            ASSERT_TRUE(manifest.ok());
+            EXPECT_EQ(content_of(path + ".partial"), "");
+            const auto &earlier = manifest.value().earlier();
+            EXPECT_EQ(earlier.find("a").size(), size >= first ? 1U : 0U) << size;
+            EXPECT_EQ(earlier.find("b").size(), size >= lines.size() ? 1U : 0U) << size;
+            EXPECT_TRUE(earlier.find("c").empty());
+        }
+    }
+    auto manifest = pfsdoc::batch::Manifest::open(path);
+    ASSERT_TRUE(manifest.ok());
+    EXPECT_FALSE(manifest.value().add("{\"name\":\"c\"}\n"));
+    EXPECT_EQ(content_of(path + ".partial"), "{\"name\":\"c\"}\n");
+    EXPECT_FALSE(manifest.value().finish());
+    EXPECT_EQ(content_of(path), "{\"name\":\"c\"}\n");
+    EXPECT_FALSE(std::filesystem::exists(path + ".earlier"));
+    EXPECT_FALSE(std::filesystem::exists(path + ".partial"));
+    std::filesystem::remove_all(folder);
+}
+
+} // namespace
+
+} // namespace tests
