@@ -137,6 +137,8 @@ def main():
     files = {path: text for path, text in source_files()
              if not path.startswith("tests/install/programs/")}
     faults, count = faults_of(files)
+    faults += [f"the table has {folder}, which has no file" for folder in ALLOWED
+               if folder != "tests/install" and not any(rule_of(path) == folder for path in files)]
     print(*faults, sep="\n")
     print(f"{count} includes in {len(files)} files, {len(faults)} faults")
     sys.exit(1 if faults or not count else 0)
