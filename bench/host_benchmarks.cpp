@@ -77,7 +77,7 @@ private:
             {pfsdoc::reading::Offsets::none, pfsdoc::reading::Stops::for_margins});
         writer.finish();
         const double seconds = thread_seconds() - begin;
-        if (fault || output.written < document_.size() / 2) {
+        if (!fault.ok() || output.written < document_.size() / 2) {
             static_cast<void>(std::fprintf(stderr, "bench: the host did not write the text\n"));
             std::exit(EXIT_FAILURE);
         }

@@ -34,7 +34,7 @@ int print(std::string_view text)
     }
     output.value()->write(text);
     const Status failure = output.value()->commit();
-    return failure ? report("", *failure) : 0;
+    return failure.ok() ? 0 : report("", failure.error());
 }
 
 } // namespace pfsdoc::cli

@@ -75,7 +75,7 @@ Status convert(const Format &format, const Arguments &arguments, const WriterOpt
 Status check(const Format &format, const Options &options)
 {
     const Arguments &arguments = options.arguments();
-    if (Status misfit = options.check_format(format)) {
+    if (Status misfit = options.check_format(format); !misfit.ok()) {
         return misfit;
     }
     if (format.is_binary && writes_to_standard_output(arguments) && ::isatty(STDOUT_FILENO) != 0) {
@@ -88,8 +88,8 @@ Status check(const Format &format, const Options &options)
 
 int run_with(const Format &format, const Options &options)
 {
-    if (const Status failure = check(format, options)) {
-        return report("", *failure);
+    if (const Status failure = check(format, options); !failure.ok()) {
+        return report("", failure.error());
     }
     const Arguments &arguments = options.arguments();
     const Result<CodePage> page = code_page_of(arguments);
@@ -99,7 +99,7 @@ int run_with(const Format &format, const Options &options)
     WriterOptions writer_options = arguments.writer;
     writer_options.code_page = &page.value();
     const Status failure = convert(format, arguments, writer_options);
-    return failure ? report(subject_of(arguments.file), *failure) : 0;
+    return failure.ok() ? 0 : report(subject_of(arguments.file), failure.error());
 }
 
 Result<const Format *> wanted_format(const Arguments &arguments)

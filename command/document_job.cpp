@@ -64,7 +64,7 @@ Status finish(base::FileOutput &output, const Status &failure)
         return failure;
     }
     const Status unwritten = output.commit();
-    return unwritten ? unwritten : failure;
+    return unwritten.ok() ? failure : unwritten;
 }
 
 } // namespace pfsdoc::cli

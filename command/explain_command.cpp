@@ -53,7 +53,7 @@ public:
     void span(const Span &span) override
     {
         if (output_.failed()) {
-            throw ReadingStopped(*output_.failure());
+            throw ReadingStopped(output_.failure().error());
         }
         writer_.span(span);
     }
@@ -95,7 +95,7 @@ int run(const Options &options)
         return report("", page.error());
     }
     const Status failure = explain_file(arguments, page.value());
-    return failure ? report(subject_of(arguments.file), *failure) : 0;
+    return failure.ok() ? 0 : report(subject_of(arguments.file), failure.error());
 }
 
 } // namespace

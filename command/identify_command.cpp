@@ -40,8 +40,8 @@ Result<Finding> find_out(const std::string &file)
     }
     const DocumentKind kind = identity.value().kind;
     const Examination examination = examine(*source.value(), kind);
-    if (const Status failure = source.value()->failure()) {
-        return *failure;
+    if (const Status failure = source.value()->failure(); !failure.ok()) {
+        return failure.error();
     }
     const std::string name = file == "-" ? "" : file;
     return Finding{identity.value(), examination, extension_mismatch(name, kind)};
@@ -220,7 +220,7 @@ int run(const Options &options)
     }
     findings.finish();
     const Status failure = output.value()->commit();
-    return failure ? report("", *failure) : code;
+    return failure.ok() ? code : report("", failure.error());
 }
 
 } // namespace

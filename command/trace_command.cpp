@@ -25,7 +25,7 @@ Status trace(const Arguments &arguments)
 int run(const Options &options)
 {
     const Status failure = trace(options.arguments());
-    return failure ? report(subject_of(options.arguments().file), *failure) : 0;
+    return failure.ok() ? 0 : report(subject_of(options.arguments().file), failure.error());
 }
 
 } // namespace

@@ -38,7 +38,7 @@ public:
     static void check(const base::FileOutput &output)
     {
         if (output.failed()) {
-            throw ReadingStopped(*output.failure());
+            throw ReadingStopped(output.failure().error());
         }
     }
 

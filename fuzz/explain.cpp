@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
     const auto module = pfsdoc::Module::linked();
     const pfsdoc::Status fault =
         pfsdoc::explain(module.value(), source, identity.value().kind, partition);
-    require(!fault || fault->kind == pfsdoc::ErrorKind::damaged);
+    require(fault.ok() || fault.error().kind == pfsdoc::ErrorKind::damaged);
     require(partition.end() == size);
     return 0;
 }

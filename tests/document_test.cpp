@@ -83,7 +83,8 @@ std::string trace_of(const std::string &bytes, bool stop_at_breaks)
     const pfsdoc::Status fault = pfsdoc::reading::read_document(
         module.value(), source, identity.value().kind, writer, read_options);
     // Some lack their end on purpose.
-    EXPECT_TRUE(!fault || fault->kind == pfsdoc::ErrorKind::damaged) << fault->what;
+    EXPECT_TRUE(fault.ok() || fault.error().kind == pfsdoc::ErrorKind::damaged)
+        << fault.error().what;
     writer.finish();
     return output.text;
 }

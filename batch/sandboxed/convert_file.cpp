@@ -41,7 +41,7 @@ std::optional<Digest> digest_of_file(int descriptor)
 void stop_if_failed(const base::DescriptorOutput &output)
 {
     if (output.failed()) {
-        throw ReadingStopped(*output.failure());
+        throw ReadingStopped(output.failure().error());
     }
 }
 
@@ -120,7 +120,7 @@ Status write_blocks(Document &document, const DocumentInfo &info, base::Descript
     }
     CountingSink sink(*writer.value(), output);
     Status fault = document.read(sink);
-    if (!fault || fault->kind == ErrorKind::damaged) {
+    if (fault.ok() || fault.error().kind == ErrorKind::damaged) {
         outcome.has_counts = 1;
         outcome.counts = sink.counts;
         for (const LossEntry &entry : writer.value()->losses().entries()) {
@@ -136,7 +136,7 @@ Status write_events(Document &document, base::DescriptorOutput &output,
     const auto writer = settings.format->make_event_writer(output, settings.options);
     GuardedEvents sink(*writer, output);
     Status fault = document.read_events(sink);
-    if (!fault || fault->kind == ErrorKind::damaged) {
+    if (fault.ok() || fault.error().kind == ErrorKind::damaged) {
         writer->finish();
     }
     return fault;
@@ -154,7 +154,7 @@ Status write_document(Document &document, std::string_view title, base::Descript
     output.flush();
     // Where the output has failed, that is why the reading ended.
     const Status unwritten = output.failure();
-    return unwritten ? unwritten : fault;
+    return unwritten.ok() ? fault : unwritten;
 }
 
 // A temporary file that cannot be written is no reason to end the run, as an output is: other
@@ -168,9 +168,9 @@ FileStatus status_of(const Error &fault, const base::DescriptorOutput &output)
 void finish(const Status &fault, const base::DescriptorOutput &output, Sha256 &sum,
             Outcome &outcome)
 {
-    outcome.status = fault ? status_of(*fault, output) : FileStatus::converted;
-    if (fault) {
-        outcome.set_error(*fault);
+    outcome.status = fault.ok() ? FileStatus::converted : status_of(fault.error(), output);
+    if (!fault.ok()) {
+        outcome.set_error(fault.error());
     }
     outcome.system_error = output.error_number();
     if (has_output(outcome.status)) {

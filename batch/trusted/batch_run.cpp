@@ -78,8 +78,8 @@ BatchRun::BatchRun(const BatchRequest &request, const ProcessRoles &roles, Outpu
 // The first reason counts.
 void BatchRun::stop(Error fault)
 {
-    if (!fault_) {
-        fault_ = std::move(fault);
+    if (status_.ok()) {
+        status_ = std::move(fault);
     }
 }
 
@@ -88,8 +88,8 @@ Status BatchRun::run()
     const Status fault = convert_all();
     const Status unkept = keep_what_is_done();
     progress_.clear();
-    if (fault || unkept) {
-        return fault ? fault : unkept;
+    if (!fault.ok() || !unkept.ok()) {
+        return fault.ok() ? unkept : fault;
     }
     return manifest_.finish();
 }
@@ -97,7 +97,7 @@ Status BatchRun::run()
 Status BatchRun::convert_all()
 {
     try {
-        while (!fault_) {
+        while (status_.ok()) {
             prepare_tasks();
             if (is_done()) {
                 break;
@@ -110,12 +110,12 @@ Status BatchRun::convert_all()
     } catch (const std::exception &fault) {
         stop({ErrorKind::internal, fault.what(), "please report this as a fault of pfsdoc"});
     }
-    return fault_;
+    return status_;
 }
 
 bool BatchRun::is_done() const
 {
-    return fault_ || (inputs_ended_ && lines_.is_empty());
+    return !status_.ok() || (inputs_ended_ && lines_.is_empty());
 }
 
 // Whatever ends the run ends the workers, too, and that is no fault of their files. What has been
@@ -126,7 +126,7 @@ Status BatchRun::keep_what_is_done()
     prepared_.clear();
     const Status fault = commits_.finish_all();
     const Status unwritten = write_lines();
-    return fault ? fault : unwritten;
+    return fault.ok() ? unwritten : fault;
 }
 
 // ------------------------------------------------------ from the inputs to the workers -----
@@ -135,9 +135,9 @@ Status BatchRun::keep_what_is_done()
 void BatchRun::prepare_tasks()
 {
     const std::size_t wanted = std::min(workers_.size(), most_prepared);
-    while (!fault_ && !inputs_ended_ && prepared_.size() < wanted && !lines_.is_full()) {
+    while (status_.ok() && !inputs_ended_ && prepared_.size() < wanted && !lines_.is_full()) {
         std::optional<BatchInput> input = inputs_->next();
-        if (fault_) {
+        if (!status_.ok()) {
             return;
         }
         inputs_ended_ = !input;
@@ -210,8 +210,9 @@ void BatchRun::submit(Worker &worker)
                                             task.earlier_output.get()};
     const std::size_t count = task.earlier_output.get() < 0 ? 2 : 3;
     if (Status fault = worker.process.submit(job_of(task.file, task.earlier),
-                                             std::span(descriptors).first(count))) {
-        stop(std::move(*fault));
+                                             std::span(descriptors).first(count));
+        !fault.ok()) {
+        stop(fault.error());
     }
 }
 
@@ -219,9 +220,9 @@ void BatchRun::submit(Worker &worker)
 
 bool BatchRun::wait_for_input(int descriptor)
 {
-    while (!fault_ && !wait_for_any(descriptor)) {
+    while (status_.ok() && !wait_for_any(descriptor)) {
     }
-    return !fault_;
+    return status_.ok();
 }
 
 // In milliseconds: until the next job is late, or there is something else to look after.
@@ -252,7 +253,7 @@ bool BatchRun::wait_for_any(int descriptor)
         stop({ErrorKind::interrupted, "interrupted", "the next run goes on from here"});
     }
     if (ready > 0) {
-        for (std::size_t i = 0; i < workers_.size() && !fault_; ++i) {
+        for (std::size_t i = 0; i < workers_.size() && status_.ok(); ++i) {
             if (polled_[i + 2].revents != 0) {
                 receive_from(workers_[i]);
             }
@@ -289,7 +290,7 @@ void BatchRun::end_late_jobs()
 {
     const Clock::time_point now = Clock::now();
     for (Worker &worker : workers_) {
-        if (!fault_ && worker.task && worker.process.deadline() <= now) {
+        if (status_.ok() && worker.task && worker.process.deadline() <= now) {
             finish(std::move(*worker.task), worker.process.end_late());
             worker.task.reset();
         }
@@ -333,14 +334,15 @@ void BatchRun::commit_outputs(bool is_synced)
     const bool is_last = inputs_ended_ && prepared_.empty() &&
                          std::none_of(workers_.begin(), workers_.end(),
                                       [](const Worker &worker) { return worker.task.has_value(); });
-    fault = fault ? fault : commits_.begin(is_last || lines_.is_full());
+    fault = fault.ok() ? commits_.begin(is_last || lines_.is_full()) : fault;
     const Clock::time_point now = Clock::now();
-    if (!fault && (is_synced || is_last || lines_.is_full() || now - looked_ >= between_looks)) {
+    if (fault.ok() &&
+        (is_synced || is_last || lines_.is_full() || now - looked_ >= between_looks)) {
         looked_ = now;
         fault = write_lines();
     }
-    if (fault) {
-        stop(std::move(*fault));
+    if (!fault.ok()) {
+        stop(fault.error());
     }
 }
 

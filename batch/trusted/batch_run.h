@@ -108,7 +108,7 @@ private:
     bool inputs_ended_ = false;
     std::string sandbox_words_;
     Clock::time_point looked_{}; // after what happens by time only
-    Status fault_;               // why the run is to end
+    Status status_;              // why the run is to end
 };
 
 } // namespace pfsdoc::batch

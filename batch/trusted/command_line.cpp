@@ -113,8 +113,8 @@ Result<ConversionSettings> BatchCommandLine::conversion()
         return Error{ErrorKind::usage, "there is no output format \"" + arguments.format + "\"",
                      "see pfsdoc convert --help"};
     }
-    if (const Status misfit = options_.check_format(*format)) {
-        return *misfit;
+    if (const Status misfit = options_.check_format(*format); !misfit.ok()) {
+        return misfit.error();
     }
     Result<CodePage> page = cli::code_page_of(arguments);
     if (!page.ok()) {
@@ -131,7 +131,7 @@ Result<ConversionSettings> BatchCommandLine::conversion()
     const ConversionSettings settings{format, writer_options, &*module_,
                                       arguments.max_output.value_or(max_bytes_unless_given)};
     const Status unfit = check_scratch_files(*format);
-    return unfit ? Result<ConversionSettings>(*unfit) : settings;
+    return unfit.ok() ? settings : Result<ConversionSettings>(unfit.error());
 }
 
 Result<BatchRequest> BatchCommandLine::request()

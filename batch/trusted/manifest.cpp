@@ -45,7 +45,7 @@ Status append_file(int from, int to, const std::string &path)
             return not_written(path, errno);
         }
         const auto size = static_cast<std::size_t>(count);
-        if (Status fault = write(to, {buffer.data(), size}, path)) {
+        if (Status fault = write(to, {buffer.data(), size}, path); !fault.ok()) {
             return fault;
         }
         offset += size;
@@ -138,8 +138,8 @@ Result<Manifest> Manifest::open(const std::string &path)
         return Error{ErrorKind::output, "another run is writing " + partial, "wait for its end"};
     }
     Manifest manifest(path, std::move(file));
-    if (Status fault = manifest.set_aside()) {
-        return *fault;
+    if (Status fault = manifest.set_aside(); !fault.ok()) {
+        return fault.error();
     }
     // The newest last.
     manifest.earlier_.add_file(path);
@@ -160,10 +160,10 @@ Status Manifest::set_aside()
     if (earlier.get() < 0) {
         return not_written(path, errno);
     }
-    if (Status fault = write(earlier.get(), "\n", path)) {
+    if (Status fault = write(earlier.get(), "\n", path); !fault.ok()) {
         return fault;
     }
-    if (Status fault = append_file(file_.get(), earlier.get(), path)) {
+    if (Status fault = append_file(file_.get(), earlier.get(), path); !fault.ok()) {
         return fault;
     }
     return ::ftruncate(file_.get(), 0) == 0 ? Status() : not_written(path_ + ".partial", errno);

@@ -64,7 +64,7 @@ Status OutputCommits::begin(bool others_wait)
         return {};
     }
     if (process_.id() == 0) {
-        if (Status fault = start()) {
+        if (Status fault = start(); !fault.ok()) {
             return fault;
         }
     }
@@ -94,10 +94,10 @@ Status OutputCommits::rename_synced()
 {
     for (WholeOutput &whole : std::exchange(syncing_, {})) {
         const Status fault = whole.output.commit();
-        if (!fault) {
+        if (fault.ok()) {
             whole.entry->finish(whole.status, std::move(whole.line));
-        } else if (fault->kind == ErrorKind::usage) {
-            const Outcome outcome = failed_outcome(FileStatus::name, *fault);
+        } else if (fault.error().kind == ErrorKind::usage) {
+            const Outcome outcome = failed_outcome(FileStatus::name, fault.error());
             whole.entry->finish(outcome.status, record_line(whole.file, recorded_, outcome));
         } else {
             return fault;
@@ -108,10 +108,10 @@ Status OutputCommits::rename_synced()
 
 Status OutputCommits::finish_all()
 {
-    if (Status fault = finish()) {
+    if (Status fault = finish(); !fault.ok()) {
         return fault;
     }
-    if (Status fault = begin(true)) {
+    if (Status fault = begin(true); !fault.ok()) {
         return fault;
     }
     return finish();

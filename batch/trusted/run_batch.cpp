@@ -21,11 +21,12 @@ int report_end(const BatchRequest &request, const BatchRun &run, const Status &f
     }
     const bool has_failures = run.tally().failures() > 0;
     if (!request.quiet) {
-        const std::string where = request.manifest + (fault ? ".partial" : "");
-        cli::report_line(run.tally().words() + (has_failures || fault ? "; see " + where : ""));
+        const std::string where = request.manifest + (fault.ok() ? "" : ".partial");
+        cli::report_line(run.tally().words() +
+                         (has_failures || !fault.ok() ? "; see " + where : ""));
     }
-    if (fault) {
-        return cli::report("", *fault);
+    if (!fault.ok()) {
+        return cli::report("", fault.error());
     }
     return has_failures ? some_failed : 0;
 }
@@ -36,8 +37,8 @@ int report_end(const BatchRequest &request, const BatchRun &run, const Status &f
 // processes that cannot.
 int run_batch(const BatchRequest &request, const ProcessRoles &roles)
 {
-    if (const Status misplaced = check_paths(request)) {
-        return cli::report("", *misplaced);
+    if (const Status misplaced = check_paths(request); !misplaced.ok()) {
+        return cli::report("", misplaced.error());
     }
     static_cast<void>(sha256_of(""));
     watch_interruptions();

@@ -62,7 +62,7 @@ Status WorkerProcess::submit(const Job &job, std::span<const int> descriptors)
 {
     if (process_.id() == 0 || !send_record(socket_.get(), job, descriptors)) {
         end();
-        if (Status fault = start()) {
+        if (Status fault = start(); !fault.ok()) {
             return fault;
         }
         static_cast<void>(send_record(socket_.get(), job, descriptors));
@@ -92,7 +92,8 @@ Result<std::optional<Outcome>> WorkerProcess::receive()
 {
     if (!is_ready_) {
         const Status fault = receive_hello();
-        return fault ? Result<std::optional<Outcome>>(*fault) : std::optional<Outcome>();
+        return fault.ok() ? std::optional<Outcome>()
+                          : Result<std::optional<Outcome>>(fault.error());
     }
     const auto outcome = receive_record<Outcome>(socket_.get());
     if (!outcome || !is_sane(*outcome)) {

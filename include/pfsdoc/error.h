@@ -71,7 +71,23 @@ private:
     std::variant<T, Error> content_;
 };
 
-// The result of an operation without a value; empty means success.
-using Status = std::optional<Error>;
+// Success, or the error that stood in its way: for what has no value. error() must match ok().
+class [[nodiscard]] Status {
+public:
+    Status() = default; // success
+    Status(Error error) : error_(std::move(error)) {}
+
+    bool ok() const
+    {
+        return !error_;
+    }
+    const Error &error() const
+    {
+        return *error_;
+    }
+
+private:
+    std::optional<Error> error_;
+};
 
 } // namespace pfsdoc

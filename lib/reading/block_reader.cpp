@@ -13,8 +13,8 @@ Result<std::unique_ptr<BlockReader>> BlockReader::create(const Module &module, B
 {
     std::unique_ptr<BlockReader> reader(new BlockReader(source, kind));
     const Status fault = reader->begin(module, kind, offsets, from.start);
-    if (fault) {
-        return *fault;
+    if (!fault.ok()) {
+        return fault.error();
     }
     reader->blocks_to_skip_ = from.blocks_before;
     return Result<std::unique_ptr<BlockReader>>(std::move(reader));
@@ -68,7 +68,7 @@ Result<std::optional<Block>> BlockReader::next()
         pending_.pop_front();
         return block;
     }
-    return fault_ ? Result<std::optional<Block>>(*fault_) : std::optional<Block>();
+    return fault_.ok() ? std::optional<Block>() : Result<std::optional<Block>>(fault_.error());
 }
 
 Result<BlockPosition> BlockReader::position()
@@ -78,7 +78,7 @@ Result<BlockPosition> BlockReader::position()
         return BlockPosition{*pending_.front().start, pending_.front().blocks_before};
     }
     if (!is_read_to_end(fault_)) {
-        return *fault_;
+        return fault_.error();
     }
     return BlockPosition{*call_.start, call_.blocks};
 }
@@ -100,11 +100,11 @@ void BlockReader::read_on()
         return;
     }
     const Status failure = source_.failure();
-    if (failure || session_->ended()) {
+    if (!failure.ok() || session_->ended()) {
         ended_ = true;
-        fault_ = failure ? failure : check_end(*session_, source_);
+        fault_ = failure.ok() ? check_end(*session_, source_) : failure;
     }
-    if (failure) {
+    if (!failure.ok()) {
         pending_.clear(); // a failed read can be behind anything that they report
     }
     if (!ended_) {

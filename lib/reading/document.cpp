@@ -42,9 +42,9 @@ public:
     }
     Status failure() const override
     {
-        return failed_ ? unreadable() : Status();
+        return failed_ ? Status(unreadable()) : Status();
     }
-    static Status unreadable()
+    static Error unreadable()
     {
         return Error{ErrorKind::input, "cannot be read: its block file refuses", ""};
     }
@@ -95,7 +95,7 @@ struct Document::State {
         auto made = reading::BlockReader::create(module, *source, identity.kind, offsets, position);
         if (!made.ok()) {
             const Status failure = source->failure();
-            return failure ? failure : made.error();
+            return failure.ok() ? made.error() : failure;
         }
         reader = std::move(made.value());
         return {};
@@ -132,7 +132,7 @@ Result<Document> Document::from_block_file(VwBlockFile &file, const OpenOptions 
 {
     uint32_t size = 0;
     if (file.seek(&file, from_end, 0) != 0 || file.tell(&file, &size) != 0) {
-        return *BlockFileSource::unreadable();
+        return BlockFileSource::unreadable();
     }
     return from_source(std::make_unique<BlockFileSource>(file, size), options);
 }
@@ -179,7 +179,7 @@ Result<PageSetup> Document::page_setup()
     PageSetupSink sink;
     session.value()->read(sink);
     const Status failure = state_->source->failure();
-    return failure ? Result<PageSetup>(*failure) : sink.setup;
+    return failure.ok() ? sink.setup : Result<PageSetup>(failure.error());
 }
 
 Status Document::read(BlockSink &sink)
@@ -214,14 +214,14 @@ Status Document::read_events(EventSink &sink, bool in_steps)
 Result<std::optional<Block>> Document::next()
 {
     const Status fault = state_->need_reader();
-    return fault ? Result<std::optional<Block>>(*fault) : state_->reader->next();
+    return fault.ok() ? state_->reader->next() : Result<std::optional<Block>>(fault.error());
 }
 
 Result<ResumeToken> Document::place()
 {
     const Status fault = state_->need_reader();
-    if (fault) {
-        return *fault;
+    if (!fault.ok()) {
+        return fault.error();
     }
     const Result<reading::BlockPosition> position = state_->reader->position();
     const Result<reading::DocumentMark> mark = state_->mark();

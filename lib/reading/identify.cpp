@@ -161,7 +161,7 @@ Result<Identity> identify(ByteSource &source)
     const std::optional<uint32_t> count = source.read_at(0, bytes);
     if (!count) {
         const Status failure = source.failure();
-        return failure ? *failure : Error{ErrorKind::input, "cannot be read", ""};
+        return failure.ok() ? Error{ErrorKind::input, "cannot be read", ""} : failure.error();
     }
     return identify_start(Start(std::string(reinterpret_cast<const char *>(bytes.data()), *count)));
 }

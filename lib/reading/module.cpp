@@ -125,12 +125,12 @@ Result<Module> Module::from(GetEntries get_entries)
 {
     EntryTable table{};
     get_entries(table.data(), VW_INTERFACE_DO_SPECIAL);
-    if (Status fault = check_slots(table)) {
-        return *fault;
+    if (Status fault = check_slots(table); !fault.ok()) {
+        return fault.error();
     }
     const ModuleEntries entries = typed(table);
-    if (Status fault = check_sizes(entries)) {
-        return *fault;
+    if (Status fault = check_sizes(entries); !fault.ok()) {
+        return fault.error();
     }
     return Module(entries);
 }

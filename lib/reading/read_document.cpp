@@ -124,7 +124,7 @@ Status read_document(const Module &module, ByteSource &source, DocumentKind kind
     const Status status = read_all(module, source, kind, sink, options);
     // A failed read is an end of data to the module, and can be behind anything it reports.
     const Status failure = source.failure();
-    return failure ? failure : status;
+    return failure.ok() ? status : failure;
 }
 
 } // namespace pfsdoc::reading

@@ -39,7 +39,7 @@ Status read_document(const Module &module, ByteSource &source, DocumentKind kind
 // Whether what such a call answers means that all there is of the document has been delivered.
 inline bool is_read_to_end(const Status &fault)
 {
-    return !fault || fault->kind == ErrorKind::damaged;
+    return fault.ok() || fault.error().kind == ErrorKind::damaged;
 }
 
 // An instance of the module that has opened the document. The file must outlive it.

@@ -185,7 +185,7 @@ Result<DocumentMark> document_mark(ByteSource &source, DocumentKind kind, bool s
     const std::optional<uint32_t> count = source.read_at(0, bytes);
     if (!count) {
         const Status failure = source.failure();
-        return failure ? *failure : Error{ErrorKind::input, "cannot be read", ""};
+        return failure.ok() ? Error{ErrorKind::input, "cannot be read", ""} : failure.error();
     }
     return DocumentMark{file_id(kind), source.size(), hash_of(std::span(bytes).first(*count)),
                         source_offsets};

@@ -133,11 +133,11 @@ TEST(Options, AreRefusedWhereTheFormatDoesNotReadThem)
         const Parsed parsed(convert_command, {"LETTER", option});
         EXPECT_FALSE(parsed.options.check_format(*find_format(read_by))) << option;
         const Status refused = parsed.options.check_format(*find_format(not_read_by));
-        ASSERT_TRUE(refused) << option;
-        EXPECT_EQ(refused->kind, ErrorKind::usage);
-        EXPECT_TRUE(
-            std::string_view(option).starts_with(refused->what.substr(0, refused->what.find(' '))))
-            << refused->what;
+        ASSERT_FALSE(refused.ok()) << option;
+        EXPECT_EQ(refused.error().kind, ErrorKind::usage);
+        EXPECT_TRUE(std::string_view(option).starts_with(
+            refused.error().what.substr(0, refused.error().what.find(' '))))
+            << refused.error().what;
     }
 }
 

@@ -135,8 +135,8 @@ TEST_F(Commits, EndTheRunWhereNothingCanBeWritten)
     add("folder/a");
     fs::remove_all(directory / "folder");
     const pfsdoc::Status fault = commits->finish_all();
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->kind, ErrorKind::output);
+    ASSERT_FALSE(fault.ok());
+    EXPECT_EQ(fault.error().kind, ErrorKind::output);
     EXPECT_EQ(taken(), "");
 }
 
@@ -151,9 +151,9 @@ TEST_F(Commits, ReportThatTheirProcessHasEnded)
     ASSERT_EQ(::kill(process, SIGKILL), 0);
     add("b");
     const pfsdoc::Status fault = commits->finish_all();
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->kind, ErrorKind::internal);
-    EXPECT_EQ(fault->what, "the process that syncs outputs was ended by SIGKILL");
+    ASSERT_FALSE(fault.ok());
+    EXPECT_EQ(fault.error().kind, ErrorKind::internal);
+    EXPECT_EQ(fault.error().what, "the process that syncs outputs was ended by SIGKILL");
     EXPECT_FALSE(is_there("b"));
 }
 

@@ -105,8 +105,8 @@ TEST_F(Folder, TellsOfANameThatCannotBe)
     PendingOutput output = created("folder", "1");
     fs::create_directories(directory / "folder" / "full");
     const pfsdoc::Status fault = output.commit();
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->kind, ErrorKind::usage);
+    ASSERT_FALSE(fault.ok());
+    EXPECT_EQ(fault.error().kind, ErrorKind::usage);
     for (const std::string &name : {std::string("folder/") + std::string(300, 'x') + "/b",
                                     std::string(200, 'x') + "/" + std::string(300, 'y') + "/c"}) {
         const auto refused = folder->create(name);
@@ -120,8 +120,8 @@ TEST_F(Folder, TellsWhenNothingCanBeWritten)
     PendingOutput output = created("gone/b", "1");
     fs::remove_all(directory / "gone");
     const pfsdoc::Status fault = output.commit();
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->kind, ErrorKind::output);
+    ASSERT_FALSE(fault.ok());
+    EXPECT_EQ(fault.error().kind, ErrorKind::output);
     const auto none = pfsdoc::batch::OutputFolder::open("/proc/none");
     ASSERT_FALSE(none.ok());
     EXPECT_EQ(none.error().kind, ErrorKind::output);

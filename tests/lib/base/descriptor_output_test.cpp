@@ -115,10 +115,10 @@ TEST(DescriptorOutput, StopsAtItsLimit)
     EXPECT_EQ(output.size(), 10U);
     EXPECT_EQ(output.error_number(), 0);
     const Status failure = output.failure("LETTER.txt");
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->kind, ErrorKind::limit);
-    EXPECT_EQ(failure->what, "gives more output than the 10 bytes that are allowed");
-    EXPECT_EQ(failure->remedy, "allow more with --max-output");
+    ASSERT_FALSE(failure.ok());
+    EXPECT_EQ(failure.error().kind, ErrorKind::limit);
+    EXPECT_EQ(failure.error().what, "gives more output than the 10 bytes that are allowed");
+    EXPECT_EQ(failure.error().remedy, "allow more with --max-output");
 }
 
 TEST(DescriptorOutput, WritesThePartThatFits)

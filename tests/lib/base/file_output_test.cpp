@@ -59,10 +59,10 @@ protected:
 
 void expect_output_error(const Status &status, const std::string &what)
 {
-    ASSERT_TRUE(status);
-    EXPECT_EQ(exit_code(status->kind), 7);
-    EXPECT_NE(status->what.find(what), std::string::npos) << status->what;
-    EXPECT_FALSE(status->remedy.empty());
+    ASSERT_FALSE(status.ok());
+    EXPECT_EQ(exit_code(status.error().kind), 7);
+    EXPECT_NE(status.error().what.find(what), std::string::npos) << status.error().what;
+    EXPECT_FALSE(status.error().remedy.empty());
 }
 
 TEST_F(FileOutputTest, AppearsWhenItIsCommitted)

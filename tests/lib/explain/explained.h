@@ -46,7 +46,8 @@ inline std::vector<pfsdoc::Span> spans_of(const std::string &document)
     KeepingSpans sink;
     const pfsdoc::Status fault =
         pfsdoc::explain(linked_module(), *source, identity.value().kind, sink);
-    EXPECT_TRUE(!fault || fault->kind == pfsdoc::ErrorKind::damaged) << fault->what;
+    EXPECT_TRUE(fault.ok() || fault.error().kind == pfsdoc::ErrorKind::damaged)
+        << fault.error().what;
     return sink.spans;
 }
 

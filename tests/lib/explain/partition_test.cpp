@@ -234,8 +234,8 @@ TEST(FailedReads, EndTheExplanationWithTheirError)
             FailingSource source(document, good);
             KeepingSpans sink;
             const Status fault = explain(linked_module(), source, kind, sink);
-            ASSERT_TRUE(fault) << path << " good up to " << good;
-            EXPECT_TRUE(fault->kind == ErrorKind::input) << fault->what;
+            ASSERT_FALSE(fault.ok()) << path << " good up to " << good;
+            EXPECT_TRUE(fault.error().kind == ErrorKind::input) << fault.error().what;
         }
     }
 }

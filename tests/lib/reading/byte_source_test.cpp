@@ -280,9 +280,9 @@ TEST_F(Files, RemembersAFailedRead)
     EXPECT_FALSE(source.failure());
     EXPECT_EQ(read_through_stream(source), "");
     const Status failure = source.failure();
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(exit_code(failure->kind), 3);
-    EXPECT_NE(failure->what.find("cannot be read"), std::string::npos);
+    ASSERT_FALSE(failure.ok());
+    EXPECT_EQ(exit_code(failure.error().kind), 3);
+    EXPECT_NE(failure.error().what.find("cannot be read"), std::string::npos);
 }
 
 } // namespace

@@ -85,7 +85,7 @@ std::vector<Block> read_at_once(Document &document)
 {
     Collected collected;
     const pfsdoc::Status fault = document.read(collected);
-    EXPECT_TRUE(!fault || fault->kind == ErrorKind::damaged);
+    EXPECT_TRUE(fault.ok() || fault.error().kind == ErrorKind::damaged);
     EXPECT_EQ(collected.ends, 1);
     return collected.blocks;
 }
@@ -302,8 +302,8 @@ TEST(Document, EndsWithAParagraphThatIsTooLarge)
     Document document = opened(bytes, options);
     Collected collected;
     const pfsdoc::Status at_once = document.read(collected);
-    ASSERT_TRUE(at_once);
-    EXPECT_EQ(at_once->kind, ErrorKind::limit);
+    ASSERT_FALSE(at_once.ok());
+    EXPECT_EQ(at_once.error().kind, ErrorKind::limit);
     EXPECT_EQ(collected.ends, 0);
     const auto block = document.next();
     ASSERT_FALSE(block.ok());
@@ -328,8 +328,8 @@ TEST(Document, EndsWhereASinkStopsIt)
     Document document = opened(tests::write_document(2, "\rOne\r\rTwo\r\x0E"));
     Stopper stopper;
     const pfsdoc::Status status = document.read(stopper);
-    ASSERT_TRUE(status);
-    EXPECT_EQ(status->what, "enough");
+    ASSERT_FALSE(status.ok());
+    EXPECT_EQ(status.error().what, "enough");
     EXPECT_EQ(stopper.paragraphs, 1);
 }
 
@@ -422,8 +422,8 @@ TEST(ResumeToken, IsRefusedByAnotherDocument)
     const ResumeToken token = place_of(one);
     for (Document *document : {&other, &longer, &without}) {
         const pfsdoc::Status refusal = document->resume(token);
-        ASSERT_TRUE(refusal);
-        EXPECT_EQ(refusal->kind, ErrorKind::usage);
+        ASSERT_FALSE(refusal.ok());
+        EXPECT_EQ(refusal.error().kind, ErrorKind::usage);
     }
     EXPECT_FALSE(one.resume(token));
 }

@@ -148,7 +148,8 @@ inline KeepingSink read_at_once(const std::string &document, pfsdoc::DocumentKin
     const auto source = source_from(document);
     const pfsdoc::Status fault =
         pfsdoc::reading::read_document(linked_module(), *source, kind, sink, options);
-    EXPECT_TRUE(!fault || fault->kind == pfsdoc::ErrorKind::damaged) << fault->what;
+    EXPECT_TRUE(fault.ok() || fault.error().kind == pfsdoc::ErrorKind::damaged)
+        << fault.error().what;
     return sink;
 }
 

@@ -283,7 +283,7 @@ TEST(Session, ReadsThroughALoadedModuleAsWell)
         const auto source = source_from(document);
         KeepingSink sink;
         const Status fault = reading::read_document(loaded.value(), *source, example.kind, sink);
-        ASSERT_FALSE(fault) << fault->what;
+        ASSERT_TRUE(fault.ok()) << fault.error().what;
         EXPECT_EQ(sink.told, read_at_once(document, example.kind).told);
     }
 }
@@ -327,8 +327,8 @@ TEST(ReadDocument, ReportsAReadThatFailed)
     KeepingSink sink;
     const Status fault =
         reading::read_document(linked_module(), source, DocumentKind::write_b, sink);
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->what, "is damaged");
+    ASSERT_FALSE(fault.ok());
+    EXPECT_EQ(fault.error().what, "is damaged");
     EXPECT_EQ(sink.all<Character>().size(), 2048 - write_body_offset - 1);
 }
 
@@ -340,8 +340,8 @@ TEST(ReadDocument, ReportsThatTheModuleDoesNotRecogniseIt)
          {reading::Stops::none, reading::Stops::at_breaks, reading::Stops::for_margins}) {
         const Status fault = reading::read_document(linked_module(), *source, DocumentKind::write_b,
                                                     sink, {reading::Offsets::none, stops});
-        ASSERT_TRUE(fault);
-        EXPECT_EQ(exit_code(fault->kind), 70);
+        ASSERT_FALSE(fault.ok());
+        EXPECT_EQ(exit_code(fault.error().kind), 70);
     }
     EXPECT_TRUE(sink.told.empty());
 }
@@ -390,8 +390,8 @@ TEST(ReadDocument, ReportsThatItEndedEarly)
     sink.answer = 1;
     const Status fault =
         reading::read_document(linked_module(), *source, DocumentKind::write_b, sink);
-    ASSERT_TRUE(fault);
-    EXPECT_NE(fault->what.find("before the document's end"), std::string::npos);
+    ASSERT_FALSE(fault.ok());
+    EXPECT_NE(fault.error().what.find("before the document's end"), std::string::npos);
 }
 
 } // namespace
