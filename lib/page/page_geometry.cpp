@@ -34,21 +34,6 @@ std::size_t indent_columns(int32_t twips, int32_t width)
     return static_cast<std::size_t>(std::clamp(twips / VW_TWIPS_PER_COLUMN, 0, width - 1));
 }
 
-std::vector<TabColumn> tab_columns(const std::vector<TabStop> &stops, const PageColumns &page)
-{
-    std::vector<TabColumn> columns;
-    columns.reserve(stops.size());
-    const auto left = static_cast<uint32_t>(page.left);
-    const auto right = static_cast<uint32_t>(page.right);
-    for (const TabStop &stop : stops) {
-        const uint32_t column = stop.position / VW_TWIPS_PER_COLUMN;
-        if (column > left && column <= right) {
-            columns.push_back({column - left, stop.kind == VW_TAB_DECIMAL});
-        }
-    }
-    return columns;
-}
-
 } // namespace
 
 PageColumns page_columns(const Margins &margins)
@@ -69,6 +54,22 @@ LineAlignment line_alignment(const Paragraph &paragraph)
     }
 }
 
+std::vector<TabColumn> tab_columns(const Paragraph &paragraph)
+{
+    const PageColumns page = page_columns(paragraph.margins);
+    std::vector<TabColumn> columns;
+    columns.reserve(paragraph.tab_stops.size());
+    const auto left = static_cast<uint32_t>(page.left);
+    const auto right = static_cast<uint32_t>(page.right);
+    for (const TabStop &stop : paragraph.tab_stops) {
+        const uint32_t column = stop.position / VW_TWIPS_PER_COLUMN;
+        if (column > left && column <= right) {
+            columns.push_back({column - left, stop.kind == VW_TAB_DECIMAL});
+        }
+    }
+    return columns;
+}
+
 LineGeometry line_geometry(const Paragraph &paragraph)
 {
     const PageColumns page = page_columns(paragraph.margins);
@@ -79,7 +80,7 @@ LineGeometry line_geometry(const Paragraph &paragraph)
     geometry.first_line_indent = indent_columns(paragraph.first_line_indent, width);
     geometry.indent = indent_columns(paragraph.left_indent, width);
     if (paragraph.bytes.find(tab_byte) != std::string::npos) {
-        geometry.tab_stops = tab_columns(paragraph.tab_stops, page);
+        geometry.tab_stops = tab_columns(paragraph);
     }
     geometry.alignment = line_alignment(paragraph);
     if (geometry.alignment != LineAlignment::left) {

@@ -14,6 +14,7 @@
 #include "pfsdoc/paragraph.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace pfsdoc::page {
 
@@ -37,6 +38,9 @@ struct PageColumns {
 
 PageColumns page_columns(const Margins &margins);
 LineAlignment line_alignment(const Paragraph &paragraph);
+// The paragraph's tab stops that are between its margins, in their order.
+std::vector<TabColumn> tab_columns(const Paragraph &paragraph);
+// Tab stops only where the paragraph has a tab: lines without one need none.
 LineGeometry line_geometry(const Paragraph &paragraph);
 
 } // namespace pfsdoc::page

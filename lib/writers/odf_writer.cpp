@@ -240,6 +240,8 @@ void OdfWriter::end_pages_pending()
 void OdfWriter::write_paragraph(const Paragraph &paragraph)
 {
     geometry_ = page::line_geometry(paragraph);
+    // For whoever goes on writing, also where the text has no tab yet.
+    geometry_.tab_stops = page::tab_columns(paragraph);
     line_spacing_ = paragraph.line_spacing;
     start_ = {};
     start_.has_tab = paragraph.bytes.find(page::tab_byte) != std::string::npos;
