@@ -64,9 +64,9 @@ int main(int argc, char **argv)
     run("BEGIN");
     int code = 0;
     for (int index = 3; index < argc && what == "add"; ++index) {
-        if (const auto error = add(argv[index])) {
-            std::fprintf(stderr, "search_index: %s: %s\n", argv[index], error->what.c_str());
-            code = pfsdoc::exit_code(error->kind);
+        if (const pfsdoc::Status added = add(argv[index]); !added.ok()) {
+            std::fprintf(stderr, "search_index: %s: %s\n", argv[index], added.error().what.c_str());
+            code = pfsdoc::exit_code(added.error().kind);
         }
     }
     run("COMMIT");

@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
         return 0;
     }
     pfsdoc::Document document = small_document();
-    if (document.resume(token.value())) {
+    if (!document.resume(token.value()).ok()) {
         return 0;
     }
     for (;;) {

@@ -25,8 +25,9 @@ std::string written(const DocumentFile &file, const Options &options, pfsdoc::re
     const auto identity = pfsdoc::identify(source);
     pfsdoc::StringOutput output;
     Writer writer(output, options);
-    EXPECT_FALSE(pfsdoc::reading::read_document(module.value(), source, identity.value().kind,
-                                                writer, {pfsdoc::reading::Offsets::none, stops}));
+    EXPECT_TRUE(pfsdoc::reading::read_document(module.value(), source, identity.value().kind,
+                                               writer, {pfsdoc::reading::Offsets::none, stops})
+                    .ok());
     writer.finish();
     return output.text;
 }
@@ -76,9 +77,10 @@ std::string converted(const DocumentFile &file, const pfsdoc::Format &format)
     const auto writer = format.make_writer(output, {kind, file.path.filename().string()}, {});
     pfsdoc::reading::ParagraphCollector collector(*writer.value(),
                                                   pfsdoc::reading::line_spacing_rule(kind));
-    EXPECT_FALSE(pfsdoc::reading::read_document(
-        module.value(), source, kind, collector,
-        {pfsdoc::reading::Offsets::none, pfsdoc::reading::Stops::for_margins}));
+    EXPECT_TRUE(pfsdoc::reading::read_document(
+                    module.value(), source, kind, collector,
+                    {pfsdoc::reading::Offsets::none, pfsdoc::reading::Stops::for_margins})
+                    .ok());
     collector.finish();
     return output.text;
 }

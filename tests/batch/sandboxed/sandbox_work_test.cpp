@@ -373,14 +373,14 @@ std::string written(const Format &format, Document &document)
         const auto writer = format.make_event_writer(output, {});
         const auto fault = document.read_events(*writer);
         writer->finish();
-        return fault ? fault->what : output.text;
+        return fault.ok() ? output.text : fault.error().what;
     }
     const auto writer = format.make_writer(output, {document.kind(), "letter"}, {});
     if (!writer.ok()) {
         return writer.error().what;
     }
     const auto fault = document.read(*writer.value());
-    return fault ? fault->what : output.text;
+    return fault.ok() ? output.text : fault.error().what;
 }
 
 std::string converted(const Format &format, int descriptor)

@@ -208,8 +208,8 @@ TEST_F(Archives, that_are_none_are_errors)
     write("empty.tar", "");
     fs::create_directory("folder.zip");
     EXPECT_EQ(found({"garbage.zip", "empty.tar", "folder.zip"}),
-              "garbage.zip !input is no zip or tar archive, though its name says so\n"
-              "empty.tar !input is no zip or tar archive, though its name says so\n");
+              "garbage.zip !input is not a zip or tar archive, despite its name\n"
+              "empty.tar !input is not a zip or tar archive, despite its name\n");
 }
 
 TEST_F(Archives, have_errors_for_members_that_are_too_large)

@@ -71,20 +71,20 @@ protected:
 TEST_F(Commits, HaveNoLineBeforeTheOutputHasItsName)
 {
     add("a");
-    EXPECT_FALSE(commits->begin(false));
+    EXPECT_TRUE(commits->begin(false).ok());
     EXPECT_LT(commits->descriptor(), 0) << "there may be more in a moment";
     EXPECT_EQ(taken(), "");
-    EXPECT_FALSE(commits->begin(true));
+    EXPECT_TRUE(commits->begin(true).ok());
     EXPECT_GE(commits->descriptor(), 0);
     EXPECT_FALSE(is_there("a"));
     add("b");
-    EXPECT_FALSE(commits->begin(true));
-    EXPECT_FALSE(commits->finish());
+    EXPECT_TRUE(commits->begin(true).ok());
+    EXPECT_TRUE(commits->finish().ok());
     EXPECT_TRUE(is_there("a"));
     EXPECT_FALSE(is_there("b")) << "it came when the others were being synced";
     EXPECT_EQ(taken(), "a\n");
     EXPECT_FALSE(commits->is_empty());
-    EXPECT_FALSE(commits->finish_all());
+    EXPECT_TRUE(commits->finish_all().ok());
     EXPECT_EQ(taken(), "b\n");
     EXPECT_TRUE(commits->is_empty());
 }
@@ -94,12 +94,12 @@ TEST_F(Commits, SyncManyTogether)
     for (std::size_t i = 1; i < OutputCommits::synced_at_once; ++i) {
         add(std::to_string(i));
     }
-    EXPECT_FALSE(commits->begin(false));
+    EXPECT_TRUE(commits->begin(false).ok());
     EXPECT_LT(commits->descriptor(), 0);
     add("last");
-    EXPECT_FALSE(commits->begin(false));
+    EXPECT_TRUE(commits->begin(false).ok());
     EXPECT_GE(commits->descriptor(), 0);
-    EXPECT_FALSE(commits->finish());
+    EXPECT_TRUE(commits->finish().ok());
     EXPECT_TRUE(is_there("1") && is_there("last"));
     EXPECT_TRUE(commits->is_empty());
 }
@@ -108,7 +108,7 @@ TEST_F(Commits, SyncFewInTime)
 {
     add("a");
     std::this_thread::sleep_for(1100ms);
-    EXPECT_FALSE(commits->begin(false));
+    EXPECT_TRUE(commits->begin(false).ok());
     EXPECT_GE(commits->descriptor(), 0);
 }
 
@@ -124,7 +124,7 @@ TEST_F(Commits, RecordANameThatCannotBe)
     add("a");
     add("b");
     fs::create_directories(directory / "a" / "full");
-    EXPECT_FALSE(commits->finish_all());
+    EXPECT_TRUE(commits->finish_all().ok());
     EXPECT_NE(taken().find("\"status\":\"name\""), std::string::npos);
     EXPECT_TRUE(is_there("b"));
     EXPECT_EQ(tally.words(), "2 files: 1 converted, 1 name");
@@ -143,7 +143,7 @@ TEST_F(Commits, EndTheRunWhereNothingCanBeWritten)
 TEST_F(Commits, ReportThatTheirProcessHasEnded)
 {
     add("a");
-    EXPECT_FALSE(commits->finish_all());
+    EXPECT_TRUE(commits->finish_all().ok());
     const std::string self = std::to_string(::getpid());
     pid_t process = 0;
     std::ifstream("/proc/" + self + "/task/" + self + "/children") >> process;

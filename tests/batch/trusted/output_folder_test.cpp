@@ -75,8 +75,8 @@ TEST_F(Folder, GivesOutputsTheirNames)
     EXPECT_EQ(files(), "?=1 ") << "has its name before it is on the disk";
     PendingOutput second = created("b/c", "2");
     EXPECT_FALSE(folder->sync());
-    EXPECT_FALSE(first.commit());
-    EXPECT_FALSE(second.commit());
+    EXPECT_TRUE(first.commit().ok());
+    EXPECT_TRUE(second.commit().ok());
     EXPECT_EQ(files(), "a=1 b/c=2 ");
 }
 
@@ -86,7 +86,7 @@ TEST_F(Folder, GivesThemWhenTheyAreClosed)
     EXPECT_GE(output.descriptor(), 0);
     output.close();
     EXPECT_LT(output.descriptor(), 0);
-    EXPECT_FALSE(output.commit());
+    EXPECT_TRUE(output.commit().ok());
     EXPECT_EQ(files(), "a=1 ");
 }
 
@@ -132,19 +132,19 @@ TEST_F(Folder, ReplacesWhatIsThere)
 {
     for (const std::string content : {"1", "2"}) {
         PendingOutput output = created("a", content);
-        EXPECT_FALSE(output.commit());
+        EXPECT_TRUE(output.commit().ok());
         EXPECT_EQ(files(), "a=" + content + " ");
     }
     const PendingOutput left = created("b", "killed");
     PendingOutput output = created("b", "3");
-    EXPECT_FALSE(output.commit());
+    EXPECT_TRUE(output.commit().ok());
     EXPECT_EQ(files(), "a=2 b=3 ");
 }
 
 TEST_F(Folder, FindsAnEarlierOutputBySize)
 {
     PendingOutput output = created("a", "123");
-    EXPECT_FALSE(output.commit());
+    EXPECT_TRUE(output.commit().ok());
     EXPECT_GE(folder->open_existing("a", 3).get(), 0);
     EXPECT_LT(folder->open_existing("a", 4).get(), 0);
     EXPECT_LT(folder->open_existing("b", 3).get(), 0);

@@ -123,9 +123,9 @@ TEST(Manifest, FindsTheLinesOfRunsThatWereEnded)
     }
     auto manifest = pfsdoc::batch::Manifest::open(path);
     ASSERT_TRUE(manifest.ok());
-    EXPECT_FALSE(manifest.value().add("{\"name\":\"c\"}\n"));
+    EXPECT_TRUE(manifest.value().add("{\"name\":\"c\"}\n").ok());
     EXPECT_EQ(content_of(path + ".partial"), "{\"name\":\"c\"}\n");
-    EXPECT_FALSE(manifest.value().finish());
+    EXPECT_TRUE(manifest.value().finish().ok());
     EXPECT_EQ(content_of(path), "{\"name\":\"c\"}\n");
     EXPECT_FALSE(std::filesystem::exists(path + ".earlier"));
     EXPECT_FALSE(std::filesystem::exists(path + ".partial"));

@@ -72,7 +72,7 @@ TEST_F(FileOutputTest, AppearsWhenItIsCommitted)
     output->write("two");
     output->flush();
     EXPECT_FALSE(fs::exists(target));
-    EXPECT_FALSE(output->commit());
+    EXPECT_TRUE(output->commit().ok());
     EXPECT_EQ(content(), "onetwo");
     EXPECT_EQ(files(), 1);
 }
@@ -90,7 +90,7 @@ TEST_F(FileOutputTest, LeavesWhatWasThereUntilCommitted)
     EXPECT_EQ(content(), "before");
     const auto output = open(target);
     output->write("after");
-    EXPECT_FALSE(output->commit());
+    EXPECT_TRUE(output->commit().ok());
     EXPECT_EQ(content(), "after");
     EXPECT_EQ(files(), 1);
 }
@@ -104,7 +104,7 @@ TEST_F(FileOutputTest, WritesMoreThanItsBufferHolds)
         output->write(text);
         expected += text;
     }
-    EXPECT_FALSE(output->commit());
+    EXPECT_TRUE(output->commit().ok());
     EXPECT_TRUE(content() == expected);
 }
 
@@ -112,14 +112,14 @@ TEST_F(FileOutputTest, KeepsThePermissionsOfWhatItReplaces)
 {
     std::ofstream(target) << "before";
     ASSERT_EQ(::chmod(target.c_str(), 0640), 0);
-    EXPECT_FALSE(open(target)->commit());
+    EXPECT_TRUE(open(target)->commit().ok());
     EXPECT_EQ(mode_of(target), 0640U);
 }
 
 TEST_F(FileOutputTest, GivesANewFileWhatTheMaskAllows)
 {
     const mode_t before = ::umask(027);
-    EXPECT_FALSE(open(target)->commit());
+    EXPECT_TRUE(open(target)->commit().ok());
     ::umask(before);
     EXPECT_EQ(mode_of(target), 0640U);
 }
@@ -130,7 +130,7 @@ TEST_F(FileOutputTest, GoesThroughASymbolicLink)
     fs::create_symlink("real", target);
     const auto output = open(target);
     output->write("after");
-    EXPECT_FALSE(output->commit());
+    EXPECT_TRUE(output->commit().ok());
     EXPECT_TRUE(fs::is_symlink(target));
     EXPECT_EQ(content(), "after");
 }
@@ -138,7 +138,7 @@ TEST_F(FileOutputTest, GoesThroughASymbolicLink)
 TEST_F(FileOutputTest, FitsWhereOnlyTheLongestNameDoes)
 {
     target = (directory / std::string(255, 'n')).string();
-    EXPECT_FALSE(open(target)->commit());
+    EXPECT_TRUE(open(target)->commit().ok());
     EXPECT_TRUE(fs::exists(target));
 }
 
@@ -146,7 +146,7 @@ TEST_F(FileOutputTest, WritesToDevicesDirectly)
 {
     const auto output = open("/dev/null");
     output->write("gone");
-    EXPECT_FALSE(output->commit());
+    EXPECT_TRUE(output->commit().ok());
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 

@@ -50,7 +50,7 @@ std::string converted(const Case &test, Document &document)
     if (test.format->make_event_writer != nullptr) {
         const auto writer = test.format->make_event_writer(output, test.options);
         const auto fault = document.read_events(*writer);
-        EXPECT_TRUE(!fault || fault->kind == pfsdoc::ErrorKind::damaged);
+        EXPECT_TRUE(fault.ok() || fault.error().kind == pfsdoc::ErrorKind::damaged);
         writer->finish();
         return output.text;
     }
@@ -58,7 +58,7 @@ std::string converted(const Case &test, Document &document)
         test.format->make_writer(output, {document.kind(), "A<b>\"c"}, test.options);
     EXPECT_TRUE(writer.ok());
     const auto fault = document.read(*writer.value());
-    EXPECT_TRUE(!fault || fault->kind == pfsdoc::ErrorKind::damaged);
+    EXPECT_TRUE(fault.ok() || fault.error().kind == pfsdoc::ErrorKind::damaged);
     return output.text;
 }
 
