@@ -43,7 +43,7 @@ Status Options::check_format(const Format &format) const
     for (const Added &added : added_) {
         if (added.option->count() > 0 && !format.options.has_all(added.entry->writer_options)) {
             std::string what = added.entry->names;
-            what.append(" means nothing for ").append(format.name);
+            what.append(" does not apply to ").append(format.name);
             return Error{ErrorKind::usage, what, "leave it out"};
         }
     }

@@ -43,7 +43,7 @@ int run_program(int (*run)(int argument_count, char **arguments), int argument_c
         return run(argument_count, arguments);
     } catch (const std::bad_alloc &) {
         return report("", {ErrorKind::internal, "there is not enough memory",
-                           "end other programs and try again"});
+                           "close other programs and try again"});
     } catch (const std::exception &fault) {
         return report(
             "", {ErrorKind::internal, fault.what(), "please report this as a fault of pfsdoc"});

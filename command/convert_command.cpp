@@ -20,7 +20,7 @@ Examples:
   pfsdoc text --no-page-breaks LETTER -o letter.txt)";
 
 constexpr const char *convert_footer =
-    R"(Options that a format does not read are refused. Without -t, the name after -o tells the
+    R"(Options that a format does not read are refused. Without -t, the name after -o selects the
 format.
 
 Examples:
@@ -79,8 +79,7 @@ Status check(const Format &format, const Options &options)
         return misfit;
     }
     if (format.is_binary && writes_to_standard_output(arguments) && ::isatty(STDOUT_FILENO) != 0) {
-        return Error{ErrorKind::usage,
-                     std::string(format.name) + " is nothing to show on a terminal",
+        return Error{ErrorKind::usage, std::string(format.name) + " cannot be shown on a terminal",
                      "name a file with -o"};
     }
     return {};
@@ -106,8 +105,8 @@ Result<const Format *> wanted_format(const Arguments &arguments)
 {
     const std::size_t dot = arguments.output.rfind('.');
     if (arguments.format.empty() && dot == std::string::npos) {
-        return Error{ErrorKind::usage, "the output format is not told",
-                     "give it with -t; see pfsdoc convert --help"};
+        return Error{ErrorKind::usage, "the output format is missing",
+                     "name it with -t; see pfsdoc convert --help"};
     }
     const std::string name =
         arguments.format.empty() ? arguments.output.substr(dot + 1) : arguments.format;

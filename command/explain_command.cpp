@@ -102,7 +102,7 @@ int run(const Options &options)
 
 const Subcommand explain_subcommand = {
     .name = "explain",
-    .description = "Tell of every byte of a document what it was read as",
+    .description = "Show what every byte of a document was read as",
     .footer = footer,
     .command = explain_command,
     .run = run,

@@ -13,8 +13,8 @@ namespace {
 constexpr int some_failed = 1; // of several files
 
 constexpr const char *footer =
-    R"(Goes on after a file that fails; with several files the exit code is then 1. How sure the
-kind is: certain (signature, plausible header, end mark), likely (no end mark at the end)
+    R"(Continues after a file that fails; with several files the exit code is then 1. The
+confidence is certain (signature, plausible header, end mark), likely (no end mark at the end)
 or signature (that alone).
 
 Examples:
@@ -227,7 +227,7 @@ int run(const Options &options)
 
 const Subcommand identify_subcommand = {
     .name = "identify",
-    .description = "Tell what files are, one line for each",
+    .description = "Identify files by their content, one line for each",
     .footer = footer,
     .command = identify_command,
     .run = run,

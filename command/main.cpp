@@ -35,8 +35,8 @@ Exit codes:
   1    some of several inputs failed
   2    the command line is wrong
   3    an input cannot be read
-  4    a file is not a document of a kind known here
-  5    the document is cut short; what there is of it has been written
+  4    a file is not a supported document
+  5    the document is truncated; the part that could be read was written
   6    a limit was hit
   7    the output cannot be written
   70   a fault of pfsdoc itself, or of its module

@@ -14,7 +14,7 @@ namespace {
 
 Error lacking(const std::string &what)
 {
-    return {ErrorKind::internal, "the sandbox cannot be had: the kernel " + what,
+    return {ErrorKind::internal, "the sandbox is not available: the kernel " + what,
             "use a kernel that has it, or read without it with --no-sandbox"};
 }
 

@@ -103,9 +103,9 @@ Outcome outcome_of(const Job &job, const std::vector<int> &descriptors,
     try {
         return convert_file(job, files_of(job, descriptors), settings);
     } catch (const std::bad_alloc &) {
-        return failed_outcome(FileStatus::memory,
-                              {ErrorKind::limit, "needs more memory than is allowed",
-                               "allow more with --max-memory"});
+        return failed_outcome(
+            FileStatus::memory,
+            {ErrorKind::limit, "needs more memory than the limit", "allow more with --max-memory"});
     } catch (const std::exception &fault) {
         return failed_outcome(FileStatus::internal, {ErrorKind::internal, fault.what(),
                                                      "please report this as a fault of pfsdoc"});

@@ -24,7 +24,7 @@ Error no_reader(int error_number)
 {
     return {ErrorKind::internal,
             std::string("no process to read it can be started: ") + std::strerror(error_number),
-            "end other programs"};
+            "close other programs"};
 }
 
 Error error_of_member(ArchiveOutcome outcome, const InputOptions &options)
@@ -45,7 +45,7 @@ Error error_of_archive(ArchiveOutcome outcome, const InputOptions &options)
 {
     switch (outcome) {
     case ArchiveOutcome::not_an_archive:
-        return {ErrorKind::input, "is no zip or tar archive, though its name says so",
+        return {ErrorKind::input, "is not a zip or tar archive, despite its name",
                 "give it another ending to have it read as a file"};
     case ArchiveOutcome::too_many_members:
         return {ErrorKind::limit,
@@ -70,7 +70,7 @@ Error error_of_archive(ArchiveOutcome outcome, const InputOptions &options)
 Error cannot_be_unpacked(int error_number)
 {
     return {ErrorKind::input, std::string("cannot be unpacked: ") + std::strerror(error_number),
-            "make room, or set TMPDIR to a folder with more of it"};
+            "free some space, or set TMPDIR to a folder with more of it"};
 }
 
 // The bytes of a member. What comes after a failure is not kept: the member is read to its end all

@@ -34,7 +34,7 @@ Status check_paths(const BatchRequest &request)
         }
         if (lies_in(manifest, input) && (lies_in(input, output) || !lies_in(manifest, output))) {
             return Error{ErrorKind::usage, "the manifest lies in " + path + ", which is read",
-                         "name another place with --manifest"};
+                         "name another file with --manifest"};
         }
     }
     return {};

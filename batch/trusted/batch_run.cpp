@@ -46,13 +46,13 @@ bool is_unwritable(int descriptor)
 Error unwritten(const Outcome &outcome)
 {
     return {ErrorKind::output, std::string(outcome.what.get()),
-            "make room; the next run goes on from here"};
+            "free some space; the next run continues from here"};
 }
 
 Outcome invalid_report()
 {
     return failed_outcome(FileStatus::crashed,
-                          {ErrorKind::internal, "the process that read it said what is not so",
+                          {ErrorKind::internal, "the process that read it sent an invalid report",
                            "please report this as a fault of pfsdoc"});
 }
 
@@ -106,7 +106,7 @@ Status BatchRun::convert_all()
         }
     } catch (const std::bad_alloc &) {
         stop({ErrorKind::internal, "there is not enough memory",
-              "end other programs and try again"});
+              "close other programs and try again"});
     } catch (const std::exception &fault) {
         stop({ErrorKind::internal, fault.what(), "please report this as a fault of pfsdoc"});
     }
@@ -250,7 +250,7 @@ bool BatchRun::wait_for_any(int descriptor)
         std::any_of(polled_.begin(), polled_.end(), [](const pollfd &one) { return one.fd >= 0; });
     const int ready = ::poll(polled_.data(), polled_.size(), has_hope ? patience() : 0);
     if (was_interrupted()) {
-        stop({ErrorKind::interrupted, "interrupted", "the next run goes on from here"});
+        stop({ErrorKind::interrupted, "interrupted", "the next run continues from here"});
     }
     if (ready > 0) {
         for (std::size_t i = 0; i < workers_.size() && status_.ok(); ++i) {

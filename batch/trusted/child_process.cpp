@@ -62,7 +62,7 @@ Result<ChildProcess> ChildProcess::start(std::span<const int> descriptors,
     if (child < 0) {
         return Error{ErrorKind::internal,
                      std::string("no process can be started: ") + std::strerror(errno),
-                     "end other programs and try again"};
+                     "close other programs and try again"};
     }
     return ChildProcess(child);
 }

@@ -15,13 +15,13 @@ namespace pfsdoc::batch {
 namespace {
 
 constexpr const char *description =
-    "Write many documents in another format, and a manifest that tells what became of each";
+    "Write many documents in another format, and a manifest with the result of each";
 
 constexpr const char *examples =
     R"(Each document is read in a process that can open no file, no connection and no other
 process. One that crashes, hangs or takes too much memory costs its own file only. The
-manifest has one line of JSON for each file. A run that was ended in its middle goes on when
-it is started again.
+manifest has one line of JSON for each file. An interrupted run continues when it is started
+again.
 
 Examples:
   pfsdoc batch letters/ -o out -t odt
@@ -31,10 +31,10 @@ Examples:
 
 Exit codes:
   0    all files have been converted
-  1    some have not, or not whole; the manifest tells which
+  1    some have not, or only in part; the manifest says which
   2    the command line is wrong
   7    an output or the manifest cannot be written
-  70   a fault of pfsdoc itself, or the sandbox that is required cannot be had
+  70   a fault of pfsdoc itself, or the required sandbox is not available
   130  interrupted)";
 
 constexpr double max_seconds_unless_given = 30;
@@ -138,7 +138,7 @@ Result<BatchRequest> BatchCommandLine::request()
 {
     const cli::Arguments &arguments = options_.arguments();
     if (arguments.paths.empty() && arguments.list_files.empty()) {
-        return Error{ErrorKind::usage, "there is nothing to be read",
+        return Error{ErrorKind::usage, "there is nothing to read",
                      "name files, folders or archives; see pfsdoc batch --help"};
     }
     const Result<ConversionSettings> settings = conversion();

@@ -22,9 +22,10 @@ constexpr std::size_t read_at_once = 65536;
 
 Error not_written(const std::string &path, int error_number)
 {
-    return {ErrorKind::output,
-            "the manifest " + path + " cannot be written: " + std::strerror(error_number),
-            "make room or name another place with --manifest; the next run goes on from here"};
+    return {
+        ErrorKind::output,
+        "the manifest " + path + " cannot be written: " + std::strerror(error_number),
+        "free some space or name another file with --manifest; the next run continues from here"};
 }
 
 Status write(int descriptor, std::string_view bytes, const std::string &path)
@@ -135,7 +136,8 @@ Result<Manifest> Manifest::open(const std::string &path)
         return not_written(partial, errno);
     }
     if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
-        return Error{ErrorKind::output, "another run is writing " + partial, "wait for its end"};
+        return Error{ErrorKind::output, "another run is writing " + partial,
+                     "wait until it has finished"};
     }
     Manifest manifest(path, std::move(file));
     if (Status fault = manifest.set_aside(); !fault.ok()) {

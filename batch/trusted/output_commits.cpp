@@ -33,7 +33,7 @@ void sync_on_request(int socket, const OutputFolder &folder)
 Error not_synced(const std::string &why)
 {
     return {ErrorKind::internal, "the process that syncs outputs " + why,
-            "end other programs and try again"};
+            "close other programs and try again"};
 }
 
 } // namespace

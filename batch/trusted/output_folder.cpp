@@ -39,7 +39,7 @@ Error not_written(const std::string &target, int error_number)
     return {is_about_name(error_number) ? ErrorKind::usage : ErrorKind::output,
             target + " cannot be written: " + std::strerror(error_number),
             error_number == ENOSPC || error_number == EDQUOT
-                ? "make room; the next run goes on from here"
+                ? "free some space; the next run continues from here"
                 : "check the folder and the right to write there"};
 }
 

@@ -16,7 +16,7 @@ Error no_worker(int error_number)
 {
     return {ErrorKind::internal,
             std::string("a worker cannot be started: ") + std::strerror(error_number),
-            "end other programs and try again"};
+            "close other programs and try again"};
 }
 
 Error crash(int wait_status)

@@ -32,7 +32,7 @@ std::string output_remedy(int error_number)
 Error over_limit(uint64_t max_bytes)
 {
     return {ErrorKind::limit,
-            "gives more output than the " + std::to_string(max_bytes) + " bytes that are allowed",
+            "would give more output than the " + std::to_string(max_bytes) + " bytes allowed",
             "allow more with --max-output"};
 }
 

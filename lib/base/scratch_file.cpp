@@ -33,7 +33,7 @@ int open_scratch_file()
 Error scratch_error(int error_number)
 {
     if (error_number == EFBIG) {
-        return {ErrorKind::limit, "needs a temporary file that is larger than is allowed",
+        return {ErrorKind::limit, "needs a temporary file larger than the limit",
                 "allow larger files: with --max-output of pfsdoc batch, or ulimit -f"};
     }
     return {ErrorKind::output,

@@ -118,7 +118,7 @@ void Choice3Walker::read_page_break(int32_t header)
     builder_.claim(SpanKind::page_break, length, "line header: page break");
     int32_t byte = next_byte();
     while (byte >= 0 && byte != carriage_return) {
-        builder_.claim(SpanKind::unused, 1, "rest of the page break's line: passed over");
+        builder_.claim(SpanKind::unused, 1, "rest of the page break's line: skipped");
         byte = next_byte();
     }
     builder_.claim(SpanKind::page_break, 1, "end of the page break's line");
@@ -127,8 +127,7 @@ void Choice3Walker::read_page_break(int32_t header)
 void Choice3Walker::read_ruler()
 {
     builder_.claim_alone(SpanKind::line_type, 1, "line header: ruler");
-    builder_.claim(SpanKind::unused, choice::ruler_unused_bytes,
-                   "first bytes of a ruler: passed over");
+    builder_.claim(SpanKind::unused, choice::ruler_unused_bytes, "first bytes of a ruler: skipped");
     uint8_t column = 0;
     int stops = 0;
     int32_t byte = next_byte();
@@ -140,7 +139,7 @@ void Choice3Walker::read_ruler()
     }
     builder_.claim(SpanKind::record, 1,
                    byte == carriage_return ? "end of the ruler"
-                                           : "a ruler ends at a hundred tab stops: passed over");
+                                           : "a ruler ends at a hundred tab stops: skipped");
 }
 
 void Choice3Walker::read_ruler_column(int32_t byte, uint8_t column)

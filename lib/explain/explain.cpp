@@ -91,9 +91,9 @@ void FileExplainer::begin_body()
 std::string_view padding_words(int32_t byte)
 {
     switch (byte) {
-    case 0: return "behind the end: zeros";
-    case formats::transfer_fill: return "behind the end: fill of file transfers";
-    default: return "behind the end: left over";
+    case 0: return "after the end: zeros";
+    case formats::transfer_fill: return "after the end: fill of file transfers";
+    default: return "after the end: left over";
     }
 }
 

@@ -84,7 +84,7 @@ void HeaderExplainer::explain_field(const HeaderField &field)
     switch (field.form) {
     case FieldForm::ignored:
         builder_.claim_alone(SpanKind::unused, field.size,
-                             std::string(field.name) + ": read and not used");
+                             std::string(field.name) + ": read but not used");
         break;
     case FieldForm::line_text: claim_line_text(field); break;
     case FieldForm::ruler_kinds:
@@ -185,7 +185,7 @@ void HeaderExplainer::claim_line_text(const HeaderField &field)
     const uint32_t room = field.size;
     const std::string name(field.name);
     const std::string beyond =
-        length > room ? ", and " + std::to_string(length - room) + " bytes behind it" : "";
+        length > room ? ", and " + std::to_string(length - room) + " bytes after it" : "";
     Span &span = builder_.claim_alone(SpanKind::header_text, std::min(length, room),
                                       "text of " + name + beyond);
     span.characters = span.bytes;
@@ -264,10 +264,10 @@ void explain_way_to_text(SpanBuilder &builder, uint32_t body)
         return builder.position() < body && builder.byte(builder.position()) != sought;
     };
     while (is_before(formats::form_feed)) {
-        builder.claim(SpanKind::unused, 1, "before the form feed: passed over");
+        builder.claim(SpanKind::unused, 1, "before the form feed: skipped");
     }
     builder.claim(SpanKind::field, builder.position() < body ? 1 : 0,
-                  "form feed: the text begins behind it");
+                  "form feed: the text begins after it");
     while (builder.position() < body) {
         claim_margin_record(builder);
     }

@@ -35,7 +35,7 @@ void claim_margin_record(SpanBuilder &builder)
         builder.claim_alone(SpanKind::record, size, margin_words(builder));
     } else {
         builder.claim_alone(SpanKind::record, size,
-                            "record of type " + std::to_string(type) + ": passed over");
+                            "record of type " + std::to_string(type) + ": skipped");
     }
 }
 

@@ -146,7 +146,7 @@ void ProfessionalWriteWalker::read_within_line(int32_t byte)
     switch (byte) {
     case write::record_mark: read_record(); break;
     case form_feed:
-        builder_.claim(SpanKind::unused, 1, "form feed within the text: passed over");
+        builder_.claim(SpanKind::unused, 1, "form feed within the text: skipped");
         break;
     case document_end: read_document_end(); break;
     default:

@@ -77,7 +77,7 @@ void WrappedTextWalker::step()
     } else if (byte == document_end) {
         read_document_end();
     } else if (byte == form_feed) {
-        builder_.claim(SpanKind::unused, 1, "form feed within the text: passed over");
+        builder_.claim(SpanKind::unused, 1, "form feed within the text: skipped");
     } else {
         read_character(byte);
     }
@@ -94,7 +94,7 @@ void WrappedTextWalker::read_line_end(int32_t byte)
 {
     if (return_is_due_) {
         return_is_due_ = false;
-        builder_.claim(SpanKind::unused, 1, "line end before the first line: passed over");
+        builder_.claim(SpanKind::unused, 1, "line end before the first line: skipped");
         return;
     }
     std::string reason;

@@ -51,7 +51,7 @@ Status BlockReader::begin(const Module &module, DocumentKind kind, Offsets offse
         return {};
     }
     if (!session_->go_to(start.checkpoint)) {
-        return Error{ErrorKind::internal, "the module refuses to go to a saved place", ""};
+        return Error{ErrorKind::internal, "the module refuses to go to a saved position", ""};
     }
     const uint32_t offset = offsets == Offsets::wanted ? start.checkpoint.position : 0;
     stitcher_.resume(start.stitcher);

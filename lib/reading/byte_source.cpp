@@ -45,7 +45,7 @@ Error unreadable(int error_number)
 Error not_spooled(int error_number)
 {
     return {ErrorKind::input, "cannot be copied to a temporary file: " + reason(error_number),
-            "make room there, or name another directory in the environment variable TMPDIR"};
+            "free some space there, or name another directory in the environment variable TMPDIR"};
 }
 
 // Copies all that `from` still has to give; the number of bytes.

@@ -239,7 +239,7 @@ Status Document::resume(const ResumeToken &token)
         return marked.ok() ? mark.error() : marked.error();
     }
     if (marked.value().document != mark.value()) {
-        return Error{ErrorKind::usage, "the resume token is of another document",
+        return Error{ErrorKind::usage, "the resume token belongs to another document",
                      "use one of this document, opened with the same options"};
     }
     return state_->read_from(marked.value().position);

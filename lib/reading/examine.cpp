@@ -104,7 +104,7 @@ bool Examiner::check_lines()
     bool plausible = true;
     for (const HeaderField &field : fields()) {
         if (field.form == FieldForm::line_text && bytes_.at(field.offset - 1U) > field.size) {
-            plausible = odd(std::string(field.name) + " is longer than its room");
+            plausible = odd(std::string(field.name) + " is longer than its field");
         }
     }
     return plausible;
@@ -143,10 +143,11 @@ bool Examiner::check_end()
         --end;
     }
     if (end <= body_offset() || bytes_.at(end - 1) != formats::document_end) {
-        return odd("its last byte is no end mark: it is cut short, or other bytes follow its end");
+        return odd(
+            "its last byte is not an end mark: it is truncated, or other bytes follow its end");
     }
     if (end < size) {
-        odd(std::to_string(size - end) + " bytes of fill follow its end mark" + at_offset(end - 1));
+        odd(std::to_string(size - end) + " fill bytes follow its end mark" + at_offset(end - 1));
     }
     return true;
 }
@@ -187,7 +188,7 @@ Examination Examiner::examine()
     }
     examination_.registry_signature = registry_signature();
     if (examination_.registry_signature == RegistrySignature::differs) {
-        odd("it lacks the signature by which PRONOM knows " + std::string(pronom_id(kind_)));
+        odd("it lacks the signature that PRONOM has for " + std::string(pronom_id(kind_)));
     }
     return std::move(examination_);
 }

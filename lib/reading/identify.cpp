@@ -125,7 +125,7 @@ Error unknown(const Start &start)
                                   "), not a document");
         }
     }
-    return not_a_document("is not a document of a kind known here");
+    return not_a_document("is not a supported document");
 }
 
 Result<Identity> identify_start(const Start &start)

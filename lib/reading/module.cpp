@@ -23,7 +23,7 @@ using EntryTable = std::array<VwRoutine, VW_ENTRY_SLOTS>;
 Error unfit(const std::string &what)
 {
     return {ErrorKind::internal, what,
-            "name a fit one with --module, or use the built-in one with --module linked"};
+            "name a compatible module with --module, or use the built-in one with --module linked"};
 }
 
 template <typename Function> void take(const EntryTable &table, VwEntrySlot slot, Function &entry)
@@ -151,7 +151,7 @@ Result<Module> Module::load(const std::string &path)
     std::shared_ptr<void> library(handle, &dlclose);
     void *symbol = dlsym(handle, entry_symbol);
     if (symbol == nullptr) {
-        return unfit(location + " is no such module: it has no " + entry_symbol);
+        return unfit(location + " is not such a module: it has no " + entry_symbol);
     }
     Result<Module> result = from(reinterpret_cast<GetEntries>(symbol));
     if (result.ok()) {

@@ -190,8 +190,8 @@ void ParagraphCollector::add_piece(PieceKind kind)
 
 void ParagraphCollector::stop_at_limit() const
 {
-    Error error{ErrorKind::limit, "has a paragraph that is too large to be held",
-                "pfsdoc trace reads it all the same"};
+    Error error{ErrorKind::limit, "has a paragraph that is too large to hold in memory",
+                "read it with pfsdoc trace"};
     if (offset_ != 0) {
         error.offset = offset_;
     }

@@ -29,7 +29,7 @@ Status read_in_two_sessions(const Module &module, ByteSource &source, DocumentKi
     Stitcher stitcher(sink, indents_reset(kind));
     const std::array<Session *, 2> sessions = {&session, other.value().get()};
     if (!read_with_stops(sessions, stitcher)) {
-        return Error{ErrorKind::internal, "the module refuses to go back to a saved place", ""};
+        return Error{ErrorKind::internal, "the module refuses to return to a saved position", ""};
     }
     return check_end(session.ended() ? session : *other.value(), source);
 }
@@ -102,10 +102,8 @@ Status check_end(const Session &session, const ByteSource &source)
     if (session.tell() <= source.size()) {
         return {};
     }
-    return Error{ErrorKind::damaged,
-                 "is cut short: its " + std::to_string(source.size()) +
-                     " bytes end before the document does",
-                 "what there is of it has been read", source.size()};
+    return Error{ErrorKind::damaged, "is truncated: the file ends before the document does",
+                 "the part that could be read was written", source.size()};
 }
 
 bool text_changes_margins(DocumentKind kind)

@@ -131,8 +131,8 @@ Result<std::unique_ptr<Session>> Session::create(const Module &module, VwBlockFi
     std::unique_ptr<Session> session(new Session(module, offsets));
     session->set_up(file);
     if (session->stream_ == nullptr) {
-        return Error{ErrorKind::internal, "there is no memory to open the document with",
-                     "end other programs and try again"};
+        return Error{ErrorKind::internal, "there is not enough memory to open the document",
+                     "close other programs and try again"};
     }
     return Result<std::unique_ptr<Session>>(std::move(session));
 }

@@ -123,11 +123,12 @@ TEST_F(Command, IdentifyReportsKindNumberConfidenceAndBasis)
 {
     EXPECT_EQ(output_of({"identify", "a.pfs"}),
               "a.pfs: PFS: WRITE B, file id 1013, certain, fmt/1414: \"TYPE 2\" at 641, variant "
-              "\"2\" at 649; it lacks the signature by which PRONOM knows fmt/1414\n");
+              "\"2\" at 649; it lacks the signature that PRONOM has for fmt/1414\n");
     write("note.txt", write_document(3, bytes("'cut'")));
     EXPECT_EQ(output_of({"identify", "note.txt"}),
               "note.txt: IBM Writing Assistant, file id 1016, likely: \"IBM   \" at 641; its last "
-              "byte is no end mark: it is cut short, or other bytes follow its end; its extension "
+              "byte is not an end mark: it is truncated, or other bytes follow its end; its "
+              "extension "
               ".txt is usual for plain text\n");
     for (const KindExample &example : kind_examples()) {
         write("any", document_of(example.kind, bytes(example.body)));
@@ -164,7 +165,7 @@ constexpr const char *a_pfs_as_json =
     R"({"file":"a.pfs","kind":"PFS: WRITE B","file_id":1013,"confidence":"certain",)"
     R"("basis":"\"TYPE 2\" at 641, variant \"2\" at 649","pronom":"fmt/1414",)"
     R"("pronom_signature":false,"extension_mismatch":null,)"
-    R"("notes":["it lacks the signature by which PRONOM knows fmt/1414"]})";
+    R"("notes":["it lacks the signature that PRONOM has for fmt/1414"]})";
 constexpr const char *none_as_json =
     R"({"file":"none","error":"cannot be read: No such file or directory",)"
     R"("remedy":"check the name","exit_code":3})";
@@ -333,7 +334,8 @@ TEST_F(Command, UnknownDocumentsAreFour)
     write("random", random_bytes(5000));
     for (const char *subcommand : {"text", "trace", "identify", "explain"}) {
         expect_failure(run({subcommand, "empty"}), 4, "pfsdoc: empty: is empty; ");
-        expect_failure(run({subcommand, "random"}), 4, "pfsdoc: random: is not a document");
+        expect_failure(run({subcommand, "random"}), 4,
+                       "pfsdoc: random: is not a supported document");
     }
 }
 
@@ -349,15 +351,15 @@ TEST_F(Command, TruncatedDocumentsExitWithFiveAndAreWrittenAsFarAsTheyGo)
             const std::string expected = output_of({subcommand, "whole"});
             EXPECT_EQ(output_of({subcommand, "padded"}), expected);
             const Outcome outcome = run({subcommand, "cut"});
-            expect_failure(outcome, 5, "pfsdoc: cut: is cut short: its ");
+            expect_failure(outcome, 5, "pfsdoc: cut: is truncated: the ");
             EXPECT_EQ(outcome.output, expected);
-            expect_failure(run({subcommand, "cut", "-o", "out"}), 5, "pfsdoc: cut: is cut short");
+            expect_failure(run({subcommand, "cut", "-o", "out"}), 5, "pfsdoc: cut: is truncated");
             EXPECT_EQ(content_of(directory / "out"), expected);
         }
         const Outcome explained = run({"explain", "cut"});
-        expect_failure(explained, 5, "pfsdoc: cut: is cut short: its ");
+        expect_failure(explained, 5, "pfsdoc: cut: is truncated: the ");
         EXPECT_TRUE(output_of({"explain", "whole"}).starts_with(explained.output));
-        expect_failure(run({"trace", "--stop", "cut"}), 5, "pfsdoc: cut: is cut short: its ");
+        expect_failure(run({"trace", "--stop", "cut"}), 5, "pfsdoc: cut: is truncated: the ");
     }
 }
 

@@ -69,7 +69,7 @@ TEST_F(Convert, TakesTheFormatFromTheOutputsName)
 
 TEST_F(Convert, RefusesFormatsThatThereAreNot)
 {
-    expect_failure(run({"convert", "a.pfs"}), 2, "pfsdoc: the output format is not told");
+    expect_failure(run({"convert", "a.pfs"}), 2, "pfsdoc: the output format is missing");
     expect_failure(run({"convert", "-t", "wordstar", "a.pfs"}), 2,
                    "pfsdoc: there is no output format \"wordstar\"");
     expect_failure(run({"convert", "a.pfs", "-o", "letter.doc"}), 2,
@@ -88,9 +88,9 @@ TEST_F(Convert, KeepsBinaryFormatsFromTerminals)
     ASSERT_EQ(::unlockpt(terminal), 0);
     const Streams on_terminal{.output = ::ptsname(terminal)};
     expect_failure(run({"convert", "-t", "odt", "a.pfs"}, on_terminal), 2,
-                   "pfsdoc: odt is nothing to show on a terminal");
+                   "pfsdoc: odt cannot be shown on a terminal");
     expect_failure(run({"convert", "-t", "odt", "a.pfs", "-o", "-"}, on_terminal), 2,
-                   "pfsdoc: odt is nothing to show on a terminal");
+                   "pfsdoc: odt cannot be shown on a terminal");
     EXPECT_EQ(run({"convert", "-t", "text", "a.pfs"}, on_terminal).exit_code, 0);
     ::close(terminal);
 }
@@ -98,9 +98,9 @@ TEST_F(Convert, KeepsBinaryFormatsFromTerminals)
 TEST_F(Convert, RefusesOptionsThatTheFormatDoesNotRead)
 {
     expect_failure(run({"convert", "-t", "trace", "--wrap", "60", "a.pfs"}), 2,
-                   "pfsdoc: --wrap means nothing for trace");
+                   "pfsdoc: --wrap does not apply to trace");
     expect_failure(run({"convert", "-t", "text", "--fold", "a.pfs"}), 2,
-                   "pfsdoc: --fold means nothing for text");
+                   "pfsdoc: --fold does not apply to text");
     expect_failure(run({"convert", "-t", "text", "--wrap", "60", "--raw-lines", "a.pfs"}), 2,
                    "pfsdoc: ");
     expect_failure(run({"convert", "-t", "text", "--wrap", "many", "a.pfs"}), 2, "pfsdoc: ");
@@ -110,7 +110,7 @@ TEST_F(Convert, RefusesOptionsThatTheFormatDoesNotRead)
 TEST_F(Convert, TakesNoOptionForAnotherWhoseNameHasItInIt)
 {
     expect_failure(run({"convert", "-t", "text", "--lines", "a.pfs"}), 2,
-                   "pfsdoc: --lines means nothing for text");
+                   "pfsdoc: --lines does not apply to text");
 }
 
 TEST_F(Convert, ListsEveryFormatInItsHelp)
@@ -168,8 +168,7 @@ TEST_F(Convert, ReportsWhatTheFormatCannotExpress)
 TEST_F(Convert, EndsAtTheLimitOfTheOutput)
 {
     const Outcome outcome = run({"text", "--max-output", "10", "a.pfs"});
-    expect_failure(outcome, 6,
-                   "pfsdoc: a.pfs: gives more output than the 10 bytes that are allowed");
+    expect_failure(outcome, 6, "pfsdoc: a.pfs: would give more output than the 10 bytes allowed");
     EXPECT_EQ(outcome.output, output_of({"text", "a.pfs"}).substr(0, 10));
     expect_failure(run({"text", "--max-output", "10", "a.pfs", "-o", "new"}), 6, "pfsdoc: a.pfs: ");
     EXPECT_FALSE(fs::exists(directory / "new"));
@@ -186,7 +185,7 @@ TEST_F(Convert, ReportsWhereATruncatedDocumentEnds)
 {
     write("cut.pfs", write_document("TYPE 2", '2', "\rOne\rTw"));
     const Outcome outcome = run({"text", "cut.pfs"});
-    expect_failure(outcome, 5, "pfsdoc: cut.pfs: is cut short: ");
+    expect_failure(outcome, 5, "pfsdoc: cut.pfs: is truncated: ");
     EXPECT_NE(outcome.errors.find("(at byte "), std::string::npos) << outcome.errors;
 }
 

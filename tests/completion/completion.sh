@@ -80,6 +80,8 @@ expect '850 852' text --charset = 85
 expect '0 72 80' text --wrap ''
 expect '0 72 80' text --wrap =
 expect 'auto always never' explain --color ''
+expect 'off available require' batch --sandbox ''
+expect '' batch --files-from ''
 
 # The program writes each of the formats that are offered.
 formats=$(offered convert -t '')

@@ -20,14 +20,14 @@ std::vector<Action> all_actions()
         {"connect", "crashed, the process that read it was ended by SIGABRT"},
         {"crash", "crashed, the process that read it was ended by SIGSEGV"},
         {"exit", "crashed, the process that read it was ended with code 3"},
-        {"flood", "limit, gives more output than the 1048576 bytes that are allowed"},
+        {"flood", "limit, would give more output than the 1048576 bytes allowed"},
         {"fork", "crashed, the process that read it was ended by SIGABRT"},
         {"hang", "timeout, takes longer than 0.5 seconds"},
         {"kill", "crashed, the process that read it was ended by SIGSYS"},
         {"open", "crashed, the process that read it was ended by SIGABRT"},
     };
     if (!pfsdoc::batch::memory_is_shadowed) {
-        actions.push_back({"memory", "memory, needs more memory than is allowed"});
+        actions.push_back({"memory", "memory, needs more memory than the limit"});
     }
     std::sort(actions.begin(), actions.end(),
               [](const Action &one, const Action &other) { return one.mark < other.mark; });

@@ -91,7 +91,7 @@ TEST_F(LargeDocument, IsLimitedInWhatItPutsAsideToo)
     const Outcome outcome =
         run({"batch", "in", "-o", "out", "-t", "odt", "-q", "--max-output", "1MB"});
     EXPECT_EQ(outcome.exit_code, 1);
-    EXPECT_EQ(statuses(), "in/large: limit, needs a temporary file that is larger than is allowed\n"
+    EXPECT_EQ(statuses(), "in/large: limit, needs a temporary file larger than the limit\n"
                           "in/letter: converted\n");
     EXPECT_EQ(names(), "in/letter.odt\nmanifest.ndjson\n");
 }

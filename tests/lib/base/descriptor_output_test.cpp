@@ -50,7 +50,7 @@ TEST(DescriptorOutput, WritesWhenItIsFlushed)
     output.flush();
     EXPECT_EQ(content_of(file), "one two");
     EXPECT_FALSE(output.failed());
-    EXPECT_FALSE(output.failure());
+    EXPECT_TRUE(output.failure().ok());
 }
 
 TEST(DescriptorOutput, WritesInOrderWhatItsBufferDoesNotHold)
@@ -117,7 +117,7 @@ TEST(DescriptorOutput, StopsAtItsLimit)
     const Status failure = output.failure("LETTER.txt");
     ASSERT_FALSE(failure.ok());
     EXPECT_EQ(failure.error().kind, ErrorKind::limit);
-    EXPECT_EQ(failure.error().what, "gives more output than the 10 bytes that are allowed");
+    EXPECT_EQ(failure.error().what, "would give more output than the 10 bytes allowed");
     EXPECT_EQ(failure.error().remedy, "allow more with --max-output");
 }
 
@@ -157,10 +157,11 @@ TEST(DescriptorOutput, KeepsTheFirstError)
     output.flush();
     EXPECT_EQ(output.error_number(), ENOSPC);
     EXPECT_EQ(output.size(), 7U);
-    EXPECT_EQ(output.failure()->kind, ErrorKind::output);
-    EXPECT_EQ(output.failure()->what, "the output cannot be written: No space left on device");
-    EXPECT_EQ(output.failure()->remedy, "make room, or write elsewhere with -o");
-    EXPECT_EQ(output.failure("LETTER.txt")->what,
+    EXPECT_EQ(output.failure().error().kind, ErrorKind::output);
+    EXPECT_EQ(output.failure().error().what,
+              "the output cannot be written: No space left on device");
+    EXPECT_EQ(output.failure().error().remedy, "make room, or write elsewhere with -o");
+    EXPECT_EQ(output.failure("LETTER.txt").error().what,
               "the output LETTER.txt cannot be written: No space left on device");
 }
 

@@ -255,7 +255,7 @@ TEST(ScratchError, NamesARemedy)
     EXPECT_EQ(full.remedy, "name a folder with room for it in the environment variable TMPDIR");
     const pfsdoc::Error too_large = pfsdoc::base::scratch_error(EFBIG);
     EXPECT_EQ(too_large.kind, ErrorKind::limit);
-    EXPECT_EQ(too_large.what, "needs a temporary file that is larger than is allowed");
+    EXPECT_EQ(too_large.what, "needs a temporary file larger than the limit");
     EXPECT_EQ(too_large.remedy,
               "allow larger files: with --max-output of pfsdoc batch, or ulimit -f");
 }

@@ -33,14 +33,14 @@ TEST(Golden, WriteB)
     EXPECT_EQ(
         text_of(DocumentKind::write_b,
                 "0D '  Hello' C1 01 C2 03 0D 0C 'more*N*x*' 0D '   ' 0D 0E 1A 1A"),
-        R"(    1024  0C                                               |♀|                 form feed: the text begins behind it
-    1025  0D                                               |♪|                 line end before the first line: passed over
+        R"(    1024  0C                                               |♀|                 form feed: the text begins after it
+    1025  0D                                               |♪|                 line end before the first line: skipped
     1026  20 20                                            |  |                leading spaces: indent
     1028  48 65 6C 6C 6F                                   |Hello|             text
     1033  C1 01                                            |A|                 text: underline, each character with its attribute byte
     1035  C2 03                                            |B|                 text: bold, underline, each character with its attribute byte
     1037  0D                                               |♪|                 line end, hard: the next word would have fitted: 9 + 10 is not beyond 64
-    1038  0C                                               |♀|                 form feed within the text: passed over
+    1038  0C                                               |♀|                 form feed within the text: skipped
     1039  6D 6F 72 65                                      |more|              text
     1043  2A 4E 2A                                         |*N*|               command: new page
     1046  78 2A                                            |x*|                text
@@ -48,7 +48,7 @@ TEST(Golden, WriteB)
     1049  20 20 20                                         |   |               leading spaces: indent
     1052  0D                                               |♪|                 line end, hard: no word follows in the next line
     1053  0E                                               |♫|                 end of the document
-    1054  1A 1A                                            |→→|                behind the end: fill of file transfers
+    1054  1A 1A                                            |→→|                after the end: fill of file transfers
 )");
 }
 
@@ -57,16 +57,16 @@ TEST(Golden, WritingAssistant)
 {
     EXPECT_EQ(
         text_of(DocumentKind::writing_assistant, "0D 'a' 12 80 C1 11 F0 20 'b' 0D 0E 00 00 'junk'"),
-        R"(    1024  0C                                               |♀|                 form feed: the text begins behind it
-    1025  0D                                               |♪|                 line end before the first line: passed over
+        R"(    1024  0C                                               |♀|                 form feed: the text begins after it
+    1025  0D                                               |♪|                 line end before the first line: skipped
     1026  61 12 80                                         |aδÇ|               text
     1029  C1 11                                            |A|                 text: underline, each character with its attribute byte
     1031  F0 20                                            |│|                 text, each character with its attribute byte
     1033  62                                               |b|                 text
     1034  0D                                               |♪|                 line end, hard: no word follows in the next line
     1035  0E                                               |♫|                 end of the document
-    1036  00 00                                            |  |                behind the end: zeros
-    1038  6A 75 6E 6B                                      |junk|              behind the end: left over
+    1036  00 00                                            |  |                after the end: zeros
+    1038  6A 75 6E 6B                                      |junk|              after the end: left over
 )");
 }
 
@@ -77,7 +77,7 @@ TEST(Golden, ProfessionalWrite)
         text_of(DocumentKind::professional_write_1,
                 "01 '   Hi' C1 43 07 05 01 0B 30 00 'more' 07 04 09 AA 02 'a' 02 'cut' 0C "
                 "01 0E"),
-        R"(    1024  0C                                               |♀|                 form feed: the text begins behind it
+        R"(    1024  0C                                               |♀|                 form feed: the text begins after it
     1025  01                                               |☺|                 line type: ends its paragraph, single spacing
     1026  20 20 20                                         |   |               leading spaces: indent
     1029  48 69                                            |Hi|                text
@@ -85,12 +85,12 @@ TEST(Golden, ProfessionalWrite)
     1033  07 05 01 0B 30                                   |•♣☺♂0|             record: margins, columns 11 and 48
     1038  00                                               | |                 line type: goes on in the next line; the line before ends hard: its type says so
     1039  6D 6F 72 65                                      |more|              text
-    1043  07 04 09 AA                                      |•♦○¬|              record of type 9: passed over
+    1043  07 04 09 AA                                      |•♦○¬|              record of type 9: skipped
     1047  02                                               |☻|                 line type: goes on, may hide text; the line before ends soft: its type says that it goes on, and becomes a space
     1048  61                                               |a|                 text
     1049  02                                               |☻|                 hides the rest of the line
     1050  63 75 74                                         |cut|               hidden text
-    1053  0C                                               |♀|                 form feed within the text: passed over
+    1053  0C                                               |♀|                 form feed within the text: skipped
     1054  01                                               |☺|                 line type: ends its paragraph, single spacing; the line before ends soft: its type says that it goes on, and becomes a space
     1055  0E                                               |♫|                 end of the document
 )");
@@ -100,7 +100,7 @@ TEST(Golden, ProfessionalWriteCutInARecord)
 {
     EXPECT_EQ(
         text_of(DocumentKind::professional_write_2, "07 05 01 0B"),
-        R"(    1024  0C                                               |♀|                 form feed: the text begins behind it
+        R"(    1024  0C                                               |♀|                 form feed: the text begins after it
     1025  07 05 01 0B                                      |•♣☺♂|              record, cut off by the end of the file
 )");
 }
@@ -136,7 +136,7 @@ TEST(Golden, FirstChoice3)
      516  48 69                                            |Hi|                text
      518  0D                                               |♪|                 line end, hard: the line's header says so
      519  0C                                               |♀|                 line header: ruler
-     520  61 62 63                                         |abc|               first bytes of a ruler: passed over
+     520  61 62 63                                         |abc|               first bytes of a ruler: skipped
      523  5B                                               |[|                 ruler: left margin at column 0
      524  20                                               | |                 ruler: no mark
      525  54                                               |T|                 ruler: tab stop at column 2
@@ -144,7 +144,7 @@ TEST(Golden, FirstChoice3)
      529  5D                                               |]|                 ruler: right margin at column 5
      530  0D                                               |♪|                 end of the ruler
      531  48 01                                            |H☺|                line header: page break
-     533  70 61 67 65                                      |page|              rest of the page break's line: passed over
+     533  70 61 67 65                                      |page|              rest of the page break's line: skipped
      537  0D                                               |♪|                 end of the page break's line
      538  50 41 00                                         |PA |               line header: text that goes on in the next line
      541  73 6F 66 74                                      |soft|              text
@@ -176,10 +176,10 @@ TEST(Golden, AWholeFirstChoice3File)
                   0),
         R"(       0  01 00                                            |☺ |                left margin: column 1
        2  3D 00                                            |= |                right margin: column 61
-       4  00 00 00 00 00                                   |     |             bytes before the signature: read and not used
+       4  00 00 00 00 00                                   |     |             bytes before the signature: read but not used
        9  47 45 52 42 49 4C 44 4F 43                       |GERBILDOC|         signature: "GERBILDOC"
       18  33                                               |3|                 generation: "3"
-      19  00 00                                            |  |                bytes behind the generation: read and not used
+      19  00 00                                            |  |                bytes after the generation: read but not used
       21  00 00 00 00 00 00 00                             |       |           not used
       28  03                                               |♥|                 header line 1: length 3
       29  54 6F 70                                         |Top|               text of header line 1
@@ -200,11 +200,11 @@ TEST(Golden, AWholeFirstChoice3File)
      355  00                                               | |
      356  43                                               |C|                 header alignment: centred
      357  52                                               |R|                 footer alignment: right
-     358  00                                               | |                 byte behind the alignments: read and not used
+     358  00                                               | |                 byte after the alignments: read but not used
      359  55 42                                            |UB|                footer style: underline, bold
-     361  00 00                                            |  |                bytes between the styles: read and not used
+     361  00 00                                            |  |                bytes between the styles: read but not used
      363  42 00                                            |B |                header style: bold
-     365  00                                               | |                 byte before the ruler: read and not used
+     365  00                                               | |                 byte before the ruler: read but not used
      366  11                                               |◄|                 ruler, columns 0 to 7: tab stops: 0, 4
      367  00                                               | |                 ruler, columns 8 to 15: no tab stop
      368  01                                               |☺|                 ruler, columns 16 to 23: tab stops: 16
@@ -252,7 +252,7 @@ TEST(Golden, AWholeProfessionalWrite2File)
           the same 3 times more
      627  00 00 00 00 00 00 00 00 00 00 00 00 00 00        |              |
      641  54 59 50 45 20 34                                |TYPE 4|            signature: "TYPE 4"
-     647  00 00                                            |  |                bytes behind the signature: read and not used
+     647  00 00                                            |  |                bytes after the signature: read but not used
      649  20 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00  |                |  not used
      665  00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00  |                |
           the same 8 times more
@@ -261,7 +261,7 @@ TEST(Golden, AWholeProfessionalWrite2File)
      824  00 01                                            | ☺|                footer alignment: centred
      826  00 00                                            |  |                not used
      828  03                                               |♥|                 header attributes: underline, bold
-     829  00                                               | |                 byte between attributes: read and not used
+     829  00                                               | |                 byte between attributes: read but not used
      830  04                                               |♦|                 footer attributes: italic
      831  00 00 00 00 00                                   |     |             not used
      836  01                                               |☺|                 flag: 1
@@ -275,7 +275,7 @@ TEST(Golden, AWholeProfessionalWrite2File)
      967  00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00  |                |  not used
           the same 2 times more
     1015  00 00 00 00 00 00 00 00 00                       |         |
-    1024  0C                                               |♀|                 form feed: the text begins behind it
+    1024  0C                                               |♀|                 form feed: the text begins after it
     1025  01                                               |☺|                 line type: ends its paragraph, single spacing
     1026  48 69                                            |Hi|                text
     1028  01                                               |☺|                 line type: ends its paragraph, single spacing; the line before ends hard: its type says so

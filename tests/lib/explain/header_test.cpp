@@ -21,7 +21,7 @@ std::string fields_of(const std::string &document)
     return words;
 }
 
-constexpr const char *form_feed = "form feed: the text begins behind it\n";
+constexpr const char *form_feed = "form feed: the text begins after it\n";
 
 TEST(ExplainedHeader, OfWriteA)
 {
@@ -121,9 +121,9 @@ TEST(ExplainedHeader, ShowsAGenerationThatIsNotALetterAsAByte)
 TEST(ExplainedHeader, LeavesOtherFieldsTheirBytes)
 {
     const std::string document = write_document(2, bytes("0E"), {{328, "\x4B"}});
-    EXPECT_EQ(summary(spans_of(document), 328).substr(0, 170),
+    EXPECT_EQ(summary(spans_of(document), 328).substr(0, 169),
               "328+1 field: header line 1: length 75\n"
-              "329+73 header_text: text of header line 1, and 2 bytes behind it\n"
+              "329+73 header_text: text of header line 1, and 2 bytes after it\n"
               "402+1 field: header line 2: length 0\n"
               "403+81 unused: room for header");
 }
@@ -134,11 +134,11 @@ TEST(ExplainedHeader, ExplainsTheBytesUpToTheText)
     document.pop_back();
     document += bytes("'junk' 0C 07 05 01 0B 47 07 06 02 'abc' 0D 'x' 0E");
     EXPECT_EQ(summary(spans_of(document), 1024),
-              "1024+4 unused: before the form feed: passed over\n"
-              "1028+1 field: form feed: the text begins behind it\n"
+              "1024+4 unused: before the form feed: skipped\n"
+              "1028+1 field: form feed: the text begins after it\n"
               "1029+5 record: record: margins, columns 11 and 71\n"
-              "1034+6 record: record of type 2: passed over\n"
-              "1040+1 unused: line end before the first line: passed over\n"
+              "1034+6 record: record of type 2: skipped\n"
+              "1040+1 unused: line end before the first line: skipped\n"
               "1041+1 text: text\n"
               "1042+1 end_mark: end of the document\n");
 }
@@ -148,7 +148,7 @@ TEST(ExplainedHeader, GivesRecordsWhatIsReadOfThem)
 {
     EXPECT_EQ(summary(spans_of(write_document(4, bytes("07 00 01 0B 47 07 01 02 01 0E"))), 1025),
               "1025+5 record: record: margins, columns 11 and 71\n"
-              "1030+3 record: record of type 2: passed over\n"
+              "1030+3 record: record of type 2: skipped\n"
               "1033+1 line_type: line type: ends its paragraph, single spacing\n"
               "1034+1 end_mark: end of the document\n");
 }
@@ -168,7 +168,7 @@ TEST(ExplainedHeader, MayHaveNoTextAfterIt)
 {
     const std::string document = write_document(2, "");
     EXPECT_EQ(summary(spans_of(document.substr(0, 1024) + "no form feed"), 1024),
-              "1024+12 unused: before the form feed: passed over\n");
+              "1024+12 unused: before the form feed: skipped\n");
     EXPECT_EQ(summary(spans_of(choice_document('3', "").substr(0, 400)), 397),
               "397+3 unused: not used\n");
 }
@@ -195,7 +195,7 @@ TEST(ExplainedRuler, EndsWhenTheTableIsFull)
     const std::string document = choice_document('3', bytes("0C 'abc' 'T'x101 00 'x' 0D 0E"));
     EXPECT_EQ(summary(spans_of(document), 512 + 4 + 99),
               "615+1 record: ruler: tab stop at column 99\n"
-              "616+1 record: a ruler ends at a hundred tab stops: passed over\n"
+              "616+1 record: a ruler ends at a hundred tab stops: skipped\n"
               "617+1 line_type: line header: text that goes on in the next line\n"
               "618+1 text: text\n"
               "619+1 line_end: line end, soft: the line's header says that it goes on; "

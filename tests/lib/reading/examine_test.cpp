@@ -44,7 +44,7 @@ std::string whole(DocumentKind kind)
 }
 
 constexpr const char *no_end_mark =
-    "its last byte is no end mark: it is cut short, or other bytes follow its end\n";
+    "its last byte is not an end mark: it is truncated, or other bytes follow its end\n";
 
 TEST(Confidence, OfWholeDocumentsIsCertain)
 {
@@ -61,7 +61,7 @@ TEST(Confidence, StaysCertainBeforeFill)
         const std::string place = std::to_string(document.size() - 1);
         const std::string padded = document + bytes("1A 1A 00");
         EXPECT_EQ(level_of(padded), "certain");
-        EXPECT_EQ(notes_of(padded), "3 bytes of fill follow its end mark at " + place + "\n");
+        EXPECT_EQ(notes_of(padded), "3 fill bytes follow its end mark at " + place + "\n");
     }
 }
 
@@ -118,8 +118,8 @@ TEST(Confidence, OfLinesLongerThanTheirRoomIsTheSignaturesAlone)
     EXPECT_EQ(level_of(write_document(2, bytes("0D 0E"), {{328, "\x49"}})), "certain");
     EXPECT_EQ(level_of(write_document(2, bytes("0D 0E"), {{328, "\x4A"}})), "signature");
     EXPECT_EQ(notes_of(write_document(2, bytes("0D 0E"), {{328, "\x4A"}, {402, "\xFF"}})),
-              "header line 1 is longer than its room\n"
-              "header line 2 is longer than its room\n");
+              "header line 1 is longer than its field\n"
+              "header line 2 is longer than its field\n");
     EXPECT_EQ(level_of(choice_document('2', bytes("0E"), {{274, "\x51"}})), "certain");
     EXPECT_EQ(level_of(choice_document('2', bytes("0E"), {{274, "\x52"}})), "signature");
 }
@@ -191,7 +191,7 @@ TEST(Registry, IsNotedWhereItWouldMissTheFile)
 {
     const std::vector<std::string> notes = examination_of(choice_document('2', bytes("0E"))).notes;
     EXPECT_EQ(notes,
-              std::vector<std::string>{"it lacks the signature by which PRONOM knows fmt/1282"});
+              std::vector<std::string>{"it lacks the signature that PRONOM has for fmt/1282"});
     EXPECT_TRUE(examination_of(choice_document('3', bytes("0E"))).notes.empty());
 }
 

@@ -38,7 +38,7 @@ bool opens(const std::string &bytes, int32_t id)
     return session->open(id);
 }
 
-constexpr const char *unknown_kind = "is not a document of a kind known here";
+constexpr const char *unknown_kind = "is not a supported document";
 
 TEST(Identify, KnowsTheWriteFamily)
 {
