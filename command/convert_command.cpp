@@ -75,8 +75,8 @@ Status convert(const Format &format, const Arguments &arguments, const WriterOpt
 Status check(const Format &format, const Options &options)
 {
     const Arguments &arguments = options.arguments();
-    if (Status misfit = options.check_format(format); !misfit.ok()) {
-        return misfit;
+    if (Status refusal = options.check_format(format); !refusal.ok()) {
+        return refusal;
     }
     if (format.is_binary && writes_to_standard_output(arguments) && ::isatty(STDOUT_FILENO) != 0) {
         return Error{ErrorKind::usage, std::string(format.name) + " cannot be shown on a terminal",

@@ -39,8 +39,8 @@ int main(int argc, char **argv)
     if (!document.ok()) {
         return fail(document.error());
     }
-    if (const pfsdoc::Status misfit = find_place(document.value(), argv[2]); !misfit.ok()) {
-        return fail(misfit.error());
+    if (const pfsdoc::Status failure = find_place(document.value(), argv[2]); !failure.ok()) {
+        return fail(failure.error());
     }
     for (int left = std::atoi(argv[3]); left > 0;) {
         const auto block = document.value().next();

@@ -113,8 +113,8 @@ Result<ConversionSettings> BatchCommandLine::conversion()
         return Error{ErrorKind::usage, "there is no output format \"" + arguments.format + "\"",
                      "see pfsdoc convert --help"};
     }
-    if (const Status misfit = options_.check_format(*format); !misfit.ok()) {
-        return misfit.error();
+    if (const Status refusal = options_.check_format(*format); !refusal.ok()) {
+        return refusal.error();
     }
     Result<CodePage> page = cli::code_page_of(arguments);
     if (!page.ok()) {

@@ -77,7 +77,7 @@ void PathList::read_part()
     at_end_ = count == 0 || failure_.has_value();
 }
 
-// Nothing for a line that is too long: what there is of it stays.
+// Nothing for a line that is too long: its beginning stays.
 std::optional<std::string_view> PathList::raw_line()
 {
     std::size_t end = beginning().find(separator_);

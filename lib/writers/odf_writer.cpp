@@ -4,6 +4,7 @@
 #include "lib/page/blank_bytes.h"
 #include "lib/page/page_geometry.h"
 #include "lib/page/paragraph_pieces.h"
+#include "lib/page/running_lines.h"
 #include "lib/writers/odf_styles.h"
 #include "lib/writers/odf_text.h"
 #include "pfsdoc/attribute_names.h"
@@ -60,7 +61,7 @@ public:
 private:
     void hold_line(const Paragraph &paragraph);
     void begin_body();
-    std::string running_lines(BlockKind kind, const std::vector<Paragraph> &lines);
+    std::string running_text(BlockKind kind, const std::vector<Paragraph> &lines);
     void write_empty_lines(std::size_t count);
     void write_empty_paragraph(bool page_break_before);
     void end_pages_pending();
@@ -90,9 +91,7 @@ private:
     std::string header_;
     std::string footer_;
 
-    std::optional<BlockKind> block_; // that lines belong to
-    std::vector<Paragraph> headers_;
-    std::vector<Paragraph> footers_;
+    page::RunningLines running_lines_{max_block_lines};
     std::optional<PageColumns> page_; // of the first paragraph
     bool in_body_ = false;            // the header and footer are written
     bool body_is_empty_ = true;
@@ -113,7 +112,7 @@ private:
 void OdfWriter::paragraph(const Paragraph &paragraph)
 {
     page_ = page_.value_or(page::page_columns(paragraph.margins));
-    if (block_) {
+    if (running_lines_.block()) {
         hold_line(paragraph);
         return;
     }
@@ -124,34 +123,32 @@ void OdfWriter::paragraph(const Paragraph &paragraph)
 
 void OdfWriter::hold_line(const Paragraph &paragraph)
 {
-    std::vector<Paragraph> &lines = *block_ == BlockKind::header ? headers_ : footers_;
     const bool is_empty = paragraph.bytes.find_first_not_of(page::gap_bytes) == std::string::npos;
     if (!options_.headers || is_empty) {
         return;
     }
-    if (in_body_ || lines.size() == max_block_lines) {
+    if (in_body_ || !running_lines_.keep(paragraph)) {
         losses_.add(Loss::header_footer, paragraph.source_begin);
         return;
     }
     add_common_losses(paragraph, options_);
-    lines.push_back(paragraph);
 }
 
 void OdfWriter::page_break(uint32_t)
 {
-    if (options_.page_breaks && !block_) {
+    if (options_.page_breaks && !running_lines_.block()) {
         ++breaks_pending_;
     }
 }
 
 void OdfWriter::block_begin(BlockKind kind)
 {
-    block_ = kind;
+    running_lines_.begin(kind);
 }
 
 void OdfWriter::block_end()
 {
-    block_.reset();
+    running_lines_.end();
 }
 
 void OdfWriter::end_of_document()
@@ -180,9 +177,10 @@ void OdfWriter::begin_body()
         return;
     }
     page_ = page_.value_or(PageColumns());
-    append_page_layout(page_styles_.text, *page_, !headers_.empty(), !footers_.empty());
-    header_ = running_lines(BlockKind::header, headers_);
-    footer_ = running_lines(BlockKind::footer, footers_);
+    append_page_layout(page_styles_.text, *page_, !running_lines_.headers().empty(),
+                       !running_lines_.footers().empty());
+    header_ = running_text(BlockKind::header, running_lines_.headers());
+    footer_ = running_text(BlockKind::footer, running_lines_.footers());
     running_styles_.append_text_styles(page_styles_.text);
     text_ = &body_text_;
     styles_ = &body_styles_;
@@ -190,7 +188,7 @@ void OdfWriter::begin_body()
 }
 
 // With the empty lines that part them from the body.
-std::string OdfWriter::running_lines(BlockKind kind, const std::vector<Paragraph> &lines)
+std::string OdfWriter::running_text(BlockKind kind, const std::vector<Paragraph> &lines)
 {
     if (lines.empty()) {
         return {};
