@@ -73,7 +73,7 @@ std::optional<std::string> pass_one_block(const char *path, const std::string &t
     pfsdoc::Result<pfsdoc::Document> document = pfsdoc::Document::open(path);
     if (!token.empty()) {
         const auto place = pfsdoc::ResumeToken::parse(token);
-        if (document.value().resume(place.value())) {
+        if (!document.value().resume(place.value()).ok()) {
             return std::nullopt;
         }
     }
