@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """A header's functions are defined in the file of its name.
 
 Whoever reads a declaration then knows where to look for its code. Sources are read in the form

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """includes.py: fails when a file includes what its folder may not, when a quoted include is not
 the path of a file from the project's root (or from include/), or when headers include each other
 in a circle.

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """one_definition.py: fails when two files define a type of the same qualified name.
 
 Two such types in one program are undefined behaviour that no compiler has to report: one file's

@@ -41,7 +41,7 @@ for document in "$samples"/*/*.doc; do
         || complain "$page: tidy says: $(cat "$work/tidy.log")"
     check_stylesheet "$page"
     print_page "$page" "$work/$name.pdf" || { complain "$page: cannot be printed"; continue; }
-    python3 "$here/html_pages.py" "$work/$name.pdf" "$page" "${document%.doc}.text" || failed=1
+    /usr/bin/python3 "$here/html_pages.py" "$work/$name.pdf" "$page" "${document%.doc}.text" || failed=1
     count=$((count + 1))
 done
 [ "$count" -gt 0 ] || complain "there are no samples in $samples"

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """html_pages.py PDF HTML TEXT: is the printed page the document's own page?
 
 HTML is a document in the html format, PDF the same as a browser printed it, and TEXT the

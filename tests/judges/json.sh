@@ -3,4 +3,4 @@
 # of the page, and has its offsets in order. Needs python3-jsonschema.
 set -euo pipefail
 directory=$(cd "$(dirname "$0")" && pwd)
-exec python3 -B "$directory/json_judge.py" "$1" "$2" "$directory/../../docs/pfsdoc.schema.json"
+exec /usr/bin/python3 -B "$directory/json_judge.py" "$1" "$2" "$directory/../../docs/pfsdoc.schema.json"

@@ -103,13 +103,13 @@ for text in "$work"/*.text; do
             || fail "$name.package.pdf: nothing is $style"
     done
     cmp "$name.package.txt" "$name.flat.txt"
-    python3 "$here/odf_pages.py" "$text" "$name.package.txt" "$name.package.pdf"
-    python3 "$here/odf_pages.py" "$text" "$name.flat.txt" "$name.flat.pdf"
+    /usr/bin/python3 "$here/odf_pages.py" "$text" "$name.package.txt" "$name.package.pdf"
+    /usr/bin/python3 "$here/odf_pages.py" "$text" "$name.flat.txt" "$name.flat.pdf"
 done
 
 # A double-spaced paragraph between single-spaced ones: each of its lines has its room below it.
 for form in package flat; do
-    python3 "$here/odf_spacing.py" "$work/1014-professional-write-1.letter.$form.pdf" \
+    /usr/bin/python3 "$here/odf_spacing.py" "$work/1014-professional-write-1.letter.$form.pdf" \
         Thyme 24 Sow 24 pair 24 They 12 bean
 done
 echo "$count documents in two formats"

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """odf_pages.py TEXT EXPORT PDF: whether LibreOffice shows what the text says.
 
 TEXT is a sample as `pfsdoc text` writes it, EXPORT the text that LibreOffice exports, without

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """odf_spacing.py PDF WORD POINTS WORD...: whether each word, where it first stands on the first
 page below the one before, stands so many points below it, give or take half a point."""
 import re

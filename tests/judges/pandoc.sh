@@ -3,4 +3,4 @@
 # unchanged, and writes the words of the page as plain text, and DOCX, EPUB and reStructuredText,
 # of which the first two are intact archives. Needs pandoc and unzip.
 set -euo pipefail
-exec python3 -B "$(dirname "$0")/pandoc_judge.py" "$1" "$2"
+exec /usr/bin/python3 -B "$(dirname "$0")/pandoc_judge.py" "$1" "$2"

@@ -3,4 +3,4 @@
 # of several documents, and of the readable part of a truncated document; and it reports a file
 # that is not a document, or whose bytes it cannot access.
 set -euo pipefail
-exec python3 -B "$(dirname "$0")/pandoc_reader.py" "$@"
+exec /usr/bin/python3 -B "$(dirname "$0")/pandoc_reader.py" "$@"

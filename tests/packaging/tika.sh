@@ -6,4 +6,4 @@
 # Needs xmllint.
 set -euo pipefail
 xmllint --noout --nonet "$1/custom-mimetypes.xml" "$1/tika-external-parsers.xml" "$2"
-exec python3 -B "$(dirname "$0")/tika_files.py" "$@"
+exec /usr/bin/python3 -B "$(dirname "$0")/tika_files.py" "$@"

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """unfold_trace.py TRACE: prints a trace that `pfsdoc trace --fold` wrote as without --fold, one
 event a line. A trace that is not folded is printed as it stands."""
 import re
