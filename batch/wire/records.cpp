@@ -56,7 +56,9 @@ bool send_message(int socket, std::span<const std::byte> bytes, std::span<const 
     return sent == static_cast<ssize_t>(bytes.size());
 }
 
-// Who wants no descriptors is given none: without room for them they are closed on arrival.
+// Who wants no descriptors is given none: without room for them they are closed on arrival. A
+// process that ends without reading all that it was sent resets the connection, and the system
+// reports that once, before what the process had sent.
 bool receive_message(int socket, std::span<std::byte> bytes, std::vector<int> *descriptors)
 {
     iovec part{bytes.data(), bytes.size()};
@@ -71,7 +73,7 @@ bool receive_message(int socket, std::span<std::byte> bytes, std::vector<int> *d
     ssize_t count = 0;
     do {
         count = ::recvmsg(socket, &message, MSG_CMSG_CLOEXEC);
-    } while (count < 0 && errno == EINTR);
+    } while (count < 0 && (errno == EINTR || errno == ECONNRESET));
     if (count >= 0 && descriptors != nullptr) {
         *descriptors = attached(message);
     }

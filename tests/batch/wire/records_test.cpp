@@ -55,6 +55,15 @@ TEST_F(Records, EndWithTheOtherSide)
     EXPECT_FALSE(send_record(other.get(), uint64_t{1}));
 }
 
+TEST_F(Records, AreReceivedFromAnEndThatWasClosedWithoutReading)
+{
+    EXPECT_TRUE(send_record(one.get(), uint64_t{1}));
+    EXPECT_TRUE(send_record(other.get(), uint64_t{2}));
+    one = Descriptor();
+    EXPECT_EQ(receive_record<uint64_t>(other.get()), 1U);
+    EXPECT_FALSE(receive_record<uint64_t>(other.get()));
+}
+
 TEST_F(Records, BringDescriptors)
 {
     for (std::size_t count = 0; count <= max_descriptors; ++count) {
