@@ -2,6 +2,7 @@
 #include "tests/builder/descriptions.h"
 
 #include <filesystem>
+#include <glob.h>
 
 using namespace builder_tests;
 using namespace pfs_builder;
@@ -10,12 +11,10 @@ namespace {
 
 std::vector<std::filesystem::path> descriptions()
 {
-    std::vector<std::filesystem::path> found;
-    for (const auto &entry : std::filesystem::recursive_directory_iterator(SAMPLES_DIRECTORY)) {
-        if (entry.path().extension() == ".description") {
-            found.push_back(entry.path());
-        }
-    }
+    glob_t matches{};
+    ::glob(SAMPLES_DIRECTORY "/*/*.description", 0, nullptr, &matches);
+    std::vector<std::filesystem::path> found(matches.gl_pathv, matches.gl_pathv + matches.gl_pathc);
+    ::globfree(&matches);
     return found;
 }
 
