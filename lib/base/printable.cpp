@@ -1,5 +1,9 @@
 #include "lib/base/printable.h"
 
+#include <algorithm>
+#include <array>
+#include <iterator>
+
 namespace pfsdoc::base {
 
 namespace {
@@ -37,13 +41,42 @@ bool second_byte_fits(unsigned lead, unsigned second)
     }
 }
 
-bool is_control(unsigned lead, unsigned second)
+// Of a well-formed sequence.
+char32_t character_of(std::string_view sequence)
 {
-    return lead < 0x20 || lead == 0x7F || (lead == 0xC2 && second < 0xA0);
+    constexpr std::array<unsigned, 5> lead_bits = {0, 0x7F, 0x1F, 0x0F, 0x07};
+    char32_t character = byte_at(sequence, 0) & lead_bits[sequence.size()];
+    for (std::size_t index = 1; index < sequence.size(); ++index) {
+        character = character << 6U | (byte_at(sequence, index) & 0x3FU);
+    }
+    return character;
 }
 
-// The length of the character at the start of the text that may be shown as it is, or 0.
-std::size_t shown_length(std::string_view text)
+struct CharacterRange {
+    char32_t first;
+    char32_t last;
+};
+
+// What drives a terminal, turns the text around it, ends a line, or is no character.
+constexpr CharacterRange unfit_ranges[] = {
+    {0x0000, 0x001F},                   // control characters
+    {0x007F, 0x009F}, {0x061C, 0x061C}, // marks, embeddings, overrides and isolates of direction
+    {0x200E, 0x200F}, {0x2028, 0x2029}, // line and paragraph separators
+    {0x202A, 0x202E}, {0x2066, 0x2069}, {0xFDD0, 0xFDEF}, // noncharacters
+    {0xFEFF, 0xFEFF},                                     // the byte order mark
+};
+
+bool is_unfit(char32_t character)
+{
+    const bool ends_plane = (character & 0xFFFEU) == 0xFFFEU; // FFFE and FFFF: noncharacters
+    return ends_plane || std::any_of(std::begin(unfit_ranges), std::end(unfit_ranges),
+                                     [character](const CharacterRange &range) {
+                                         return character >= range.first && character <= range.last;
+                                     });
+}
+
+// The length of the UTF-8 sequence at the start of the text, 0 where there is none.
+std::size_t sequence_length(std::string_view text)
 {
     const unsigned lead = byte_at(text, 0);
     const std::size_t length = claimed_length(lead);
@@ -52,11 +85,20 @@ std::size_t shown_length(std::string_view text)
             return 0;
         }
     }
-    const unsigned second = byte_at(text, 1);
-    return is_control(lead, second) || !second_byte_fits(lead, second) ? 0 : length;
+    return second_byte_fits(lead, byte_at(text, 1)) ? length : 0;
 }
 
 } // namespace
+
+std::size_t shown_length(std::string_view text)
+{
+    const unsigned lead = byte_at(text, 0);
+    if (lead >= 0x20 && lead < 0x7F) {
+        return text.empty() ? 0 : 1;
+    }
+    const std::size_t length = sequence_length(text);
+    return length == 0 || is_unfit(character_of(text.substr(0, length))) ? 0 : length;
+}
 
 std::string_view base_name(std::string_view path)
 {
@@ -70,6 +112,11 @@ std::string hex_byte(unsigned value)
     return {digits[(value >> 4U) & 0xFU], digits[value & 0xFU]};
 }
 
+void append_hex_escape(std::string &text, char byte)
+{
+    text.append("\\x").append(hex_byte(static_cast<unsigned char>(byte)));
+}
+
 std::string printable(std::string_view text)
 {
     std::string shown;
@@ -78,7 +125,7 @@ std::string printable(std::string_view text)
         if (length != 0) {
             shown.append(text.substr(0, length));
         } else {
-            shown.append("\\x").append(hex_byte(byte_at(text, 0)));
+            append_hex_escape(shown, text.front());
         }
         text.remove_prefix(length != 0 ? length : 1);
     }

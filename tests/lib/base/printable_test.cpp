@@ -53,6 +53,25 @@ TEST(Printable, WritesSurrogatesAndTooLargeValuesOut)
     EXPECT_EQ(printable("\xF4\x90\x80\x80"), "\\xF4\\x90\\x80\\x80");
 }
 
+// A name with one of them would show text that is not the name's, or end a document of XML.
+TEST(Printable, WritesOutWhatTurnsTextAroundOrIsNoCharacter)
+{
+    for (const std::string character :
+         {"\u061C", "\u200E", "\u200F", "\u2028", "\u2029", "\u202A", "\u202E", "\u2066", "\u2069",
+          "\uFEFF", "\uFDD0", "\uFDEF", "\uFFFE", "\uFFFF", "\U0001FFFE", "\U0010FFFF"}) {
+        std::string escaped;
+        for (const char byte : character) {
+            escaped += "\\x" + hex_byte(static_cast<unsigned char>(byte));
+        }
+        EXPECT_EQ(printable("a" + character + "b"), "a" + escaped + "b");
+    }
+    for (const std::string neighbour :
+         {"\u061B", "\u061D", "\u200D", "\u2010", "\u2027", "\u202F", "\u2065", "\u206A", "\uFDCF",
+          "\uFDF0", "\uFFFD", "\uFF00", "\U00010000", "\U0010FFFD"}) {
+        EXPECT_EQ(printable(neighbour), neighbour);
+    }
+}
+
 TEST(Printable, WritesTwoHexadecimalDigits)
 {
     EXPECT_EQ(hex_byte(0), "00");
