@@ -172,7 +172,7 @@ constexpr OptionEntry all_options[] = {
      "stop at every paragraph, resume from the saved state; same output", flag<&Arguments::stop>},
     {converting | explain_command, "--charset", "NAME",
      "the character set of the input, such as 850; default: 437", value<&Arguments::charset>},
-    {convert_command, "--report", nullptr,
+    {convert_command | text_command, "--report", nullptr,
      "list on standard error what the format cannot represent", flag<&Arguments::report>},
     {explain_command, "--color", "WHEN", "auto (on a terminal), always or never", color},
 

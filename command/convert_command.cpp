@@ -5,6 +5,7 @@
 #include "lib/base/printable.h"
 #include "lib/reading/read_document.h"
 
+#include <optional>
 #include <string>
 #include <unistd.h>
 
@@ -34,13 +35,19 @@ std::string title_of(const std::string &file)
     return file == "-" ? "" : base::printable(base::base_name(file));
 }
 
-void report_losses(const std::string &subject, const Writer &writer)
+void report_losses(const std::string &subject, const Writer &writer,
+                   const std::optional<AfterEnd> &after_end)
 {
     for (const LossEntry &entry : writer.losses().entries()) {
         std::string line = subject + ": not in the output: ";
         line.append(loss_words(entry.loss)).append(" (").append(std::to_string(entry.count));
         line.append(", first at byte ").append(std::to_string(entry.first_source)).append(")");
         report_line(line);
+    }
+    if (after_end) {
+        report_line(subject + ": not in the output: bytes behind the end mark (" +
+                    std::to_string(after_end->bytes) + ", first at byte " +
+                    std::to_string(after_end->offset) + ")");
     }
 }
 
@@ -58,7 +65,9 @@ Status write(Job &job, const Format &format, const Arguments &arguments,
     }
     Status failure = write_blocks(job, *writer.value());
     if (arguments.report && reading::is_read_to_end(failure)) {
-        report_losses(subject_of(arguments.file), *writer.value());
+        const Result<std::optional<AfterEnd>> after_end = job.document.after_end();
+        report_losses(subject_of(arguments.file), *writer.value(),
+                      after_end.ok() ? after_end.value() : std::nullopt);
     }
     return failure;
 }

@@ -31,6 +31,10 @@ public:
     {
         writer_.block_end();
     }
+    void after_end(const AfterEnd &rest) override
+    {
+        writer_.after_end(rest);
+    }
     void end_of_document() override
     {
         writer_.end_of_document();

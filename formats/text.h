@@ -28,8 +28,17 @@ inline constexpr uint8_t italic = 0x04;
 inline constexpr uint8_t superscript = 0x08;
 inline constexpr uint8_t subscript = 0x10;
 
-// What a file transfer has filled the last block with, behind the end of the document.
+// What a file transfer has filled the last block with, behind the end of the document, and what
+// formatting a diskette leaves in its sectors: CP/M's byte and that of the PC.
 inline constexpr uint8_t transfer_fill = 0x1A;
+inline constexpr uint8_t cpm_format_fill = 0xE5;
+inline constexpr uint8_t pc_format_fill = 0xF6;
+
+// Whether a byte behind the end of a document only fills a sector or a block.
+constexpr bool is_fill(uint8_t byte)
+{
+    return byte == 0 || byte == transfer_fill || byte == cpm_format_fill || byte == pc_format_fill;
+}
 
 // The texts of a header have this order: header lines 1 and 2, footer lines 1 and 2.
 inline constexpr int header_footer_lines = 4;

@@ -56,11 +56,11 @@ public:
     void paragraph(const Paragraph &paragraph) override
     {
         stop_if_failed(output_);
-        ++(in_header_ ? counts.header_lines : counts.paragraphs);
-        for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
-            const PieceKind kind = paragraph.pieces[i].kind;
-            counts.characters += kind == PieceKind::text ? paragraph.piece_bytes(i).size() : 0;
-            counts.page_breaks += kind == PieceKind::page_break ? 1 : 0;
+        ++*kind_;
+        for (const Piece &piece : paragraph.pieces) {
+            const bool is_text = piece.kind == PieceKind::text;
+            counts.characters += is_text ? paragraph.piece_bytes(piece).size() : 0;
+            counts.page_breaks += piece.kind == PieceKind::page_break ? 1 : 0;
         }
         writer_.paragraph(paragraph);
     }
@@ -72,13 +72,17 @@ public:
     }
     void block_begin(BlockKind kind) override
     {
-        in_header_ = true;
+        kind_ = kind == BlockKind::header ? &counts.header_lines : &counts.footer_lines;
         writer_.block_begin(kind);
     }
     void block_end() override
     {
-        in_header_ = false;
+        kind_ = &counts.paragraphs;
         writer_.block_end();
+    }
+    void after_end(const AfterEnd &rest) override
+    {
+        writer_.after_end(rest);
     }
     void end_of_document() override
     {
@@ -90,7 +94,7 @@ public:
 private:
     Writer &writer_;
     const base::DescriptorOutput &output_;
-    bool in_header_ = false;
+    uint64_t *kind_ = &counts.paragraphs; // of the paragraphs that come
 };
 
 class GuardedEvents final : public EventSink {
@@ -142,6 +146,16 @@ Status write_events(Document &document, base::DescriptorOutput &output,
     return fault;
 }
 
+// Of a document that has been read to its end.
+void note_after_end(Document &document, Outcome &outcome)
+{
+    const Result<std::optional<AfterEnd>> rest = document.after_end();
+    if (rest.ok() && rest.value()) {
+        outcome.after_end_offset = rest.value()->offset;
+        outcome.after_end_bytes = rest.value()->bytes;
+    }
+}
+
 Status write_document(Document &document, std::string_view title, base::DescriptorOutput &output,
                       const ConversionSettings &settings, Outcome &outcome)
 {
@@ -151,6 +165,9 @@ Status write_document(Document &document, std::string_view title, base::Descript
     const Status fault = settings.format->make_event_writer != nullptr
                              ? write_events(document, output, settings)
                              : write_blocks(document, info, output, settings, outcome);
+    if (fault.ok()) {
+        note_after_end(document, outcome);
+    }
     output.flush();
     // Where the output has failed, that is why the reading ended.
     const Status unwritten = output.failure();
@@ -179,6 +196,8 @@ void finish(const Status &fault, const base::DescriptorOutput &output, Sha256 &s
     } else {
         outcome.has_counts = 0;
         outcome.losses = {};
+        outcome.after_end_offset = no_offset;
+        outcome.after_end_bytes = 0;
     }
 }
 

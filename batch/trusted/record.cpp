@@ -70,6 +70,7 @@ void append_counts(std::string &line, const Outcome &outcome)
     base::append_json_member(line, "characters", outcome.counts.characters);
     base::append_json_member(line, "page_breaks", outcome.counts.page_breaks);
     base::append_json_member(line, "header_lines", outcome.counts.header_lines);
+    base::append_json_member(line, "footer_lines", outcome.counts.footer_lines);
     line += '}';
 }
 
@@ -81,6 +82,18 @@ void append_losses(std::string &line, const Outcome &outcome)
             base::append_json_member(line, loss_name(static_cast<Loss>(i)), outcome.losses[i]);
         }
     }
+    line += '}';
+}
+
+void append_after_end(std::string &line, const Outcome &outcome)
+{
+    if (outcome.after_end_offset == no_offset) {
+        append_null(line, "after_end");
+        return;
+    }
+    open_object(line, "after_end");
+    base::append_json_member(line, "offset", outcome.after_end_offset);
+    base::append_json_member(line, "bytes", outcome.after_end_bytes);
     line += '}';
 }
 
@@ -152,6 +165,7 @@ std::string record_line(const RecordedFile &file, const RecordedRequest &request
     append_error(line, outcome);
     append_counts(line, outcome);
     append_losses(line, outcome);
+    append_after_end(line, outcome);
     append_output(line, file, outcome);
     base::append_json_member(line, "format", request.format);
     base::append_json_member(line, "options", request.options);

@@ -63,7 +63,8 @@ struct BlockCounts {
     uint64_t paragraphs = 0;
     uint64_t characters = 0; // of text, in paragraphs and header and footer lines
     uint64_t page_breaks = 0;
-    uint64_t header_lines = 0; // and footer lines
+    uint64_t header_lines = 0;
+    uint64_t footer_lines = 0;
 };
 
 inline constexpr std::size_t loss_count = static_cast<std::size_t>(Loss::character) + 1;
@@ -82,6 +83,8 @@ struct Outcome {
     uint64_t output_size = 0;
     BlockCounts counts;
     std::array<uint64_t, loss_count> losses{};
+    uint64_t after_end_offset = no_offset; // of what stands behind the end mark, if anything does
+    uint64_t after_end_bytes = 0;
     BoundedText<256> basis;
     BoundedText<512> what;
     BoundedText<512> remedy;

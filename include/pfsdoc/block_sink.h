@@ -2,6 +2,7 @@
 // and page breaks. Tests: tests/lib/reading/paragraph_collector_test.cpp.
 #pragma once
 
+#include "pfsdoc/after_end.h"
 #include "pfsdoc/export.h"
 #include "pfsdoc/paragraph.h"
 
@@ -23,6 +24,9 @@ public:
     // Begin and end of a header or a footer; the calls of paragraph in between are its lines.
     virtual void block_begin(BlockKind kind) = 0;
     virtual void block_end() = 0;
+    // What the file holds behind the end mark, if it is more than padding. Called at most once,
+    // just before end_of_document.
+    virtual void after_end(const AfterEnd &) {}
     // Called once; no call follows.
     virtual void end_of_document() = 0;
 };

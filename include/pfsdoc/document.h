@@ -11,6 +11,7 @@
 // tests/lib/reading/document_test.cpp.
 #pragma once
 
+#include "pfsdoc/after_end.h"
 #include "pfsdoc/block_sink.h"
 #include "pfsdoc/byte_source.h"
 #include "pfsdoc/error.h"
@@ -104,6 +105,11 @@ public:
     // The same with the module's own events. With in_steps reading stops at every paragraph and
     // continues from a saved state in another instance: slower, with the same events.
     Status read_events(EventSink &sink, bool in_steps = false);
+
+    // What the file holds behind the document's end mark, if it is more than padding; nothing too
+    // where the document is truncated. Reads the document if neither read(), read_events() nor
+    // next() has come to its end. Errors: those of read().
+    Result<std::optional<AfterEnd>> after_end();
 
     // The next block, or nothing at the end of the document. A truncated document ends with
     // ErrorKind::damaged instead. After an error every call returns it again.

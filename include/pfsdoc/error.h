@@ -76,6 +76,13 @@ class [[nodiscard]] Status {
 public:
     Status() = default; // success
     Status(Error error) : error_(std::move(error)) {}
+    // What became of it, without its value.
+    template <typename T> Status(const Result<T> &result)
+    {
+        if (!result.ok()) {
+            error_ = result.error();
+        }
+    }
 
     bool ok() const
     {

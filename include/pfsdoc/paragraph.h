@@ -7,6 +7,7 @@
 // Tests: tests/lib/reading/paragraph_collector_test.cpp.
 #pragma once
 
+#include "pfsdoc/attribute_names.h"
 #include "pfsdoc/events.h"
 
 #include <cstddef>
@@ -29,6 +30,11 @@ constexpr AttributeSet attribute_bit(int32_t code)
     return known ? static_cast<AttributeSet>(1U << static_cast<unsigned>(code)) : AttributeSet{0};
 }
 
+constexpr AttributeSet attribute_bit(AttributeCode code)
+{
+    return attribute_bit(static_cast<int32_t>(code));
+}
+
 // Far more than any real paragraph has. A larger one ends reading with ErrorKind::limit.
 inline constexpr std::size_t max_paragraph_bytes = std::size_t{64} << 20;
 inline constexpr std::size_t max_paragraph_pieces = std::size_t{4} << 20;
@@ -47,6 +53,10 @@ struct Piece {
     bool cut; // a command that was too long and has been truncated
 
     bool operator==(const Piece &) const = default;
+    bool has(AttributeCode code) const
+    {
+        return (attributes & attribute_bit(code)) != 0;
+    }
 };
 
 struct Paragraph {
@@ -76,6 +86,11 @@ struct Paragraph {
         const std::size_t begin = pieces[index].begin;
         const std::size_t end = index + 1 < pieces.size() ? pieces[index + 1].begin : bytes.size();
         return std::string_view(bytes).substr(begin, end - begin);
+    }
+    // Of one of this paragraph's own pieces, not of a copy.
+    std::string_view piece_bytes(const Piece &piece) const
+    {
+        return piece_bytes(static_cast<std::size_t>(&piece - pieces.data()));
     }
 };
 

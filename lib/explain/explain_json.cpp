@@ -22,7 +22,7 @@ void append_attributes(std::string &json, AttributeSet attributes)
 {
     std::string_view before = ",\"attributes\":[";
     for (const AttributeName &entry : attribute_names) {
-        if ((attributes & attribute_bit(static_cast<int32_t>(entry.code))) != 0) {
+        if ((attributes & attribute_bit(entry.code)) != 0) {
             json.append(before);
             base::append_json_string(json, entry.name);
             before = ",";

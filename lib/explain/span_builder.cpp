@@ -21,7 +21,7 @@ std::string text_words(uint32_t attribute_bytes, AttributeSet attributes)
 {
     std::string words = "text";
     for (const AttributeName &entry : attribute_names) {
-        if ((attributes & attribute_bit(static_cast<int32_t>(entry.code))) != 0) {
+        if ((attributes & attribute_bit(entry.code)) != 0) {
             words.append(words == "text" ? ": " : ", ").append(entry.name);
         }
     }

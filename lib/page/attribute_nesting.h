@@ -65,7 +65,7 @@ public:
 private:
     static constexpr AttributeSet bit_of(AttributeCode code)
     {
-        return attribute_bit(static_cast<int32_t>(code));
+        return attribute_bit(code);
     }
 
     std::span<const AttributeCode> order_;

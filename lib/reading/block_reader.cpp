@@ -101,8 +101,11 @@ void BlockReader::read_on()
     }
     const Status failure = source_.failure();
     if (!failure.ok() || session_->ended()) {
+        const Result<uint32_t> end =
+            failure.ok() ? check_end(*session_, source_) : Result<uint32_t>(failure.error());
         ended_ = true;
-        fault_ = failure.ok() ? check_end(*session_, source_) : failure;
+        fault_ = end;
+        end_ = end.ok() ? std::optional(end.value()) : std::nullopt;
     }
     if (!failure.ok()) {
         pending_.clear(); // a failed read can be behind anything that they report

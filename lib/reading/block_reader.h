@@ -45,6 +45,11 @@ public:
 
     Result<std::optional<Block>> next();
     Result<BlockPosition> position();
+    // The offset behind the document's end mark, once it has been read.
+    std::optional<uint32_t> end() const
+    {
+        return end_;
+    }
 
 private:
     struct Pending {
@@ -87,6 +92,7 @@ private:
     bool in_page_breaks_ = false;         // the last block of this call is one
     std::optional<BlockKind> block_kind_; // header or footer lines are coming
     bool ended_ = false;
+    std::optional<uint32_t> end_;
     Status fault_;
 };
 

@@ -1,5 +1,6 @@
 #include "pfsdoc/document.h"
 
+#include "lib/reading/after_end.h"
 #include "lib/reading/block_reader.h"
 #include "lib/reading/paragraph_collector.h"
 #include "lib/reading/read_document.h"
@@ -72,6 +73,16 @@ public:
     PageSetup setup;
 };
 
+// For a document that is read for its end alone.
+class UnusedEvents final : public EventSink {
+public:
+    int32_t on_event(const Event &, uint32_t) override
+    {
+        return 0;
+    }
+    void on_characters(std::string_view) override {}
+};
+
 constexpr uint32_t from_end = 2;
 
 } // namespace
@@ -82,6 +93,8 @@ struct Document::State {
     Identity identity;
     reading::Offsets offsets;
     std::unique_ptr<reading::BlockReader> reader; // null until blocks are asked for
+    std::optional<uint32_t> end{}; // behind the end mark, or of a truncated file; unknown at first
+    std::optional<AfterEnd> after_end{}; // if the end is known
 
     Status need_reader()
     {
@@ -99,6 +112,21 @@ struct Document::State {
         }
         reader = std::move(made.value());
         return {};
+    }
+    // Takes what a reading has answered, and looks at what follows the end.
+    Status finish_reading(const Result<uint32_t> &found)
+    {
+        if (end || !reading::is_read_to_end(found)) {
+            return found;
+        }
+        const uint32_t offset = found.ok() ? found.value() : source->size();
+        const Result<std::optional<AfterEnd>> rest = reading::find_after_end(*source, offset);
+        if (!rest.ok()) {
+            return rest;
+        }
+        end = offset;
+        after_end = rest.value();
+        return found;
     }
     Result<reading::DocumentMark> mark()
     {
@@ -189,9 +217,13 @@ Status Document::read(BlockSink &sink)
         collector.find_lines(*state_->source, kind());
     }
     try {
-        Status fault = reading::read_document(state_->module, *state_->source, kind(), collector,
-                                              {state_->offsets, reading::Stops::for_margins});
+        Status fault = state_->finish_reading(
+            reading::read_document(state_->module, *state_->source, kind(), collector,
+                                   {state_->offsets, reading::Stops::for_margins}));
         if (reading::is_read_to_end(fault)) {
+            if (state_->after_end) {
+                sink.after_end(*state_->after_end);
+            }
             collector.finish();
         }
         return fault;
@@ -203,12 +235,28 @@ Status Document::read(BlockSink &sink)
 Status Document::read_events(EventSink &sink, bool in_steps)
 {
     try {
-        return reading::read_document(
+        return state_->finish_reading(reading::read_document(
             state_->module, *state_->source, kind(), sink,
-            {state_->offsets, in_steps ? reading::Stops::at_breaks : reading::Stops::none});
+            {state_->offsets, in_steps ? reading::Stops::at_breaks : reading::Stops::none}));
     } catch (const ReadingStopped &stopped) {
         return stopped.error();
     }
+}
+
+Result<std::optional<AfterEnd>> Document::after_end()
+{
+    if (!state_->end && state_->reader != nullptr && state_->reader->end()) {
+        if (const Status fault = state_->finish_reading(*state_->reader->end()); !fault.ok()) {
+            return fault.error();
+        }
+    }
+    if (!state_->end) {
+        UnusedEvents sink;
+        if (const Status fault = read_events(sink); !reading::is_read_to_end(fault)) {
+            return fault.error();
+        }
+    }
+    return state_->after_end;
 }
 
 Result<std::optional<Block>> Document::next()

@@ -21,9 +21,9 @@ constexpr int32_t last_column = 255;
 // Fill behind the end: of sectors, clusters and file transfers. More than the largest cluster
 // is none.
 constexpr uint32_t most_fill = 65536;
-constexpr bool is_fill(int32_t byte)
+bool is_fill(int32_t byte)
 {
-    return byte == 0 || byte == formats::transfer_fill;
+    return byte != reading::ByteWindow::no_byte && formats::is_fill(static_cast<uint8_t>(byte));
 }
 
 std::string at_offset(uint32_t offset)

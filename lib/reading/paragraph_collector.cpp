@@ -54,7 +54,7 @@ void ParagraphCollector::find_lines(ByteSource &source, DocumentKind kind)
 
 int32_t ParagraphCollector::on_event(const Event &event, uint32_t offset)
 {
-    if (!finished_) {
+    if (!text_ended_) {
         note_offset(offset);
         std::visit([this](const auto &typed) { on(typed); }, event);
     }
@@ -63,7 +63,7 @@ int32_t ParagraphCollector::on_event(const Event &event, uint32_t offset)
 
 void ParagraphCollector::on_characters(std::string_view bytes)
 {
-    if (!finished_) {
+    if (!text_ended_) {
         note_offset(0);
         in_command_ = false;
         add_text(bytes);
@@ -90,13 +90,20 @@ void ParagraphCollector::resume(const CollectorContext &context, uint32_t offset
 
 void ParagraphCollector::finish()
 {
-    if (finished_) {
-        return;
+    end_text();
+    if (!finished_) {
+        finished_ = true;
+        sink_.end_of_document();
     }
-    end_paragraph_in_progress();
-    end_block();
-    finished_ = true;
-    sink_.end_of_document();
+}
+
+void ParagraphCollector::end_text()
+{
+    if (!text_ended_) {
+        end_paragraph_in_progress();
+        end_block();
+        text_ended_ = true;
+    }
 }
 
 // ------------------------------------------------------------------------ text --------
@@ -254,7 +261,7 @@ void ParagraphCollector::on(const Break &event)
     in_command_ = false;
     switch (event.code) {
     case VW_BREAK_PARAGRAPH: end_paragraph(); break;
-    case VW_BREAK_END_OF_DOCUMENT: finish(); break;
+    case VW_BREAK_END_OF_DOCUMENT: end_text(); break;
     case VW_BREAK_BLOCK_OPEN:
     case VW_BREAK_BLOCK_CLOSE:
         end_paragraph_in_progress();

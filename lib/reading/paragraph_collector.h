@@ -82,7 +82,7 @@ public:
     // that is open there is not begun again.
     void resume(const CollectorContext &context, uint32_t offset);
 
-    // Ends the document where its end was not reported. Otherwise without effect.
+    // Ends the document. Its last paragraph is handed on when its end is reported, or here.
     void finish();
 
 private:
@@ -112,6 +112,7 @@ private:
     void end_paragraph();
     void end_paragraph_in_progress();
     void end_block();
+    void end_text();
     void set_source_range();
     void clear_paragraph();
 
@@ -133,6 +134,7 @@ private:
     bool in_command_ = false;
     std::size_t command_bytes_ = 0;
     std::optional<BlockKind> block_; // that is open
+    bool text_ended_ = false;        // nothing that comes later counts
     bool finished_ = false;
 
     // The offset of this event and the last one that differed from it: events of one

@@ -18,8 +18,8 @@ bool is_professional_write(DocumentKind kind)
 
 using SessionResult = Result<std::unique_ptr<Session>>;
 
-Status read_in_two_sessions(const Module &module, ByteSource &source, DocumentKind kind,
-                            Session &session, EventSink &sink, Offsets offsets)
+Result<uint32_t> read_in_two_sessions(const Module &module, ByteSource &source, DocumentKind kind,
+                                      Session &session, EventSink &sink, Offsets offsets)
 {
     BlockFile file(source);
     SessionResult other = open_session(module, file, kind, offsets);
@@ -34,8 +34,8 @@ Status read_in_two_sessions(const Module &module, ByteSource &source, DocumentKi
     return check_end(session.ended() ? session : *other.value(), source);
 }
 
-Status read_following_margins(const Module &module, ByteSource &source, DocumentKind kind,
-                              EventSink &sink, Offsets offsets)
+Result<uint32_t> read_following_margins(const Module &module, ByteSource &source, DocumentKind kind,
+                                        EventSink &sink, Offsets offsets)
 {
     MarginRecordSource record_source(source);
     BlockFile file(record_source);
@@ -56,7 +56,7 @@ Status read_following_margins(const Module &module, ByteSource &source, Document
     return check_end(session, source);
 }
 
-Status read_at_once(const ByteSource &source, Session &session, EventSink &sink)
+Result<uint32_t> read_at_once(const ByteSource &source, Session &session, EventSink &sink)
 {
     session.read(sink);
     if (!session.ended()) {
@@ -65,8 +65,8 @@ Status read_at_once(const ByteSource &source, Session &session, EventSink &sink)
     return check_end(session, source);
 }
 
-Status read_all(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
-                const ReadOptions &options)
+Result<uint32_t> read_all(const Module &module, ByteSource &source, DocumentKind kind,
+                          EventSink &sink, const ReadOptions &options)
 {
     if (options.stops == Stops::for_margins && text_changes_margins(kind)) {
         return read_following_margins(module, source, kind, sink, options.offsets);
@@ -97,10 +97,10 @@ Result<std::unique_ptr<Session>> open_session(const Module &module, BlockFile &f
 }
 
 // What distinguishes them is that the module has asked for a byte behind the last one.
-Status check_end(const Session &session, const ByteSource &source)
+Result<uint32_t> check_end(const Session &session, const ByteSource &source)
 {
     if (session.tell() <= source.size()) {
-        return {};
+        return session.tell();
     }
     return Error{ErrorKind::damaged, "is truncated: the file ends before the document does",
                  "the part that could be read was written", source.size()};
@@ -116,13 +116,13 @@ IndentsReset indents_reset(DocumentKind kind)
     return is_professional_write(kind) ? IndentsReset::never : IndentsReset::after_break;
 }
 
-Status read_document(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
-                     const ReadOptions &options)
+Result<uint32_t> read_document(const Module &module, ByteSource &source, DocumentKind kind,
+                               EventSink &sink, const ReadOptions &options)
 {
-    const Status status = read_all(module, source, kind, sink, options);
+    Result<uint32_t> end = read_all(module, source, kind, sink, options);
     // A failed read is an end of data to the module, and can be behind anything it reports.
     const Status failure = source.failure();
-    return failure.ok() ? status : failure;
+    return failure.ok() ? end : failure.error();
 }
 
 } // namespace pfsdoc::reading

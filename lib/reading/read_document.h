@@ -30,11 +30,12 @@ struct ReadOptions {
     Stops stops = Stops::none;
 };
 
-// Delivers a document's events, from its section's start to its end. An error may come after
-// events have been delivered: a file can fail in its middle. After ErrorKind::damaged all of
-// them have been, the end included: the file ends before the document does.
-Status read_document(const Module &module, ByteSource &source, DocumentKind kind, EventSink &sink,
-                     const ReadOptions &options = {});
+// Delivers a document's events, from its section's start to its end, and returns the offset behind
+// its end mark. An error may come after events have been delivered: a file can fail in its middle.
+// After ErrorKind::damaged all of them have been, the end included: the file ends before the
+// document does.
+Result<uint32_t> read_document(const Module &module, ByteSource &source, DocumentKind kind,
+                               EventSink &sink, const ReadOptions &options = {});
 
 // Whether what such a call answers means that all there is of the document has been delivered.
 inline bool is_read_to_end(const Status &fault)
@@ -46,9 +47,9 @@ inline bool is_read_to_end(const Status &fault)
 Result<std::unique_ptr<Session>> open_session(const Module &module, BlockFile &file,
                                               DocumentKind kind, Offsets offsets);
 
-// Whether a document that was read to its reported end has ended by itself: the end of the
-// data is reported as the document's end too.
-Status check_end(const Session &session, const ByteSource &source);
+// The offset behind the end mark of a document that was read to its reported end, if it has ended
+// by itself: the end of the data is reported as the document's end too.
+Result<uint32_t> check_end(const Session &session, const ByteSource &source);
 
 // Whether the text can change its margins, which the module reports at the start of a read.
 bool text_changes_margins(DocumentKind kind);

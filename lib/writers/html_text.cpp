@@ -19,7 +19,7 @@ struct Element {
 };
 constexpr AttributeSet bit_of(AttributeCode code)
 {
-    return attribute_bit(static_cast<int32_t>(code));
+    return attribute_bit(code);
 }
 constexpr std::array<Element, 6> elements = {{
     {0, "<span class=\"word\">", "</span>"},

@@ -221,6 +221,23 @@ void JsonWriter::append_losses()
     json_.push_back(']');
 }
 
+void JsonWriter::append_after_end()
+{
+    base::append_json_name(json_, "after_end");
+    if (!after_end_) {
+        json_.append("null");
+        return;
+    }
+    json_.append("{\"offset\":").append(std::to_string(after_end_->offset));
+    base::append_json_member(json_, "bytes", after_end_->bytes);
+    json_.push_back('}');
+}
+
+void JsonWriter::after_end(const AfterEnd &rest)
+{
+    after_end_ = rest;
+}
+
 void JsonWriter::end_of_document()
 {
     if (options_.lines) {
@@ -230,6 +247,7 @@ void JsonWriter::end_of_document()
         json_.append("\n]");
     }
     append_losses();
+    append_after_end();
     json_.append("}\n");
     output_.write(json_);
     json_.clear();

@@ -28,6 +28,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -44,6 +45,7 @@ public:
     void page_break(uint32_t source) override;
     void block_begin(BlockKind kind) override;
     void block_end() override;
+    void after_end(const AfterEnd &rest) override;
     void end_of_document() override;
 
 private:
@@ -55,6 +57,7 @@ private:
     void append_run(const Paragraph &paragraph, std::size_t index);
     void append_text(std::string_view bytes);
     void append_losses();
+    void append_after_end();
     void hand_on();
 
     Output &output_;
@@ -63,6 +66,7 @@ private:
     uint64_t blocks_ = 0;
     std::string json_; // not handed on yet
     std::string utf8_; // of one run
+    std::optional<AfterEnd> after_end_;
 };
 
 } // namespace pfsdoc::writers

@@ -12,8 +12,8 @@ namespace {
 
 // Bold outside of italic where both begin together.
 constexpr std::array nesting_order = {AttributeCode::bold, AttributeCode::italic};
-constexpr AttributeSet bold_bit = attribute_bit(static_cast<int32_t>(AttributeCode::bold));
-constexpr AttributeSet italic_bit = attribute_bit(static_cast<int32_t>(AttributeCode::italic));
+constexpr AttributeSet bold_bit = attribute_bit(AttributeCode::bold);
+constexpr AttributeSet italic_bit = attribute_bit(AttributeCode::italic);
 
 constexpr std::string_view bold_mark = "**";
 constexpr std::string_view lone_italic_mark = "*";

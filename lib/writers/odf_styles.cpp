@@ -164,7 +164,7 @@ constexpr std::array<TextLook, 5> text_looks = {{
 
 constexpr AttributeSet bit_of(AttributeCode code)
 {
-    return attribute_bit(static_cast<int32_t>(code));
+    return attribute_bit(code);
 }
 
 constexpr AttributeSet without_contradiction(AttributeSet attributes)

@@ -34,7 +34,7 @@ namespace pfsdoc::writers {
 inline constexpr AttributeSet attributes_with_look = [] {
     AttributeSet all = 0;
     for (const AttributeName &entry : attribute_names) {
-        all |= attribute_bit(static_cast<int32_t>(entry.code));
+        all |= attribute_bit(entry.code);
     }
     return all;
 }();

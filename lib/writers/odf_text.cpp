@@ -15,7 +15,7 @@ constexpr std::size_t buffer_bytes = 65536;
 // Bytes converted between two looks at the buffer's size.
 constexpr std::size_t stretch_bytes = 4096;
 
-constexpr AttributeSet underline = attribute_bit(static_cast<int32_t>(AttributeCode::underline));
+constexpr AttributeSet underline = attribute_bit(AttributeCode::underline);
 
 } // namespace
 

@@ -27,7 +27,7 @@ using page::PageColumns;
 // A document has two lines of each; more than this are not held.
 constexpr std::size_t max_block_lines = 16;
 
-constexpr AttributeSet underline = attribute_bit(static_cast<int32_t>(AttributeCode::underline));
+constexpr AttributeSet underline = attribute_bit(AttributeCode::underline);
 
 // The empty lines between a header or footer and the text.
 std::size_t lines_beside(std::size_t lines)

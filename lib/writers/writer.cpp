@@ -65,7 +65,7 @@ void Writer::add_attribute_losses(const Paragraph &paragraph, AttributeSet unsup
             continue;
         }
         for (const AttributeLoss &entry : attribute_losses) {
-            if ((lost & attribute_bit(static_cast<int32_t>(entry.code))) != 0) {
+            if ((lost & attribute_bit(entry.code)) != 0) {
                 losses_.add(entry.loss, piece.source);
             }
         }

@@ -165,6 +165,22 @@ TEST_F(Convert, ReportsWhatTheFormatCannotExpress)
     EXPECT_EQ(run({"convert", "-t", "text", "bold.pfs"}).errors, "");
 }
 
+// The older letter ends in an end mark of its own.
+TEST_F(Convert, ReportsWhatFollowsTheEndMark)
+{
+    const std::string letter = write_document("TYPE 2", '2', bytes("0D 'new' 0D 0E"));
+    write("both.pfs", letter + std::string(3, '\0') + "an older letter\r\x0E");
+    write("padded.pfs", letter + std::string(100, '\x1A'));
+    const Outcome outcome = run({"text", "--report", "both.pfs"});
+    EXPECT_EQ(outcome.exit_code, 0);
+    EXPECT_EQ(outcome.errors, "pfsdoc: both.pfs: not in the output: bytes behind the end mark "
+                              "(17, first at byte 1034)\n");
+    EXPECT_EQ(run({"text", "both.pfs"}).errors, "");
+    EXPECT_EQ(run({"text", "--report", "padded.pfs"}).errors, "");
+    const std::string json = output_of({"convert", "-t", "json", "both.pfs"});
+    EXPECT_NE(json.find(R"("after_end":{"offset":1034,"bytes":17}})"), std::string::npos) << json;
+}
+
 TEST_F(Convert, EndsAtTheLimitOfTheOutput)
 {
     const Outcome outcome = run({"text", "--max-output", "10", "a.pfs"});

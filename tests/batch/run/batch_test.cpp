@@ -46,12 +46,26 @@ TEST_F(Batch, WritesALineOfJsonForAFile)
             R"(","kind":"PFS: WRITE B","file_id":1013,)"
             R"("basis":"\"TYPE 2\" at 641, variant \"2\" at 649","status":"converted",)"
             R"("error":null,"counts":{"paragraphs":3,"characters":14,"page_breaks":1,)"
-            R"("header_lines":0},"losses":{},"output":{"name":"a.pfs.txt","size":)" +
+            R"("header_lines":0,"footer_lines":0},"losses":{},"after_end":null,"output":{"name":"a.pfs.txt","size":)" +
             std::to_string(output.size()) + R"(,"sha256":")" + output_sum +
             R"("},"format":"text","options":"--no-headers","pfsdoc":")" PFSDOC_VERSION "\"}\n");
     write("sums", input_sum + "  a.pfs\n" + output_sum + "  out/a.pfs.txt\n");
     const std::string check = "cd '" + directory.string() + "' && sha256sum --status -c sums";
     EXPECT_EQ(std::system(check.c_str()), 0);
+}
+
+TEST_F(Batch, RecordsWhatFollowsTheEndMark)
+{
+    const std::string letter = content_of(directory / "a.pfs");
+    write("b.pfs", letter + "of an older letter\r\x0E");
+    for (const char *format : {"text", "trace"}) {
+        run({"batch", "a.pfs", "b.pfs", "-o", format, "-t", format, "-q"});
+        const auto lines = lines_of(manifest(std::string(format) + "/manifest.ndjson"));
+        ASSERT_EQ(lines.size(), 2U);
+        EXPECT_TRUE(nlohmann::json::parse(lines[0]).at("after_end").is_null());
+        EXPECT_EQ(nlohmann::json::parse(lines[1]).at("after_end"),
+                  nlohmann::json({{"offset", letter.size()}, {"bytes", 20}}));
+    }
 }
 
 TEST_F(Batch, IsTheSameForAnyNumberOfWorkers)

@@ -36,15 +36,18 @@ TEST(Record, IsOneLineOfJson)
     outcome.basis.set("basis");
     outcome.set_error({pfsdoc::ErrorKind::damaged, "is cut\n", "look for another", 9});
     outcome.has_counts = 1;
-    outcome.counts = {1, 2, 3, 4};
+    outcome.counts = {1, 2, 3, 4, 6};
+    outcome.after_end_offset = 8;
+    outcome.after_end_bytes = 9;
     outcome.losses[static_cast<std::size_t>(pfsdoc::Loss::tab_stops)] = 5;
     EXPECT_EQ(pfsdoc::batch::record_line(file, request, outcome),
               R"({"name":"a/letter","size":4,)"
               R"("sha256":"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad",)"
               R"("kind":"PFS: First Choice 3.0","file_id":1058,"basis":"basis","status":"damaged",)"
               R"("error":{"words":"is cut\\x0A","remedy":"look for another","offset":9},)"
-              R"("counts":{"paragraphs":1,"characters":2,"page_breaks":3,"header_lines":4},)"
-              R"("losses":{"tab_stops":5},"output":{"name":"a/letter.txt","size":7,)"
+              R"("counts":{"paragraphs":1,"characters":2,"page_breaks":3,"header_lines":4,"footer_lines":6},)"
+              R"("losses":{"tab_stops":5},"after_end":{"offset":8,"bytes":9},)"
+              R"("output":{"name":"a/letter.txt","size":7,)"
               R"("sha256":"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},)"
               R"("format":"text","options":"--wrap 7","pfsdoc":")" PFSDOC_VERSION "\"}\n");
 }
@@ -56,7 +59,7 @@ TEST(Record, OfAFileThatWasNotReadHasNothingOfIt)
     EXPECT_EQ(pfsdoc::batch::record_line(file, request, outcome),
               R"({"name":"a/letter","size":4,"sha256":null,"kind":null,"file_id":null,)"
               R"("basis":null,"status":"crashed","error":{"words":"was ended","remedy":""},)"
-              R"("counts":null,"losses":{},"output":null,"format":"text",)"
+              R"("counts":null,"losses":{},"after_end":null,"output":null,"format":"text",)"
               R"("options":"--wrap 7","pfsdoc":")" PFSDOC_VERSION "\"}\n");
 }
 

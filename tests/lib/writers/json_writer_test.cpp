@@ -51,7 +51,7 @@ TEST(JsonWriter, WritesADocumentAsOneObject)
 {"type":"paragraph","source_begin":200,"source_end":210,"alignment":"left","left_indent":288,"first_line_indent":720,"line_spacing":240,"left_margin":1440,"right_margin":10080,"tab_stops":[2160,4320],"decimal_tab_stops":[6480],"runs":[{"type":"text","text":"Dear ","attributes":[],"source":200},{"type":"text","text":"Sir","attributes":["bold"],"source":205}]},
 {"type":"page_break","source":208},
 {"type":"paragraph","source_begin":210,"source_end":212,"alignment":"left","left_indent":0,"first_line_indent":0,"line_spacing":240,"left_margin":1440,"right_margin":10080,"tab_stops":[2160,4320],"decimal_tab_stops":[6480],"runs":[]}
-],"losses":[]}
+],"losses":[],"after_end":null}
 )");
 }
 
@@ -66,7 +66,7 @@ TEST(JsonWriter, WritesALineForEachBlockWhereAsked)
         R"({"pfsdoc":1,"document":{"kind":"PFS: WRITE A","file_id":1012,"title":"LETTER","charset":"437"}}
 {"type":"paragraph","source_begin":0,"source_end":0,"alignment":"left","left_indent":0,"first_line_indent":0,"line_spacing":240,"left_margin":0,"right_margin":0,"tab_stops":[],"decimal_tab_stops":[],"runs":[{"type":"text","text":"One","attributes":[],"source":0}]}
 {"type":"page_break","source":0}
-{"type":"end","blocks":2,"losses":[]}
+{"type":"end","blocks":2,"losses":[],"after_end":null}
 )");
 }
 
@@ -76,7 +76,22 @@ TEST(JsonWriter, WritesAnEmptyDocument)
     WriterOptions options;
     options.lines = true;
     const std::string text = written("json", TypedEvents().end(), options).text;
-    EXPECT_EQ(text.substr(text.find('\n') + 1), "{\"type\":\"end\",\"blocks\":0,\"losses\":[]}\n");
+    EXPECT_EQ(text.substr(text.find('\n') + 1), "{\"type\":\"end\",\"blocks\":0,\"losses\":[],\"after_end\":null}\n");
+}
+
+TEST(JsonWriter, ReportsWhatFollowsTheEnd)
+{
+    WriterOptions options;
+    for (const bool lines : {false, true}) {
+        options.lines = lines;
+        pfsdoc::StringOutput output;
+        auto writer = pfsdoc::find_format("json")->make_writer(output, {}, options);
+        ASSERT_TRUE(writer.ok());
+        writer.value()->after_end({1234, 56});
+        writer.value()->end_of_document();
+        const std::string text = output.text.substr(lines ? output.text.find('\n') + 1 : 0);
+        EXPECT_EQ(json::parse(text).at("after_end"), json({{"offset", 1234}, {"bytes", 56}}));
+    }
 }
 
 TEST(JsonWriter, NamesAttributes)

@@ -23,10 +23,16 @@ TEST(Writer, FlushesOnceWhetherOrNotTheEndIsReported)
     StringOutput output;
     writers::TextWriter writer(output);
     narrow_page().line("One").end().tell(writer);
-    EXPECT_EQ(output.text, "One\n");
-    writer.finish();
     writer.finish();
     EXPECT_EQ(output.text, "One\n");
+    writer.finish();
+    EXPECT_EQ(output.text, "One\n");
+
+    StringOutput unended;
+    writers::TextWriter other(unended);
+    narrow_page().line("One").tell(other);
+    other.finish();
+    EXPECT_EQ(unended.text, "One\n");
 }
 
 class WriteSizes final : public Output {
@@ -155,7 +161,7 @@ TEST(HostileDocument, WithACommandThatNeverEnds)
     for (std::size_t i = 0; i < 10 * megabyte; ++i) {
         hostile.writer.on_event(byte, 0);
     }
-    TypedEvents().end().tell(hostile.writer);
+    hostile.finish();
     EXPECT_EQ(hostile.output.total, reading::ParagraphCollector::max_command_bytes + 3 + 1);
 }
 
