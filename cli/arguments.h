@@ -19,6 +19,7 @@ struct Arguments {
     std::string file;               // of the commands for one document
     std::vector<std::string> paths; // of those for several
     std::string output;
+    bool no_clobber = false; // no file that exists is replaced
     std::string format;
     std::string charset; // empty: code page 437
     std::string module;

@@ -58,13 +58,13 @@ void handle_interruptions()
     on_ending_signals(end_at_once);
 }
 
-Result<std::unique_ptr<base::FileOutput>> create_interruptible(const std::string &path,
-                                                               uint64_t max_bytes)
+Result<std::unique_ptr<base::FileOutput>>
+create_interruptible(const std::string &path, const base::FileOutputOptions &options)
 {
     const sigset_t set = ending_signal_set();
     sigset_t before;
     ::sigprocmask(SIG_BLOCK, &set, &before);
-    Result<std::unique_ptr<base::FileOutput>> output = base::FileOutput::create(path, max_bytes);
+    Result<std::unique_ptr<base::FileOutput>> output = base::FileOutput::create(path, options);
     if (output.ok() && output.value()->temporary_path().size() < temporary_path.size()) {
         const std::string &path_for_now = output.value()->temporary_path();
         std::copy_n(path_for_now.c_str(), path_for_now.size() + 1, temporary_path.data());

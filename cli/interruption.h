@@ -15,7 +15,7 @@ void handle_interruptions();
 
 // FileOutput::create, with its temporary file known to the above from its first moment on.
 // For one output at a time.
-Result<std::unique_ptr<base::FileOutput>> create_interruptible(const std::string &path,
-                                                               uint64_t max_bytes);
+Result<std::unique_ptr<base::FileOutput>>
+create_interruptible(const std::string &path, const base::FileOutputOptions &options);
 
 } // namespace pfsdoc::cli

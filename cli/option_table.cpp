@@ -132,6 +132,8 @@ constexpr OptionEntry all_options[] = {
      repeated<&Arguments::list_files>},
     {one_document, "-o,--output", "FILE", "write to this file, whole or not at all",
      value<&Arguments::output>},
+    {one_document, "--no-clobber", nullptr, "replace no file that exists already",
+     flag<&Arguments::no_clobber>},
     {batch_command, "-o,--output", "OUT", "the folder to write to; created if missing",
      required<&Arguments::output>},
     {convert_command, "-t,--to", "FORMAT", "the output format:", format},

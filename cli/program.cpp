@@ -23,16 +23,28 @@ void occupy_standard_streams()
     }
 }
 
-// A reader that goes away, or a file that may not grow, is an output that cannot be written,
-// with a message of its own.
+// As it was when the program began.
+struct sigaction broken_pipe_action {};
+
+// A reader that goes away, or a file that may not grow, is an output that cannot be written: what
+// is begun is cleared away before the program ends.
 void ignore_output_signals()
 {
+    ::sigaction(SIGPIPE, nullptr, &broken_pipe_action);
     for (const int signal : {SIGPIPE, SIGXFSZ}) {
         static_cast<void>(std::signal(signal, SIG_IGN));
     }
 }
 
 } // namespace
+
+void end_if_reader_is_gone(const base::FileOutput &output)
+{
+    if (output.reader_is_gone()) {
+        ::sigaction(SIGPIPE, &broken_pipe_action, nullptr);
+        static_cast<void>(std::raise(SIGPIPE));
+    }
+}
 
 int run_program(int (*run)(int argument_count, char **arguments), int argument_count,
                 char **arguments)

@@ -1,5 +1,6 @@
 #include "cli/report.h"
 
+#include "cli/program.h"
 #include "lib/base/file_output.h"
 #include "lib/base/printable.h"
 
@@ -34,6 +35,7 @@ int print(std::string_view text)
     }
     output.value()->write(text);
     const Status failure = output.value()->commit();
+    end_if_reader_is_gone(*output.value());
     return failure.ok() ? 0 : report("", failure.error());
 }
 

@@ -1,13 +1,14 @@
 // pfsdoc convert, and pfsdoc text, which is convert -t text.
 #include "cli/report.h"
+#include "command/conversion.h"
+#include "command/document_job.h"
 #include "command/subcommand.h"
-#include "command/write_document.h"
 #include "lib/base/printable.h"
 #include "lib/reading/read_document.h"
 
-#include <optional>
 #include <string>
 #include <unistd.h>
+#include <utility>
 
 namespace pfsdoc::cli {
 
@@ -35,49 +36,39 @@ std::string title_of(const std::string &file)
     return file == "-" ? "" : base::printable(base::base_name(file));
 }
 
-void report_losses(const std::string &subject, const Writer &writer,
-                   const std::optional<AfterEnd> &after_end)
+void report_losses(const std::string &subject, const Converted &converted)
 {
-    for (const LossEntry &entry : writer.losses().entries()) {
+    for (const LossEntry &entry : converted.losses) {
         std::string line = subject + ": not in the output: ";
         line.append(loss_words(entry.loss)).append(" (").append(std::to_string(entry.count));
         line.append(", first at byte ").append(std::to_string(entry.first_source)).append(")");
         report_line(line);
     }
-    if (after_end) {
+    if (converted.after_end) {
         report_line(subject + ": not in the output: bytes behind the end mark (" +
-                    std::to_string(after_end->bytes) + ", first at byte " +
-                    std::to_string(after_end->offset) + ")");
+                    std::to_string(converted.after_end->bytes) + ", first at byte " +
+                    std::to_string(converted.after_end->offset) + ")");
     }
 }
 
-Status write(Job &job, const Format &format, const Arguments &arguments,
-             const WriterOptions &options)
+Status convert(const std::string &file, const Conversion &conversion, const Arguments &arguments)
 {
-    if (format.make_event_writer != nullptr) {
-        const auto writer = format.make_event_writer(*job.output, options);
-        return write_events(job, *writer, false);
+    const ProtectedFiles protected_files({file});
+    Result<Input> input = open_input(file, arguments);
+    if (!input.ok()) {
+        return input.error();
     }
-    const DocumentInfo info{job.document.kind(), title_of(arguments.file)};
-    const auto writer = format.make_writer(*job.output, info, options);
-    if (!writer.ok()) {
-        return writer.error();
+    const auto output = make_output(arguments.output, protected_files, arguments);
+    if (!output.ok()) {
+        return output.error();
     }
-    Status failure = write_blocks(job, *writer.value());
-    if (arguments.report && reading::is_read_to_end(failure)) {
-        const Result<std::optional<AfterEnd>> after_end = job.document.after_end();
-        report_losses(subject_of(arguments.file), *writer.value(),
-                      after_end.ok() ? after_end.value() : std::nullopt);
+    const Converted converted =
+        convert_document(std::move(input.value().source), input.value().module, title_of(file),
+                         conversion, output.value()->stream());
+    if (arguments.report && reading::is_read_to_end(converted.status)) {
+        report_losses(subject_of(file), converted);
     }
-    return failure;
-}
-
-Status convert(const Format &format, const Arguments &arguments, const WriterOptions &options)
-{
-    const bool source_offsets =
-        format.wants_offsets || options.offsets || options.raw_lines || arguments.report;
-    Result<Job> job = begin_job(arguments, source_offsets);
-    return job.ok() ? write(job.value(), format, arguments, options) : job.error();
+    return finish(*output.value(), converted.status);
 }
 
 // What is wrong before anything is read is the command line's fault, not the file's.
@@ -87,7 +78,7 @@ Status check(const Format &format, const Options &options)
     if (Status refusal = options.check_format(format); !refusal.ok()) {
         return refusal;
     }
-    if (format.is_binary && writes_to_standard_output(arguments) && ::isatty(STDOUT_FILENO) != 0) {
+    if (format.is_binary && is_standard_output(arguments.output) && ::isatty(STDOUT_FILENO) != 0) {
         return Error{ErrorKind::usage, std::string(format.name) + " cannot be shown on a terminal",
                      "name a file with -o"};
     }
@@ -104,9 +95,11 @@ int run_with(const Format &format, const Options &options)
     if (!page.ok()) {
         return report("", page.error());
     }
-    WriterOptions writer_options = arguments.writer;
-    writer_options.code_page = &page.value();
-    const Status failure = convert(format, arguments, writer_options);
+    Conversion conversion = {.format = &format, .options = arguments.writer};
+    conversion.options.code_page = &page.value();
+    conversion.source_offsets = format.wants_offsets || arguments.writer.offsets ||
+                                arguments.writer.raw_lines || arguments.report;
+    const Status failure = convert(arguments.file, conversion, arguments);
     return failure.ok() ? 0 : report(subject_of(arguments.file), failure.error());
 }
 

@@ -1,43 +1,26 @@
 #include "command/document_job.h"
 
 #include "cli/interruption.h"
+#include "cli/program.h"
 #include "lib/reading/read_document.h"
 
-#include <sys/stat.h>
 #include <utility>
 
 namespace pfsdoc::cli {
-
-namespace {
-
-// Whether both names lead to the same file, by whatever way.
-bool is_same_file(const std::string &one, const std::string &other)
-{
-    struct stat first {};
-    struct stat second {};
-    return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 &&
-           S_ISREG(first.st_mode) && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-}
-
-} // namespace
 
 std::string subject_of(const std::string &file)
 {
     return file.empty() ? "\"\"" : file;
 }
 
-bool writes_to_standard_output(const Arguments &arguments)
+bool is_standard_output(const std::string &output)
 {
-    return arguments.output.empty() || arguments.output == "-";
+    return output.empty() || output == "-";
 }
 
-Result<Input> open_input(const Arguments &arguments)
+Result<Input> open_input(const std::string &file, const Arguments &arguments)
 {
-    if (is_same_file(arguments.file, arguments.output)) {
-        return Error{ErrorKind::usage, "would be replaced by its own output",
-                     "name another file with -o"};
-    }
-    Result<std::unique_ptr<ByteSource>> source = open_source(arguments.file);
+    Result<std::unique_ptr<ByteSource>> source = open_source(file);
     if (!source.ok()) {
         return source.error();
     }
@@ -52,18 +35,28 @@ Result<Input> open_input(const Arguments &arguments)
     return Input{std::move(source.value()), identity.value(), module.value()};
 }
 
-Result<std::unique_ptr<base::FileOutput>> make_output(const Arguments &arguments)
+Result<std::unique_ptr<base::FileOutput>> make_output(const std::string &output,
+                                                      const ProtectedFiles &protected_files,
+                                                      const Arguments &arguments)
 {
-    return create_interruptible(arguments.output, arguments.max_output.value_or(UINT64_MAX));
+    return create_interruptible(output,
+                                {.max_bytes = arguments.max_output.value_or(UINT64_MAX),
+                                 .keep_existing = arguments.no_clobber,
+                                 .guard = [&protected_files](const base::ExistingFile &file) {
+                                     return protected_files.check(file);
+                                 }});
 }
 
 Status finish(base::FileOutput &output, const Status &failure)
 {
-    if (!reading::is_read_to_end(failure)) {
+    Status unwritten;
+    if (reading::is_read_to_end(failure)) {
+        unwritten = output.commit();
+    } else {
         output.flush();
-        return failure;
+        unwritten = output.failure();
     }
-    const Status unwritten = output.commit();
+    end_if_reader_is_gone(output);
     return unwritten.ok() ? failure : unwritten;
 }
 

@@ -30,7 +30,7 @@ Colours wanted_colours(const Arguments &arguments)
         return arguments.color == "always" ? Colours::on : Colours::off;
     }
     const char *spared = std::getenv("NO_COLOR");
-    const bool shown = writes_to_standard_output(arguments) && ::isatty(STDOUT_FILENO) == 1;
+    const bool shown = is_standard_output(arguments.output) && ::isatty(STDOUT_FILENO) == 1;
     return shown && (spared == nullptr || *spared == '\0') ? Colours::on : Colours::off;
 }
 
@@ -46,7 +46,8 @@ std::unique_ptr<SpanSink> make_writer(Output &output, const Arguments &arguments
 // Passes on what it gets as long as the output takes it: what is not wanted need not be read.
 class SpanGuard final : public SpanSink {
 public:
-    SpanGuard(SpanSink &writer, const base::FileOutput &output) : writer_(writer), output_(output)
+    SpanGuard(SpanSink &writer, const base::DescriptorOutput &output)
+        : writer_(writer), output_(output)
     {
     }
 
@@ -60,12 +61,15 @@ public:
 
 private:
     SpanSink &writer_;
-    const base::FileOutput &output_;
+    const base::DescriptorOutput &output_;
 };
 
-Status explain_into(base::FileOutput &output, const Input &input, SpanSink &writer)
+// Opens nothing and commits nothing, as convert_document.
+Status explain_into(base::DescriptorOutput &output, const Input &input, const Arguments &arguments,
+                    const CodePage &page)
 {
-    SpanGuard guard(writer, output);
+    const std::unique_ptr<SpanSink> writer = make_writer(output, arguments, page);
+    SpanGuard guard(*writer, output);
     try {
         return explain(input.module, *input.source, input.identity.kind, guard);
     } catch (const ReadingStopped &stopped) {
@@ -75,16 +79,17 @@ Status explain_into(base::FileOutput &output, const Input &input, SpanSink &writ
 
 Status explain_file(const Arguments &arguments, const CodePage &page)
 {
-    const Result<Input> input = open_input(arguments);
+    const ProtectedFiles protected_files({arguments.file});
+    const Result<Input> input = open_input(arguments.file, arguments);
     if (!input.ok()) {
         return input.error();
     }
-    const Result<std::unique_ptr<base::FileOutput>> output = make_output(arguments);
+    const auto output = make_output(arguments.output, protected_files, arguments);
     if (!output.ok()) {
         return output.error();
     }
-    const std::unique_ptr<SpanSink> writer = make_writer(*output.value(), arguments, page);
-    return finish(*output.value(), explain_into(*output.value(), input.value(), *writer));
+    return finish(*output.value(),
+                  explain_into(output.value()->stream(), input.value(), arguments, page));
 }
 
 int run(const Options &options)

@@ -1,4 +1,5 @@
 // pfsdoc identify: what files are, one line or one JSON object for each.
+#include "cli/program.h"
 #include "cli/report.h"
 #include "command/document_job.h"
 #include "command/subcommand.h"
@@ -220,6 +221,7 @@ int run(const Options &options)
     }
     findings.finish();
     const Status failure = output.value()->commit();
+    end_if_reader_is_gone(*output.value());
     return failure.ok() ? code : report("", failure.error());
 }
 

@@ -1,8 +1,10 @@
 // pfsdoc trace: what the filter module reports of a document.
 #include "cli/report.h"
+#include "command/conversion.h"
+#include "command/document_job.h"
 #include "command/subcommand.h"
-#include "command/write_document.h"
-#include "lib/writers/trace.h"
+
+#include <utility>
 
 namespace pfsdoc::cli {
 
@@ -13,13 +15,23 @@ constexpr const char *footer = R"(Example:
 
 Status trace(const Arguments &arguments)
 {
-    Result<Job> job = begin_job(arguments, arguments.writer.offsets);
-    if (!job.ok()) {
-        return job.error();
+    const ProtectedFiles protected_files({arguments.file});
+    Result<Input> input = open_input(arguments.file, arguments);
+    if (!input.ok()) {
+        return input.error();
     }
-    writers::TraceWriter writer(*job.value().output,
-                                {arguments.writer.offsets, arguments.writer.fold});
-    return write_events(job.value(), writer, arguments.stop);
+    const auto output = make_output(arguments.output, protected_files, arguments);
+    if (!output.ok()) {
+        return output.error();
+    }
+    const Conversion conversion = {.format = find_format("trace"),
+                                   .options = arguments.writer,
+                                   .source_offsets = arguments.writer.offsets,
+                                   .in_steps = arguments.stop};
+    const Converted converted =
+        convert_document(std::move(input.value().source), input.value().module, "", conversion,
+                         output.value()->stream());
+    return finish(*output.value(), converted.status);
 }
 
 int run(const Options &options)

@@ -1,8 +1,14 @@
 #include "lib/base/file_output.h"
 
+#include <algorithm>
+#include <array>
+#include <cctype>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -11,9 +17,18 @@ namespace pfsdoc::base {
 
 namespace {
 
+constexpr mode_t private_mode = 0600;
 constexpr mode_t new_file_mode = 0666; // less what the user's mask takes away
 constexpr mode_t permission_bits = 0777;
 constexpr int temporary_name_attempts = 100;
+
+// The mask can only be read by setting it. Programs that make files for people have one thread.
+mode_t mode_of_new_files()
+{
+    const mode_t mask = ::umask(0077);
+    ::umask(mask);
+    return new_file_mode & ~mask;
+}
 
 // Where a rename must go so that a symbolic link stays one.
 std::string resolved(const std::string &path)
@@ -24,97 +39,212 @@ std::string resolved(const std::string &path)
     return result;
 }
 
-struct Opened {
-    Descriptor descriptor; // not open: errno says why
-    std::string temporary; // the name it has for now, empty when it is written to directly
-};
-
-// A new file in the target's directory. Its short name fits wherever the target's does.
-Opened open_beside(const std::string &target)
+// The descriptor of this process that a path names. Following the path's links would lead to
+// the file behind a redirection, which the caller has opened in a way of his own: to append, say.
+std::optional<int> descriptor_named(const std::string &path)
 {
-    const std::size_t slash = target.rfind('/');
-    const std::string directory = slash == std::string::npos ? "" : target.substr(0, slash + 1);
-    const std::string stem = directory + ".pfsdoc-" + std::to_string(::getpid()) + "-";
-    for (int attempt = 0; attempt < temporary_name_attempts; ++attempt) {
-        const std::string path = stem + std::to_string(attempt);
-        Descriptor descriptor(
-            ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, new_file_mode));
-        if (descriptor.is_open() || errno != EEXIST) {
-            return {std::move(descriptor), path};
+    constexpr std::array<const char *, 3> standard = {"/dev/stdin", "/dev/stdout", "/dev/stderr"};
+    const auto found = std::find(standard.begin(), standard.end(), path);
+    if (found != standard.end()) {
+        return static_cast<int>(found - standard.begin());
+    }
+    for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+        const bool is_in = path.starts_with(folder) && path.size() > folder.size() &&
+                           path.size() < folder.size() + 7;
+        if (is_in &&
+            std::all_of(path.begin() + static_cast<std::ptrdiff_t>(folder.size()), path.end(),
+                        [](unsigned char c) { return std::isdigit(c) != 0; })) {
+            return std::stoi(path.substr(folder.size()));
         }
     }
-    return {};
+    return std::nullopt;
 }
 
-// For a file that is to take the place of one with these permissions.
-Opened open_to_replace(const std::string &target, mode_t permissions)
+Error refused(const std::string &name, const Error &reason)
 {
-    Opened opened = open_beside(target);
-    if (opened.descriptor.is_open() && ::fchmod(opened.descriptor.get(), permissions) != 0) {
-        const int error_number = errno;
-        ::unlink(opened.temporary.c_str());
-        errno = error_number;
+    const std::string output = name.empty() ? "the output " : "the output " + name + " ";
+    return {reason.kind, output + reason.what, reason.remedy};
+}
+
+Error exists_already()
+{
+    return {ErrorKind::output, "exists already",
+            "leave out --no-clobber to replace it, or name another file with -o"};
+}
+
+Error is_unseen(int error_number)
+{
+    return {ErrorKind::output,
+            std::string("cannot be looked at before it is replaced: ") +
+                std::strerror(error_number),
+            "remove it first, or name another file with -o"};
+}
+
+Error leads_nowhere()
+{
+    return {ErrorKind::output, "is a symbolic link that leads nowhere",
+            "remove it, or name another file with -o"};
+}
+
+// Whether the guard lets an existing file be replaced, which must be readable for that.
+Status check_existing(const std::string &name, const FileOutputOptions &options)
+{
+    if (!options.guard) {
         return {};
     }
-    return opened;
+    const Descriptor existing(::open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (!existing.is_open() || ::fstat(existing.get(), &status) != 0) {
+        return refused(name, is_unseen(errno));
+    }
+    const Status reason = options.guard({status, existing.get()});
+    return reason.ok() ? Status() : refused(name, reason.error());
 }
 
-Opened open_target(const std::string &target)
+int rename_to_new_name(const char *from, const char *to)
 {
-    struct stat status {};
-    if (::stat(target.c_str(), &status) != 0) {
-        return open_beside(target);
+#ifdef RENAME_NOREPLACE
+    if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
+        return 0;
     }
-    if (S_ISREG(status.st_mode)) {
-        return open_to_replace(target, status.st_mode & permission_bits);
+    if (errno != EINVAL && errno != ENOSYS) {
+        return -1;
     }
-    return {Descriptor(::open(target.c_str(), O_WRONLY | O_CLOEXEC)), ""};
+#endif
+    // What a file system without such a rename has: a second name is never given to another file.
+    return ::link(from, to) == 0 ? ::unlink(from) : -1;
 }
 
 } // namespace
 
-FileOutput::FileOutput(Descriptor descriptor, std::string temporary, std::string target,
-                       uint64_t max_bytes)
-    : descriptor_(std::move(descriptor)), output_(descriptor_.get(), max_bytes),
-      temporary_(std::move(temporary)), target_(std::move(target))
+FileOutput::FileOutput(Opened opened, uint64_t max_bytes)
+    : descriptor_(std::move(opened.descriptor)), output_(descriptor_.get(), max_bytes),
+      target_(std::move(opened.target))
 {
 }
 
 FileOutput::~FileOutput()
 {
-    if (!temporary_.empty()) {
-        ::unlink(temporary_.c_str());
+    if (!target_.temporary.empty()) {
+        ::unlink(target_.temporary.c_str());
     }
 }
 
-Result<std::unique_ptr<FileOutput>> FileOutput::create(const std::string &path, uint64_t max_bytes)
+Result<std::unique_ptr<FileOutput>> FileOutput::create(const std::string &path,
+                                                       const FileOutputOptions &options)
 {
-    const bool is_standard_output = path.empty() || path == "-";
-    const std::string target = is_standard_output ? "" : resolved(path);
-    Opened opened = is_standard_output
-                        ? Opened{Descriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0)), ""}
-                        : open_target(target);
-    if (!opened.descriptor.is_open()) {
-        return output_error(errno, target);
+    Result<Opened> opened = open(path, options);
+    if (!opened.ok()) {
+        return opened.error();
     }
-    return Result<std::unique_ptr<FileOutput>>(std::unique_ptr<FileOutput>(
-        new FileOutput(std::move(opened.descriptor), opened.temporary, target, max_bytes)));
+    return Result<std::unique_ptr<FileOutput>>(
+        std::unique_ptr<FileOutput>(new FileOutput(std::move(opened.value()), options.max_bytes)));
+}
+
+Result<FileOutput::Opened> FileOutput::open(const std::string &path,
+                                            const FileOutputOptions &options)
+{
+    if (path.empty() || path == "-") {
+        return open_stream(Descriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0)), "", options);
+    }
+    if (const std::optional<int> descriptor = descriptor_named(path)) {
+        return open_stream(Descriptor(::fcntl(*descriptor, F_DUPFD_CLOEXEC, 0)), path, options);
+    }
+    return open_named(resolved(path), options);
+}
+
+Result<FileOutput::Opened> FileOutput::open_stream(Descriptor descriptor, const std::string &name,
+                                                   const FileOutputOptions &options)
+{
+    struct stat status {};
+    if (!descriptor.is_open() || ::fstat(descriptor.get(), &status) != 0) {
+        return output_error(errno, name);
+    }
+    if (options.guard && S_ISREG(status.st_mode)) {
+        const std::string again = "/proc/self/fd/" + std::to_string(descriptor.get());
+        const Descriptor existing(::open(again.c_str(), O_RDONLY | O_CLOEXEC));
+        if (const Status reason = options.guard({status, existing.get()}); !reason.ok()) {
+            return refused(name, reason.error());
+        }
+    }
+    return Opened{std::move(descriptor), {name, "", 0, false}};
+}
+
+Result<FileOutput::Opened> FileOutput::open_named(const std::string &name,
+                                                  const FileOutputOptions &options)
+{
+    struct stat status {};
+    if (::lstat(name.c_str(), &status) != 0) {
+        return errno == ENOENT ? open_beside({name, "", mode_of_new_files(), options.keep_existing})
+                               : Result<Opened>(output_error(errno, name));
+    }
+    if (S_ISLNK(status.st_mode)) { // all that lead somewhere were followed
+        return refused(name, leads_nowhere());
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return open_stream(Descriptor(::open(name.c_str(), O_WRONLY | O_CLOEXEC)), name, options);
+    }
+    if (options.keep_existing) {
+        return refused(name, exists_already());
+    }
+    const Status reason = check_existing(name, options);
+    return reason.ok() ? open_beside({name, "", status.st_mode & permission_bits, false})
+                       : Result<Opened>(reason.error());
+}
+
+// A new file in the target's directory. Its short name fits wherever the target's does.
+Result<FileOutput::Opened> FileOutput::open_beside(Target target)
+{
+    const std::size_t slash = target.name.rfind('/');
+    const std::string directory =
+        slash == std::string::npos ? "" : target.name.substr(0, slash + 1);
+    const std::string stem = directory + ".pfsdoc-" + std::to_string(::getpid()) + "-";
+    for (int attempt = 0; attempt < temporary_name_attempts; ++attempt) {
+        target.temporary = stem + std::to_string(attempt);
+        Descriptor descriptor(::open(target.temporary.c_str(),
+                                     O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, private_mode));
+        if (descriptor.is_open()) {
+            return Opened{std::move(descriptor), std::move(target)};
+        }
+        if (errno != EEXIST) {
+            break;
+        }
+    }
+    return output_error(errno, target.name);
 }
 
 Status FileOutput::failure() const
 {
-    return commit_error_ != 0 ? Status(output_error(commit_error_, target_))
-                              : output_.failure(target_);
+    if (commit_error_ == EEXIST) {
+        return refused(target_.name, exists_already());
+    }
+    return commit_error_ != 0 ? Status(output_error(commit_error_, target_.name))
+                              : output_.failure(target_.name);
+}
+
+bool FileOutput::reader_is_gone() const
+{
+    return output_.error_number() == EPIPE;
+}
+
+// 0, or the system's error number.
+int FileOutput::finish_target()
+{
+    const char *from = target_.temporary.c_str();
+    const char *to = target_.name.c_str();
+    const bool is_written =
+        ::fsync(descriptor_.get()) == 0 && ::fchmod(descriptor_.get(), target_.mode) == 0 &&
+        (target_.keep_existing ? rename_to_new_name(from, to) : std::rename(from, to)) == 0;
+    return is_written ? 0 : errno;
 }
 
 Status FileOutput::commit()
 {
     output_.flush();
-    if (!temporary_.empty() && !failed()) {
-        if (::fsync(descriptor_.get()) != 0 || ::rename(temporary_.c_str(), target_.c_str()) != 0) {
-            commit_error_ = errno;
-        } else {
-            temporary_.clear();
+    if (!target_.temporary.empty() && !failed()) {
+        commit_error_ = finish_target();
+        if (commit_error_ == 0) {
+            target_.temporary.clear();
         }
     }
     return failure();

@@ -1,6 +1,7 @@
 // Document output to a file or to standard output, buffered, and whole or not at all where
-// that is possible: a named file is written under a temporary name beside it, and is renamed
-// to its own only when all of it is on the disk. Test: tests/lib/base/file_output_test.cpp.
+// that is possible: a named file is written under a temporary name beside it, which nobody else
+// may read, and is renamed to its own only when all of it is on the disk.
+// Test: tests/lib/base/file_output_test.cpp.
 #pragma once
 
 #include "lib/base/descriptor.h"
@@ -9,19 +10,36 @@
 #include "pfsdoc/output.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 
 namespace pfsdoc::base {
 
+// A regular file that an output would replace, or would be written into.
+struct ExistingFile {
+    const struct stat &status;
+    int descriptor; // open for reading; below 0 where it cannot be read
+};
+
+struct FileOutputOptions {
+    // More than that is not written: the output has failed then, with ErrorKind::limit.
+    uint64_t max_bytes = UINT64_MAX;
+    // Whether a file of that name is to stay, even one that appears before the commit.
+    bool keep_existing = false;
+    // Is asked about an existing file before anything is made; its error says what the file is,
+    // "is a document", and refuses it.
+    std::function<Status(const ExistingFile &)> guard{};
+};
+
 class FileOutput final : public Output {
 public:
-    // Empty or "-" is standard output. An existing file that is no regular one, such as a
-    // device or a pipe, is written to directly.
-    // More than max_bytes are not written: the output has failed then, with ErrorKind::limit.
+    // Empty or "-" is standard output; so is /dev/stdout, and /dev/fd/N is the descriptor that it
+    // names. A file that is no regular one, such as a device or a pipe, is written to directly.
     static Result<std::unique_ptr<FileOutput>> create(const std::string &path,
-                                                      uint64_t max_bytes = UINT64_MAX);
+                                                      const FileOutputOptions &options = {});
     // Without commit, what was written under a temporary name is gone.
     ~FileOutput() override;
     FileOutput(const FileOutput &) = delete;
@@ -37,10 +55,17 @@ public:
         return commit_error_ != 0 || output_.failed();
     }
     Status failure() const;
+    // Whether it failed because it is a pipe that nobody reads any more.
+    bool reader_is_gone() const;
+    // Where the bytes go until commit.
+    DescriptorOutput &stream()
+    {
+        return output_;
+    }
     // Where the bytes are until commit; empty when they are written to the target directly.
     const std::string &temporary_path() const
     {
-        return temporary_;
+        return target_.temporary;
     }
     // Hands on what is buffered.
     void flush()
@@ -51,13 +76,29 @@ public:
     Status commit();
 
 private:
-    FileOutput(Descriptor descriptor, std::string temporary, std::string target,
-               uint64_t max_bytes);
+    struct Target {
+        std::string name;      // empty for standard output
+        std::string temporary; // the name it has for now, empty when it is written to directly
+        mode_t mode = 0;       // to be had under its own name
+        bool keep_existing = false;
+    };
+    struct Opened {
+        Descriptor descriptor;
+        Target target;
+    };
+
+    FileOutput(Opened opened, uint64_t max_bytes);
+
+    static Result<Opened> open(const std::string &path, const FileOutputOptions &options);
+    static Result<Opened> open_stream(Descriptor descriptor, const std::string &name,
+                                      const FileOutputOptions &options);
+    static Result<Opened> open_named(const std::string &name, const FileOutputOptions &options);
+    static Result<Opened> open_beside(Target target);
+    int finish_target();
 
     Descriptor descriptor_;
     DescriptorOutput output_;
-    std::string temporary_; // empty when written to directly
-    std::string target_;
+    Target target_;
     int commit_error_ = 0;
 };
 

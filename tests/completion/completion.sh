@@ -59,7 +59,7 @@ for command in $commands; do
     count=$((count + 1))
 done
 [ $count -ge 4 ] || { echo "only $count commands: $commands"; failures=$((failures + 1)); }
-expect '--no-headers --no-page-breaks' text --no
+expect '--no-clobber --no-headers --no-page-breaks' text --no
 expect '--output' convert LETTER --ou
 
 # File names are left to the shell: nothing is offered, and the shell's default is enabled.

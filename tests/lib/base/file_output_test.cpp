@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -40,11 +42,18 @@ protected:
     {
         return std::distance(fs::directory_iterator(directory), fs::directory_iterator());
     }
-    static std::unique_ptr<base::FileOutput> open(const std::string &path)
+    static std::unique_ptr<base::FileOutput> open(const std::string &path,
+                                                  const base::FileOutputOptions &options = {})
     {
-        Result<std::unique_ptr<base::FileOutput>> output = base::FileOutput::create(path);
+        Result<std::unique_ptr<base::FileOutput>> output = base::FileOutput::create(path, options);
         EXPECT_TRUE(output.ok()) << output.error().what;
         return std::move(output.value());
+    }
+    // Of the file, open for reading and to append; closed at the end of the test.
+    int descriptor_of(const std::string &path)
+    {
+        opened = base::Descriptor(::open(path.c_str(), O_RDWR | O_APPEND | O_CLOEXEC));
+        return opened.get();
     }
     static mode_t mode_of(const std::string &path)
     {
@@ -55,6 +64,7 @@ protected:
 
     fs::path directory;
     std::string target;
+    base::Descriptor opened;
 };
 
 void expect_output_error(const Status &status, const std::string &what)
@@ -122,6 +132,84 @@ TEST_F(FileOutputTest, GivesANewFileWhatTheMaskAllows)
     EXPECT_TRUE(open(target)->commit().ok());
     ::umask(before);
     EXPECT_EQ(mode_of(target), 0640U);
+}
+
+// Whoever may not read the file that is replaced must not read the new one while it is written.
+TEST_F(FileOutputTest, IsPrivateUntilCommitted)
+{
+    const mode_t before = ::umask(0);
+    const auto output = open(target);
+    ::umask(before);
+    EXPECT_EQ(mode_of(output->temporary_path()), 0600U);
+    EXPECT_TRUE(output->commit().ok());
+    EXPECT_EQ(mode_of(target), 0666U);
+}
+
+TEST_F(FileOutputTest, KeepsWhatExistsWhenAsked)
+{
+    std::ofstream(target) << "before";
+    const auto refused = base::FileOutput::create(target, {.keep_existing = true});
+    ASSERT_FALSE(refused.ok());
+    expect_output_error(refused.error(), "exists already");
+    EXPECT_EQ(content(), "before");
+    EXPECT_EQ(files(), 1);
+}
+
+// Between the opening and the commit somebody else may have written a file of that name.
+TEST_F(FileOutputTest, KeepsWhatAppearedMeanwhileWhenAsked)
+{
+    const auto output = open(target, {.keep_existing = true});
+    output->write("late");
+    std::ofstream(target) << "early";
+    expect_output_error(output->commit(), "exists already");
+    EXPECT_EQ(content(), "early");
+    const auto other = open((directory / "other").string(), {.keep_existing = true});
+    EXPECT_TRUE(other->commit().ok());
+    EXPECT_TRUE(fs::exists(directory / "other"));
+}
+
+TEST_F(FileOutputTest, AsksItsGuardAboutWhatExists)
+{
+    std::ofstream(target) << "before";
+    std::string seen;
+    const auto guard = [&seen](const base::ExistingFile &file) -> Status {
+        std::array<char, 16> bytes{};
+        seen.assign(bytes.data(),
+                    static_cast<std::size_t>(::read(file.descriptor, bytes.data(), bytes.size())));
+        EXPECT_TRUE(S_ISREG(file.status.st_mode));
+        return Error{ErrorKind::output, "is dear", "take another"};
+    };
+    for (const std::string &path :
+         {target, std::string("/dev/fd/") + std::to_string(descriptor_of(target))}) {
+        seen.clear();
+        const auto output = base::FileOutput::create(path, {.guard = guard});
+        ASSERT_FALSE(output.ok());
+        expect_output_error(output.error(), "the output " + path + " is dear");
+        EXPECT_EQ(seen, "before");
+    }
+    EXPECT_TRUE(base::FileOutput::create(target + ".new", {.guard = guard}).ok());
+    EXPECT_EQ(content(), "before");
+}
+
+// It was opened to append, and so it is written.
+TEST_F(FileOutputTest, WritesToNamedDescriptorsAsTheyWereOpened)
+{
+    std::ofstream(target) << "before";
+    const auto output = open("/dev/fd/" + std::to_string(descriptor_of(target)));
+    output->write(", after");
+    EXPECT_TRUE(output->commit().ok());
+    EXPECT_EQ(content(), "before, after");
+    EXPECT_FALSE(base::FileOutput::create("/dev/fd/9999").ok());
+}
+
+TEST_F(FileOutputTest, RefusesALinkThatLeadsNowhere)
+{
+    fs::create_symlink("none", target);
+    const auto output = base::FileOutput::create(target);
+    ASSERT_FALSE(output.ok());
+    expect_output_error(output.error(), "is a symbolic link that leads nowhere");
+    EXPECT_TRUE(fs::is_symlink(target));
+    EXPECT_EQ(files(), 1);
 }
 
 TEST_F(FileOutputTest, GoesThroughASymbolicLink)
