@@ -34,6 +34,7 @@ struct Arguments {
     std::vector<std::string> list_files;
     std::string manifest;
     bool quiet = false;
+    bool strict = false; // what is no document is a failure, too
     std::optional<std::size_t> jobs;
     std::optional<double> max_seconds;
     // In bytes.

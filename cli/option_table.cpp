@@ -180,6 +180,8 @@ constexpr OptionEntry all_options[] = {
 
     {batch_command, "-q,--quiet", nullptr, "show neither progress nor the summary",
      flag<&Arguments::quiet>},
+    {batch_command, "--strict", nullptr, "exit with 1 also when a file is not a document",
+     flag<&Arguments::strict>},
     {batch_command, "-j,--jobs", "NUMBER",
      "how many files at a time; default: one for each processor", jobs},
     {batch_command, "--max-input", "SIZE", "skip larger files; default: 4GB",

@@ -1,16 +1,17 @@
 #include "batch/sandboxed/convert_file.h"
 
+#include "batch/sandboxed/checked_source.h"
 #include "batch/sandboxed/test_hook.h"
 #include "batch/wire/sha256.h"
 #include "lib/base/descriptor_output.h"
 #include "lib/base/printable.h"
 #include "lib/base/transfers.h"
 #include "pfsdoc/document.h"
+#include "pfsdoc/examine.h"
 #include "pfsdoc/reading_stopped.h"
 
 #include <array>
-#include <cerrno>
-#include <cstring>
+#include <memory>
 #include <optional>
 #include <sys/types.h>
 #include <unistd.h>
@@ -159,8 +160,6 @@ void note_after_end(Document &document, Outcome &outcome)
 Status write_document(Document &document, std::string_view title, base::DescriptorOutput &output,
                       const ConversionSettings &settings, Outcome &outcome)
 {
-    outcome.kind = static_cast<int32_t>(document.kind());
-    outcome.basis.set(document.identity().basis);
     const DocumentInfo info{document.kind(), base::printable(title)};
     const Status fault = settings.format->make_event_writer != nullptr
                              ? write_events(document, output, settings)
@@ -190,6 +189,9 @@ void finish(const Status &fault, const base::DescriptorOutput &output, Sha256 &s
         outcome.set_error(fault.error());
     }
     outcome.system_error = output.error_number();
+    if (outcome.status == FileStatus::unreadable) {
+        outcome.has_input_digest = 0; // of what is no longer there, or not all of it
+    }
     if (has_output(outcome.status)) {
         outcome.output_size = output.size();
         outcome.output_digest = sum.finish();
@@ -207,44 +209,46 @@ bool is_unchanged(const Job &job, const Digest &input, int earlier_output)
            (job.has_earlier_output == 0 || digest_of_file(earlier_output) == job.earlier_output);
 }
 
-Result<Document> open_document(const Job &job, base::Descriptor &input,
-                               base::DescriptorOutput &output, const ConversionSettings &settings)
+Status convert(std::unique_ptr<CheckedSource> owned, const Job &job, base::DescriptorOutput &output,
+               const ConversionSettings &settings, Outcome &outcome)
 {
     if (job.size >= input_size_limit) {
         return too_large();
     }
-    auto source =
-        std::make_unique<DescriptorSource>(input.release(), static_cast<uint32_t>(job.size));
-    run_test_hook(*source, output);
+    CheckedSource &source = *owned; // the document's from now on
+    run_test_hook(source, output);
     const bool offsets = settings.format->wants_offsets || settings.options.raw_lines;
-    return Document::from_source(std::move(source), {settings.module, offsets});
+    Result<Document> document = Document::from_source(std::move(owned), {settings.module, offsets});
+    if (!document.ok()) {
+        return document.error();
+    }
+    const DocumentKind kind = document.value().kind();
+    outcome.kind = static_cast<int32_t>(kind);
+    outcome.confidence = static_cast<int32_t>(examine(source, kind).confidence);
+    outcome.basis.set(document.value().identity().basis);
+    return write_document(document.value(), job.title.get(), output, settings, outcome);
 }
 
 } // namespace
 
 Outcome convert_file(const Job &job, JobFiles files, const ConversionSettings &settings)
 {
-    const std::optional<Digest> digest = digest_of_file(files.input.get());
-    if (!digest) {
-        return failed_outcome(FileStatus::unreadable,
-                              {ErrorKind::input,
-                               std::string("cannot be read: ") + std::strerror(errno),
-                               "check that it is a readable file"});
+    Result<std::unique_ptr<CheckedSource>> source =
+        CheckedSource::read(std::move(files.input), job.size);
+    if (!source.ok()) {
+        return failed_outcome(FileStatus::unreadable, source.error());
     }
     Outcome outcome;
     outcome.has_input_digest = 1;
-    outcome.input_digest = *digest;
-    if (is_unchanged(job, *digest, files.earlier_output.get())) {
+    outcome.input_digest = source.value()->digest();
+    if (is_unchanged(job, outcome.input_digest, files.earlier_output.get())) {
         outcome.status = FileStatus::unchanged;
         return outcome;
     }
     Sha256 sum;
     base::DescriptorOutput output(files.output.get(), settings.max_output,
                                   [&sum](std::string_view bytes) { sum.update(bytes); });
-    Result<Document> document = open_document(job, files.input, output, settings);
-    const Status fault =
-        document.ok() ? write_document(document.value(), job.title.get(), output, settings, outcome)
-                      : Status(document.error());
+    const Status fault = convert(std::move(source.value()), job, output, settings, outcome);
     finish(fault, output, sum, outcome);
     return outcome;
 }

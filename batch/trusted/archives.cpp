@@ -31,9 +31,9 @@ Error error_of_member(ArchiveOutcome outcome, const InputOptions &options)
 {
     switch (outcome) {
     case ArchiveOutcome::link:
-        return {ErrorKind::input, "is a link inside an archive", "unpack the archive"};
+        return {ErrorKind::not_a_document, "is a link inside an archive", "unpack the archive"};
     case ArchiveOutcome::special:
-        return {ErrorKind::input, "is a device or a pipe inside an archive", ""};
+        return {ErrorKind::not_a_document, "is a device or a pipe inside an archive", ""};
     case ArchiveOutcome::encrypted:
         return {ErrorKind::input, "is encrypted", "unpack the archive with its password"};
     case ArchiveOutcome::too_large: return too_large(options.max_input);
@@ -41,7 +41,15 @@ Error error_of_member(ArchiveOutcome outcome, const InputOptions &options)
     }
 }
 
-Error error_of_archive(ArchiveOutcome outcome, const InputOptions &options)
+std::string files_read(uint64_t members)
+{
+    return members == 0   ? "; nothing in it was read"
+           : members == 1 ? " behind its first file"
+                          : " behind its first " + std::to_string(members) + " files";
+}
+
+// The members are those that came whole.
+Error error_of_archive(ArchiveOutcome outcome, uint64_t members, const InputOptions &options)
 {
     switch (outcome) {
     case ArchiveOutcome::not_an_archive:
@@ -60,9 +68,11 @@ Error error_of_archive(ArchiveOutcome outcome, const InputOptions &options)
         return {ErrorKind::internal, "cannot be read: there is no sandbox to do it in",
                 "allow reading without one"};
     case ArchiveOutcome::reader_ended:
-        return {ErrorKind::damaged, "made its reader end; the rest is not read", "unpack it"};
+        return {ErrorKind::damaged, "made its reader end" + files_read(members), "unpack it"};
+    case ArchiveOutcome::whole:
+        return {ErrorKind::not_a_document, "is an archive without a file in it", ""};
     default:
-        return {ErrorKind::damaged, "is a damaged archive; the rest is not read",
+        return {ErrorKind::damaged, "is a damaged archive, and breaks off" + files_read(members),
                 "get the archive again"};
     }
 }
@@ -111,8 +121,8 @@ private:
 } // namespace
 
 ArchiveMembers::ArchiveMembers(const base::Descriptor &archive, std::string name,
-                               const InputOptions &options, NameSet &names)
-    : name_(std::move(name)), options_(options), names_(names)
+                               std::string source, const InputOptions &options, NameSet &names)
+    : name_(std::move(name)), source_(std::move(source)), options_(options), names_(names)
 {
     start(archive);
 }
@@ -150,10 +160,14 @@ void ArchiveMembers::stop()
 std::optional<BatchInput> ArchiveMembers::end(ArchiveOutcome outcome)
 {
     stop();
-    if (outcome == ArchiveOutcome::whole) {
+    if (outcome == ArchiveOutcome::whole && members_ > 0) {
         return std::nullopt;
     }
-    return BatchInput{name_, base::Descriptor(), 0, error_of_archive(outcome, options_)};
+    BatchInput input = failed_input(name_, source_, error_of_archive(outcome, whole_, options_));
+    if (outcome == ArchiveOutcome::reader_ended) {
+        input.status = FileStatus::crashed;
+    }
+    return input;
 }
 
 std::optional<BatchInput> ArchiveMembers::member(const std::string &path)
@@ -175,22 +189,25 @@ std::optional<BatchInput> ArchiveMembers::member(const std::string &path)
         }
         std::string name =
             names_.unique(below(name_, safe_name(path, Separators::slash_and_backslash)));
+        std::string source = source_ + "!/" + path;
         if (message->outcome != ArchiveOutcome::whole) {
-            return BatchInput{std::move(name), base::Descriptor(), 0,
-                              error_of_member(message->outcome, options_)};
+            return failed_input(std::move(name), std::move(source),
+                                error_of_member(message->outcome, options_));
         }
+        ++whole_;
         Result<base::Descriptor> file = content.take();
         if (!file.ok()) {
-            return BatchInput{std::move(name), base::Descriptor(), 0, file.error()};
+            return failed_input(std::move(name), std::move(source), file.error());
         }
-        return BatchInput{std::move(name), std::move(file.value()), content.size(), std::nullopt};
+        return BatchInput{std::move(name), std::move(source), std::move(file.value()),
+                          content.size()};
     }
 }
 
 std::optional<BatchInput> ArchiveMembers::next()
 {
     if (error_) {
-        return BatchInput{name_, base::Descriptor(), 0, std::exchange(error_, std::nullopt)};
+        return failed_input(name_, source_, *std::exchange(error_, std::nullopt));
     }
     if (reader_.id() == 0) {
         return std::nullopt;

@@ -20,8 +20,8 @@ constexpr uint64_t most_members = 1'000'000;
 class ArchiveMembers {
 public:
     // All but the archive must outlive this.
-    ArchiveMembers(const base::Descriptor &archive, std::string name, const InputOptions &options,
-                   NameSet &names);
+    ArchiveMembers(const base::Descriptor &archive, std::string name, std::string source,
+                   const InputOptions &options, NameSet &names);
     // Ends the reader.
     ~ArchiveMembers();
     ArchiveMembers(const ArchiveMembers &) = delete;
@@ -36,11 +36,13 @@ private:
     std::optional<BatchInput> member(const std::string &path);
 
     std::string name_;
+    std::string source_;
     const InputOptions &options_;
     NameSet &names_;
     base::Descriptor messages_;
     ChildProcess reader_;
-    uint64_t members_ = 0;
+    uint64_t members_ = 0;       // that have begun
+    uint64_t whole_ = 0;         // of them, those that were read to their end
     uint64_t bytes_ = 0;         // of all members
     std::optional<Error> error_; // why no reader was started
 };

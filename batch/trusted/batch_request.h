@@ -26,6 +26,7 @@ struct BatchRequest {
     RecordedRequest recorded;
     ProgressForm progress = ProgressForm::lines;
     bool quiet = false;
+    bool strict = false; // files that are no documents are failures of the run, too
 };
 
 // What is written must not be read: the run would not be the same when it is done again, or

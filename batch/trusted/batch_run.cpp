@@ -150,10 +150,11 @@ void BatchRun::prepare_tasks()
 
 void BatchRun::prepare(BatchInput input)
 {
-    RecordedFile file{input.name, input.size, input.name + "." + request_.recorded.extension};
+    RecordedFile file{input.name, input.source, input.size,
+                      input.name + "." + request_.recorded.extension};
     Task task{lines_.add(), std::move(input), std::move(file)};
     if (task.input.error) {
-        record(task, failed_outcome(status_of(task.input.error->kind), *task.input.error));
+        record(task, failed_outcome(task.input.status, *task.input.error));
         return;
     }
     look_up(task);

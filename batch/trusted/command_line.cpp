@@ -30,7 +30,7 @@ Examples:
   jq -r 'select(.status != "converted") | .name' out/manifest.ndjson
 
 Exit codes:
-  0    all files have been converted
+  0    all documents have been converted; with --strict: all files
   1    some have not, or only in part; the manifest says which
   2    the command line is wrong
   7    an output or the manifest cannot be written
@@ -158,9 +158,10 @@ Result<BatchRequest> BatchCommandLine::request()
     request.workers = arguments.jobs.value_or(std::min(count_processors(), cli::most_jobs));
     request.max_time = std::chrono::milliseconds(static_cast<int64_t>(std::ceil(seconds * 1000)));
     request.recorded = {arguments.format, std::string(settings.value().format->extension),
-                        options_that_matter(arguments)};
+                        options_that_matter(arguments), arguments.module};
     request.progress = progress_form(arguments.quiet);
     request.quiet = arguments.quiet;
+    request.strict = arguments.strict;
     return request;
 }
 

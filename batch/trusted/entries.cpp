@@ -23,15 +23,17 @@ std::string read_remedy(int error_number)
     }
 }
 
-Error not_a_file(mode_t mode)
+// What was named is expected to be read; what lies in a folder need not be a document.
+Error not_a_file(mode_t mode, Links links)
 {
+    const ErrorKind kind = links == Links::refused ? ErrorKind::not_a_document : ErrorKind::input;
     switch (mode & S_IFMT) {
     case S_IFLNK:
-        return {ErrorKind::input, "is a symbolic link, which is not followed inside a folder",
+        return {kind, "is a symbolic link, which is not followed inside a folder",
                 "name it itself to read what it leads to"};
-    case S_IFIFO: return {ErrorKind::input, "is a pipe", "name files and folders"};
-    case S_IFSOCK: return {ErrorKind::input, "is a socket", "name files and folders"};
-    default: return {ErrorKind::input, "is a device", "name files and folders"};
+    case S_IFIFO: return {kind, "is a pipe", "name files and folders"};
+    case S_IFSOCK: return {kind, "is a socket", "name files and folders"};
+    default: return {kind, "is a device", "name files and folders"};
     }
 }
 
@@ -56,7 +58,7 @@ Result<Entry> open_entry(int folder, const std::string &path, Links links)
         return cannot_be_read(errno);
     }
     if (!is_file_or_folder(status.st_mode)) {
-        return not_a_file(status.st_mode);
+        return not_a_file(status.st_mode, links);
     }
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | (refused ? O_NOFOLLOW : 0);
     base::Descriptor file(::openat(folder, path.c_str(), flags));
@@ -64,7 +66,7 @@ Result<Entry> open_entry(int folder, const std::string &path, Links links)
         return cannot_be_read(errno);
     }
     if (!is_file_or_folder(status.st_mode)) {
-        return not_a_file(status.st_mode);
+        return not_a_file(status.st_mode, links);
     }
     return Entry{std::move(file),
                  S_ISDIR(status.st_mode),

@@ -29,6 +29,7 @@ struct Entry {
 };
 
 // A path that is not absolute is looked for in the open folder; AT_FDCWD is the current one.
+// Errors: input, and where links are refused not_a_document for what is neither file nor folder.
 Result<Entry> open_entry(int folder, const std::string &path, Links links);
 
 // The folder's identity, or nothing where there is none.

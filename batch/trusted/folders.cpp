@@ -50,29 +50,29 @@ Error too_deep()
 
 } // namespace
 
-FolderWalk::FolderWalk(base::Descriptor folder, std::string name,
+FolderWalk::FolderWalk(base::Descriptor folder, std::string name, std::string source,
                        std::optional<FileIdentity> exclude, NameSet &names)
     : exclude_(exclude), names_(names)
 {
-    first_ = enter(std::move(folder), std::move(name));
-}
-
-FoundFile FolderWalk::failed(const std::string &name, Error error)
-{
-    return {{names_.unique(name), base::Descriptor(), 0, std::move(error)}, false};
+    if (std::optional<Error> error = enter(std::move(folder), name, source)) {
+        name = name.empty() ? names_.unique(name) : name;
+        first_ = FoundFile{failed_input(std::move(name), std::move(source), std::move(*error))};
+    }
 }
 
 // An error, or nothing where there is one more level.
-std::optional<FoundFile> FolderWalk::enter(base::Descriptor folder, std::string name)
+std::optional<Error> FolderWalk::enter(base::Descriptor folder, std::string name,
+                                       std::string source)
 {
     if (levels_.size() == deepest_folder) {
-        return failed(name, too_deep());
+        return too_deep();
     }
     Result<std::vector<std::string>> entries = entries_of(folder.get());
     if (!entries.ok()) {
-        return failed(name, entries.error());
+        return entries.error();
     }
-    levels_.push_back({std::move(folder), std::move(name), std::move(entries.value())});
+    levels_.push_back(
+        {std::move(folder), std::move(name), std::move(source), std::move(entries.value())});
     return std::nullopt;
 }
 
@@ -80,17 +80,25 @@ std::optional<FoundFile> FolderWalk::enter(base::Descriptor folder, std::string 
 std::optional<FoundFile> FolderWalk::visit(const std::string &entry)
 {
     const Level &level = levels_.back();
-    const std::string name = below(level.name, safe_name(entry, Separators::slash));
+    std::string name = below(level.name, safe_name(entry, Separators::slash));
+    std::string source = level.source + (level.source.ends_with('/') ? "" : "/") + entry;
     Result<Entry> opened = open_entry(level.folder.get(), entry, Links::refused);
     if (!opened.ok()) {
-        return failed(name, opened.error());
+        return FoundFile{failed_input(names_.unique(name), std::move(source), opened.error())};
     }
     Entry &found = opened.value();
     if (!found.is_folder) {
-        return FoundFile{{names_.unique(name), std::move(found.file), found.size, std::nullopt},
-                         is_archive_name(entry)};
+        return FoundFile{
+            {names_.unique(name), std::move(source), std::move(found.file), found.size},
+            is_archive_name(entry)};
     }
-    return found.identity == exclude_ ? std::nullopt : enter(std::move(found.file), name);
+    if (found.identity == exclude_) {
+        return std::nullopt;
+    }
+    std::optional<Error> error = enter(std::move(found.file), name, source);
+    return error ? std::optional(FoundFile{
+                       failed_input(names_.unique(name), std::move(source), std::move(*error))})
+                 : std::nullopt;
 }
 
 std::optional<FoundFile> FolderWalk::next()

@@ -21,8 +21,9 @@ struct FoundFile {
 
 class FolderWalk {
 public:
-    FolderWalk(base::Descriptor folder, std::string name, std::optional<FileIdentity> exclude,
-               NameSet &names);
+    // The name is nobody else's, and may be empty.
+    FolderWalk(base::Descriptor folder, std::string name, std::string source,
+               std::optional<FileIdentity> exclude, NameSet &names);
     // Errors are in the input, and the walk goes on behind them.
     std::optional<FoundFile> next();
 
@@ -30,13 +31,13 @@ private:
     struct Level {
         base::Descriptor folder;
         std::string name; // of its inputs' names, the part before theirs
+        std::string source;
         std::vector<std::string> entries;
         std::size_t index = 0;
     };
 
-    std::optional<FoundFile> enter(base::Descriptor folder, std::string name);
+    std::optional<Error> enter(base::Descriptor folder, std::string name, std::string source);
     std::optional<FoundFile> visit(const std::string &entry);
-    FoundFile failed(const std::string &name, Error error);
 
     std::vector<Level> levels_;
     std::optional<FoundFile> first_; // the error of the folder itself

@@ -94,13 +94,15 @@ std::optional<BatchInput> AllInputs::use(FoundFile found)
 {
     BatchInput &input = found.input;
     if (found.is_archive) {
-        archive_ =
-            std::make_unique<ArchiveMembers>(input.file, std::move(input.name), options_, names_);
+        archive_ = std::make_unique<ArchiveMembers>(input.file, std::move(input.name),
+                                                    std::move(input.source), options_, names_);
         return std::nullopt;
     }
     if (!input.error && input.size > options_.max_input) {
-        input.error = too_large(input.size, options_.max_input);
-        input.file = base::Descriptor();
+        const uint64_t size = input.size;
+        input = failed_input(std::move(input.name), std::move(input.source),
+                             too_large(size, options_.max_input));
+        input.size = size;
     }
     return std::move(input);
 }
@@ -109,20 +111,20 @@ std::optional<BatchInput> AllInputs::use(FoundFile found)
 std::optional<BatchInput> AllInputs::open_path(const Named &named)
 {
     if (named.error) {
-        return BatchInput{names_.unique(named.name), base::Descriptor(), 0, named.error};
+        return failed_input(names_.unique(named.name), named.path, *named.error);
     }
     Result<Entry> opened = open_entry(AT_FDCWD, named.path, Links::followed);
     if (!opened.ok()) {
-        return BatchInput{names_.unique(named.name), base::Descriptor(), 0, opened.error()};
+        return failed_input(names_.unique(named.name), named.path, opened.error());
     }
     Entry &entry = opened.value();
     if (!entry.is_folder) {
-        return use({{names_.unique(named.name), std::move(entry.file), entry.size, std::nullopt},
+        return use({{names_.unique(named.name), named.path, std::move(entry.file), entry.size},
                     is_archive_name(named.path)});
     }
     std::string name = named.name.empty() ? "" : names_.unique(named.name);
-    folder_ =
-        std::make_unique<FolderWalk>(std::move(entry.file), std::move(name), exclude_, names_);
+    folder_ = std::make_unique<FolderWalk>(std::move(entry.file), std::move(name), named.path,
+                                           exclude_, names_);
     return std::nullopt;
 }
 
@@ -163,6 +165,17 @@ std::optional<BatchInput> AllInputs::next()
 }
 
 } // namespace
+
+BatchInput failed_input(std::string name, std::string source, Error error)
+{
+    FileStatus status = status_of(error.kind);
+    if (error.kind == ErrorKind::damaged) {
+        status = FileStatus::unreadable;
+    } else if (error.kind == ErrorKind::not_a_document) {
+        status = FileStatus::skipped;
+    }
+    return {std::move(name), std::move(source), {}, 0, std::move(error), status};
+}
 
 std::unique_ptr<BatchInputs> open_inputs(const InputOptions &options)
 {

@@ -7,6 +7,7 @@
 // tests/batch/trusted/inputs_test.cpp and archive_inputs_test.cpp.
 #pragma once
 
+#include "batch/wire/outcome.h"
 #include "batch/wire/settings.h"
 #include "lib/base/descriptor.h"
 #include "pfsdoc/error.h"
@@ -27,10 +28,18 @@ struct BatchInput {
     // goes by the whole path there. No two inputs of a batch have the same name: later ones get
     // " (2)", " (3)" before their ending.
     std::string name;
-    base::Descriptor file;      // positioned at its start; can be positioned (regular or in memory)
-    uint64_t size = 0;          // in bytes
-    std::optional<Error> error; // set: it cannot be read, and file is not open
+    // Where it was found: the path as it was given, and behind that of a folder "/" and the way
+    // from there, behind that of an archive "!/" and the member's name. Any bytes.
+    std::string source;
+    base::Descriptor file{}; // positioned at its start; can be positioned (regular or in memory)
+    uint64_t size = 0;       // in bytes
+    std::optional<Error> error{};               // set: it cannot be read, and file is not open
+    FileStatus status = FileStatus::unreadable; // with an error: never one that has an output
 };
+
+// For what is not read. The error's kind says why: damaged is an archive, of which nothing becomes
+// an output; not_a_document is what is no file, and was found rather than named.
+BatchInput failed_input(std::string name, std::string source, Error error);
 
 // Waits until the descriptor can be read from. False: no more inputs are wanted.
 using WaitForInput = std::function<bool(int descriptor)>;

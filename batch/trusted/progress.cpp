@@ -52,23 +52,49 @@ uint64_t Tally::files() const
     return std::accumulate(counts_.begin(), counts_.end(), uint64_t{0});
 }
 
+uint64_t Tally::count(FileStatus status) const
+{
+    return counts_[static_cast<std::size_t>(status)];
+}
+
 uint64_t Tally::failures() const
 {
-    return files() - counts_[static_cast<std::size_t>(FileStatus::converted)];
+    uint64_t sum = 0;
+    for (std::size_t i = 0; i < counts_.size(); ++i) {
+        sum += is_failure(static_cast<FileStatus>(i)) ? counts_[i] : 0;
+    }
+    return sum;
+}
+
+uint64_t Tally::others() const
+{
+    return files() - failures() - count(FileStatus::converted);
+}
+
+// "2 failed (1 damaged, 1 limit)"; empty for none.
+std::string Tally::group(std::string_view name, uint64_t sum, bool (*is_in)(FileStatus)) const
+{
+    std::string words = sum == 0 ? "" : ", " + std::to_string(sum) + " " + std::string(name);
+    std::string_view before = " (";
+    for (std::size_t i = 0; i < counts_.size(); ++i) {
+        const auto status = static_cast<FileStatus>(i);
+        if (counts_[i] != 0 && is_in(status)) {
+            words.append(before).append(std::to_string(counts_[i])).append(" ");
+            words.append(status_name(status));
+            before = ", ";
+        }
+    }
+    return words + (sum == 0 ? "" : ")");
 }
 
 std::string Tally::words() const
 {
-    std::string words = std::to_string(files()) + (files() == 1 ? " file" : " files");
-    std::string_view before = ": ";
-    for (std::size_t i = 0; i < counts_.size(); ++i) {
-        if (counts_[i] != 0) {
-            words.append(before).append(std::to_string(counts_[i])).append(" ");
-            words.append(status_name(static_cast<FileStatus>(i)));
-            before = ", ";
-        }
-    }
-    return words;
+    return std::to_string(files()) + (files() == 1 ? " file: " : " files: ") +
+           std::to_string(count(FileStatus::converted)) + " converted" +
+           group("failed", failures(), is_failure) +
+           group("ignored", others(), [](FileStatus status) {
+               return status != FileStatus::converted && !is_failure(status);
+           });
 }
 
 std::string Progress::line_of(const Tally &tally, double seconds) const

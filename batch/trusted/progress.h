@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace pfsdoc::batch {
 
@@ -20,11 +21,15 @@ public:
         ++counts_[static_cast<std::size_t>(status)];
     }
     uint64_t files() const;
-    uint64_t failures() const; // all but those that were converted whole
-    // "1000 files: 990 converted, 10 damaged".
+    uint64_t count(FileStatus status) const;
+    uint64_t failures() const; // is_failure()
+    uint64_t others() const;   // neither converted nor failures
+    // "1000 files: 990 converted, 3 failed (3 damaged), 7 ignored (7 not_a_document)".
     std::string words() const;
 
 private:
+    std::string group(std::string_view name, uint64_t sum, bool (*is_in)(FileStatus)) const;
+
     std::array<uint64_t, file_status_count> counts_{};
 };
 

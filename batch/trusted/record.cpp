@@ -1,5 +1,6 @@
 #include "batch/trusted/record.h"
 
+#include "lib/base/escaped_name.h"
 #include "lib/base/json_text.h"
 #include "lib/base/printable.h"
 
@@ -23,6 +24,21 @@ void append_text(std::string &line, std::string_view name, std::string_view text
     base::append_json_member(line, name, base::printable(text));
 }
 
+std::optional<std::string> module_of(const RecordedRequest &request)
+{
+    return request.module.empty() ? std::nullopt
+                                  : std::optional(base::escaped_name(request.module));
+}
+
+void append_or_null(std::string &line, std::string_view name, std::string_view text)
+{
+    if (text.empty()) {
+        append_null(line, name);
+    } else {
+        base::append_json_member(line, name, text);
+    }
+}
+
 // Begins a member that is an object.
 void open_object(std::string &line, std::string_view name)
 {
@@ -33,14 +49,17 @@ void open_object(std::string &line, std::string_view name)
 void append_kind(std::string &line, const Outcome &outcome)
 {
     if (outcome.kind == no_kind) {
-        append_null(line, "kind");
-        append_null(line, "file_id");
-        append_null(line, "basis");
+        for (const char *name : {"kind", "file_id", "puid", "confidence", "basis"}) {
+            append_null(line, name);
+        }
         return;
     }
     const auto kind = static_cast<DocumentKind>(outcome.kind);
     base::append_json_member(line, "kind", display_name(kind));
     base::append_json_member(line, "file_id", file_id(kind));
+    append_or_null(line, "puid", pronom_id(kind));
+    base::append_json_member(line, "confidence",
+                             confidence_name(static_cast<Confidence>(outcome.confidence)));
     append_text(line, "basis", outcome.basis.get());
 }
 
@@ -120,17 +139,30 @@ std::optional<FileStatus> status_of_name(const std::string &name)
     return std::nullopt;
 }
 
-// Throws what the library throws where a member is missing or of another type.
+// These throw what the library throws where a member is missing or of another type.
+bool is_of_request(const json &members, const RecordedRequest &request)
+{
+    const json &module = members.at("module");
+    return members.at("format").get<std::string>() == request.format &&
+           members.at("options").get<std::string>() == request.options &&
+           (module.is_null() ? std::nullopt : std::optional(module.get<std::string>())) ==
+               module_of(request) &&
+           members.at("pfsdoc").get<std::string>() == PFSDOC_VERSION;
+}
+
+bool is_of_file(const json &members, const RecordedFile &file)
+{
+    return members.at("name").get<std::string>() == base::printable(file.name) &&
+           members.at("source").get<std::string>() == base::escaped_name(file.source) &&
+           members.at("size").get<uint64_t>() == file.size;
+}
+
 std::optional<EarlierRecord> usable(const json &members, const RecordedFile &file,
                                     const RecordedRequest &request)
 {
     const auto status = status_of_name(members.at("status").get<std::string>());
-    const bool is_same = members.at("name").get<std::string>() == base::printable(file.name) &&
-                         members.at("size").get<uint64_t>() == file.size &&
-                         members.at("format").get<std::string>() == request.format &&
-                         members.at("options").get<std::string>() == request.options &&
-                         members.at("pfsdoc").get<std::string>() == PFSDOC_VERSION;
-    if (!is_same || !status || !is_final(*status) || members.at("sha256").is_null()) {
+    if (!is_of_file(members, file) || !is_of_request(members, request) || !status ||
+        !is_final(*status) || members.at("sha256").is_null()) {
         return std::nullopt;
     }
     EarlierRecord record{*status, {}, {}, 0, {}};
@@ -154,6 +186,7 @@ std::string record_line(const RecordedFile &file, const RecordedRequest &request
 {
     std::string line = "{";
     append_text(line, "name", file.name);
+    base::append_json_member(line, "source", base::escaped_name(file.source));
     base::append_json_member(line, "size", file.size);
     if (outcome.has_input_digest != 0) {
         base::append_json_member(line, "sha256", hex_of(outcome.input_digest));
@@ -169,6 +202,7 @@ std::string record_line(const RecordedFile &file, const RecordedRequest &request
     append_output(line, file, outcome);
     base::append_json_member(line, "format", request.format);
     base::append_json_member(line, "options", request.options);
+    append_or_null(line, "module", module_of(request).value_or(""));
     base::append_json_member(line, "pfsdoc", std::string_view(PFSDOC_VERSION));
     return line + "}\n";
 }

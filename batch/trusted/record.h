@@ -15,6 +15,7 @@ namespace pfsdoc::batch {
 // What a line says of its file beside the outcome.
 struct RecordedFile {
     std::string name;
+    std::string source; // where it was found: any bytes
     uint64_t size = 0;
     std::string output; // its name in the output folder, where there is one
 };
@@ -25,6 +26,7 @@ struct RecordedRequest {
     std::string format;
     std::string extension; // of the outputs, without the dot
     std::string options;   // as the command line has them: "--charset 850 --wrap 72"
+    std::string module;    // as it was named; empty for the built-in one
 };
 
 // With a line end.

@@ -19,7 +19,8 @@ int report_end(const BatchRequest &request, const BatchRun &run, const Status &f
     if (!request.quiet && !run.sandbox_words().empty()) {
         cli::report_line("sandbox: " + run.sandbox_words());
     }
-    const bool has_failures = run.tally().failures() > 0;
+    const bool has_failures = run.tally().failures() > 0 ||
+                              (request.strict && run.tally().count(FileStatus::not_a_document) > 0);
     if (!request.quiet) {
         const std::string where = request.manifest + (fault.ok() ? "" : ".partial");
         cli::report_line(run.tally().words() +

@@ -5,10 +5,11 @@ namespace pfsdoc::batch {
 namespace {
 
 constexpr std::array<std::string_view, file_status_count> names = {
-    "converted", "damaged", "not_a_document", "unreadable", "limit",     "memory",
-    "timeout",   "crashed", "name",           "internal",   "unchanged", "unwritten"};
+    "converted", "damaged", "not_a_document", "unreadable", "limit",     "memory",   "timeout",
+    "crashed",   "name",    "skipped",        "internal",   "unchanged", "unwritten"};
 
 constexpr int32_t kinds_end = static_cast<int32_t>(DocumentKind::first_choice_3) + 1;
+constexpr int32_t confidences_end = static_cast<int32_t>(Confidence::signature) + 1;
 
 } // namespace
 
@@ -47,7 +48,8 @@ Outcome failed_outcome(FileStatus status, const Error &error)
 bool is_sane(const Outcome &outcome)
 {
     return static_cast<std::size_t>(outcome.status) < file_status_count &&
-           outcome.kind >= no_kind && outcome.kind < kinds_end &&
+           outcome.kind >= no_kind && outcome.kind < kinds_end && outcome.confidence >= 0 &&
+           outcome.confidence < confidences_end &&
            (!has_output(outcome.status) ||
             (outcome.kind != no_kind && outcome.has_input_digest != 0));
 }

@@ -8,6 +8,7 @@
 
 #include "batch/wire/sha256.h"
 #include "pfsdoc/error.h"
+#include "pfsdoc/examine.h"
 #include "pfsdoc/identify.h"
 #include "pfsdoc/loss_report.h"
 
@@ -31,6 +32,7 @@ enum class FileStatus : uint32_t {
     timeout,   // --max-time
     crashed,   // the process that read it died
     name,      // there can be no output of that name
+    skipped,   // a link or a device inside a folder or an archive: what it leads to is not read
     internal,  // a fault of the program's own
     unchanged, // it is what it was in an earlier run; never in a manifest
     unwritten  // the output cannot be written, which ends the run; never in a manifest
@@ -74,6 +76,7 @@ inline constexpr uint64_t no_offset = UINT64_MAX;
 struct Outcome {
     FileStatus status = FileStatus::internal;
     int32_t kind = no_kind; // a DocumentKind
+    int32_t confidence = 0; // a Confidence, where there is a kind
     uint32_t has_input_digest = 0;
     uint32_t has_counts = 0; // formats of events have none
     int32_t system_error = 0;
@@ -103,6 +106,13 @@ constexpr bool is_final(FileStatus status)
 {
     return has_output(status) || status == FileStatus::not_a_document ||
            status == FileStatus::limit;
+}
+
+// Whether the file is one of those that a run is for, and was not converted whole.
+constexpr bool is_failure(FileStatus status)
+{
+    return status != FileStatus::converted && status != FileStatus::not_a_document &&
+           status != FileStatus::skipped;
 }
 
 FileStatus status_of(ErrorKind kind);

@@ -18,8 +18,8 @@ TEST_F(Batch, GivesEachFileItsStatus)
     const Outcome outcome = run({"batch", "in", "none", "-o", "out", "-t", "text"});
     EXPECT_EQ(outcome.exit_code, 1);
     EXPECT_EQ(outcome.output, "");
-    EXPECT_NE(outcome.errors.find("4 files: 1 converted, 1 damaged, 1 not_a_document, 1 "
-                                  "unreadable; see out/manifest.ndjson\n"),
+    EXPECT_NE(outcome.errors.find("4 files: 1 converted, 2 failed (1 damaged, 1 unreadable), 1 "
+                                  "ignored (1 not_a_document); see out/manifest.ndjson\n"),
               std::string::npos)
         << outcome.errors;
     EXPECT_EQ(statuses(), "in/a/letter: converted\n"
@@ -42,13 +42,15 @@ TEST_F(Batch, WritesALineOfJsonForAFile)
     const std::string output_sum = json.at("output").at("sha256");
     EXPECT_EQ(
         manifest(),
-        R"({"name":"a.pfs","size":)" + std::to_string(input.size()) + R"(,"sha256":")" + input_sum +
-            R"(","kind":"PFS: WRITE B","file_id":1013,)"
+        R"({"name":"a.pfs","source":"a.pfs","size":)" + std::to_string(input.size()) +
+            R"(,"sha256":")" + input_sum +
+            R"(","kind":"PFS: WRITE B","file_id":1013,"puid":"fmt/1414","confidence":"certain",)"
             R"("basis":"\"TYPE 2\" at 641, variant \"2\" at 649","status":"converted",)"
             R"("error":null,"counts":{"paragraphs":3,"characters":14,"page_breaks":1,)"
             R"("header_lines":0,"footer_lines":0},"losses":{},"after_end":null,"output":{"name":"a.pfs.txt","size":)" +
             std::to_string(output.size()) + R"(,"sha256":")" + output_sum +
-            R"("},"format":"text","options":"--no-headers","pfsdoc":")" PFSDOC_VERSION "\"}\n");
+            R"("},"format":"text","options":"--no-headers","module":null,"pfsdoc":")" PFSDOC_VERSION
+            "\"}\n");
     write("sums", input_sum + "  a.pfs\n" + output_sum + "  out/a.pfs.txt\n");
     const std::string check = "cd '" + directory.string() + "' && sha256sum --status -c sums";
     EXPECT_EQ(std::system(check.c_str()), 0);
@@ -66,6 +68,56 @@ TEST_F(Batch, RecordsWhatFollowsTheEndMark)
         EXPECT_EQ(nlohmann::json::parse(lines[1]).at("after_end"),
                   nlohmann::json({{"offset", letter.size()}, {"bytes", 20}}));
     }
+}
+
+// They claimed an output without a byte, which was not there.
+TEST_F(Batch, RecordsNoOutputOfAnArchiveThatBreaksOff)
+{
+    write_letter("in/a", std::string(20000, 'x'));
+    write_letter("in/b", std::string(20000, 'y'));
+    const std::string make =
+        "cd '" + directory.string() +
+        "' && tar cf t.tar in/a in/b && head -c 30000 t.tar > torn.tar && rm t.tar";
+    ASSERT_EQ(std::system(make.c_str()), 0);
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_EQ(run({"batch", "torn.tar", "-o", "out", "-t", "text"}).exit_code, 1);
+        EXPECT_EQ(statuses(),
+                  "torn.tar/in/a: converted\n"
+                  "torn.tar/in/b: unreadable, is damaged inside its archive\n"
+                  "torn.tar: unreadable, is a damaged archive, and breaks off behind its "
+                  "first file\n");
+        for (const std::string &line : lines_of(manifest())) {
+            const auto json = nlohmann::json::parse(line);
+            EXPECT_EQ(json.at("output").is_null(), json.at("status") != "converted") << line;
+        }
+    }
+    EXPECT_EQ(names(), "manifest.ndjson\ntorn.tar/in/a.txt\n");
+}
+
+// A README among the letters and a link are no reason for a code that scripts take for a failure.
+TEST_F(Batch, SucceedsWhereAllThatIsLeftIsNoDocument)
+{
+    write_letter("in/a", "Hello");
+    write("in/README.TXT", "Read me.");
+    fs::create_symlink("a", directory / "in/link");
+    const Outcome outcome = run({"batch", "in", "-o", "out", "-t", "text"});
+    EXPECT_EQ(outcome.exit_code, 0);
+    EXPECT_NE(outcome.errors.find("3 files: 1 converted, 2 ignored (1 not_a_document, 1 "
+                                  "skipped)\n"),
+              std::string::npos)
+        << outcome.errors;
+    EXPECT_EQ(run({"batch", "in", "-o", "out", "-t", "text", "--strict"}).exit_code, 1);
+    fs::remove(directory / "in/README.TXT");
+    EXPECT_EQ(run({"batch", "in", "-o", "out", "-t", "text", "--strict"}).exit_code, 0);
+}
+
+// A module is part of what made an output.
+TEST_F(Batch, ConvertsAgainWithAnotherModule)
+{
+    write_letter("in/a", "Hello");
+    run({"batch", "in", "-o", "out", "-t", "text"});
+    run({"batch", "in", "-o", "out", "-t", "text", "--module", "linked"});
+    EXPECT_EQ(nlohmann::json::parse(manifest()).at("module"), "linked");
 }
 
 TEST_F(Batch, IsTheSameForAnyNumberOfWorkers)

@@ -187,12 +187,12 @@ TEST_F(Archives, have_errors_for_links_and_devices)
                    {"file", "1"}});
     write_archive("b.zip", zip, {{"soft", "", AE_IFLNK, "/etc/passwd"}});
     EXPECT_EQ(found({"a.tar", "b.zip"}),
-              "a.tar/soft !input is a link inside an archive\n"
-              "a.tar/hard !input is a link inside an archive\n"
-              "a.tar/pipe !input is a device or a pipe inside an archive\n"
-              "a.tar/disk !input is a device or a pipe inside an archive\n"
+              "a.tar/soft !skipped is a link inside an archive\n"
+              "a.tar/hard !skipped is a link inside an archive\n"
+              "a.tar/pipe !skipped is a device or a pipe inside an archive\n"
+              "a.tar/disk !skipped is a device or a pipe inside an archive\n"
               "a.tar/file = 1\n"
-              "b.zip/soft !input is a link inside an archive\n");
+              "b.zip/soft !skipped is a link inside an archive\n");
 }
 
 TEST_F(Archives, have_errors_for_encrypted_members)
@@ -253,10 +253,12 @@ TEST_F(Archives, are_not_believed_a_huge_size)
     pfsdoc::batch::InputOptions options;
     options.paths = {"a.tar"};
     EXPECT_EQ(lines_of(options), "a.tar/a !limit has more than the 4294967296 bytes allowed\n"
-                                 "a.tar !damaged is a damaged archive; the rest is not read\n");
+                                 "a.tar !damaged is a damaged archive, and breaks off; nothing in "
+                                 "it was read\n");
     options.max_input = UINT64_MAX;
     EXPECT_EQ(lines_of(options), "a.tar/a !damaged is damaged inside its archive\n"
-                                 "a.tar !damaged is a damaged archive; the rest is not read\n");
+                                 "a.tar !damaged is a damaged archive, and breaks off; nothing in "
+                                 "it was read\n");
 }
 
 TEST_F(Archives, that_are_cut_give_what_they_have)
@@ -268,7 +270,8 @@ TEST_F(Archives, that_are_cut_give_what_they_have)
     fs::resize_file("a.tar", 512 * 13);
     EXPECT_EQ(found({"a.tar"}), "a.tar/a = " + first +
                                     "\na.tar/b !damaged is damaged inside its archive\n"
-                                    "a.tar !damaged is a damaged archive; the rest is not read\n");
+                                    "a.tar !damaged is a damaged archive, and breaks off behind "
+                                    "its first file\n");
 }
 
 // Nothing is lost without a word, and nothing waits or ends the batch, wherever it was cut.
@@ -284,6 +287,35 @@ TEST_F(Archives, that_are_cut_anywhere_are_told)
                 << name << " cut to " << length << " bytes";
         }
     }
+}
+
+// What is recorded of them must not claim an output.
+TEST_F(Archives, that_are_cut_are_unreadable_and_say_where_they_were_found)
+{
+    fs::create_directory("in");
+    write_archive("in/a.tar", tar,
+                  {{"a", std::string(5000, 'x')}, {"./b\\c", "y"}, {"c", std::string(5000, 'z')}});
+    fs::resize_file("in/a.tar", 512 * 16);
+    write("in/no.zip", "nothing");
+    pfsdoc::batch::InputOptions options;
+    options.paths = {"in"};
+    EXPECT_EQ(tests::sources_of(options), "in/a.tar/a < in/a.tar!/a\n"
+                                          "in/a.tar/b/c < in/a.tar!/./b\\c\n"
+                                          "in/a.tar/c < in/a.tar!/c unreadable\n"
+                                          "in/a.tar < in/a.tar unreadable\n"
+                                          "in/no.zip < in/no.zip unreadable\n");
+    options.paths = {"in/a.tar"};
+    const std::string lines = lines_of(options);
+    EXPECT_EQ(lines.substr(lines.rfind("a.tar !")),
+              "a.tar !damaged is a damaged archive, and breaks off behind its first 2 files\n");
+}
+
+TEST_F(Archives, without_a_file_have_a_line_all_the_same)
+{
+    write_archive("a.tar", tar, {});
+    write_archive("b.zip", zip, {{"folder/", "", AE_IFDIR}});
+    EXPECT_EQ(found({"a.tar", "b.zip"}), "a.tar !skipped is an archive without a file in it\n"
+                                         "b.zip !skipped is an archive without a file in it\n");
 }
 
 TEST_F(Archives, with_any_byte_changed_do_no_harm)
@@ -401,7 +433,7 @@ TEST_F(Archives, whose_reader_dies_give_one_error_for_the_rest)
     ASSERT_GT(reader, 1) << "this kernel does not tell a process's children";
     ASSERT_EQ(::kill(reader, SIGKILL), 0);
     EXPECT_EQ(line_of(*inputs->next()),
-              "a.tar !damaged made its reader end; the rest is not read\n");
+              "a.tar !damaged made its reader end behind its first file\n");
     EXPECT_EQ(line_of(*inputs->next()), "z = 2\n");
     EXPECT_FALSE(inputs->next().has_value());
 }

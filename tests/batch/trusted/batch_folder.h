@@ -41,6 +41,7 @@ inline std::string_view kind_of(const pfsdoc::Error &error)
     case pfsdoc::ErrorKind::input: return "input";
     case pfsdoc::ErrorKind::limit: return "limit";
     case pfsdoc::ErrorKind::damaged: return "damaged";
+    case pfsdoc::ErrorKind::not_a_document: return "skipped";
     default: return "other";
     }
 }
@@ -49,6 +50,7 @@ inline std::string line_of(const pfsdoc::batch::BatchInput &input)
 {
     if (input.error) {
         EXPECT_LT(input.file.get(), 0) << input.name << " has an error and is open";
+        EXPECT_FALSE(pfsdoc::batch::has_output(input.status)) << input.name;
         return input.name + " !" + std::string(kind_of(*input.error)) + " " + input.error->what +
                "\n";
     }
@@ -81,6 +83,18 @@ inline pid_t archive_reader()
     pid_t child = 0;
     std::ifstream("/proc/" + self + "/task/" + self + "/children") >> child;
     return child;
+}
+
+// "name < source", one a line, and the status of those that are not read.
+inline std::string sources_of(const pfsdoc::batch::InputOptions &options)
+{
+    std::string lines;
+    const auto inputs = opened(options);
+    while (const std::optional<pfsdoc::batch::BatchInput> input = inputs->next()) {
+        lines += input->name + " < " + input->source;
+        lines += input->error ? " " + std::string(status_name(input->status)) + "\n" : "\n";
+    }
+    return lines;
 }
 
 inline std::string lines_of(const pfsdoc::batch::InputOptions &options)

@@ -119,10 +119,10 @@ TEST_F(Inputs, follow_links_that_are_named_only)
     fs::create_symlink("nowhere", "in/hanging");
     fs::create_directory_symlink(".", "in/loop");
     EXPECT_EQ(found({"in", "in/file", "in/folder"}),
-              "in/file !input is a symbolic link, which is not followed inside a folder\n"
-              "in/folder !input is a symbolic link, which is not followed inside a folder\n"
-              "in/hanging !input is a symbolic link, which is not followed inside a folder\n"
-              "in/loop !input is a symbolic link, which is not followed inside a folder\n"
+              "in/file !skipped is a symbolic link, which is not followed inside a folder\n"
+              "in/folder !skipped is a symbolic link, which is not followed inside a folder\n"
+              "in/hanging !skipped is a symbolic link, which is not followed inside a folder\n"
+              "in/loop !skipped is a symbolic link, which is not followed inside a folder\n"
               "file = 1\n"
               "folder/a = 1\n");
     EXPECT_EQ(found({"in/hanging"}), "hanging !input cannot be read: No such file or directory\n");
@@ -136,8 +136,8 @@ TEST_F(Inputs, that_are_no_files_are_errors)
     const pfsdoc::base::Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_un address{AF_UNIX, "in/socket"};
     ASSERT_EQ(::bind(socket.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
-    EXPECT_EQ(found({"in", "in/pipe", "/dev/null"}), "in/pipe !input is a pipe\n"
-                                                     "in/socket !input is a socket\n"
+    EXPECT_EQ(found({"in", "in/pipe", "/dev/null"}), "in/pipe !skipped is a pipe\n"
+                                                     "in/socket !skipped is a socket\n"
                                                      "pipe !input is a pipe\n"
                                                      "null !input is a device\n");
 }
@@ -173,6 +173,43 @@ TEST_F(Inputs, that_may_not_be_read_are_errors)
                                  "in/d = 3\n");
     }
     fs::permissions("in/b", fs::perms::owner_all);
+}
+
+// It was recorded as "in (2)", as if there were another.
+TEST_F(Inputs, that_are_folders_nobody_may_list_keep_their_name)
+{
+    fs::create_directories("in/b");
+    write("in/b/c", "2");
+    fs::permissions(".", fs::perms(0755));
+    fs::permissions("in", fs::perms::none);
+    {
+        const AsNobody nobody;
+        EXPECT_EQ(found({"in", "in/"}), "in !input cannot be read: Permission denied\n"
+                                        "in (2) !input cannot be read: Permission denied\n");
+    }
+    fs::permissions("in", fs::perms::owner_all);
+}
+
+TEST_F(Inputs, say_where_they_were_found)
+{
+    write("x/in/a", "1");
+    write("x/in/b/c\xFF", "2");
+    write("list", "./x//in/a\nnowhere\n");
+    fs::create_symlink("a", "x/in/link");
+    pfsdoc::batch::InputOptions options;
+    options.paths = {"x/in", "./x/in/", "x/../x/in/a", "x/in/b/"};
+    options.list_files = {"list", "no list"};
+    EXPECT_EQ(tests::sources_of(options), "in/a < x/in/a\n"
+                                          "in/b/c\\xFF < x/in/b/c\xFF\n"
+                                          "in/link < x/in/link skipped\n"
+                                          "in (2)/a < ./x/in/a\n"
+                                          "in (2)/b/c\\xFF < ./x/in/b/c\xFF\n"
+                                          "in (2)/link < ./x/in/link skipped\n"
+                                          "a < x/../x/in/a\n"
+                                          "b/c\\xFF < x/in/b/c\xFF\n"
+                                          "x/in/a < ./x//in/a\n"
+                                          "nowhere < nowhere unreadable\n"
+                                          "no list < no list unreadable\n");
 }
 
 TEST_F(Inputs, are_found_down_to_the_deepest_folder)

@@ -39,7 +39,7 @@ TEST_F(Lines, ComeInOrder)
     d.finish(FileStatus::converted, "d");
     EXPECT_EQ(taken(), "d");
     EXPECT_TRUE(lines.is_empty());
-    EXPECT_EQ(tally.words(), "4 files: 2 converted, 1 damaged, 1 crashed");
+    EXPECT_EQ(tally.words(), "4 files: 2 converted, 2 failed (1 damaged, 1 crashed)");
 }
 
 // A file that takes long holds up the others in the end.

@@ -46,7 +46,7 @@ protected:
         ASSERT_TRUE(output.ok());
         output.value().close();
         commits->add({&lines.add(),
-                      {name, 0, name},
+                      {name, name, 0, name},
                       FileStatus::converted,
                       name + "\n",
                       std::move(output.value())});
@@ -61,7 +61,7 @@ protected:
     }
 
     fs::path directory;
-    pfsdoc::batch::RecordedRequest recorded{"text", "txt", ""};
+    pfsdoc::batch::RecordedRequest recorded{"text", "txt", "", ""};
     std::optional<pfsdoc::batch::OutputFolder> folder;
     std::optional<OutputCommits> commits;
     ManifestLines lines;
@@ -127,7 +127,7 @@ TEST_F(Commits, RecordANameThatCannotBe)
     EXPECT_TRUE(commits->finish_all().ok());
     EXPECT_NE(taken().find("\"status\":\"name\""), std::string::npos);
     EXPECT_TRUE(is_there("b"));
-    EXPECT_EQ(tally.words(), "2 files: 1 converted, 1 name");
+    EXPECT_EQ(tally.words(), "2 files: 1 converted, 1 failed (1 name)");
 }
 
 TEST_F(Commits, EndTheRunWhereNothingCanBeWritten)
