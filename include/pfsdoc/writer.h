@@ -31,7 +31,7 @@ inline constexpr AttributeSet all_attributes = 0xFFFF;
 // What is known of a document before its first block.
 struct DocumentInfo {
     DocumentKind kind = DocumentKind::write_a;
-    std::string title; // UTF-8 without control characters; may be empty
+    std::string title; // may be empty; what is not fit to be shown is written as \xHH
 };
 
 // The members of WriterOptions that not every format reads.

@@ -131,9 +131,10 @@ HtmlText::HtmlText(base::Utf8Output &output, const CodePage &code_page) : output
 }
 
 void HtmlText::write(const ShownText &text, const std::vector<page::TabGap> &tabs,
-                     bool outer_blanks_shown)
+                     bool outer_blanks_shown, std::size_t line_columns)
 {
     text_ = &text;
+    line_columns_ = line_columns;
     run_ = 0;
     const Range visible = visible_range(outer_blanks_shown);
     write_hidden({0, visible.begin});
@@ -269,7 +270,7 @@ bool HtmlText::may_be_broken(const Range &word) const
 
 void HtmlText::write_word(const Range &word)
 {
-    in_word_ = may_be_broken(word);
+    in_word_ = word.end - word.begin <= line_columns_ && may_be_broken(word);
     std::size_t written = word.begin;
     for (std::size_t at = word.begin; at < word.end; ++at) {
         if (!entity_of(text_->bytes()[at]).empty()) {

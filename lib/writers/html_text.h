@@ -72,9 +72,9 @@ public:
     HtmlText(base::Utf8Output &output, const CodePage &code_page);
 
     // `tabs` has one gap for each tab. `outer_blanks_shown` is false where blanks before the
-    // text and behind it have no width.
+    // text and behind it have no width. A word of more columns than a line has may be broken.
     void write(const ShownText &text, const std::vector<page::TabGap> &tabs,
-               bool outer_blanks_shown);
+               bool outer_blanks_shown, std::size_t line_columns);
 
 private:
     // What a byte is for the line breaking of browsers.
@@ -120,6 +120,7 @@ private:
     std::array<bool, 256> is_stop_{}; // bytes that writing has to look at
 
     const ShownText *text_ = nullptr; // during a call of write
+    std::size_t line_columns_ = 0;
     std::size_t run_ = 0;
     uint8_t open_elements_ = 0; // bit n stands for entry n of the table of elements
     bool in_word_ = false;

@@ -23,6 +23,7 @@
 //
 // Time is in proportion to the document. Held are one paragraph and the header and footer
 // lines. Tests: tests/lib/writers/html_writer_test.cpp; tests/judges/html.sh prints pages.
+#include "lib/base/printable.h"
 #include "lib/base/utf8_output.h"
 #include "lib/page/blank_bytes.h"
 #include "lib/page/page_geometry.h"
@@ -237,7 +238,8 @@ void HtmlWriter::write_head()
                 "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
                 "<meta name=\"color-scheme\" content=\"light dark\">\n"
                 "<meta name=\"generator\" content=\"pfsdoc\">\n<title>");
-    append_html_escaped(head, info_.title.empty() ? display_name(info_.kind) : info_.title);
+    append_html_escaped(head, info_.title.empty() ? std::string(display_name(info_.kind))
+                                                  : base::printable(info_.title));
     head.append("</title>\n<style>").append(html_stylesheet).append("</style>\n</head>\n");
     html_.utf8(head);
 }
@@ -317,7 +319,8 @@ void HtmlWriter::write_part(const Paragraph &paragraph, const page::LineGeometry
     } else {
         lay_out_tabs(geometry);
         text_.write(shown_, tabs_.gaps,
-                    geometry.alignment == page::LineAlignment::left && !part_continues_);
+                    geometry.alignment == page::LineAlignment::left && !part_continues_,
+                    geometry.width);
     }
     html_.utf8("</p>\n");
 }

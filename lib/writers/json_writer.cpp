@@ -1,6 +1,7 @@
 #include "lib/writers/json_writer.h"
 
 #include "lib/base/json_text.h"
+#include "lib/base/printable.h"
 #include "lib/page/blank_bytes.h"
 #include "lib/page/page_geometry.h"
 #include "lib/writers/formats.h"
@@ -68,7 +69,7 @@ void JsonWriter::append_document(const DocumentInfo &info)
     json_.append(",\"document\":{\"kind\":");
     base::append_json_string(json_, display_name(info.kind));
     base::append_json_member(json_, "file_id", file_id(info.kind));
-    base::append_json_member(json_, "title", info.title);
+    base::append_json_member(json_, "title", base::printable(info.title));
     base::append_json_member(json_, "charset", options_.code_page->name());
     json_.append(options_.lines ? "}}\n" : "},\n\"blocks\":[\n");
 }

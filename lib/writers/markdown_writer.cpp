@@ -97,13 +97,26 @@ constexpr bool can_begin_a_tag(char byte)
     return is_ascii_letter(byte) || byte == '/' || byte == '!' || byte == '?';
 }
 
+// Whether a reader that makes links of bare addresses, as GitHub does, finds one by this character:
+// by "www." or "://". Mail's bare addresses cannot be kept from it: it looks for them in the text
+// that it has read, where nothing is escaped any more.
+bool is_in_bare_link(std::string_view word, std::size_t at)
+{
+    if (word[at] == ':') {
+        return word.substr(at + 1).starts_with("//");
+    }
+    const auto is_w = [](char byte) { return byte == 'w' || byte == 'W'; };
+    return at >= 3 && is_w(word[at - 1]) && is_w(word[at - 2]) && is_w(word[at - 3]);
+}
+
 constexpr bool can_begin_an_entity(char byte)
 {
     return is_ascii_letter(byte) || byte == '#';
 }
 
-// Whether a character of a word means something wherever it stands.
-bool is_special(std::string_view word, std::size_t at)
+// Whether a character of a word means something wherever it stands. In a word with an at sign
+// anything behind "<" may be a mail's address.
+bool is_special(std::string_view word, std::size_t at, bool has_at_sign)
 {
     const char next = at + 1 < word.size() ? word[at + 1] : ' ';
     switch (word[at]) {
@@ -114,8 +127,10 @@ bool is_special(std::string_view word, std::size_t at)
     case '[':
     case '~':
     case '|': return true;
-    case '<': return can_begin_a_tag(next);
+    case '<': return can_begin_a_tag(next) || has_at_sign;
     case '&': return can_begin_an_entity(next);
+    case '.':
+    case ':': return is_in_bare_link(word, at);
     default: return false;
     }
 }
@@ -213,6 +228,7 @@ void MarkdownWriter::word(const page::Word &word)
 void MarkdownWriter::begin_word(const page::Word &word)
 {
     raw_.clear();
+    word_has_at_sign_ = word.utf8.find('@') != std::string_view::npos;
     escaped_at_ = std::string_view::npos;
     if (!line_open_) {
         begin_block();
@@ -284,7 +300,7 @@ void MarkdownWriter::append_character(const page::Word &word, std::size_t at, st
         append_reference(last_character_);
         return;
     }
-    if (at == escaped_at_ || is_special(word.utf8, at)) {
+    if (at == escaped_at_ || is_special(word.utf8, at, word_has_at_sign_)) {
         raw_.push_back('\\');
     }
     raw_.append(utf8);

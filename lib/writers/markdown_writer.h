@@ -15,8 +15,9 @@
 //
 // Everything else that could mean something is escaped, but only where it could: a file that
 // nobody reads as it stands needs no Markdown. A bracket that opens is what makes a link, so
-// one that closes is harmless; "<" and "&" matter in front of what could be a tag or an
-// entity; "#", "-", "+", ">" and "1." at the beginning of a line.
+// one that closes is harmless; "<" and "&" matter in front of what could be a tag, an address or
+// an entity; "#", "-", "+", ">" and "1." at the beginning of a line; "www." and "://" where readers
+// make links of bare addresses. Mail's bare addresses GitHub finds however they are written.
 //
 // Emphasis. Whether asterisks open or close depends on their neighbours: they open only if no
 // blank follows, and they must not stand between a letter and a punctuation mark, which would
@@ -71,7 +72,8 @@ private:
     std::string raw_;
     std::string closing_marks_;
     std::string opening_marks_;
-    std::size_t escaped_at_ = 0;           // in the word: what the beginning of a line needs
+    std::size_t escaped_at_ = 0; // in the word: what the beginning of a line needs
+    bool word_has_at_sign_ = false;
     bool next_as_reference_ = false;       // the part's first character
     std::size_t last_character_begin_ = 0; // in raw_
     unsigned last_character_ = 0;

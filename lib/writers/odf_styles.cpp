@@ -23,6 +23,8 @@ constexpr int32_t hundredths_per_inch = 100;
 constexpr int32_t column_hundredths = 10;
 constexpr int32_t page_height = 11 * hundredths_per_inch;
 constexpr int32_t usual_page_columns = 85;
+// Between the text and the edge of the paper at least, as printers need it.
+constexpr int32_t edge_columns = 3;
 // The font's characters are a little wider than a tenth of an inch: without this room, lines
 // that fill their columns would be broken.
 constexpr int32_t spare_width = 1;
@@ -78,10 +80,16 @@ void append_vertical_margin(std::string &xml, std::string_view attribute, bool i
 
 // -------------------------------------------------------------------- paragraphs ------
 
-// The document's columns, and the paper's where they are fewer.
+// By how many columns the page is moved to the right, away from the edge.
+int32_t page_shift(const PageColumns &page)
+{
+    return std::max(0, edge_columns - page.left);
+}
+
+// As many as the document's columns need, and not fewer than usual.
 int32_t paper_columns(const PageColumns &page)
 {
-    return std::max(usual_page_columns, page.right + 1);
+    return std::max(usual_page_columns, page_shift(page) + page.right + 1 + edge_columns);
 }
 
 // Tabs beyond the last stop go to every eighth column, so a paragraph that has tabs gets stops
@@ -198,12 +206,15 @@ void append_common_style(std::string &xml, std::string_view name, std::string_vi
 ParagraphLook paragraph_look(const LineGeometry &geometry, int32_t line_spacing,
                              const PageColumns &page, const ParagraphStart &start)
 {
-    const int32_t paper = paper_columns(page);
-    const auto left_margin = std::min(static_cast<int32_t>(geometry.left_margin), paper - 1);
-    const auto width = static_cast<int32_t>(geometry.width);
-    const int32_t right = std::min(left_margin + width, paper) - 1;
+    const int32_t shift = page_shift(page);
+    const int32_t end = paper_columns(page) - edge_columns - shift;
     const auto indent = static_cast<int32_t>(geometry.indent);
     const auto first_line = static_cast<int32_t>(geometry.first_line_indent);
+    const int32_t begin = edge_columns - shift - std::min(indent, first_line);
+    const int32_t left_margin =
+        std::min(std::max(static_cast<int32_t>(geometry.left_margin), begin), end - 1);
+    const auto width = static_cast<int32_t>(geometry.width);
+    const int32_t right = std::min(left_margin + width, end) - 1;
     ParagraphLook look;
     look.alignment = geometry.alignment;
     look.is_double_spaced = line_spacing == VW_DOUBLE_SPACING;
@@ -326,13 +337,14 @@ void append_page_layout(std::string &xml, const PageColumns &page, bool has_head
 {
     const int32_t paper = paper_columns(page);
     const int32_t width = paper * column_hundredths;
-    const int32_t right = (paper - 1 - page.right) * column_hundredths - spare_width;
+    const int32_t left = page_shift(page) + page.left;
+    const int32_t right = (paper - left - page.width()) * column_hundredths - spare_width;
     xml.append("<style:page-layout style:name=\"").append(page_layout_name);
     xml.append("\"><style:page-layout-properties");
     append_length(xml, "fo:page-width", width);
     append_length(xml, "fo:page-height", page_height);
-    append_length(xml, "fo:margin-left", page.left * column_hundredths);
-    append_length(xml, "fo:margin-right", std::max(right, 0));
+    append_length(xml, "fo:margin-left", left * column_hundredths);
+    append_length(xml, "fo:margin-right", right);
     append_vertical_margin(xml, "fo:margin-top", has_header);
     append_vertical_margin(xml, "fo:margin-bottom", has_footer);
     xml.append(" style:print-orientation=\"");

@@ -1,6 +1,7 @@
 #include "lib/writers/pandoc_writer.h"
 
 #include "lib/base/json_text.h"
+#include "lib/base/printable.h"
 #include "lib/page/page_geometry.h"
 #include "lib/page/paragraph_pieces.h"
 #include "lib/writers/formats.h"
@@ -95,7 +96,7 @@ PandocWriter::PandocWriter(Output &output, const DocumentInfo &info, const Write
       nesting_(nesting_order)
 {
     json_.append(document_begin);
-    append_inlines(json_, info.title);
+    append_inlines(json_, base::printable(info.title));
     json_.append(blocks_begin);
     out().utf8(json_);
 }

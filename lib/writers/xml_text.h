@@ -18,8 +18,8 @@ constexpr std::string_view xml_entity(char character)
     }
 }
 
-// Appends any bytes as the text of an element. Control characters, and bytes that are not
-// UTF-8, are written as \xNN; U+FFFE and U+FFFF, which no XML may hold, become U+FFFD.
+// Appends any bytes as the text of an element. What is not to be shown, of which XML may not hold
+// all, is written as \xHH.
 void append_xml_text(std::string &xml, std::string_view bytes);
 
 } // namespace pfsdoc::writers

@@ -44,6 +44,9 @@ for document in "$samples"/*/*.doc; do
     /usr/bin/python3 "$here/html_pages.py" "$work/$name.pdf" "$page" "${document%.doc}.text" || failed=1
     count=$((count + 1))
 done
+# Double spacing has its room below the line, as OpenDocument has it in odf.sh.
+/usr/bin/python3 "$here/odf_spacing.py" "$work/1014-professional-write-1-letter.pdf" \
+    Thyme 24 Sow 24 pair 24 They 12 bean || failed=1
 [ "$count" -gt 0 ] || complain "there are no samples in $samples"
 echo "html: $count documents"
 exit "$failed"

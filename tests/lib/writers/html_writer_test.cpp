@@ -218,6 +218,14 @@ TEST(HtmlText, LeavesOtherWordsAlone)
     });
 }
 
+TEST(HtmlText, LetsAWordBeBrokenThatIsLongerThanALine)
+{
+    TypedEvents events;
+    events.margins(0, 9).line("go mother-law").line("go mother-laws");
+    EXPECT_EQ(main_part(events), "<p>go <span class=\"word\">mother-law</span></p>\n"
+                                 "<p>go mother-laws</p>\n");
+}
+
 TEST(HtmlText, KeepsAWordWholeOverAChangeOfAttributes)
 {
     TypedEvents events;
@@ -651,7 +659,6 @@ std::string repeated(std::string_view part, std::size_t times)
 }
 
 constexpr std::size_t paragraph_tags = 8; // with the line end
-constexpr std::size_t word_tags = 26;
 
 TEST(HostileHtml, ParagraphOfAMegabyteIsWrittenInChunks)
 {
@@ -663,7 +670,7 @@ TEST(HostileHtml, ParagraphOfAMegabyteIsWrittenInChunks)
 TEST(HostileHtml, WordThatMightBeBrokenAnywhere)
 {
     const Cost found = cost(one_paragraph(repeated("-a", megabyte)));
-    EXPECT_EQ(found.bytes, 2 * megabyte + paragraph_tags + word_tags);
+    EXPECT_EQ(found.bytes, 2 * megabyte + paragraph_tags);
 }
 
 TEST(HostileHtml, WordOfNothingButEscapes)

@@ -120,7 +120,10 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(Escape{"Smith & Sons", "Smith & Sons"}, Escape{"AT&T", R"(AT\&T)"},
                     Escape{"&amp; &#42;", R"(\&amp; \&#42;)"}, Escape{"1 < 2", "1 < 2"},
                     Escape{"1<2", "1<2"}, Escape{"<b> </b>", R"(\<b> \</b>)"},
-                    Escape{"<!-- <?", R"(\<!-- \<?)"}, Escape{"<a@b.org>", R"(\<a@b.org>)"}));
+                    Escape{"<!-- <?", R"(\<!-- \<?)"}, Escape{"<a@b.org>", R"(\<a@b.org>)"},
+                    Escape{"<1@b.org>", R"(\<1@b.org>)"}, Escape{"www.a.org", R"(www\.a.org)"},
+                    Escape{"WWW.a.org", R"(WWW\.a.org)"}, Escape{"ww.a ...", "ww.a ..."},
+                    Escape{"http://a.org", R"(http\://a.org)"}, Escape{"a: //b", "a: //b"}));
 
 INSTANTIATE_TEST_SUITE_P(AtTheBeginningOfALine, MarkdownEscape,
                          testing::Values(Escape{"# one # 2", R"(\# one # 2)"},
