@@ -40,6 +40,19 @@ Status check_paths(const BatchRequest &request)
     return {};
 }
 
+std::vector<std::string> reserved_names(const std::string &output, const std::string &manifest)
+{
+    namespace fs = std::filesystem;
+    std::error_code failure;
+    const fs::path folder = fs::weakly_canonical(fs::absolute(output), failure);
+    const fs::path file = fs::weakly_canonical(fs::absolute(manifest), failure);
+    if (failure || !lies_in(file, folder)) {
+        return {};
+    }
+    const std::string name = file.lexically_relative(folder);
+    return {name, name + ".partial", name + ".earlier"};
+}
+
 std::optional<uint64_t> count_files(const InputOptions &inputs)
 {
     namespace fs = std::filesystem;

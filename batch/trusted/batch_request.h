@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace pfsdoc::batch {
 
@@ -32,6 +33,10 @@ struct BatchRequest {
 // What is written must not be read: the run would not be the same when it is done again, or
 // have no end. Below the folders that are read, the output's own is passed over. Errors: usage.
 Status check_paths(const BatchRequest &request);
+
+// What a run writes in its output folder beside the outputs, by the way from there. Where the
+// manifest lies elsewhere, nothing.
+std::vector<std::string> reserved_names(const std::string &output, const std::string &manifest);
 
 // How many files there are, where that can be counted quickly and for sure: not of archives and
 // lists.

@@ -153,6 +153,8 @@ Result<BatchRequest> BatchCommandLine::request()
     request.output = arguments.output;
     request.manifest =
         arguments.manifest.empty() ? arguments.output + "/manifest.ndjson" : arguments.manifest;
+    request.inputs.extension = settings.value().format->extension;
+    request.inputs.reserved = reserved_names(request.output, request.manifest);
     request.worker = {settings.value(), mode,
                       arguments.max_memory.value_or(max_bytes_unless_given)};
     request.workers = arguments.jobs.value_or(std::min(count_processors(), cli::most_jobs));

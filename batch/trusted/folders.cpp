@@ -88,9 +88,10 @@ std::optional<FoundFile> FolderWalk::visit(const std::string &entry)
     }
     Entry &found = opened.value();
     if (!found.is_folder) {
-        return FoundFile{
-            {names_.unique(name), std::move(source), std::move(found.file), found.size},
-            is_archive_name(entry)};
+        const bool is_archive = is_archive_name(entry);
+        return FoundFile{{is_archive ? names_.unique_folder(name) : names_.unique(name),
+                          std::move(source), std::move(found.file), found.size},
+                         is_archive};
     }
     if (found.identity == exclude_) {
         return std::nullopt;

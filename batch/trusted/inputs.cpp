@@ -37,8 +37,11 @@ std::string own_name(const std::string &path)
 class AllInputs : public BatchInputs {
 public:
     explicit AllInputs(const InputOptions &options)
-        : options_(options), exclude_(identity_of(options.exclude))
+        : options_(options), exclude_(identity_of(options.exclude)), names_(options.extension)
     {
+        for (const std::string &path : options.reserved) {
+            names_.reserve(path);
+        }
     }
     std::optional<BatchInput> next() override;
 
@@ -119,10 +122,12 @@ std::optional<BatchInput> AllInputs::open_path(const Named &named)
     }
     Entry &entry = opened.value();
     if (!entry.is_folder) {
-        return use({{names_.unique(named.name), named.path, std::move(entry.file), entry.size},
-                    is_archive_name(named.path)});
+        const bool is_archive = is_archive_name(named.path);
+        return use({{is_archive ? names_.unique_folder(named.name) : names_.unique(named.name),
+                     named.path, std::move(entry.file), entry.size},
+                    is_archive});
     }
-    std::string name = named.name.empty() ? "" : names_.unique(named.name);
+    std::string name = named.name.empty() ? "" : names_.unique_folder(named.name);
     folder_ = std::make_unique<FolderWalk>(std::move(entry.file), std::move(name), named.path,
                                            exclude_, names_);
     return std::nullopt;

@@ -25,8 +25,8 @@ struct BatchInput {
     // The name that the manifest and the output go by: relative to the folder or archive that
     // it was found in, behind that one's own name; "/" between the parts, and never one that
     // leads out of the output folder ("..", an absolute path, an empty part). What a list names
-    // goes by the whole path there. No two inputs of a batch have the same name: later ones get
-    // " (2)", " (3)" before their ending.
+    // goes by the whole path there. No two inputs of a batch have the same name, nor are their
+    // outputs in each other's way: later ones get " (2)", " (3)" before their ending (NameSet).
     std::string name;
     // Where it was found: the path as it was given, and behind that of a folder "/" and the way
     // from there, behind that of an archive "!/" and the member's name. Any bytes.
@@ -47,6 +47,8 @@ using WaitForInput = std::function<bool(int descriptor)>;
 struct InputOptions : ArchiveSettings {  // max_input holds for files, too
     std::vector<std::string> paths;      // files, folders, archives
     std::vector<std::string> list_files; // --files-from; "-" is standard input
+    std::string extension;               // of the outputs, without its dot
+    std::vector<std::string> reserved;   // files in the output folder that are not outputs
     std::string exclude; // a folder that is passed over inside others: the output's; may be empty
     // The role of the processes that read archives.
     ArchiveReaderRole archive_reader = nullptr;

@@ -120,6 +120,21 @@ TEST_F(Batch, ConvertsAgainWithAnotherModule)
     EXPECT_EQ(nlohmann::json::parse(manifest()).at("module"), "linked");
 }
 
+// An input could take the place of what the run itself writes.
+TEST_F(Batch, KeepsItsOwnFilesFree)
+{
+    write_letter("in/manifest", "Hello");
+    write_letter("manifest", "Hello");
+    write_letter("manifest.json.partial/a", "Hello");
+    const Outcome outcome = run({"batch", "manifest", "manifest.json.partial", "in", "-o", "out",
+                                 "-t", "json", "--manifest", "out/manifest.json"});
+    EXPECT_EQ(outcome.exit_code, 0) << outcome.errors;
+    EXPECT_EQ(names(), "in/manifest.json\n"
+                       "manifest (2).json\n"
+                       "manifest.json\n"
+                       "manifest.json (2).partial/a.json\n");
+}
+
 TEST_F(Batch, IsTheSameForAnyNumberOfWorkers)
 {
     write_letters(1100); // more than wait for a line at once

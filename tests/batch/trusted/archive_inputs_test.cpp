@@ -177,6 +177,14 @@ TEST_F(Archives, number_members_of_one_name)
                                            "a (2).tar/a (2) (2).doc = 3\n");
 }
 
+TEST_F(Archives, give_members_without_a_name_one)
+{
+    write_archive("a.tar", tar, {{".", "1"}, {"./", "2"}, {"/", "3"}});
+    const std::string lines = found({"a.tar"});
+    EXPECT_EQ(lines.find("a.tar/ "), std::string::npos) << lines;
+    EXPECT_TRUE(lines.starts_with("a.tar/unnamed")) << lines;
+}
+
 TEST_F(Archives, have_errors_for_links_and_devices)
 {
     write_archive("a.tar", tar,

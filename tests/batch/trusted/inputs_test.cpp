@@ -33,17 +33,17 @@ TEST_F(Inputs, of_no_paths_are_none)
 
 TEST_F(Inputs, of_a_folder_are_sorted_by_bytes)
 {
-    for (const char *name : {"b", "a", "B", "A", "a.b", "a-b", "10", "9", "\xC3\xA4"}) {
+    for (const char *name : {"d", "c", "B", "A", "c.b", "c-b", "10", "9", "\xC3\xA4"}) {
         write(fs::path("in") / name, "");
     }
     EXPECT_EQ(found({"in"}), "in/10 = \n"
                              "in/9 = \n"
                              "in/A = \n"
                              "in/B = \n"
-                             "in/a = \n"
-                             "in/a-b = \n"
-                             "in/a.b = \n"
-                             "in/b = \n"
+                             "in/c = \n"
+                             "in/c-b = \n"
+                             "in/c.b = \n"
+                             "in/d = \n"
                              "in/\xC3\xA4 = \n");
 }
 
@@ -88,6 +88,29 @@ TEST_F(Inputs, of_one_name_are_numbered)
                                                                  "a (3).doc = 1\n");
     EXPECT_EQ(found({"x/in", "y/in"}), "in/a.doc = 1\n"
                                        "in (2)/a.doc = 2\n");
+}
+
+// Which of them came first depended on which was converted first.
+TEST_F(Inputs, whose_outputs_would_be_in_each_others_way_are_numbered)
+{
+    write("t/LETTER", "1");
+    write("t/a", "2");
+    write("t/a-slow", "3");
+    write("t/a.html/b", "4");
+    write("t/a.html/c", "5");
+    write("t/letter", "6");
+    write("t/manifest", "7");
+    pfsdoc::batch::InputOptions options;
+    options.paths = {"t"};
+    options.extension = "html";
+    options.reserved = {"t/manifest.html"};
+    EXPECT_EQ(lines_of(options), "t/LETTER = 1\n"
+                                 "t/a = 2\n"
+                                 "t/a-slow = 3\n"
+                                 "t/a (2).html/b = 4\n"
+                                 "t/a (2).html/c = 5\n"
+                                 "t/letter (2) = 6\n"
+                                 "t/manifest (2) = 7\n");
 }
 
 TEST_F(Inputs, that_are_missing_are_errors)

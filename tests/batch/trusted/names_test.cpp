@@ -32,6 +32,11 @@ const NameCase names[] = {
     {"drive", "C:\\a", "C:\\x5Ca", "C:/a"},
     {"what looks like an escape", "\\x2E", "\\x5Cx2E", "x2E"},
     {"control characters", "a\x1B[2J\n", "a\\x1B[2J\\x0A", "a\\x1B[2J\\x0A"},
+    {"temporary", ".pfsdoc-1/.PfsDoc-2", "\\x2Epfsdoc-1/\\x2EPfsDoc-2",
+     "\\x2Epfsdoc-1/\\x2EPfsDoc-2"},
+    {"no temporary", ".pfsdoc/a.pfsdoc-1", ".pfsdoc/a.pfsdoc-1", ".pfsdoc/a.pfsdoc-1"},
+    {"turned direction", "a\u202Etxt", "a\\xE2\\x80\\xAEtxt", "a\\xE2\\x80\\xAEtxt"},
+    {"noncharacter", "a\uFFFE", "a\\xEF\\xBF\\xBE", "a\\xEF\\xBF\\xBE"},
     {"UTF-8", "M\xC3\xBCller", "M\xC3\xBCller", "M\xC3\xBCller"},
     {"code page 437", "M\x81ller", "M\\x81ller", "M\\x81ller"},
     {"C1 in UTF-8", "a\xC2\x9B", "a\\xC2\\x9B", "a\\xC2\\x9B"},
@@ -99,7 +104,7 @@ TEST(ArchiveName, is_told_by_its_ending)
 
 TEST(NameSet, numbers_names_that_come_again)
 {
-    NameSet set;
+    NameSet set("txt");
     EXPECT_EQ(set.unique("a/b.doc"), "a/b.doc");
     EXPECT_EQ(set.unique("a/b.doc"), "a/b (2).doc");
     EXPECT_EQ(set.unique("a/b.doc"), "a/b (3).doc");
@@ -112,7 +117,7 @@ TEST(NameSet, numbers_names_that_come_again)
 
 TEST(NameSet, passes_over_numbers_that_are_taken)
 {
-    NameSet set;
+    NameSet set("txt");
     EXPECT_EQ(set.unique("a (2)"), "a (2)");
     EXPECT_EQ(set.unique("a"), "a");
     EXPECT_EQ(set.unique("a"), "a (3)");
@@ -121,15 +126,86 @@ TEST(NameSet, passes_over_numbers_that_are_taken)
 
 TEST(NameSet, gives_a_name_to_what_has_none)
 {
-    NameSet set;
+    NameSet set("txt");
     EXPECT_EQ(set.unique(""), "unnamed");
     EXPECT_EQ(set.unique(""), "unnamed (2)");
+    EXPECT_EQ(set.unique("a.zip/"), "a.zip/unnamed");
+}
+
+// Some file systems take these for one name.
+TEST(NameSet, comparesAsTheLeastDistinguishingFileSystem)
+{
+    NameSet set("txt");
+    EXPECT_EQ(set.unique("LETTER"), "LETTER");
+    EXPECT_EQ(set.unique("letter"), "letter (2)");
+    EXPECT_EQ(set.unique("Letter"), "Letter (3)");
+    EXPECT_EQ(set.unique("M\u00FCller"), "M\u00FCller"); // as one character, and as two
+    EXPECT_EQ(set.unique("Mu\u0308ller"), "Mu\u0308ller (2)");
+    EXPECT_EQ(set.unique("MU\u0308LLER"), "MU\u0308LLER (3)");
+    EXPECT_EQ(set.unique("Stra\u00DFe"), "Stra\u00DFe");
+    EXPECT_EQ(set.unique("STRASSE"), "STRASSE (2)");
+    EXPECT_EQ(set.unique("soft\u00ADhyphen"), "soft\u00ADhyphen");
+    EXPECT_EQ(set.unique("softhyphen"), "softhyphen (2)");
+    EXPECT_EQ(set.unique("IN/a"), "IN/a");
+    EXPECT_EQ(set.unique("in/A"), "in/A (2)");
+    EXPECT_EQ(set.unique("in/b"), "in/b");
+}
+
+// An output cannot be a folder of another one.
+TEST(NameSet, tellsFilesFromFolders)
+{
+    NameSet set("html");
+    EXPECT_EQ(set.unique("t/a"), "t/a"); // t/a.html
+    EXPECT_EQ(set.unique("t/a.html/b"), "t/a (2).html/b");
+    EXPECT_EQ(set.unique("t/A.HTML/c"), "t/A (2).HTML/c") << "all of a folder stay together";
+    EXPECT_EQ(set.unique("t/a.html"), "t/a.html"); // t/a.html.html
+    EXPECT_EQ(set.unique("t/d.html/e"), "t/d.html/e");
+    EXPECT_EQ(set.unique("t/d"), "t/d (2)");
+    EXPECT_EQ(set.unique_folder("t/a.html"), "t/a (3).html");
+    EXPECT_EQ(set.unique("t/a (3).html/f"), "t/a (3).html/f");
+}
+
+TEST(NameSet, takesNamedFoldersApart)
+{
+    NameSet set("txt");
+    EXPECT_EQ(set.unique_folder("in"), "in");
+    EXPECT_EQ(set.unique_folder("IN"), "IN (2)");
+    EXPECT_EQ(set.unique("in/a"), "in/a");
+    EXPECT_EQ(set.unique("IN (2)/a"), "IN (2)/a");
+    EXPECT_EQ(set.unique("in"), "in (3)") << "the folder's own line has the name";
+}
+
+TEST(NameSet, keepsReservedPathsFree)
+{
+    NameSet set("json");
+    set.reserve("manifest.json");
+    set.reserve("sub/manifest.json.partial");
+    EXPECT_EQ(set.unique("manifest"), "manifest (2)");
+    EXPECT_EQ(set.unique("Manifest.JSON/a"), "Manifest (3).JSON/a");
+    EXPECT_EQ(set.unique("sub/manifest.json.partial/a"), "sub/manifest.json (2).partial/a");
+    EXPECT_EQ(set.unique("sub/manifest"), "sub/manifest");
+}
+
+// However many files there are, a use is kept for each, and one for each folder.
+TEST(NameSet, givesTheSameNamesForTheSameOrder)
+{
+    const char *const wanted[] = {"a", "A", "a.txt/b", "a (2)", "a.TXT/B", "b", "a.txt", ""};
+    std::set<std::string> seen;
+    for (int time = 0; time < 2; ++time) {
+        NameSet set("txt");
+        for (int round = 0; round < 50; ++round) {
+            for (const char *name : wanted) {
+                const std::string unique = set.unique(name);
+                EXPECT_EQ(seen.insert(unique).second, time == 0) << unique;
+            }
+        }
+    }
 }
 
 // Each takes up where the last number was found: without that, this would take minutes.
 TEST(NameSet, takes_many_equal_names)
 {
-    NameSet set;
+    NameSet set("txt");
     for (int time = 0; time < 100'000; ++time) {
         set.unique("a.doc");
     }
