@@ -27,6 +27,7 @@ struct Arguments {
 
     bool json = false;
     bool json_lines = false;
+    bool verbose = false;
     std::string color = "auto";
     bool stop = false;   // at every paragraph
     bool report = false; // list the losses on standard error

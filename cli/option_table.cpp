@@ -121,7 +121,10 @@ constexpr unsigned converting = text_command | convert_command | batch_command;
 using enum WriterOption;
 
 constexpr OptionEntry all_options[] = {
-    {one_document, "FILE", " ", "the document; - is standard input", required<&Arguments::file>},
+    {trace_command | explain_command, "FILE", " ", "the document; - is standard input",
+     required<&Arguments::file>},
+    {text_command | convert_command, "FILE", "...", "the documents; - is standard input",
+     required<&Arguments::paths>},
     {identify_command, "FILE", "...", "the files; - is standard input",
      required<&Arguments::paths>},
     {batch_command, "IN", " ", "files, folders, and zip and tar archives",
@@ -130,8 +133,11 @@ constexpr OptionEntry all_options[] = {
      "read file names from this file, one a line or each\n"
      "ended by a NUL byte; - is standard input",
      repeated<&Arguments::list_files>},
-    {one_document, "-o,--output", "FILE", "write to this file, whole or not at all",
+    {text_command | convert_command, "-o,--output", "FILE",
+     "write to this file, whole or not at all, or to files in this folder",
      value<&Arguments::output>},
+    {trace_command | explain_command, "-o,--output", "FILE",
+     "write to this file, whole or not at all", value<&Arguments::output>},
     {one_document, "--no-clobber", nullptr, "replace no file that exists already",
      flag<&Arguments::no_clobber>},
     {batch_command, "-o,--output", "OUT", "the folder to write to; created if missing",
@@ -141,6 +147,8 @@ constexpr OptionEntry all_options[] = {
      required<&Arguments::format>},
     {batch_command, "--manifest", "FILE", "the manifest; default: OUT/manifest.ndjson",
      value<&Arguments::manifest>},
+    {identify_command, "-v,--verbose", nullptr, "say how certain it is, and why",
+     flag<&Arguments::verbose>},
     {identify_command, "--json", nullptr, "write an array of JSON objects", flag<&Arguments::json>},
     {identify_command,
      "--lines",

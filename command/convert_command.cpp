@@ -1,32 +1,45 @@
 // pfsdoc convert, and pfsdoc text, which is convert -t text.
+#include "cli/format_names.h"
 #include "cli/report.h"
 #include "command/conversion.h"
 #include "command/document_job.h"
+#include "command/output_paths.h"
 #include "command/subcommand.h"
 #include "lib/base/printable.h"
 #include "lib/reading/read_document.h"
 
+#include <cerrno>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace pfsdoc::cli {
 
 namespace {
 
+constexpr int some_failed = 1; // of several documents
+
 constexpr const char *text_footer =
-    R"(The text is UTF-8, wrapped to the document's margins; page breaks are form feeds.
+    R"(The text is UTF-8, wrapped to the document's margins; page breaks are form
+feeds. Several documents follow one another, each on a new page; -o FOLDER/
+makes a file of each. A document, the image of a diskette or an input is never
+replaced.
 
 Examples:
   pfsdoc text LETTER | less
   pfsdoc text --no-page-breaks LETTER -o letter.txt)";
 
 constexpr const char *convert_footer =
-    R"(Options that a format does not read are refused. Without -t, the name after -o selects the
-format.
+    R"(Options that a format does not read are refused. Without -t, the name after -o
+selects the format. Several documents need -o FOLDER/, and LETTER.DOC becomes
+FOLDER/LETTER.DOC.html. A document, the image of a diskette or an input is
+never replaced.
 
 Examples:
   pfsdoc convert LETTER -o letter.odt
+  pfsdoc convert -t odt letters/* -o converted/
   pfsdoc convert -t html --charset 850 --report LETTER > letter.html
   pfsdoc convert -t text --wrap 72 --no-headers LETTER)";
 
@@ -51,24 +64,58 @@ void report_losses(const std::string &subject, const Converted &converted)
     }
 }
 
-Status convert(const std::string &file, const Conversion &conversion, const Arguments &arguments)
+// One document's way from its file to its output.
+struct Task {
+    const std::string &file;
+    const std::string &output; // empty: standard output
+    bool follows_another;      // on standard output
+};
+
+// Between documents on standard output: each begins a page of its own.
+std::string_view separator(const WriterOptions &options)
 {
-    const ProtectedFiles protected_files({file});
-    Result<Input> input = open_input(file, arguments);
+    return options.page_breaks ? "\f" : "\n";
+}
+
+Status convert(const Task &task, const Conversion &conversion, const Arguments &arguments,
+               const ProtectedFiles &protected_files)
+{
+    Result<Input> input = open_input(task.file, arguments);
     if (!input.ok()) {
         return input.error();
     }
-    const auto output = make_output(arguments.output, protected_files, arguments);
+    const auto output = make_output(task.output, protected_files, arguments);
     if (!output.ok()) {
         return output.error();
     }
+    output.value()->write(task.follows_another ? separator(conversion.options) : "");
     const Converted converted =
-        convert_document(std::move(input.value().source), input.value().module, title_of(file),
+        convert_document(std::move(input.value().source), input.value().module, title_of(task.file),
                          conversion, output.value()->stream());
     if (arguments.report && reading::is_read_to_end(converted.status)) {
-        report_losses(subject_of(file), converted);
+        report_losses(subject_of(task.file), converted);
     }
     return finish(*output.value(), converted.status);
+}
+
+// All of them, whichever fails; the program's exit code.
+int convert_all(const std::vector<std::string> &outputs, const Conversion &conversion,
+                const Arguments &arguments)
+{
+    ProtectedFiles protected_files(arguments.paths);
+    bool follows_another = false;
+    int code = 0;
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        const Task task{arguments.paths[i], outputs[i], follows_another && outputs[i].empty()};
+        const Status failure = convert(task, conversion, arguments, protected_files);
+        if (!failure.ok()) {
+            const int own = report(subject_of(task.file), failure.error());
+            code = outputs.size() == 1 ? own : some_failed;
+        }
+        follows_another = follows_another || reading::is_read_to_end(failure);
+        protected_files.add_output(task.output);
+    }
+    return code;
 }
 
 // What is wrong before anything is read is the command line's fault, not the file's.
@@ -85,51 +132,69 @@ Status check(const Format &format, const Options &options)
     return {};
 }
 
-int run_with(const Format &format, const Options &options)
+Status make_folder(const std::string &output)
+{
+    const bool is_made = !is_folder(output) || ::mkdir(output.c_str(), 0777) == 0;
+    return is_made || errno == EEXIST ? Status() : base::output_error(errno, output);
+}
+
+Result<std::vector<std::string>> prepare(const Format &format, const Options &options)
 {
     if (const Status failure = check(format, options); !failure.ok()) {
-        return report("", failure.error());
+        return failure.error();
     }
+    const Result<std::vector<std::string>> outputs =
+        output_paths(options.arguments(), format.extension);
+    const Status folder = outputs.ok() ? make_folder(options.arguments().output) : Status();
+    return folder.ok() ? outputs : folder.error();
+}
+
+int run_with(const Format &format, const Options &options)
+{
     const Arguments &arguments = options.arguments();
     const Result<CodePage> page = code_page_of(arguments);
     if (!page.ok()) {
         return report("", page.error());
     }
+    const Result<std::vector<std::string>> outputs = prepare(format, options);
+    if (!outputs.ok()) {
+        return report("", outputs.error());
+    }
     Conversion conversion = {.format = &format, .options = arguments.writer};
     conversion.options.code_page = &page.value();
     conversion.source_offsets = format.wants_offsets || arguments.writer.offsets ||
                                 arguments.writer.raw_lines || arguments.report;
-    const Status failure = convert(arguments.file, conversion, arguments);
-    return failure.ok() ? 0 : report(subject_of(arguments.file), failure.error());
+    return convert_all(outputs.value(), conversion, arguments);
 }
 
 Result<const Format *> wanted_format(const Arguments &arguments)
 {
-    const std::size_t dot = arguments.output.rfind('.');
-    if (arguments.format.empty() && dot == std::string::npos) {
+    if (!arguments.format.empty()) {
+        return format_named(arguments.format);
+    }
+    const std::string_view name = base::base_name(arguments.output);
+    if (is_folder(arguments.output) || name.find('.') == std::string_view::npos) {
         return Error{ErrorKind::usage, "the output format is missing",
                      "name it with -t; see pfsdoc convert --help"};
     }
-    const std::string name =
-        arguments.format.empty() ? arguments.output.substr(dot + 1) : arguments.format;
-    for (const Format *format : formats()) {
-        if (format->name == name || (arguments.format.empty() && format->extension == name)) {
-            return format;
-        }
-    }
-    return Error{ErrorKind::usage, "there is no output format \"" + name + "\"",
-                 "see pfsdoc convert --help"};
+    const Format *format = format_of_file(name);
+    return format != nullptr ? format : format_named(name.substr(name.rfind('.') + 1));
 }
 
 int run_convert(const Options &options)
 {
-    const Result<const Format *> format = wanted_format(options.arguments());
+    const Arguments &arguments = options.arguments();
+    if (const Status failure = check_output(arguments, false); !failure.ok()) {
+        return report("", failure.error());
+    }
+    const Result<const Format *> format = wanted_format(arguments);
     return format.ok() ? run_with(*format.value(), options) : report("", format.error());
 }
 
 int run_text(const Options &options)
 {
-    return run_with(*find_format("text"), options);
+    const Status failure = check_output(options.arguments(), true);
+    return failure.ok() ? run_with(*find_format("text"), options) : report("", failure.error());
 }
 
 } // namespace

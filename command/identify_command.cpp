@@ -3,9 +3,12 @@
 #include "cli/report.h"
 #include "command/document_job.h"
 #include "command/subcommand.h"
+#include "lib/base/escaped_name.h"
 #include "lib/base/json_text.h"
 #include "lib/base/printable.h"
 #include "pfsdoc/examine.h"
+
+#include <algorithm>
 
 namespace pfsdoc::cli {
 
@@ -14,12 +17,15 @@ namespace {
 constexpr int some_failed = 1; // of several files
 
 constexpr const char *footer =
-    R"(Continues after a file that fails; with several files the exit code is then 1. The
-confidence is certain (signature, plausible header, end mark), likely (no end mark at the end)
-or signature (that alone).
+    R"(A file that is no document is an answer too: the exit code is 4 where it is the
+only one, and 0 among several, and with --json and --lines. A file that cannot
+be read is named on standard error, the others are identified nevertheless, and
+the exit code is 1. A document whose kind is not certain is marked: likely (its
+end mark is not at its end) or signature (its header is not plausible).
 
 Examples:
   pfsdoc identify letters/*
+  pfsdoc identify -v LETTER
   pfsdoc identify --json letters/* > letters.json)";
 
 // What has been found out about one file.
@@ -48,10 +54,23 @@ Result<Finding> find_out(const std::string &file)
     return Finding{identity.value(), examination, extension_mismatch(name, kind)};
 }
 
-std::string line_of(const std::string &file, const Finding &finding)
+// For a person who wants to know what it is. What is not certain is marked.
+std::string short_line(const std::string &file, const Finding &finding)
+{
+    const Confidence confidence = finding.examination.confidence;
+    std::string line = base::escaped_name(file);
+    line.append(": ").append(display_name(finding.identity.kind));
+    if (confidence != Confidence::certain) {
+        line.append(", ").append(confidence_name(confidence));
+    }
+    return line.append("\n");
+}
+
+// With all that is behind it.
+std::string long_line(const std::string &file, const Finding &finding)
 {
     const DocumentKind kind = finding.identity.kind;
-    std::string line = base::printable(file);
+    std::string line = base::escaped_name(file);
     line.append(": ").append(display_name(kind));
     line.append(", file id ").append(std::to_string(file_id(kind)));
     line.append(", ").append(confidence_name(finding.examination.confidence));
@@ -62,6 +81,20 @@ std::string line_of(const std::string &file, const Finding &finding)
     }
     line.append(finding.mismatch.empty() ? "" : "; ").append(finding.mismatch);
     return line.append("\n");
+}
+
+// Errors of files begin with "is ": their names stand before it.
+std::string line_of_other(const std::string &file, const Error &error)
+{
+    constexpr std::string_view verb = "is ";
+    const std::string what = base::printable(error.what);
+    return base::escaped_name(file) + ": " +
+           (what.starts_with(verb) ? what.substr(verb.size()) : what) + "\n";
+}
+
+bool is_answer(const Result<Finding> &finding)
+{
+    return finding.ok() || finding.error().kind == ErrorKind::not_a_document;
 }
 
 // A JSON object, member by member.
@@ -126,7 +159,7 @@ std::string json_of(const std::string &file, const Finding &finding)
     const DocumentKind kind = finding.identity.kind;
     const Examination &examination = finding.examination;
     return Object()
-        .text("file", base::printable(file))
+        .text("file", base::escaped_name(file))
         .text("kind", display_name(kind))
         .word("file_id", std::to_string(file_id(kind)))
         .text("confidence", confidence_name(examination.confidence))
@@ -141,14 +174,19 @@ std::string json_of(const std::string &file, const Finding &finding)
 std::string json_of(const std::string &file, const Error &error)
 {
     return Object()
-        .text("file", base::printable(file))
+        .text("file", base::escaped_name(file))
         .text("error", base::printable(error.what))
         .text("remedy", base::printable(error.remedy))
         .word("exit_code", std::to_string(exit_code(error.kind)))
         .closed();
 }
 
-enum class Form { table, json_array, json_lines };
+enum class Form { short_lines, long_lines, json_array, json_lines };
+
+bool is_json(Form form)
+{
+    return form == Form::json_array || form == Form::json_lines;
+}
 
 // Puts one file's findings after the other, in the form that is wanted.
 class Report {
@@ -162,11 +200,14 @@ public:
 
     void add(const std::string &file, const Result<Finding> &finding)
     {
-        if (form_ != Form::table) {
+        if (is_json(form_)) {
             add_object(finding.ok() ? json_of(file, finding.value())
                                     : json_of(file, finding.error()));
         } else if (finding.ok()) {
-            output_.write(line_of(file, finding.value()));
+            output_.write(form_ == Form::long_lines ? long_line(file, finding.value())
+                                                    : short_line(file, finding.value()));
+        } else if (is_answer(finding)) {
+            output_.write(line_of_other(file, finding.error()));
         }
         output_.flush(); // so that it stands in order among the lines on standard error
     }
@@ -196,10 +237,23 @@ private:
 
 Form wanted_form(const Arguments &arguments)
 {
-    if (arguments.json) {
-        return Form::json_array;
+    if (arguments.json || arguments.json_lines) {
+        return arguments.json ? Form::json_array : Form::json_lines;
     }
-    return arguments.json_lines ? Form::json_lines : Form::table;
+    return arguments.verbose ? Form::long_lines : Form::short_lines;
+}
+
+// What a finding makes of the exit code: a file that is something else has been identified too.
+int code_of(const std::string &file, const Result<Finding> &finding, bool is_only_one, Form form)
+{
+    if (finding.ok()) {
+        return 0;
+    }
+    if (!is_answer(finding)) {
+        const int own = report(subject_of(file), finding.error());
+        return is_only_one ? own : some_failed;
+    }
+    return is_only_one && !is_json(form) ? exit_code(finding.error().kind) : 0;
 }
 
 int run(const Options &options)
@@ -209,15 +263,13 @@ int run(const Options &options)
     if (!output.ok()) {
         return report("", output.error());
     }
-    Report findings(*output.value(), wanted_form(arguments));
+    const Form form = wanted_form(arguments);
+    Report findings(*output.value(), form);
     int code = 0;
     for (const std::string &file : arguments.paths) {
         const Result<Finding> finding = find_out(file);
         findings.add(file, finding);
-        if (!finding.ok()) {
-            const int own = report(subject_of(file), finding.error());
-            code = arguments.paths.size() == 1 ? own : some_failed;
-        }
+        code = std::max(code, code_of(file, finding, arguments.paths.size() == 1, form));
     }
     findings.finish();
     const Status failure = output.value()->commit();

@@ -34,11 +34,22 @@ ProtectedFiles::ProtectedFiles(const std::vector<std::string> &inputs)
     }
 }
 
+void ProtectedFiles::add_output(const std::string &output)
+{
+    struct stat status {};
+    if (!output.empty() && ::stat(output.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
+        outputs_.emplace_back(status.st_dev, status.st_ino);
+    }
+}
+
 Status ProtectedFiles::check(const base::ExistingFile &file) const
 {
     const std::pair own(file.status.st_dev, file.status.st_ino);
     if (std::find(inputs_.begin(), inputs_.end(), own) != inputs_.end()) {
         return is("an input");
+    }
+    if (std::find(outputs_.begin(), outputs_.end(), own) != outputs_.end()) {
+        return is("the output of another document");
     }
     // What has 4 GiB or more is none of these.
     if (file.descriptor < 0 || static_cast<uint64_t>(file.status.st_size) >= input_size_limit) {

@@ -15,11 +15,18 @@ class ProtectedFiles {
 public:
     explicit ProtectedFiles(const std::vector<std::string> &inputs);
 
+    // A file that this run has written: where names differ in case alone and the file system does
+    // not see that, it would be replaced by the next output. Nothing for standard output.
+    void add_output(const std::string &output);
+
     // The error says what it is.
     Status check(const base::ExistingFile &file) const;
 
 private:
-    std::vector<std::pair<dev_t, ino_t>> inputs_;
+    using FileNumbers = std::vector<std::pair<dev_t, ino_t>>;
+
+    FileNumbers inputs_;
+    FileNumbers outputs_;
 };
 
 } // namespace pfsdoc::cli

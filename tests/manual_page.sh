@@ -24,7 +24,7 @@ for option in "${options[@]}"; do
     expect_said "$option"
 done
 
-mapfile -t formats < <(sed -nE '/^  -t,--to/,/^  -/ s/^ {20,}([a-z]+) .*/\1/p' <<<"$help")
+mapfile -t formats < <(sed -nE '/^  -t,--to/,/^  -/ s/^ {32}([a-z]+) .*/\1/p' <<<"$help")
 [ "$command" != convert ] || [ ${#formats[@]} -ge 2 ]
 for format in "${formats[@]}"; do
     expect_said "$format"

@@ -1,5 +1,6 @@
 #include "batch/trusted/command_line.h"
 
+#include "cli/format_names.h"
 #include "lib/base/scratch_file.h"
 #include "pfsdoc/output.h"
 
@@ -108,11 +109,11 @@ BatchCommandLine::BatchCommandLine() : app_(description, "pfsdoc batch")
 Result<ConversionSettings> BatchCommandLine::conversion()
 {
     const cli::Arguments &arguments = options_.arguments();
-    const Format *format = find_format(arguments.format);
-    if (format == nullptr) {
-        return Error{ErrorKind::usage, "there is no output format \"" + arguments.format + "\"",
-                     "see pfsdoc convert --help"};
+    const Result<const Format *> named = cli::format_named(arguments.format);
+    if (!named.ok()) {
+        return named.error();
     }
+    const Format *format = named.value();
     if (const Status refusal = options_.check_format(*format); !refusal.ok()) {
         return refusal.error();
     }
@@ -159,7 +160,8 @@ Result<BatchRequest> BatchCommandLine::request()
                       arguments.max_memory.value_or(max_bytes_unless_given)};
     request.workers = arguments.jobs.value_or(std::min(count_processors(), cli::most_jobs));
     request.max_time = std::chrono::milliseconds(static_cast<int64_t>(std::ceil(seconds * 1000)));
-    request.recorded = {arguments.format, std::string(settings.value().format->extension),
+    request.recorded = {std::string(settings.value().format->name),
+                        std::string(settings.value().format->extension),
                         options_that_matter(arguments), arguments.module};
     request.progress = progress_form(arguments.quiet);
     request.quiet = arguments.quiet;

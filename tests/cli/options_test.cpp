@@ -75,7 +75,7 @@ TEST(Options, HaveValuesWithoutBeingGiven)
 {
     const Parsed parsed(text_command, {"LETTER"});
     const Arguments &arguments = parsed.options.arguments();
-    EXPECT_EQ(arguments.file, "LETTER");
+    EXPECT_EQ(arguments.paths, std::vector<std::string>{"LETTER"});
     EXPECT_TRUE(arguments.writer.page_breaks);
     EXPECT_TRUE(arguments.writer.headers);
     EXPECT_FALSE(arguments.writer.wrap);

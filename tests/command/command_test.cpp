@@ -1,4 +1,6 @@
 // The command pfsdoc as a program, checked by its exit code and its output.
+#include "lib/base/escaped_name.h"
+#include "lib/base/json_text.h"
 #include "pfsdoc/examine.h"
 #include "pfsdoc/explain.h"
 #include "tests/command/command_fixture.h"
@@ -10,6 +12,13 @@ namespace {
 
 using namespace tests;
 using pfsdoc::DocumentKind;
+
+std::string json_string(const std::string &text)
+{
+    std::string json;
+    pfsdoc::base::append_json_string(json, text);
+    return json;
+}
 
 // No signature can be in it by chance: the sequence is fixed.
 std::string random_bytes(std::size_t size)
@@ -39,13 +48,83 @@ TEST_F(Command, HelpAndVersionSucceed)
 
 TEST_F(Command, UsageErrorsAreTwo)
 {
-    expect_failure(run({}), 2, "pfsdoc: ");
-    expect_failure(run({"frobnicate"}), 2, "pfsdoc: ");
+    expect_failure(run({"frobnicate"}), 2, "pfsdoc: there is no command and no file frobnicate; ");
     expect_failure(run({"text"}), 2, "pfsdoc: FILE is required");
     expect_failure(run({"identify"}), 2, "pfsdoc: FILE is required");
-    expect_failure(run({"text", "a.pfs", "b.pfs"}), 2, "pfsdoc: ");
+    expect_failure(run({"trace", "a.pfs", "b.pfs"}), 2, "pfsdoc: ");
     expect_failure(run({"text", "--fold", "a.pfs"}), 2, "pfsdoc: ");
     expect_failure(run({"trace", "a.pfs", "-o"}), 2, "pfsdoc: ");
+}
+
+TEST_F(Command, ShowsWhatItDoesWhenNothingIsAsked)
+{
+    const Outcome outcome = run({});
+    EXPECT_EQ(outcome.exit_code, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_NE(outcome.errors.find("pfsdoc LETTER "), std::string::npos) << outcome.errors;
+    EXPECT_NE(outcome.errors.find("pfsdoc help "), std::string::npos) << outcome.errors;
+    EXPECT_LE(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 10);
+}
+
+TEST_F(Command, ShowsALetterWithoutASubcommand)
+{
+    const std::string text = output_of({"text", "a.pfs"});
+    EXPECT_EQ(output_of({"a.pfs"}), text);
+    EXPECT_EQ(output_of({"./a.pfs", "--wrap", "6"}), output_of({"text", "a.pfs", "--wrap", "6"}));
+    EXPECT_EQ(output_of({"-"}, {.input = "a.pfs"}), text);
+    EXPECT_EQ(output_of({"a.pfs", "a.pfs"}), output_of({"text", "a.pfs", "a.pfs"}));
+    EXPECT_EQ(output_of({"a.pfs", "-t", "html"}), output_of({"convert", "-t", "html", "a.pfs"}));
+    EXPECT_EQ(output_of({"a.pfs", "-o", "new.html"}), "");
+    EXPECT_EQ(content_of(directory / "new.html"), output_of({"a.pfs", "--to=html"}));
+    expect_failure(run({"none.pfs"}), 3, "pfsdoc: none.pfs: cannot be read");
+    expect_failure(run({"."}), 3, "pfsdoc: .: is a directory");
+    write("identify", content_of(directory / "a.pfs"));
+    expect_failure(run({"identify"}), 2, "pfsdoc: FILE is required");
+    EXPECT_EQ(output_of({"./identify"}), text);
+}
+
+TEST_F(Command, HasHelpAsAWord)
+{
+    EXPECT_EQ(output_of({"help"}), output_of({"--help"}));
+    for (const char *command : {"identify", "text", "convert", "explain", "trace"}) {
+        EXPECT_EQ(output_of({"help", command}), output_of({command, "--help"})) << command;
+    }
+    expect_failure(run({"help", "convrt"}), 2,
+                   "pfsdoc: there is no command and no file convrt; did you mean convert?");
+}
+
+TEST_F(Command, AsksWhatAMistypedWordMeans)
+{
+    expect_failure(run({"identif", "a.pfs"}), 2,
+                   "pfsdoc: there is no command and no file identif; did you mean identify?");
+    expect_failure(run({"text", "a.pfs", "--no-header"}), 2,
+                   "pfsdoc: The following argument was not expected: --no-header; did you mean "
+                   "--no-headers?");
+    expect_failure(run({"text", "a.pfs", "--warp=60"}), 2,
+                   "pfsdoc: The following argument was not expected: --warp=60; did you mean "
+                   "--wrap?");
+    expect_failure(run({"convert", "-t", "htlm", "a.pfs"}), 2,
+                   "pfsdoc: there is no output format \"htlm\"; did you mean html?");
+}
+
+TEST_F(Command, FitsItsHelpIntoATerminal)
+{
+    for (const std::vector<std::string> &arguments :
+         std::vector<std::vector<std::string>>{{"--help"},
+                                               {"identify", "--help"},
+                                               {"text", "--help"},
+                                               {"convert", "--help"},
+                                               {"explain", "--help"},
+                                               {"trace", "--help"}}) {
+        std::istringstream lines(output_of(arguments));
+        for (std::string line; std::getline(lines, line);) {
+            EXPECT_LE(line.size(), 80U) << arguments.front() << ": " << line;
+        }
+    }
+    std::istringstream lines(run({}).errors);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_LE(line.size(), 80U) << line;
+    }
 }
 
 // The options as a help text lists them, long and short: "  -o,--output FILE   write to ...".
@@ -112,27 +191,43 @@ TEST_F(Command, TakesOutputAndFormatInEveryForm)
 TEST_F(Command, IsChosenByTheFirstWord)
 {
     expect_failure(run({"text", "identify"}), 3, "pfsdoc: identify: cannot be read");
-    expect_failure(run({"text", "a.pfs", "convert"}), 2, "pfsdoc: The following argument");
+    expect_failure(run({"trace", "a.pfs", "convert"}), 2, "pfsdoc: The following argument");
     EXPECT_EQ(output_of({"--", "text", "a.pfs"}), output_of({"text", "a.pfs"}));
     EXPECT_EQ(output_of({"--help", "convert"}), output_of({"convert", "--help"}));
     expect_failure(run({"--none", "text", "a.pfs"}), 2, "pfsdoc: The following argument");
     expect_failure(run({"-t", "html", "convert", "a.pfs"}), 2, "pfsdoc: ");
 }
 
-TEST_F(Command, IdentifyReportsKindNumberConfidenceAndBasis)
+TEST_F(Command, IdentifyAnswersInOneShortLine)
 {
-    EXPECT_EQ(output_of({"identify", "a.pfs"}),
+    EXPECT_EQ(output_of({"identify", "a.pfs"}), "a.pfs: PFS: WRITE B\n");
+    write("LETTER", write_document("WRD PC", '1', bytes("0D 0E")));
+    write("cut.txt", write_document(3, bytes("'cut'")));
+    write("README.TXT", "plain text");
+    write("graph", blank_document(512, {{9, "RABBITGRAPH"}}));
+    write("empty", "");
+    EXPECT_EQ(output_of({"identify", "LETTER", "cut.txt", "README.TXT", "graph", "empty"}),
+              "LETTER: PFS: WRITE A\n"
+              "cut.txt: IBM Writing Assistant, likely\n"
+              "README.TXT: not a supported document\n"
+              "graph: a First Choice graph (\"RABBITGRAPH\" at 9), not a document\n"
+              "empty: empty\n");
+}
+
+TEST_F(Command, IdentifySaysWhyOnRequest)
+{
+    EXPECT_EQ(output_of({"identify", "-v", "a.pfs"}),
               "a.pfs: PFS: WRITE B, file id 1013, certain, fmt/1414: \"TYPE 2\" at 641, variant "
               "\"2\" at 649; it lacks the signature that PRONOM has for fmt/1414\n");
     write("note.txt", write_document(3, bytes("'cut'")));
-    EXPECT_EQ(output_of({"identify", "note.txt"}),
+    EXPECT_EQ(output_of({"identify", "--verbose", "note.txt"}),
               "note.txt: IBM Writing Assistant, file id 1016, likely: \"IBM   \" at 641; its last "
               "byte is not an end mark: it is truncated, or other bytes follow its end; its "
               "extension "
               ".txt is usual for plain text\n");
     for (const KindExample &example : kind_examples()) {
         write("any", document_of(example.kind, bytes(example.body)));
-        const std::string line = output_of({"identify", "any"});
+        const std::string line = output_of({"identify", "-v", "any"});
         EXPECT_NE(line.find(display_name(example.kind)), std::string::npos) << line;
         EXPECT_NE(line.find(", certain"), std::string::npos) << line;
     }
@@ -140,25 +235,54 @@ TEST_F(Command, IdentifyReportsKindNumberConfidenceAndBasis)
 
 TEST_F(Command, IdentifyGoesOnAfterAFailure)
 {
-    write("graph", blank_document(512, {{9, "RABBITGRAPH"}}));
     write("b.pfs", write_document(4, bytes("0E")));
-    const Outcome outcome = run({"identify", "a.pfs", "graph", "none", ".", "b.pfs"});
+    const Outcome outcome = run({"identify", "a.pfs", "none", ".", "b.pfs"});
     EXPECT_EQ(outcome.exit_code, 1);
-    EXPECT_NE(outcome.output.find("a.pfs: PFS: WRITE B"), std::string::npos);
-    EXPECT_NE(outcome.output.find("b.pfs: Professional Write 1"), std::string::npos);
-    EXPECT_NE(outcome.errors.find("pfsdoc: graph: is a First Choice graph"), std::string::npos);
+    EXPECT_EQ(outcome.output, "a.pfs: PFS: WRITE B\nb.pfs: Professional Write 1\n");
     EXPECT_NE(outcome.errors.find("pfsdoc: none: cannot be read"), std::string::npos);
     EXPECT_NE(outcome.errors.find("pfsdoc: .: is a directory"), std::string::npos);
 }
 
-TEST_F(Command, IdentifyEndsWithTheCodeOfOneFileAndWithOneForSeveral)
+// What is no document is an answer: among many files it must not look like a failure.
+TEST_F(Command, IdentifyFailsForWhatCannotBeRead)
 {
     write("empty", "");
     EXPECT_EQ(run({"identify", "none"}).exit_code, 3);
     EXPECT_EQ(run({"identify", "empty"}).exit_code, 4);
+    EXPECT_EQ(run({"identify", "empty"}).errors, "");
     EXPECT_EQ(run({"identify", "none", "empty"}).exit_code, 1);
-    EXPECT_EQ(run({"identify", "a.pfs", "empty"}).exit_code, 1);
+    EXPECT_EQ(output_of({"identify", "a.pfs", "empty"}), "a.pfs: PFS: WRITE B\nempty: empty\n");
     EXPECT_EQ(run({"identify", "a.pfs", "a.pfs"}).exit_code, 0);
+}
+
+// As xargs calls it: the last time with whatever is left, be it one file.
+TEST_F(Command, IdentifyWritesEachFileOnceForPrograms)
+{
+    write("junk", "junk");
+    const std::string object =
+        R"({"file":"junk","error":"is not a supported document","remedy":"only documents of )"
+        R"(PFS: WRITE, Professional Write, IBM Writing Assistant and PFS: First Choice can be )"
+        R"(read","exit_code":4})";
+    EXPECT_EQ(output_of({"identify", "--lines", "junk"}), object + "\n");
+    EXPECT_EQ(output_of({"identify", "--lines", "junk", "junk"}), object + "\n" + object + "\n");
+    EXPECT_EQ(output_of({"identify", "--json", "junk"}), "[\n  " + object + "\n]\n");
+    EXPECT_EQ(run({"identify", "--lines", "none"}).exit_code, 3);
+}
+
+// Any bytes are a name, and what identify writes leads back to them.
+TEST_F(Command, IdentifyWritesNamesThatTurnBack)
+{
+    for (const std::string name : {"caf\x82.pfs", "caf\\x82.pfs",
+                                   "\xE2\x80\xAE"
+                                   "txt.pfs"}) {
+        write(name, content_of(directory / "a.pfs"));
+        const std::string escaped = pfsdoc::base::escaped_name(name);
+        EXPECT_EQ(output_of({"identify", name}), escaped + ": PFS: WRITE B\n");
+        const std::string line = output_of({"identify", "--lines", name});
+        const std::string beginning = "{\"file\":" + json_string(escaped) + ",";
+        EXPECT_EQ(line.substr(0, beginning.size()), beginning);
+        EXPECT_EQ(pfsdoc::base::unescaped_name(escaped), name);
+    }
 }
 
 constexpr const char *a_pfs_as_json =
@@ -316,7 +440,7 @@ TEST_F(Command, DashIsStandardInput)
     const Streams from_file = {.input = "a.pfs"};
     EXPECT_EQ(output_of({"text", "-"}, from_file), output_of({"text", "a.pfs"}));
     EXPECT_EQ(output_of({"trace", "-"}, from_file), output_of({"trace", "a.pfs"}));
-    EXPECT_EQ(output_of({"identify", "-"}, from_file).substr(0, 16), "-: PFS: WRITE B,");
+    EXPECT_EQ(output_of({"identify", "-"}, from_file), "-: PFS: WRITE B\n");
 }
 
 TEST_F(Command, UnreadableInputsAreThree)
@@ -332,7 +456,7 @@ TEST_F(Command, UnknownDocumentsAreFour)
 {
     write("empty", "");
     write("random", random_bytes(5000));
-    for (const char *subcommand : {"text", "trace", "identify", "explain"}) {
+    for (const char *subcommand : {"text", "trace", "explain"}) {
         expect_failure(run({subcommand, "empty"}), 4, "pfsdoc: empty: is empty; ");
         expect_failure(run({subcommand, "random"}), 4,
                        "pfsdoc: random: is not a supported document");
@@ -471,8 +595,7 @@ TEST_F(Command, ShowsNoControlCharactersOfNames)
 {
     const std::string name = "evil\x1B[31m\nname\xC2\x9B";
     write(name, content_of(directory / "a.pfs"));
-    EXPECT_EQ(output_of({"identify", name}).substr(0, 45),
-              "evil\\x1B[31m\\x0Aname\\xC2\\x9B: PFS: WRITE B, f");
+    EXPECT_EQ(output_of({"identify", name}), "evil\\x1B[31m\\x0Aname\\xC2\\x9B: PFS: WRITE B\n");
     const Outcome outcome = run({"text", "none\x1B[31m"});
     expect_failure(outcome, 3, "pfsdoc: none\\x1B[31m: cannot be read");
 }

@@ -77,6 +77,118 @@ TEST_F(Convert, RefusesFormatsThatThereAreNot)
     EXPECT_FALSE(fs::exists(directory / "letter.doc"));
 }
 
+TEST_F(Convert, TakesFormatsAsTheyAreTyped)
+{
+    const std::string text = output_of({"text", "a.pfs"});
+    const std::string page = output_of({"convert", "-t", "html", "a.pfs"});
+    for (const char *format : {"txt", "TEXT", "Text"}) {
+        EXPECT_EQ(output_of({"convert", "-t", format, "a.pfs"}), text) << format;
+    }
+    EXPECT_EQ(output_of({"convert", "-t", "md", "a.pfs"}),
+              output_of({"convert", "-t", "markdown", "a.pfs"}));
+    for (const char *name : {"x.htm", "x.HTML", "X.Htm"}) {
+        EXPECT_EQ(output_of({"convert", "a.pfs", "-o", name}), "");
+        EXPECT_EQ(content_of(directory / name), page) << name;
+    }
+    fs::create_directory(directory / "v1.2");
+    expect_failure(run({"convert", "a.pfs", "-o", "v1.2/letter"}), 2,
+                   "pfsdoc: the output format is missing");
+}
+
+TEST_F(Convert, ShowsTheWayToOtherFormats)
+{
+    for (const std::vector<std::string> &arguments : std::vector<std::vector<std::string>>{
+             {"convert", "-t", "docx", "a.pfs"}, {"convert", "a.pfs", "-o", "letter.docx"}}) {
+        expect_failure(run(arguments), 2,
+                       "pfsdoc: there is no output format \"docx\"; convert to odt, open that in a "
+                       "word processor");
+    }
+    EXPECT_FALSE(fs::exists(directory / "letter.docx"));
+}
+
+TEST_F(Convert, WritesIntoAFolder)
+{
+    const std::string page = output_of({"convert", "-t", "html", "a.pfs"});
+    fs::create_directory(directory / "there");
+    write("b.pfs", content_of(directory / "a.pfs"));
+    for (const char *folder : {"there", "there/", "made/"}) {
+        EXPECT_EQ(output_of({"convert", "-t", "html", "a.pfs", "b.pfs", "-o", folder}), "");
+        EXPECT_EQ(content_of(directory / folder / "a.pfs.html"), page) << folder;
+        EXPECT_TRUE(fs::exists(directory / folder / "b.pfs.html")) << folder;
+    }
+    EXPECT_EQ(output_of({"text", "a.pfs", "-o", "there"}), "");
+    EXPECT_EQ(content_of(directory / "there" / "a.pfs.txt"), output_of({"text", "a.pfs"}));
+    expect_failure(run({"convert", "a.pfs", "-o", "there"}), 2,
+                   "pfsdoc: the output format is missing");
+    expect_failure(run({"text", "-", "-o", "there"}, {.input = "a.pfs"}), 2,
+                   "pfsdoc: standard input has no name");
+    expect_failure(run({"text", "a.pfs", "-o", "none/made/"}), 7, "pfsdoc: the output none/made/ ");
+}
+
+TEST_F(Convert, GoesOnAfterADocumentThatFails)
+{
+    write("b.pfs", content_of(directory / "a.pfs"));
+    write("junk", "junk");
+    const Outcome outcome =
+        run({"convert", "-t", "text", "a.pfs", "junk", "none", "b.pfs", "-o", "out/"});
+    EXPECT_EQ(outcome.exit_code, 1);
+    EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 2);
+    EXPECT_NE(outcome.errors.find("pfsdoc: junk: is not a supported document"), std::string::npos);
+    EXPECT_NE(outcome.errors.find("pfsdoc: none: cannot be read"), std::string::npos);
+    EXPECT_TRUE(fs::exists(directory / "out" / "a.pfs.txt"));
+    EXPECT_TRUE(fs::exists(directory / "out" / "b.pfs.txt"));
+    EXPECT_FALSE(fs::exists(directory / "out" / "junk.txt"));
+}
+
+TEST_F(Convert, WritesNothingWhereTwoDocumentsHaveOneOutput)
+{
+    fs::create_directory(directory / "x");
+    write("x/a.pfs", content_of(directory / "a.pfs"));
+    expect_failure(run({"convert", "-t", "text", "a.pfs", "x/a.pfs", "-o", "out/"}), 2,
+                   "pfsdoc: a.pfs and x/a.pfs have the same output out/a.pfs.txt; ");
+    EXPECT_FALSE(fs::exists(directory / "out"));
+}
+
+// As on a file system that does not tell A.PFS.txt and a.pfs.txt apart.
+TEST_F(Convert, KeepsWhatItWroteForAnotherDocument)
+{
+    write("b.pfs", content_of(directory / "a.pfs"));
+    fs::create_directory(directory / "out");
+    fs::create_symlink("a.pfs.txt", directory / "out" / "b.pfs.txt");
+    const Outcome outcome = run({"text", "a.pfs", "b.pfs", "-o", "out"});
+    expect_failure(outcome, 1, "pfsdoc: b.pfs: the output ");
+    EXPECT_NE(outcome.errors.find("is the output of another document"), std::string::npos);
+    EXPECT_EQ(content_of(directory / "out" / "a.pfs.txt"), output_of({"text", "a.pfs"}));
+}
+
+TEST_F(Convert, SaysWhereSeveralDocumentsCanGo)
+{
+    write("b.pfs", content_of(directory / "a.pfs"));
+    for (const std::vector<std::string> &arguments : std::vector<std::vector<std::string>>{
+             {"convert", "a.pfs", "b.pfs"},
+             {"convert", "-t", "html", "a.pfs", "b.pfs", "-o", "one.html"},
+             {"text", "a.pfs", "b.pfs", "-o", "one.txt"}}) {
+        const Outcome outcome = run(arguments);
+        expect_failure(outcome, 2, "pfsdoc: several documents need a folder ");
+        EXPECT_NE(outcome.errors.find("-o FOLDER/, or see pfsdoc batch --help"), std::string::npos)
+            << outcome.errors;
+    }
+    expect_failure(run({"convert", "a.pfs", "letter.odt"}), 2,
+                   "pfsdoc: several documents need a folder for their outputs; did you mean -o "
+                   "letter.odt?");
+}
+
+TEST_F(Convert, JoinsTheTextOfSeveralDocuments)
+{
+    const std::string text = output_of({"text", "a.pfs"});
+    EXPECT_EQ(output_of({"text", "a.pfs", "a.pfs"}), text + "\f" + text);
+    const std::string plain = output_of({"text", "--no-page-breaks", "a.pfs"});
+    EXPECT_EQ(output_of({"text", "--no-page-breaks", "a.pfs", "a.pfs"}), plain + "\n" + plain);
+    const Outcome outcome = run({"text", "none", "a.pfs"});
+    expect_failure(outcome, 1, "pfsdoc: none: cannot be read");
+    EXPECT_EQ(outcome.output, text);
+}
+
 TEST_F(Convert, KeepsBinaryFormatsFromTerminals)
 {
     if (pfsdoc::find_format("odt") == nullptr) {
@@ -115,7 +227,11 @@ TEST_F(Convert, TakesNoOptionForAnotherWhoseNameHasItInIt)
 
 TEST_F(Convert, ListsEveryFormatInItsHelp)
 {
-    const std::string help = output_of({"convert", "--help"});
+    std::istringstream words(output_of({"convert", "--help"}));
+    std::string help; // as if its lines were not filled
+    for (std::string word; words >> word;) {
+        help += word + " ";
+    }
     for (const pfsdoc::Format *format : pfsdoc::formats()) {
         EXPECT_NE(help.find(format->name), std::string::npos) << format->name;
         EXPECT_NE(help.find(format->description), std::string::npos) << format->name;

@@ -47,10 +47,12 @@ options_told_by()
 commands=$("$program" --help | awk '/^[A-Z]/ { on = /^Subcommands/ } on && /^  / { print $1 }')
 
 # The first word is a command, or an option of the program itself.
-expect "$commands $(options_told_by)" ''
+expect "help $commands $(options_told_by)" ''
 expect 'identify' id
 expect '--version' --v
 expect '' xyz
+expect "$commands" help ''
+expect 'convert' help con
 
 # All of a command's options, and never a file.
 count=0
