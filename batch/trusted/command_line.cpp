@@ -19,10 +19,10 @@ constexpr const char *description =
     "Write many documents in another format, and a manifest with the result of each";
 
 constexpr const char *examples =
-    R"(Each document is read in a process that can open no file, no connection and no other
-process. One that crashes, hangs or takes too much memory costs its own file only. The
-manifest has one line of JSON for each file. An interrupted run continues when it is started
-again.
+    R"(Each document is read in a process that can open no file, no connection and no
+other process. One that crashes, hangs or takes too much memory costs its own
+file only. The manifest has one line of JSON for each file. An interrupted run
+continues when it is started again.
 
 Examples:
   pfsdoc batch letters/ -o out -t odt
