@@ -7,7 +7,12 @@
 #include "pfsdoc/explain.h"
 #include "pfsdoc/reading_stopped.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdlib>
+#include <string_view>
+#include <sys/ioctl.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace pfsdoc::cli {
@@ -17,11 +22,19 @@ namespace {
 using explaining::Colours;
 
 constexpr const char *footer =
-    R"(One span of the file a line: position, bytes, characters, and what they were read as.
+    R"(For each span of the file: position, bytes, characters, and what they were read
+as, in lines as wide as the window. In a pager, colours need to be asked for.
 
 Examples:
-  pfsdoc explain LETTER | less
+  pfsdoc explain LETTER
+  pfsdoc explain --color always LETTER | less -R
   pfsdoc explain --json LETTER | grep '"line_end":"soft"')";
+
+bool is_set(const char *variable)
+{
+    const char *value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
 
 // Colours are for people who look at a terminal and have not asked to be spared.
 Colours wanted_colours(const Arguments &arguments)
@@ -29,9 +42,28 @@ Colours wanted_colours(const Arguments &arguments)
     if (arguments.color != "auto") {
         return arguments.color == "always" ? Colours::on : Colours::off;
     }
-    const char *spared = std::getenv("NO_COLOR");
-    const bool shown = is_standard_output(arguments.output) && ::isatty(STDOUT_FILENO) == 1;
-    return shown && (spared == nullptr || *spared == '\0') ? Colours::on : Colours::off;
+    const bool is_forced =
+        is_set("CLICOLOR_FORCE") && std::getenv("CLICOLOR_FORCE") != std::string_view("0");
+    const bool is_shown = is_standard_output(arguments.output) && ::isatty(STDOUT_FILENO) == 1;
+    return (is_forced || is_shown) && !is_set("NO_COLOR") ? Colours::on : Colours::off;
+}
+
+// Of the window: what the environment says, for a pager too, or the terminal.
+std::size_t window_columns(const Arguments &arguments)
+{
+    constexpr std::size_t most = 1000;
+    const char *said = std::getenv("COLUMNS");
+    const std::string_view digits = said != nullptr ? said : "";
+    std::size_t columns = 0;
+    const auto [end, fault] =
+        std::from_chars(digits.data(), digits.data() + digits.size(), columns);
+    if (fault == std::errc() && end == digits.data() + digits.size() && columns > 0) {
+        return std::min(columns, most);
+    }
+    winsize size{};
+    const bool is_known = is_standard_output(arguments.output) &&
+                          ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return is_known ? size.ws_col : explaining::usual_columns;
 }
 
 std::unique_ptr<SpanSink> make_writer(Output &output, const Arguments &arguments,
@@ -40,7 +72,8 @@ std::unique_ptr<SpanSink> make_writer(Output &output, const Arguments &arguments
     if (arguments.json) {
         return std::make_unique<explaining::ExplainJsonWriter>(output, page);
     }
-    return std::make_unique<explaining::ExplainTextWriter>(output, page, wanted_colours(arguments));
+    return std::make_unique<explaining::ExplainTextWriter>(output, page, wanted_colours(arguments),
+                                                           window_columns(arguments));
 }
 
 // Passes on what it gets as long as the output takes it: what is not wanted need not be read.

@@ -43,7 +43,7 @@ check_examples()
         ...) check_piece ;;
         =*)
             document=${line#=}
-            printed=$("$program" explain "$document")
+            printed=$(COLUMNS=80 "$program" explain "$document")
             ;;
         *) piece+=$line$'\n' ;;
         esac
@@ -53,7 +53,7 @@ check_examples()
 # Lines "offset words" for everything that explain prints for a document's header.
 fields()
 {
-    "$program" explain "$1" | sed -nE 's/^ *([0-9]+)  [^|]*\|.*\|  +([a-z].*)$/\1 \2/p' \
+    COLUMNS=1000 "$program" explain "$1" | sed -nE 's/^ *([0-9]+)  [^|]*\|.*\|  +([a-z].*)$/\1 \2/p' \
         | sed -E '/ form feed: the text begins|^512 /,$d'
 }
 

@@ -100,7 +100,9 @@ protected:
         std::string name = (fs::temp_directory_path() / "pfsdoc-XXXXXX").string();
         ASSERT_NE(::mkdtemp(name.data()), nullptr);
         directory = name;
-        ::unsetenv("VS_PFS_MODULE");
+        for (const char *variable : {"VS_PFS_MODULE", "COLUMNS", "NO_COLOR", "CLICOLOR_FORCE"}) {
+            ::unsetenv(variable);
+        }
         write("a.pfs", write_document("TYPE 2", '2',
                                       bytes("0D '  Hello' 0D 'more *NEW PAGE*'"
                                             "0D 'last' 0D 0E")));

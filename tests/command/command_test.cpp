@@ -325,9 +325,8 @@ TEST_F(Command, ExplainHasEveryByteOfTheFile)
 {
     const std::string dump = output_of({"explain", "a.pfs"});
     EXPECT_EQ(dump.substr(0, dump.find('\n')),
-              "       0  00 00 00 00 00 00 00 00 00 00                    |          |        not "
-              "used");
-    EXPECT_NE(dump.find("|*NEW PAGE*|        command: new page\n"), std::string::npos) << dump;
+              "       0  00 00 00 00 00 00 00 00  |        |  not used");
+    EXPECT_NE(dump.find("|*NEW PAG|  command: new page\n"), std::string::npos) << dump;
     const std::string document = content_of(directory / "a.pfs");
     std::size_t offset = 0;
     std::istringstream lines(output_of({"explain", "--json", "a.pfs"}));
@@ -348,6 +347,42 @@ TEST_F(Command, ExplainHasColoursOnlyOnRequest)
     EXPECT_EQ(output_of({"explain", "--color=always", "--json", "a.pfs"}),
               output_of({"explain", "--json", "a.pfs"}));
     expect_failure(run({"explain", "--color=red", "a.pfs"}), 2, "pfsdoc: --color");
+}
+
+TEST_F(Command, ExplainFitsTheWindow)
+{
+    const auto longest_line = [this] {
+        std::size_t longest = 0;
+        std::istringstream lines(output_of({"explain", "--charset", "850", "a.pfs"}));
+        for (std::string line; std::getline(lines, line);) {
+            longest = std::max(longest, static_cast<std::size_t>(std::count_if(
+                                            line.begin(), line.end(), [](unsigned char byte) {
+                                                return (byte & 0xC0U) != 0x80U;
+                                            })));
+        }
+        return longest;
+    };
+    ::unsetenv("COLUMNS");
+    EXPECT_LE(longest_line(), 80U);
+    ::setenv("COLUMNS", "200", 1);
+    EXPECT_GT(longest_line(), 110U);
+    for (const char *senseless : {"", "wide", "0", "-5", "80x"}) {
+        ::setenv("COLUMNS", senseless, 1);
+        EXPECT_LE(longest_line(), 80U) << senseless;
+    }
+    ::unsetenv("COLUMNS");
+}
+
+TEST_F(Command, ExplainTakesItsColoursFromTheEnvironment)
+{
+    ::setenv("CLICOLOR_FORCE", "1", 1);
+    EXPECT_EQ(output_of({"explain", "a.pfs"}), output_of({"explain", "--color=always", "a.pfs"}));
+    ::setenv("NO_COLOR", "1", 1);
+    EXPECT_EQ(output_of({"explain", "a.pfs"}).find('\x1B'), std::string::npos);
+    ::unsetenv("NO_COLOR");
+    ::setenv("CLICOLOR_FORCE", "0", 1);
+    EXPECT_EQ(output_of({"explain", "a.pfs"}).find('\x1B'), std::string::npos);
+    ::unsetenv("CLICOLOR_FORCE");
 }
 
 TEST_F(Command, ExplainStopsAtTheLargestOutputAllowed)

@@ -3,6 +3,8 @@
 
 #include "tests/lib/explain/explained.h"
 
+#include <sstream>
+
 namespace {
 
 using namespace tests;
@@ -12,8 +14,30 @@ std::string dump(const Span &span, explaining::Colours colours = explaining::Col
                  const CodePage &page = CodePage::ibm437())
 {
     StringOutput output;
-    explaining::ExplainTextWriter(output, page, colours).span(span);
+    explaining::ExplainTextWriter(output, page, colours, 200).span(span);
     return output.text;
+}
+
+// As in a window of so many columns.
+std::string narrow_dump(const Span &span, std::size_t columns = explaining::usual_columns,
+                        explaining::Colours colours = explaining::Colours::off)
+{
+    StringOutput output;
+    explaining::ExplainTextWriter(output, CodePage::ibm437(), colours, columns).span(span);
+    return output.text;
+}
+
+// Characters, with a line's escape sequences left out.
+std::size_t columns_of(const std::string &line)
+{
+    std::size_t columns = 0;
+    bool is_shown = true;
+    for (const char byte : line) {
+        is_shown = is_shown && byte != '\x1B';
+        columns += is_shown && (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U ? 1 : 0;
+        is_shown = is_shown || byte == 'm';
+    }
+    return columns;
 }
 
 TEST(ExplainText, HasPositionBytesGlyphsAndWords)
@@ -62,6 +86,45 @@ TEST(ExplainText, MarksWhatIsDisputed)
     Span span = span_with(SpanKind::line_end, "\r", "line end, soft");
     span.disputed = true;
     EXPECT_NE(dump(span).find("line end, soft (disputed)\n"), std::string::npos);
+}
+
+TEST(ExplainText, FillsWordsBesideTheBytes)
+{
+    const std::string words = "line end, hard: the next word would have fitted: 9 + 10 is not "
+                              "beyond 64";
+    EXPECT_EQ(narrow_dump(span_with(SpanKind::line_end, "\r", words)),
+              "     100  0D                       |\u266A|         line end, hard: the next word\n"
+              "                                               would have fitted: 9 + 10 is not\n"
+              "                                               beyond 64\n");
+    EXPECT_EQ(narrow_dump(span_with(SpanKind::unused, "0123456789abcdefXY", words)),
+              "     100  30 31 32 33 34 35 36 37  |01234567|  line end, hard: the next word\n"
+              "     108  38 39 61 62 63 64 65 66  |89abcdef|  would have fitted: 9 + 10 is not\n"
+              "     116  58 59                    |XY|        beyond 64\n");
+}
+
+TEST(ExplainText, FitsTheWindow)
+{
+    for (const std::string &words : {std::string(500, 'x'),
+                                     std::string("a word and the next one, ") +
+                                         std::string(100, 'y') + " and so on, with \u266A in it",
+                                     std::string(250, ' ')}) {
+        Span span = span_with(SpanKind::end_mark, std::string(100, '.') + "abcdefghijklm", words);
+        span.disputed = true;
+        for (const std::size_t columns : {70U, 80U, 110U, 111U, 112U, 150U}) {
+            for (const auto colours : {explaining::Colours::off, explaining::Colours::on}) {
+                std::istringstream lines(narrow_dump(span, columns, colours));
+                for (std::string line; std::getline(lines, line);) {
+                    EXPECT_LE(columns_of(line), columns) << line;
+                }
+            }
+        }
+    }
+}
+
+TEST(ExplainText, KeepsRoomForWordsInTheSmallestWindow)
+{
+    EXPECT_EQ(narrow_dump(span_with(SpanKind::line_end, "\r", "line end, soft"), 1),
+              "     100  0D                       |\u266A|         line end, soft\n");
 }
 
 TEST(ExplainText, ColoursWordsOnlyWhenAsked)

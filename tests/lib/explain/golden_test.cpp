@@ -10,7 +10,8 @@ using namespace pfsdoc;
 std::string dump_from(const std::string &document, uint32_t offset)
 {
     StringOutput output;
-    explaining::ExplainTextWriter writer(output, CodePage::ibm437(), explaining::Colours::off);
+    // Wide enough that no words continue on another line.
+    explaining::ExplainTextWriter writer(output, CodePage::ibm437(), explaining::Colours::off, 240);
     for (const Span &span : spans_of(document)) {
         if (span.offset >= offset) {
             writer.span(span);
