@@ -1,15 +1,17 @@
 #include "cli/option_table.h"
 
+#include "cli/number_checks.h"
+
 #include <algorithm>
-#include <charconv>
-#include <system_error>
 
 namespace pfsdoc::cli {
 
 namespace {
 
-constexpr std::size_t most_jobs = 1024;
-constexpr double longest_time = 86400; // seconds
+constexpr double shortest_time = 0.001; // seconds
+constexpr double longest_time = 86400;
+// A short line at the right margin takes as many bytes.
+constexpr uint64_t most_columns = 100'000;
 
 // ------------------------------------------- how an option reaches its value ----------
 // A path leads to the value: members of Arguments, and of what is inside it.
@@ -51,28 +53,10 @@ CLI::Option *repeated(CLI::App &app, const OptionEntry &entry, Arguments &argume
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
-// CLI11's own validator makes its table of units when it is set up, which costs more than all
-// other options together; this one does so for a size that was given.
-std::string bytes_of(std::string size)
-{
-    if (size.find('-') != std::string::npos) {
-        throw CLI::ValidationError(size + " is negative"); // it would wrap around
-    }
-    const std::string problem = CLI::AsSizeValue(false)(size);
-    if (!problem.empty()) {
-        throw CLI::ValidationError(problem);
-    }
-    uint64_t bytes = 0;
-    if (std::from_chars(size.data(), size.data() + size.size(), bytes).ec != std::errc()) {
-        throw CLI::ValidationError(size + " is too large");
-    }
-    return size;
-}
-
 template <auto... path>
 CLI::Option *size(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
 {
-    return value<path...>(app, entry, arguments)->transform(bytes_of);
+    return value<path...>(app, entry, arguments)->transform(number_of_bytes);
 }
 
 CLI::Option *color(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
@@ -83,14 +67,23 @@ CLI::Option *color(CLI::App &app, const OptionEntry &entry, Arguments &arguments
 
 CLI::Option *jobs(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
 {
-    return value<&Arguments::jobs>(app, entry, arguments)
-        ->check(CLI::Range(std::size_t{1}, most_jobs));
+    return value<&Arguments::jobs>(app, entry, arguments)->transform([](const std::string &text) {
+        return whole_number(text, 1, most_jobs);
+    });
 }
 
 CLI::Option *max_time(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
 {
     return value<&Arguments::max_seconds>(app, entry, arguments)
-        ->check(CLI::Range(0.001, longest_time));
+        ->transform([](const std::string &text) {
+            return number_of_seconds(text, shortest_time, longest_time);
+        });
+}
+
+CLI::Option *columns(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return value<&Arguments::writer, &WriterOptions::wrap>(app, entry, arguments)
+        ->transform([](const std::string &text) { return whole_number(text, 0, most_columns); });
 }
 
 CLI::Option *sandbox(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
@@ -166,8 +159,7 @@ constexpr OptionEntry all_options[] = {
     {converting, "--commands", nullptr, "show the commands embedded in the text",
      flag<&Arguments::writer, &WriterOptions::commands>, commands},
     {converting, "--wrap", "COLUMNS",
-     "fill lines to this many columns; 0 gives each paragraph one line",
-     value<&Arguments::writer, &WriterOptions::wrap>, wrap},
+     "fill lines to this many columns; 0 gives each paragraph one line", columns, wrap},
     {converting, "--raw-lines", nullptr, "end lines where they end in the file",
      flag<&Arguments::writer, &WriterOptions::raw_lines>, raw_lines, "--wrap"},
     {convert_command | batch_command, "--lines", nullptr, "one object a line",

@@ -1,9 +1,13 @@
 #include "batch/trusted/progress.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <numeric>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace pfsdoc::batch {
 
@@ -11,17 +15,34 @@ namespace {
 
 constexpr std::chrono::milliseconds between_bars{100};
 constexpr std::chrono::seconds between_lines{5};
-constexpr uint64_t bar_width = 24;
+constexpr std::size_t widest_bar = 24;
+constexpr std::size_t narrowest_bar = 6;
+constexpr std::size_t columns_unless_known = 80;
+constexpr std::size_t most_columns = 1000;
 constexpr const char *line_start_over = "\r\033[K";
 constexpr const char *red = "\033[31m";
 constexpr const char *plain = "\033[0m";
 
-std::string bar_of(uint64_t done, uint64_t total)
+std::string bar_of(std::size_t width, uint64_t done, uint64_t total)
 {
-    const uint64_t full = bar_width * done / total;
+    const auto full = static_cast<std::size_t>(width * done / total);
     std::string bar = "[";
-    bar.append(full, '#').append(bar_width - full, '.').append("] ");
+    bar.append(full, '#').append(width - full, '.').append("] ");
     return bar;
+}
+
+// Of the terminal; it may change at any time.
+std::size_t window_columns()
+{
+    winsize window{};
+    if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col > 0) {
+        return window.ws_col;
+    }
+    const char *named = std::getenv("COLUMNS");
+    const std::string_view text = named != nullptr ? named : "";
+    std::size_t columns = 0;
+    std::from_chars(text.data(), text.data() + text.size(), columns);
+    return columns > 0 && columns < most_columns ? columns : columns_unless_known;
 }
 
 std::string duration_words(double seconds)
@@ -97,22 +118,38 @@ std::string Tally::words() const
            });
 }
 
-std::string Progress::line_of(const Tally &tally, double seconds) const
+// What fits in so many columns; all characters are ASCII. What goes first is what is least missed.
+std::string Progress::line_of(const Tally &tally, double seconds, std::size_t columns) const
 {
     const uint64_t done = tally.files();
-    const double rate = static_cast<double>(done) / seconds;
     const bool has_total = total_ && done <= *total_;
-    const bool is_bar = form_ == ProgressForm::bar;
-    std::string line = has_total && is_bar ? bar_of(done, *total_) : "";
-    line += std::to_string(done) + (has_total ? " of " + std::to_string(*total_) : "") + " files, ";
-    line += std::to_string(static_cast<uint64_t>(rate)) + " a second";
-    if (has_total && done > 0) {
-        line += ", " + duration_words(static_cast<double>(*total_ - done) / rate) + " left";
+    const double rate = static_cast<double>(done) / seconds;
+    const std::string files =
+        std::to_string(done) + (has_total ? " of " + std::to_string(*total_) : "") + " files";
+    std::string pace = ", " + std::to_string(static_cast<uint64_t>(rate)) + " a second";
+    std::string left =
+        has_total && done > 0
+            ? ", " + duration_words(static_cast<double>(*total_ - done) / rate) + " left"
+            : "";
+    const std::string failed = std::to_string(tally.failures()) + " failed";
+    std::string ignored =
+        tally.others() > 0 ? ", " + std::to_string(tally.others()) + " ignored" : "";
+    const auto length = [&] {
+        return files.size() + pace.size() + left.size() + 2 + failed.size() + ignored.size();
+    };
+    for (std::string *part : {&pace, &ignored, &left}) {
+        if (length() > columns) {
+            part->clear();
+        }
     }
-    const bool is_red = is_bar && tally.failures() > 0 && is_colourful();
-    line += std::string(", ") + (is_red ? red : "") + std::to_string(tally.failures()) +
-            " not converted whole" + (is_red ? plain : "");
-    return line;
+    const std::size_t room = columns - std::min(columns, length());
+    const bool has_bar = form_ == ProgressForm::bar && has_total && room >= narrowest_bar + 3;
+    const std::string bar = has_bar ? bar_of(std::min(widest_bar, room - 3), done, *total_) : "";
+    const bool is_red =
+        form_ == ProgressForm::bar && tally.failures() > 0 && is_colourful() && length() <= columns;
+    const std::string line = bar + files + pace + left + ", " + (is_red ? red : "") + failed +
+                             (is_red ? plain : "") + ignored;
+    return length() <= columns ? line : line.substr(0, columns);
 }
 
 void Progress::show(const Tally &tally)
@@ -124,7 +161,10 @@ void Progress::show(const Tally &tally)
         return;
     }
     shown_ = now;
-    const std::string line = line_of(tally, std::chrono::duration<double>(now - start_).count());
+    // A terminal may go to its next line when the last column is written.
+    const std::size_t columns = is_bar ? window_columns() - 1 : most_columns;
+    const std::string line =
+        line_of(tally, std::chrono::duration<double>(now - start_).count(), columns);
     put(is_bar ? line_start_over + line : "pfsdoc: " + line + "\n");
 }
 

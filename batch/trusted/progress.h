@@ -1,5 +1,5 @@
 // What a run says on standard error while it goes on: a bar that is drawn again and again on a
-// terminal, a line now and then elsewhere. Test: tests/batch/run/batch_test.cpp.
+// terminal and fits its window, a line now and then elsewhere. Test: tests/batch/run/progress.sh.
 #pragma once
 
 #include "batch/wire/outcome.h"
@@ -47,7 +47,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    std::string line_of(const Tally &tally, double seconds) const;
+    std::string line_of(const Tally &tally, double seconds, std::size_t columns) const;
 
     ProgressForm form_;
     std::optional<uint64_t> total_;

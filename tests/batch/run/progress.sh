@@ -24,9 +24,28 @@ expect_no()
 }
 
 script -qec "$program batch in -o shown -t text -j 1" /dev/null >terminal
-expect '\r\x1b\[K\[#+\.+\] \d+ of 6000 files, \d+ a second, \d:\d\d:\d\d left, 0 not converted' terminal
+expect '\r\x1b\[K\[#+\.+\] \d+ of 6000 files, \d+ a second, \d:\d\d:\d\d left, 0 failed' terminal
 expect '\r\x1b\[Kpfsdoc: sandbox: ' terminal
 expect 'pfsdoc: 6000 files: 6000 converted\r$' terminal
+
+# A line that is longer than the window scrolls it at each update.
+for columns in 40 80 100; do
+    script -qec "stty cols $columns; $program batch in -o wide$columns -t text -j 1" /dev/null >terminal
+    /usr/bin/python3 - "$columns" terminal <<'END' || failures=$((failures + 1))
+import re
+import sys
+
+columns = int(sys.argv[1])
+updates = open(sys.argv[2], newline="").read().split("\r\033[K")
+lines = [re.sub("\033\\[[0-9;]*m", "", line) for line in updates[1:-1]]
+widest = max(map(len, lines))
+print(columns, "columns:", len(lines), "updates,", max(lines, key=len))
+if len(lines) < 3 or widest >= columns or any("\n" in line for line in lines):
+    sys.exit(f"the bar does not fit {columns} columns: {lines}")
+if not all(re.search("[0-9]+ of 6000 files.* 0 failed", line) for line in lines):
+    sys.exit(f"the bar lacks its counts: {lines}")
+END
+done
 
 "$program" batch in -o plain -t text >output 2>errors
 expect '^pfsdoc: 6000 files: 6000 converted$' errors
