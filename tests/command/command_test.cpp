@@ -260,7 +260,7 @@ TEST_F(Command, IdentifyWritesEachFileOnceForPrograms)
 {
     write("junk", "junk");
     const std::string object =
-        R"({"file":"junk","error":"is not a supported document","remedy":"only documents of )"
+        R"({"source":"junk","error":"is not a supported document","remedy":"only documents of )"
         R"(PFS: WRITE, Professional Write, IBM Writing Assistant and PFS: First Choice can be )"
         R"(read","exit_code":4})";
     EXPECT_EQ(output_of({"identify", "--lines", "junk"}), object + "\n");
@@ -279,19 +279,19 @@ TEST_F(Command, IdentifyWritesNamesThatTurnBack)
         const std::string escaped = pfsdoc::base::escaped_name(name);
         EXPECT_EQ(output_of({"identify", name}), escaped + ": PFS: WRITE B\n");
         const std::string line = output_of({"identify", "--lines", name});
-        const std::string beginning = "{\"file\":" + json_string(escaped) + ",";
+        const std::string beginning = "{\"source\":" + json_string(escaped) + ",";
         EXPECT_EQ(line.substr(0, beginning.size()), beginning);
         EXPECT_EQ(pfsdoc::base::unescaped_name(escaped), name);
     }
 }
 
 constexpr const char *a_pfs_as_json =
-    R"({"file":"a.pfs","kind":"PFS: WRITE B","file_id":1013,"confidence":"certain",)"
-    R"("basis":"\"TYPE 2\" at 641, variant \"2\" at 649","pronom":"fmt/1414",)"
+    R"({"source":"a.pfs","kind":"PFS: WRITE B","file_id":1013,"confidence":"certain",)"
+    R"("basis":"\"TYPE 2\" at 641, variant \"2\" at 649","puid":"fmt/1414",)"
     R"("pronom_signature":false,"extension_mismatch":null,)"
     R"("notes":["it lacks the signature that PRONOM has for fmt/1414"]})";
 constexpr const char *none_as_json =
-    R"({"file":"none","error":"cannot be read: No such file or directory",)"
+    R"({"source":"none","error":"cannot be read: No such file or directory",)"
     R"("remedy":"check the name","exit_code":3})";
 
 TEST_F(Command, IdentifyWritesAnArrayOfObjects)
@@ -311,9 +311,9 @@ TEST_F(Command, IdentifyWritesObjectsOneALine)
     const Outcome outcome = run({"identify", "--lines", "a.pfs", "none", "wa.pw"});
     EXPECT_EQ(outcome.exit_code, 1);
     EXPECT_EQ(outcome.output, std::string(a_pfs_as_json) + "\n" + none_as_json + "\n" +
-                                  R"({"file":"wa.pw","kind":"IBM Writing Assistant",)"
+                                  R"({"source":"wa.pw","kind":"IBM Writing Assistant",)"
                                   R"("file_id":1016,"confidence":"certain",)"
-                                  R"("basis":"\"IBM   \" at 641","pronom":null,)"
+                                  R"("basis":"\"IBM   \" at 641","puid":null,)"
                                   R"("pronom_signature":null,"extension_mismatch":)"
                                   R"("its extension .pw is usual for Professional Write",)"
                                   R"("notes":[]})"
