@@ -104,6 +104,15 @@ const char *command_for_files(const std::vector<std::string> &words)
     return has_output ? convert_subcommand.name : text_subcommand.name;
 }
 
+// Whether the words begin with an option of pfsdoc itself, or name a command after one that is
+// none: then they are the parser's.
+bool begins_with_own_option(const std::vector<std::string> &words)
+{
+    const std::string &first = words.front();
+    return first == "-h" || first == "--help" || first == "--version" || first == "--" ||
+           std::any_of(words.begin(), words.end(), is_command);
+}
+
 // Puts in front what a person left out, or writes otherwise than the parser takes it.
 Status complete(std::vector<std::string> &words)
 {
@@ -112,10 +121,11 @@ Status complete(std::vector<std::string> &words)
                                   : std::vector<std::string>{words[1], "--help"};
     }
     const std::string first = words.front();
-    if (is_command(first) || (first.starts_with("-") && first != "-")) {
+    const bool is_option = first.starts_with("-") && first != "-";
+    if (is_command(first) || (is_option && begins_with_own_option(words))) {
         return {};
     }
-    if (is_file(first)) {
+    if (is_option || is_file(first)) {
         words.insert(words.begin(), command_for_files(words));
         return {};
     }

@@ -1,12 +1,14 @@
 #include "command/protected_files.h"
 
 #include "lib/reading/diskette_image.h"
+#include "lib/reading/relatives.h"
 #include "pfsdoc/byte_source.h"
 #include "pfsdoc/identify.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <fcntl.h>
+#include <string_view>
 #include <unistd.h>
 
 namespace pfsdoc::cli {
@@ -59,6 +61,10 @@ Status ProtectedFiles::check(const base::ExistingFile &file) const
                             static_cast<uint32_t>(file.status.st_size));
     if (const Result<Identity> identity = identify(source); identity.ok()) {
         return is("a document (" + std::string(display_name(identity.value().kind)) + ")");
+    }
+    if (const std::string_view relative = reading::relative_of_documents(source);
+        !relative.empty()) {
+        return is(std::string(relative));
     }
     return reading::is_diskette_image(source) ? Status(is("the image of a diskette")) : Status();
 }

@@ -1,5 +1,6 @@
-// Files that no output takes the place of: documents, images of diskettes, and what this run
-// reads, whichever name or descriptor leads to them. Test: tests/command/output_command_test.cpp.
+// Files that no output takes the place of: documents and what else the same programs wrote, images
+// of diskettes, and what this run reads, whichever name or descriptor leads to them. Test:
+// tests/command/output_command_test.cpp.
 #pragma once
 
 #include "lib/base/file_output.h"

@@ -60,9 +60,9 @@ std::optional<int> descriptor_named(const std::string &path)
     return std::nullopt;
 }
 
-Error refused(const std::string &name, const Error &reason)
+Error refused(const std::string &shown, const Error &reason)
 {
-    const std::string output = name.empty() ? "the output " : "the output " + name + " ";
+    const std::string output = shown.empty() ? "the output " : "the output " + shown + " ";
     return {reason.kind, output + reason.what, reason.remedy};
 }
 
@@ -87,7 +87,8 @@ Error leads_nowhere()
 }
 
 // Whether the guard lets an existing file be replaced, which must be readable for that.
-Status check_existing(const std::string &name, const FileOutputOptions &options)
+Status check_existing(const std::string &name, const std::string &shown,
+                      const FileOutputOptions &options)
 {
     if (!options.guard) {
         return {};
@@ -95,10 +96,10 @@ Status check_existing(const std::string &name, const FileOutputOptions &options)
     const Descriptor existing(::open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!existing.is_open() || ::fstat(existing.get(), &status) != 0) {
-        return refused(name, is_unseen(errno));
+        return refused(shown, is_unseen(errno));
     }
     const Status reason = options.guard({status, existing.get()});
-    return reason.ok() ? Status() : refused(name, reason.error());
+    return reason.ok() ? Status() : refused(shown, reason.error());
 }
 
 int rename_to_new_name(const char *from, const char *to)
@@ -150,45 +151,47 @@ Result<FileOutput::Opened> FileOutput::open(const std::string &path,
     if (const std::optional<int> descriptor = descriptor_named(path)) {
         return open_stream(Descriptor(::fcntl(*descriptor, F_DUPFD_CLOEXEC, 0)), path, options);
     }
-    return open_named(resolved(path), options);
+    return open_named(path, options);
 }
 
-Result<FileOutput::Opened> FileOutput::open_stream(Descriptor descriptor, const std::string &name,
+Result<FileOutput::Opened> FileOutput::open_stream(Descriptor descriptor, const std::string &shown,
                                                    const FileOutputOptions &options)
 {
     struct stat status {};
     if (!descriptor.is_open() || ::fstat(descriptor.get(), &status) != 0) {
-        return output_error(errno, name);
+        return output_error(errno, shown);
     }
     if (options.guard && S_ISREG(status.st_mode)) {
         const std::string again = "/proc/self/fd/" + std::to_string(descriptor.get());
         const Descriptor existing(::open(again.c_str(), O_RDONLY | O_CLOEXEC));
         if (const Status reason = options.guard({status, existing.get()}); !reason.ok()) {
-            return refused(name, reason.error());
+            return refused(shown, reason.error());
         }
     }
-    return Opened{std::move(descriptor), {name, "", 0, false}};
+    return Opened{std::move(descriptor), {shown, "", "", 0, false}};
 }
 
-Result<FileOutput::Opened> FileOutput::open_named(const std::string &name,
+Result<FileOutput::Opened> FileOutput::open_named(const std::string &shown,
                                                   const FileOutputOptions &options)
 {
+    const std::string name = resolved(shown);
     struct stat status {};
     if (::lstat(name.c_str(), &status) != 0) {
-        return errno == ENOENT ? open_beside({name, "", mode_of_new_files(), options.keep_existing})
-                               : Result<Opened>(output_error(errno, name));
+        return errno == ENOENT
+                   ? open_beside({shown, name, "", mode_of_new_files(), options.keep_existing})
+                   : Result<Opened>(output_error(errno, shown));
     }
     if (S_ISLNK(status.st_mode)) { // all that lead somewhere were followed
-        return refused(name, leads_nowhere());
+        return refused(shown, leads_nowhere());
     }
     if (!S_ISREG(status.st_mode)) {
-        return open_stream(Descriptor(::open(name.c_str(), O_WRONLY | O_CLOEXEC)), name, options);
+        return open_stream(Descriptor(::open(name.c_str(), O_WRONLY | O_CLOEXEC)), shown, options);
     }
     if (options.keep_existing) {
-        return refused(name, exists_already());
+        return refused(shown, exists_already());
     }
-    const Status reason = check_existing(name, options);
-    return reason.ok() ? open_beside({name, "", status.st_mode & permission_bits, false})
+    const Status reason = check_existing(name, shown, options);
+    return reason.ok() ? open_beside({shown, name, "", status.st_mode & permission_bits, false})
                        : Result<Opened>(reason.error());
 }
 
@@ -210,16 +213,16 @@ Result<FileOutput::Opened> FileOutput::open_beside(Target target)
             break;
         }
     }
-    return output_error(errno, target.name);
+    return output_error(errno, target.shown);
 }
 
 Status FileOutput::failure() const
 {
     if (commit_error_ == EEXIST) {
-        return refused(target_.name, exists_already());
+        return refused(target_.shown, exists_already());
     }
-    return commit_error_ != 0 ? Status(output_error(commit_error_, target_.name))
-                              : output_.failure(target_.name);
+    return commit_error_ != 0 ? Status(output_error(commit_error_, target_.shown))
+                              : output_.failure(target_.shown);
 }
 
 bool FileOutput::reader_is_gone() const

@@ -77,7 +77,8 @@ public:
 
 private:
     struct Target {
-        std::string name;      // empty for standard output
+        std::string shown;     // the name that was given; empty for standard output
+        std::string name;      // the same with its links followed
         std::string temporary; // the name it has for now, empty when it is written to directly
         mode_t mode = 0;       // to be had under its own name
         bool keep_existing = false;
@@ -90,9 +91,9 @@ private:
     FileOutput(Opened opened, uint64_t max_bytes);
 
     static Result<Opened> open(const std::string &path, const FileOutputOptions &options);
-    static Result<Opened> open_stream(Descriptor descriptor, const std::string &name,
+    static Result<Opened> open_stream(Descriptor descriptor, const std::string &shown,
                                       const FileOutputOptions &options);
-    static Result<Opened> open_named(const std::string &name, const FileOutputOptions &options);
+    static Result<Opened> open_named(const std::string &shown, const FileOutputOptions &options);
     static Result<Opened> open_beside(Target target);
     int finish_target();
 

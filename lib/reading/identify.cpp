@@ -4,6 +4,7 @@
 #include "formats/write_family.h"
 #include "lib/base/printable.h"
 #include "lib/reading/kind_tables.h"
+#include "lib/reading/relatives.h"
 
 #include <algorithm>
 #include <array>
@@ -29,17 +30,6 @@ constexpr std::array<Signature, 5> signatures = {{
     {write::signature_writing_assistant, DocumentKind::writing_assistant},
     {write::signature_professional_1, DocumentKind::professional_write_1},
     {write::signature_professional_2, DocumentKind::professional_write_2},
-}};
-
-// Files of the same makers that are no documents.
-struct Relative {
-    std::string_view magic;
-    std::string_view name;
-};
-constexpr std::array<Relative, 3> relatives = {{
-    {"GERBILDB", "a First Choice database"},
-    {"GERBILCLIP", "a First Choice clipboard"},
-    {"RABBITGRAPH", "a First Choice graph"},
 }};
 
 // The examined start of a file; empty where the file ends.
@@ -118,7 +108,7 @@ Error unknown(const Start &start)
     if (start.size() == 0) {
         return not_a_document("is empty");
     }
-    for (const Relative &relative : relatives) {
+    for (const reading::Relative &relative : reading::relatives) {
         if (start.has(choice::magic_offset, relative.magic)) {
             return not_a_document("is " + std::string(relative.name) + " (" +
                                   found_at(relative.magic, choice::magic_offset) +

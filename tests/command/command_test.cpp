@@ -76,6 +76,9 @@ TEST_F(Command, ShowsALetterWithoutASubcommand)
     EXPECT_EQ(output_of({"a.pfs", "-t", "html"}), output_of({"convert", "-t", "html", "a.pfs"}));
     EXPECT_EQ(output_of({"a.pfs", "-o", "new.html"}), "");
     EXPECT_EQ(content_of(directory / "new.html"), output_of({"a.pfs", "--to=html"}));
+    EXPECT_EQ(output_of({"-t", "html", "a.pfs"}), output_of({"a.pfs", "-t", "html"}));
+    EXPECT_EQ(output_of({"--wrap", "6", "a.pfs"}), output_of({"text", "a.pfs", "--wrap", "6"}));
+    expect_failure(run({"--none"}), 2, "pfsdoc: FILE is required");
     expect_failure(run({"none.pfs"}), 3, "pfsdoc: none.pfs: cannot be read");
     expect_failure(run({"."}), 3, "pfsdoc: .: is a directory");
     write("identify", content_of(directory / "a.pfs"));
@@ -633,6 +636,23 @@ TEST_F(Command, ShowsNoControlCharactersOfNames)
     EXPECT_EQ(output_of({"identify", name}), "evil\\x1B[31m\\x0Aname\\xC2\\x9B: PFS: WRITE B\n");
     const Outcome outcome = run({"text", "none\x1B[31m"});
     expect_failure(outcome, 3, "pfsdoc: none\\x1B[31m: cannot be read");
+}
+
+// A name that turns what follows it around reads as another on a terminal.
+TEST_F(Command, ShowsNoCharactersThatTurnTextAround)
+{
+    const std::string name = "fdp\xE2\x80\xAEtxt";
+    expect_failure(run({"text", name}), 3, "pfsdoc: fdp\\xE2\\x80\\xAEtxt: cannot be read");
+    expect_failure(run({"convert", "-t", name, "a.pfs"}), 2,
+                   "pfsdoc: there is no output format \"fdp\\xE2\\x80\\xAEtxt\"");
+    write("\xEF\xBB\xBF"
+          "a.pfs",
+          content_of(directory / "a.pfs"));
+    EXPECT_EQ(output_of({"identify", "\xEF\xBB\xBF"
+                                     "a.pfs"}),
+              "\\xEF\\xBB\\xBFa.pfs: PFS: WRITE B\n");
+    expect_failure(run({"text", "a.pfs", "-o", "none/\xD8\x9C"}), 7,
+                   "pfsdoc: a.pfs: the output none/\\xD8\\x9C cannot be written");
 }
 
 // A closed standard error must not let messages end up in the output file.

@@ -83,6 +83,9 @@ expect '0 72 80' text --wrap ''
 expect '0 72 80' text --wrap =
 expect 'auto always never' explain --color ''
 expect 'off available require' batch --sandbox ''
+expect 'require' batch letters --sandbox = r
+expect 'available' batch letters -o out --sandbox av
+expect '--sandbox' batch letters -o out --sa
 expect '' batch --files-from ''
 
 # The program writes each of the formats that are offered.

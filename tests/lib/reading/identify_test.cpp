@@ -1,6 +1,7 @@
 // Identifying files, in agreement with the module.
 #include "pfsdoc/identify.h"
 
+#include "lib/reading/relatives.h"
 #include "tests/lib/reading/host_bench.h"
 
 #include <random>
@@ -99,6 +100,18 @@ TEST(Identify, NamesTheRelatives)
                    "is a First Choice clipboard (\"GERBILCLIP\" at 9), not a document");
     expect_unknown(blank_document(512, {{9, "RABBITGRAPH"}}),
                    "is a First Choice graph (\"RABBITGRAPH\" at 9), not a document");
+}
+
+TEST(Identify, KnowsTheRelativesAsSomebodysWork)
+{
+    const auto relative_of = [](const std::string &document) -> std::string_view {
+        return reading::relative_of_documents(*source_from(document));
+    };
+    EXPECT_EQ(relative_of(blank_document(512, {{9, "GERBILDB"}})), "a First Choice database");
+    EXPECT_EQ(relative_of(write_document("WRD PC", '3', "")), "a file of PFS: WRITE");
+    EXPECT_EQ(relative_of(write_document("TYPE 4", '1', "")), "");
+    EXPECT_EQ(relative_of(""), "");
+    EXPECT_EQ(relative_of(blank_document(512, {})), "");
 }
 
 TEST(Identify, ReportsEmptyFiles)
