@@ -7,12 +7,14 @@
 #include "batch/sandboxed/archive_reader.h"
 
 #include "batch/sandboxed/sandbox.h"
+#include "batch/sandboxed/zip_directory.h"
 #include "batch/wire/archive_messages.h"
 
 #include <algorithm>
 #include <archive.h>
 #include <archive_entry.h>
 #include <array>
+#include <cerrno>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
@@ -90,7 +92,15 @@ bool map(int descriptor, MappedFile &file)
     return mapped != MAP_FAILED;
 }
 
-Archive open_archive(MappedFile &file)
+// A stream that is cut in its compression is an archive all the same. EILSEQ is what libarchive has
+// on Linux for bytes of no format that it knows.
+ArchiveOutcome failure_to_open(archive *reader)
+{
+    return ::archive_errno(reader) == EILSEQ ? ArchiveOutcome::not_an_archive
+                                             : ArchiveOutcome::damaged;
+}
+
+Archive new_reader()
 {
     Archive opened(::archive_read_new());
     archive *reader = opened.get();
@@ -103,14 +113,14 @@ Archive open_archive(MappedFile &file)
     ::archive_read_set_read_callback(reader, read_part);
     ::archive_read_set_skip_callback(reader, skip_part);
     ::archive_read_set_seek_callback(reader, seek_part);
-    ::archive_read_set_callback_data(reader, &file);
-    return ::archive_read_open1(reader) == ARCHIVE_OK ? std::move(opened) : nullptr;
+    return opened;
 }
 
 class MemberSender {
 public:
-    MemberSender(archive *opened, int output, const ArchiveSettings &settings)
-        : archive_(opened), output_(output), settings_(settings)
+    MemberSender(archive *opened, std::string_view bytes, int output,
+                 const ArchiveSettings &settings)
+        : archive_(opened), bytes_(bytes), output_(output), settings_(settings)
     {
     }
 
@@ -119,10 +129,12 @@ public:
 
 private:
     bool send_member(archive_entry *entry);
+    bool send_repeated();
     ArchiveOutcome send_content(archive_entry *entry);
     ArchiveOutcome send_parts();
 
     archive *archive_;
+    std::string_view bytes_; // of the archive
     int output_;
     const ArchiveSettings &settings_;
 };
@@ -185,16 +197,30 @@ bool MemberSender::send_member(archive_entry *entry)
            send_end(output_, MessageKind::member_end, send_content(entry));
 }
 
+// What libarchive leaves out: it reads a member once.
+bool MemberSender::send_repeated()
+{
+    for (const std::string_view name : repeated_entries(bytes_)) {
+        if (!send_bytes(output_, MessageKind::member, name.substr(0, longest_message)) ||
+            !send_end(output_, MessageKind::member_end, ArchiveOutcome::repeated)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 std::optional<ArchiveOutcome> MemberSender::send_all()
 {
-    for (bool at_start = true;; at_start = false) {
+    for (;;) {
         archive_entry *entry = nullptr;
         const int result = ::archive_read_next_header(archive_, &entry);
         if (result == ARCHIVE_EOF) {
-            return ArchiveOutcome::whole;
+            const bool is_zip =
+                (::archive_format(archive_) & ARCHIVE_FORMAT_BASE_MASK) == ARCHIVE_FORMAT_ZIP;
+            return !is_zip || send_repeated() ? std::optional(ArchiveOutcome::whole) : std::nullopt;
         }
         if (result < ARCHIVE_WARN) {
-            return at_start ? ArchiveOutcome::not_an_archive : ArchiveOutcome::damaged;
+            return ArchiveOutcome::damaged;
         }
         if (static_cast<uint64_t>(::archive_filter_bytes(archive_, 0)) > settings_.max_archive) {
             return ArchiveOutcome::too_many_bytes;
@@ -203,6 +229,18 @@ std::optional<ArchiveOutcome> MemberSender::send_all()
             return std::nullopt;
         }
     }
+}
+
+std::optional<ArchiveOutcome> send_archive(MappedFile &file, int output,
+                                           const ArchiveSettings &settings)
+{
+    const Archive reader = new_reader();
+    ::archive_read_set_callback_data(reader.get(), &file);
+    if (::archive_read_open1(reader.get()) != ARCHIVE_OK) {
+        return failure_to_open(reader.get());
+    }
+    const std::string_view bytes(file.bytes, static_cast<std::size_t>(file.size));
+    return MemberSender(reader.get(), bytes, output, settings).send_all();
 }
 
 void prepare_process(int output)
@@ -227,8 +265,8 @@ void run_archive_reader(int archive, int output, const ArchiveSettings &settings
     std::optional<ArchiveOutcome> outcome = ArchiveOutcome::not_an_archive;
     if (!enter_sandbox(settings.sandbox).ok()) {
         outcome = ArchiveOutcome::no_sandbox;
-    } else if (const Archive opened = is_mapped ? open_archive(file) : nullptr) {
-        outcome = MemberSender(opened.get(), STDOUT_FILENO, settings).send_all();
+    } else if (is_mapped) {
+        outcome = send_archive(file, STDOUT_FILENO, settings);
     }
     if (outcome) {
         send_end(STDOUT_FILENO, MessageKind::archive_end, *outcome);

@@ -37,6 +37,9 @@ Error error_of_member(ArchiveOutcome outcome, const InputOptions &options)
     case ArchiveOutcome::encrypted:
         return {ErrorKind::input, "is encrypted", "unpack the archive with its password"};
     case ArchiveOutcome::too_large: return too_large(options.max_input);
+    case ArchiveOutcome::repeated:
+        return {ErrorKind::damaged, "has the bytes of another file of its archive",
+                "see whether that one is all there is, or get the archive again"};
     default: return {ErrorKind::damaged, "is damaged inside its archive", "get the archive again"};
     }
 }

@@ -25,6 +25,7 @@ enum class ArchiveOutcome : uint32_t {
     encrypted,
     too_large,
     damaged,
+    repeated, // lists bytes of another member
     not_an_archive,
     too_many_members,
     too_many_bytes,

@@ -318,6 +318,64 @@ TEST_F(Archives, that_are_cut_are_unreadable_and_say_where_they_were_found)
               "a.tar !damaged is a damaged archive, and breaks off behind its first 2 files\n");
 }
 
+// They were said to be no archives.
+TEST_F(Archives, that_are_cut_in_their_compression_are_damaged)
+{
+    std::string content(20'000, '\0');
+    for (std::size_t i = 0; i < content.size(); ++i) {
+        content[i] = static_cast<char>(i * i * 31 / 257);
+    }
+    for (const Sort &sort : {tar_gz, sorts[7], sorts[8]}) {
+        const std::string name = std::string("a") + sort.ending;
+        write_archive(name, sort, {{"a", content}});
+        write(name, bytes_of(name).substr(0, 300));
+        EXPECT_EQ(found({name}), name +
+                                     " !damaged is a damaged archive, and breaks off; nothing in "
+                                     "it was read\n");
+    }
+}
+
+// Little endian.
+std::string number(uint64_t value, std::size_t size)
+{
+    std::string bytes;
+    for (std::size_t i = 0; i < size; ++i) {
+        bytes.push_back(static_cast<char>(value >> 8 * i));
+    }
+    return bytes;
+}
+
+// One member, and a directory that lists it under each of the names.
+std::string repeating_zip(const std::vector<std::string> &names, const std::string &program)
+{
+    // Version, flags, method, time and date; checksum and sizes of no bytes.
+    const std::string facts =
+        number(20, 2) + std::string(6, '\0') + number(33, 2) + std::string(12, '\0');
+    std::string zip_file =
+        program + "PK\3\4" + facts + number(names[0].size(), 2) + number(0, 2) + names[0];
+    const std::size_t start = zip_file.size();
+    for (const std::string &name : names) {
+        zip_file += "PK\1\2" + number(20, 2) + facts + number(name.size(), 2) +
+                    std::string(12, '\0') + number(program.size(), 4) + name;
+    }
+    const std::size_t size = zip_file.size() - start;
+    return zip_file + "PK\5\6" + number(0, 4) + number(names.size(), 2) + number(names.size(), 2) +
+           number(size, 4) + number(start, 4) + number(0, 2);
+}
+
+// All but one of them were left out without a word.
+TEST_F(Archives, whose_entries_share_a_member_have_a_line_for_each)
+{
+    for (const std::string &program : {std::string(), std::string("a program")}) {
+        write("a.zip", repeating_zip({"a", "b", "d/", "c"}, program));
+        EXPECT_EQ(found({"a.zip"}),
+                  "a.zip/a = \n"
+                  "a.zip/b !damaged has the bytes of another file of its archive\n"
+                  "a.zip/c !damaged has the bytes of another file of its archive\n")
+            << program;
+    }
+}
+
 TEST_F(Archives, without_a_file_have_a_line_all_the_same)
 {
     write_archive("a.tar", tar, {});
