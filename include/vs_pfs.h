@@ -21,6 +21,36 @@
  *
  * VwLocalUp must come before VwSetSoRtn: it overwrites every routine.
  *
+ * WHICH KIND A FILE IS
+ *
+ * VwStreamOpen finds a document's kind by its content, whatever the file id is that it gets; the id
+ * only selects the name that it stores. A host that shows names, or that asks whether a file is
+ * for this filter at all, finds the id beforehand, by the bytes that VwStreamOpen itself looks at:
+ *
+ *   offset   9   "GERBILDOC"          PFS: First Choice: 1058 if the next byte is '3', else 1017
+ *   offset 641   "WRD PC", "TYPE 2"   PFS: WRITE: byte 649 is '1' for 1012, '2' for 1013
+ *                "TYPE 3"             1014, Professional Write 1
+ *                "TYPE 4"             1015, Professional Write 2
+ *                "IBM   "             1016, IBM Writing Assistant
+ *
+ * VwFileIdOf, below, does that with a file's first VW_KIND_BYTES bytes. Programs that use the
+ * library have pfsdoc::identify for it, and people `pfsdoc identify`.
+ *
+ * THE TWO USER WORDS
+ *
+ * Each output routine gets two words of 32 bits that the host has set by VwSetUser: enough for a
+ * pointer to the host's own data. VwPointerToWords takes one apart, VwPointerOfWords puts it
+ * together again, with pointers of 32 and of 64 bits:
+ *
+ *   uint32_t words[2];
+ *   VwPointerToWords(&viewer, words);
+ *   VwSetUser(words[0], words[1], instance);
+ *
+ *   int32_t on_character(int32_t byte, uint32_t user1, uint32_t user2)
+ *   {
+ *       Viewer *viewer = (Viewer *)VwPointerOfWords(user1, user2);
+ *       ...
+ *
  * STOPPING AND RESUMING
  *
  * At each paragraph end VwStreamRead reports VW_BREAK_PARAGRAPH. If the routine returns 1
@@ -60,11 +90,14 @@
  *
  * That a text is what its author saw; that null pointers are accepted where this file does
  * not say so; the layout of the instance and of the saved state.
+ *
+ * This header is C99 and C++11, and needs the C library's <stdint.h> and <string.h>.
  */
 #ifndef VS_PFS_H
 #define VS_PFS_H
 
 #include <stdint.h>
+#include <string.h>
 
 #if defined(VS_PFS_STATIC) /* linked in rather than loaded */
 #define VS_PFS_API
@@ -321,6 +354,21 @@ VS_PFS_API void VwFreeProc(VwInstance *instance);
 
 /* Stores the two user words, the last arguments of every output call. */
 VS_PFS_API void VwSetUser(uint32_t user1, uint32_t user2, VwInstance *instance);
+
+/* A pointer as the two user words, and the pointer again. */
+static inline void VwPointerToWords(const void *pointer, uint32_t words[2])
+{
+    words[0] = words[1] = 0;
+    memcpy(words, &pointer, sizeof pointer);
+}
+static inline void *VwPointerOfWords(uint32_t user1, uint32_t user2)
+{
+    const uint32_t words[2] = {user1, user2};
+    void *pointer;
+    memcpy(&pointer, words, sizeof pointer);
+    return pointer;
+}
+
 /* Registers the output routine of an id, a signed 16-bit value; null restores SODummy, and
  * an id outside 1 to 65 is ignored. */
 VS_PFS_API void VwSetSoRtn(int32_t id, VwRoutine routine, VwInstance *instance);
@@ -380,6 +428,30 @@ typedef struct VwFileKind {
     char displayName[41]; /* NUL-terminated, padded with NUL */
 } VwFileKind;
 #define VW_FILE_KINDS 7
+
+/* What VwFileIdOf needs of a file: with fewer bytes it finds less, but never anything else. */
+#define VW_KIND_BYTES 650
+
+/* The file id of the document that begins with these bytes, 0 if there is none: that of the kind
+ * that VwStreamOpen finds. */
+static inline int32_t VwFileIdOf(const char *start, uint32_t size)
+{
+    const char *signature = size >= 647 ? start + 641 : "------";
+    const char variant = size >= 650 ? start[649] : '-';
+    if (size >= 18 && memcmp(start + 9, "GERBILDOC", 9) == 0) {
+        return size > 18 && start[18] == '3' ? 1058 : 1017;
+    }
+    if (memcmp(signature, "WRD PC", 6) == 0 || memcmp(signature, "TYPE 2", 6) == 0) {
+        return variant == '1' ? 1012 : variant == '2' ? 1013 : 0;
+    }
+    if (memcmp(signature, "TYPE 3", 6) == 0) {
+        return 1014;
+    }
+    if (memcmp(signature, "TYPE 4", 6) == 0) {
+        return 1015;
+    }
+    return memcmp(signature, "IBM   ", 6) == 0 ? 1016 : 0;
+}
 
 /* The seven kinds: 1012 to 1017, and 1058. */
 VS_PFS_API extern const VwFileKind VwPfsOverlayId[VW_FILE_KINDS];

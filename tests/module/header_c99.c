@@ -17,6 +17,18 @@ int32_t c99_third_byte(VwBlockFile *file)
     return byte;
 }
 
+int32_t c99_file_id_of(const char *start, uint32_t size)
+{
+    return VwFileIdOf(start, size);
+}
+
+void *c99_pointer_again(const void *pointer)
+{
+    uint32_t words[2];
+    VwPointerToWords(pointer, words);
+    return VwPointerOfWords(words[0], words[1]);
+}
+
 size_t c99_size_of_kind(void)
 {
     return sizeof(VwFileKind);
