@@ -52,17 +52,7 @@ Examples:
   pfsdoc batch letters/ -o out -t odt
                                a whole folder, and what became of each file
 
-Exit codes:
-  0    done
-  1    some of several inputs failed
-  2    the command line is wrong
-  3    an input cannot be read
-  4    a file is not a supported document
-  5    the document is truncated; the part that could be read was written
-  6    a limit was hit
-  7    the output cannot be written
-  70   a fault of pfsdoc itself, or of its module
-  130  interrupted)";
+The exit code is 0 if all went well; pfsdoc(1) lists the others.)";
 
 constexpr const Subcommand *subcommands[] = {
     &identify_subcommand, &text_subcommand,  &convert_subcommand,

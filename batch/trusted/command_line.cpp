@@ -30,13 +30,8 @@ Examples:
   find /archive -name '*.PFS' | pfsdoc batch --files-from - -o out -t html
   jq -r 'select(.status != "converted") | .name' out/manifest.ndjson
 
-Exit codes:
-  0    all documents have been converted; with --strict: all files
-  1    some have not, or only in part; the manifest says which
-  2    the command line is wrong
-  7    an output or the manifest cannot be written
-  70   a fault of pfsdoc itself, or the required sandbox is not available
-  130  interrupted)";
+The exit code is 0 if all documents have been converted (with --strict: all
+files) and 1 if some have not, or only in part; pfsdoc(1) lists the others.)";
 
 constexpr double max_seconds_unless_given = 30;
 constexpr uint64_t max_bytes_unless_given = uint64_t{1} << 30; // of memory, and of an output

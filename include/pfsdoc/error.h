@@ -28,7 +28,7 @@ struct Error {
     std::optional<uint64_t> offset{}; // in the file, in bytes, if the error has a position there
 };
 
-// Stable: scripts rely on them, and the manual page lists them.
+// Stable: scripts rely on them, and the manual page pfsdoc(1) lists them.
 constexpr int exit_code(ErrorKind kind)
 {
     switch (kind) {

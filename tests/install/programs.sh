@@ -119,9 +119,26 @@ expect_same "$work/converted" run_installed "$work/manual2" "$letter"
 printf '%s\n' 'Moorings for the coming season' 'north pontoon' cats >"$work/bold"
 expect_same "$work/bold" run_installed "$work/manual3" "$letter"
 
+# The program in README.md: a whole document with its footer last, and one that is truncated.
+awk '/^```cpp$/ { on = 1; next } /^```$/ { on = 0 } on' "$source/README.md" >"$work/letter.cpp"
+# shellcheck disable=SC2046
+"$CXX" -std=c++20 -Wall -Wextra -Werror "$work/letter.cpp" $(flags_of pfsdoc) -o "$work/letter"
+letter=$source/samples/1013-pfs-write-b/letter.doc
+run_installed "$work/letter" "$letter" >"$work/printed" || failed "README.md: is not 0"
+squeezed() { tr -s ' \n\f\t' '\n' <"$1" | grep .; }
+"$prefix/bin/pfsdoc" text "$letter" >"$work/text"
+diff <(squeezed "$work/text") <(squeezed "$work/printed") || failed "README.md: other words, or order"
+head -c 1400 "$letter" >"$work/truncated.doc"
+if run_installed "$work/letter" "$work/truncated.doc" >"$work/printed" 2>"$work/message"; then
+    failed "README.md: a truncated document is not reported"
+fi
+grep -q '^is truncated' "$work/message" || failed "README.md: $(cat "$work/message")"
+[ -s "$work/printed" ] || failed "README.md: nothing of a truncated document is printed"
+
+letter=$source/samples/1012-pfs-write-a/letter.doc
 # The installed command writes every format that it lists.
 formats=$("$prefix/bin/pfsdoc" convert --help |
-    sed -nE '/^  -t,--to/,/^  -/ s/^ {20,}([a-z]+) .*/\1/p')
+    sed -nE '/^  -t,--to/,/^  -/ s/^ {32}([a-z]+) .*/\1/p')
 [ "$(wc -w <<<"$formats")" -ge 2 ] || failed "few formats: $formats"
 for format in $formats; do
     if ! "$prefix/bin/pfsdoc" convert -t "$format" "$letter" >"$work/output" ||
