@@ -86,7 +86,7 @@ Error leads_nowhere()
             "remove it, or name another file with -o"};
 }
 
-// Whether the guard lets an existing file be replaced, which must be readable for that.
+// Whether the guard lets the file of that name be replaced, which must be readable for that.
 Status check_existing(const std::string &name, const std::string &shown,
                       const FileOutputOptions &options)
 {
@@ -118,9 +118,9 @@ int rename_to_new_name(const char *from, const char *to)
 
 } // namespace
 
-FileOutput::FileOutput(Opened opened, uint64_t max_bytes)
-    : descriptor_(std::move(opened.descriptor)), output_(descriptor_.get(), max_bytes),
-      target_(std::move(opened.target))
+FileOutput::FileOutput(Opened opened, const FileOutputOptions &options)
+    : descriptor_(std::move(opened.descriptor)), output_(descriptor_.get(), options.max_bytes),
+      target_(std::move(opened.target)), options_(options)
 {
 }
 
@@ -139,7 +139,7 @@ Result<std::unique_ptr<FileOutput>> FileOutput::create(const std::string &path,
         return opened.error();
     }
     return Result<std::unique_ptr<FileOutput>>(
-        std::unique_ptr<FileOutput>(new FileOutput(std::move(opened.value()), options.max_bytes)));
+        std::unique_ptr<FileOutput>(new FileOutput(std::move(opened.value()), options)));
 }
 
 Result<FileOutput::Opened> FileOutput::open(const std::string &path,
@@ -168,7 +168,7 @@ Result<FileOutput::Opened> FileOutput::open_stream(Descriptor descriptor, const 
             return refused(shown, reason.error());
         }
     }
-    return Opened{std::move(descriptor), {shown, "", "", 0, false}};
+    return Opened{std::move(descriptor), {shown, "", "", 0}};
 }
 
 Result<FileOutput::Opened> FileOutput::open_named(const std::string &shown,
@@ -177,9 +177,8 @@ Result<FileOutput::Opened> FileOutput::open_named(const std::string &shown,
     const std::string name = resolved(shown);
     struct stat status {};
     if (::lstat(name.c_str(), &status) != 0) {
-        return errno == ENOENT
-                   ? open_beside({shown, name, "", mode_of_new_files(), options.keep_existing})
-                   : Result<Opened>(output_error(errno, shown));
+        return errno == ENOENT ? open_beside({shown, name, "", mode_of_new_files()})
+                               : Result<Opened>(output_error(errno, shown));
     }
     if (S_ISLNK(status.st_mode)) { // all that lead somewhere were followed
         return refused(shown, leads_nowhere());
@@ -191,7 +190,7 @@ Result<FileOutput::Opened> FileOutput::open_named(const std::string &shown,
         return refused(shown, exists_already());
     }
     const Status reason = check_existing(name, shown, options);
-    return reason.ok() ? open_beside({shown, name, "", status.st_mode & permission_bits, false})
+    return reason.ok() ? open_beside({shown, name, "", status.st_mode & permission_bits})
                        : Result<Opened>(reason.error());
 }
 
@@ -218,11 +217,7 @@ Result<FileOutput::Opened> FileOutput::open_beside(Target target)
 
 Status FileOutput::failure() const
 {
-    if (commit_error_ == EEXIST) {
-        return refused(target_.shown, exists_already());
-    }
-    return commit_error_ != 0 ? Status(output_error(commit_error_, target_.shown))
-                              : output_.failure(target_.shown);
+    return commit_failure_.ok() ? output_.failure(target_.shown) : commit_failure_;
 }
 
 bool FileOutput::reader_is_gone() const
@@ -230,23 +225,33 @@ bool FileOutput::reader_is_gone() const
     return output_.error_number() == EPIPE;
 }
 
-// 0, or the system's error number.
-int FileOutput::finish_target()
+// What is there now may not be what was there when the output was opened.
+Status FileOutput::finish_target()
 {
     const char *from = target_.temporary.c_str();
     const char *to = target_.name.c_str();
+    struct stat status {};
+    if (!options_.keep_existing && ::lstat(to, &status) == 0) {
+        if (Status reason = check_existing(target_.name, target_.shown, options_); !reason.ok()) {
+            return reason;
+        }
+    }
     const bool is_written =
         ::fsync(descriptor_.get()) == 0 && ::fchmod(descriptor_.get(), target_.mode) == 0 &&
-        (target_.keep_existing ? rename_to_new_name(from, to) : std::rename(from, to)) == 0;
-    return is_written ? 0 : errno;
+        (options_.keep_existing ? rename_to_new_name(from, to) : std::rename(from, to)) == 0;
+    if (is_written) {
+        return {};
+    }
+    return options_.keep_existing && errno == EEXIST ? refused(target_.shown, exists_already())
+                                                     : output_error(errno, target_.shown);
 }
 
 Status FileOutput::commit()
 {
     output_.flush();
     if (!target_.temporary.empty() && !failed()) {
-        commit_error_ = finish_target();
-        if (commit_error_ == 0) {
+        commit_failure_ = finish_target();
+        if (commit_failure_.ok()) {
             target_.temporary.clear();
         }
     }

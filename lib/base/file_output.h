@@ -29,8 +29,8 @@ struct FileOutputOptions {
     uint64_t max_bytes = UINT64_MAX;
     // Whether a file of that name is to stay, even one that appears before the commit.
     bool keep_existing = false;
-    // Is asked about an existing file before anything is made; its error says what the file is,
-    // "is a document", and refuses it.
+    // Is asked about an existing file before anything is made, and again about what is there at the
+    // commit; its error says what the file is, "is a document", and refuses it.
     std::function<Status(const ExistingFile &)> guard{};
 };
 
@@ -52,7 +52,7 @@ public:
     }
     bool failed() const
     {
-        return commit_error_ != 0 || output_.failed();
+        return !commit_failure_.ok() || output_.failed();
     }
     Status failure() const;
     // Whether it failed because it is a pipe that nobody reads any more.
@@ -81,26 +81,26 @@ private:
         std::string name;      // the same with its links followed
         std::string temporary; // the name it has for now, empty when it is written to directly
         mode_t mode = 0;       // to be had under its own name
-        bool keep_existing = false;
     };
     struct Opened {
         Descriptor descriptor;
         Target target;
     };
 
-    FileOutput(Opened opened, uint64_t max_bytes);
+    FileOutput(Opened opened, const FileOutputOptions &options);
 
     static Result<Opened> open(const std::string &path, const FileOutputOptions &options);
     static Result<Opened> open_stream(Descriptor descriptor, const std::string &shown,
                                       const FileOutputOptions &options);
     static Result<Opened> open_named(const std::string &shown, const FileOutputOptions &options);
     static Result<Opened> open_beside(Target target);
-    int finish_target();
+    Status finish_target();
 
     Descriptor descriptor_;
     DescriptorOutput output_;
     Target target_;
-    int commit_error_ = 0;
+    FileOutputOptions options_;
+    Status commit_failure_;
 };
 
 } // namespace pfsdoc::base

@@ -5,8 +5,11 @@
 #include "pfsdoc/explain.h"
 #include "tests/command/command_fixture.h"
 
+#include <functional>
 #include <random>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
+#include <thread>
 
 namespace {
 
@@ -374,6 +377,42 @@ TEST_F(Command, ExplainFitsTheWindow)
         EXPECT_LE(longest_line(), 80U) << senseless;
     }
     ::unsetenv("COLUMNS");
+}
+
+// What a terminal of so many columns gets.
+std::string shown_on_terminal(unsigned short columns,
+                              const std::function<void(const Streams &)> &run)
+{
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    EXPECT_TRUE(terminal >= 0 && ::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
+    const winsize size{24, columns, 0, 0};
+    EXPECT_EQ(::ioctl(terminal, TIOCSWINSZ, &size), 0);
+    const std::string name = ::ptsname(terminal);
+    const int other_end = ::open(name.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    std::string shown;
+    std::thread reader([terminal, &shown] {
+        std::array<char, 4096> bytes{};
+        for (ssize_t count = 0; (count = ::read(terminal, bytes.data(), bytes.size())) > 0;) {
+            shown.append(bytes.data(), static_cast<std::size_t>(count));
+        }
+    });
+    run({.output = name});
+    ::close(other_end);
+    reader.join();
+    ::close(terminal);
+    return shown;
+}
+
+TEST_F(Command, ExplainAsksTheTerminal)
+{
+    const auto explained = [this](unsigned short columns) {
+        return shown_on_terminal(columns, [this](const Streams &streams) {
+            EXPECT_EQ(run({"explain", "a.pfs"}, streams).exit_code, 0);
+        });
+    };
+    EXPECT_NE(explained(80).find("  00 00 00 00 00 00 00 00  |        |  \x1B[2mnot used\x1B[0m"),
+              std::string::npos);
+    EXPECT_NE(explained(120).find("00 00 00 00 00 00 00 00 00 00 "), std::string::npos);
 }
 
 TEST_F(Command, ExplainTakesItsColoursFromTheEnvironment)

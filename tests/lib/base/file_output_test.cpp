@@ -191,6 +191,27 @@ TEST_F(FileOutputTest, AsksItsGuardAboutWhatExists)
     EXPECT_EQ(content(), "before");
 }
 
+// Somebody may have put a file there since the output was opened.
+TEST_F(FileOutputTest, AsksItsGuardAgainAtTheCommit)
+{
+    bool is_dear = false;
+    const auto guard = [&is_dear](const base::ExistingFile &) -> Status {
+        return is_dear ? Status(Error{ErrorKind::output, "is dear", "take another"}) : Status();
+    };
+    const auto late = open(target, {.guard = guard});
+    late->write("late");
+    std::ofstream(target) << "early";
+    is_dear = true;
+    expect_output_error(late->commit(), "the output " + target + " is dear");
+    EXPECT_TRUE(late->failed());
+    EXPECT_EQ(content(), "early");
+    is_dear = false;
+    const auto other = open(target, {.guard = guard});
+    other->write("after");
+    EXPECT_TRUE(other->commit().ok());
+    EXPECT_EQ(content(), "after");
+}
+
 // It was opened to append, and so it is written.
 TEST_F(FileOutputTest, WritesToNamedDescriptorsAsTheyWereOpened)
 {
