@@ -1,7 +1,6 @@
 // The program pfsdoc-batch, which `pfsdoc batch` becomes. Test: tests/batch/run/batch_test.cpp.
-#include "batch/sandboxed/archive_reader.h"
+#include "batch/sandboxed/launcher_process.h"
 #include "batch/sandboxed/test_hook.h"
-#include "batch/sandboxed/worker.h"
 #include "batch/trusted/command_line.h"
 #include "batch/trusted/run_batch.h"
 #include "cli/parse.h"
@@ -12,19 +11,16 @@
 
 namespace {
 
-constexpr pfsdoc::batch::ProcessRoles roles{pfsdoc::batch::run_worker,
-                                            pfsdoc::batch::run_archive_reader};
-
 int run(int argument_count, char **arguments)
 {
     pfsdoc::batch::BatchCommandLine line;
     pfsdoc::batch::add_test_hook_option(line.app());
-    if (const std::optional<int> ended = pfsdoc::cli::parse(line.app(), argument_count, arguments,
-                                                            "see pfsdoc batch --help")) {
+    if (const std::optional<int> ended =
+            pfsdoc::cli::parse(line.app(), argument_count, arguments, "see pfsdoc batch --help")) {
         return *ended;
     }
     const pfsdoc::Result<pfsdoc::batch::BatchRequest> request = line.request();
-    return request.ok() ? pfsdoc::batch::run_batch(request.value(), roles)
+    return request.ok() ? pfsdoc::batch::run_batch(request.value(), pfsdoc::batch::run_launcher)
                         : pfsdoc::cli::report("", request.error());
 }
 

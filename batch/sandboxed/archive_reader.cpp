@@ -6,7 +6,7 @@
 // for the others.
 #include "batch/sandboxed/archive_reader.h"
 
-#include "batch/sandboxed/sandbox.h"
+#include "batch/sandboxed/limits.h"
 #include "batch/sandboxed/zip_directory.h"
 #include "batch/wire/archive_messages.h"
 
@@ -20,6 +20,8 @@
 #include <cstdlib>
 #include <ctime>
 #include <memory>
+#include <new>
+#include <optional>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -92,18 +94,27 @@ bool map(int descriptor, MappedFile &file)
     return mapped != MAP_FAILED;
 }
 
+// What cannot be allocated is no damage. Otherwise libarchive has no words that hold for all
+// formats.
+ArchiveOutcome fault_of(archive *opened)
+{
+    return ::archive_errno(opened) == ENOMEM ? ArchiveOutcome::memory : ArchiveOutcome::damaged;
+}
+
 // A stream that is cut in its compression is an archive all the same. EILSEQ is what libarchive has
 // on Linux for bytes of no format that it knows.
 ArchiveOutcome failure_to_open(archive *reader)
 {
-    return ::archive_errno(reader) == EILSEQ ? ArchiveOutcome::not_an_archive
-                                             : ArchiveOutcome::damaged;
+    return ::archive_errno(reader) == EILSEQ ? ArchiveOutcome::not_an_archive : fault_of(reader);
 }
 
 Archive new_reader()
 {
     Archive opened(::archive_read_new());
     archive *reader = opened.get();
+    if (reader == nullptr) {
+        throw std::bad_alloc();
+    }
     ::archive_read_support_filter_gzip(reader);
     ::archive_read_support_filter_bzip2(reader);
     ::archive_read_support_filter_xz(reader);
@@ -148,7 +159,6 @@ std::string_view name_of(archive_entry *entry)
     return std::string_view(name != nullptr ? name : "").substr(0, longest_message);
 }
 
-// Whatever breaks off is damage: libarchive has no finer words that hold for all formats.
 ArchiveOutcome MemberSender::send_parts()
 {
     std::array<char, part_size> part{};
@@ -156,7 +166,7 @@ ArchiveOutcome MemberSender::send_parts()
     for (;;) {
         const la_ssize_t count = ::archive_read_data(archive_, part.data(), part.size());
         if (count <= 0) {
-            return count == 0 ? ArchiveOutcome::whole : ArchiveOutcome::damaged;
+            return count == 0 ? ArchiveOutcome::whole : fault_of(archive_);
         }
         const auto length = static_cast<std::size_t>(count);
         sent += length;
@@ -220,7 +230,7 @@ std::optional<ArchiveOutcome> MemberSender::send_all()
             return !is_zip || send_repeated() ? std::optional(ArchiveOutcome::whole) : std::nullopt;
         }
         if (result < ARCHIVE_WARN) {
-            return ArchiveOutcome::damaged;
+            return fault_of(archive_);
         }
         if (static_cast<uint64_t>(::archive_filter_bytes(archive_, 0)) > settings_.max_archive) {
             return ArchiveOutcome::too_many_bytes;
@@ -231,45 +241,54 @@ std::optional<ArchiveOutcome> MemberSender::send_all()
     }
 }
 
-std::optional<ArchiveOutcome> send_archive(MappedFile &file, int output,
-                                           const ArchiveSettings &settings)
-{
-    const Archive reader = new_reader();
-    ::archive_read_set_callback_data(reader.get(), &file);
-    if (::archive_read_open1(reader.get()) != ARCHIVE_OK) {
-        return failure_to_open(reader.get());
-    }
-    const std::string_view bytes(file.bytes, static_cast<std::size_t>(file.size));
-    return MemberSender(reader.get(), bytes, output, settings).send_all();
-}
-
-void prepare_process(int output)
+// The archive is in memory, so it may be closed, and does not count. All that this process writes
+// goes into a pipe.
+void prepare_process(int archive, const MappedFile &file, const ArchiveSettings &settings,
+                     uint64_t own)
 {
     static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
-    ::dup2(output, STDOUT_FILENO);
-    ::closefrom(STDERR_FILENO + 1); // the archive too, which is in memory
-    ::close(STDIN_FILENO);
+    ::close(archive);
     // Names in UTF-8 shall come as they are. Both read files, so they cannot be left for later.
     static_cast<void>(std::setlocale(LC_CTYPE, "C.UTF-8"));
     ::tzset();
     ::prctl(PR_SET_NAME, "pfsdoc-archive");
+    own += static_cast<uint64_t>(file.size);
+    limit_resources({own + std::min(settings.max_memory, UINT64_MAX - own), 0});
+}
+
+// Why there is no archive, or how it ended; nothing where nobody listens any more.
+std::optional<ArchiveOutcome> send_archive(MappedFile &file, int output,
+                                           const ArchiveSettings &settings)
+{
+    try {
+        const Archive reader = new_reader();
+        ::archive_read_set_callback_data(reader.get(), &file);
+        if (::archive_read_open1(reader.get()) != ARCHIVE_OK) {
+            return failure_to_open(reader.get());
+        }
+        const std::string_view bytes(file.bytes, static_cast<std::size_t>(file.size));
+        return MemberSender(reader.get(), bytes, output, settings).send_all();
+    } catch (const std::bad_alloc &) {
+        return ArchiveOutcome::memory;
+    }
 }
 
 } // namespace
 
-void run_archive_reader(int archive, int output, const ArchiveSettings &settings)
+void run_archive_reader(int archive, int output, const ArchiveSettings &settings,
+                        const ReaderStart &start)
 {
     MappedFile file;
     const bool is_mapped = map(archive, file);
-    prepare_process(output);
+    prepare_process(archive, file, settings, start.address_space);
     std::optional<ArchiveOutcome> outcome = ArchiveOutcome::not_an_archive;
-    if (!enter_sandbox(settings.sandbox).ok()) {
+    if (!start.walls.enter().ok()) {
         outcome = ArchiveOutcome::no_sandbox;
     } else if (is_mapped) {
-        outcome = send_archive(file, STDOUT_FILENO, settings);
+        outcome = send_archive(file, output, settings);
     }
     if (outcome) {
-        send_end(STDOUT_FILENO, MessageKind::archive_end, *outcome);
+        send_end(output, MessageKind::archive_end, *outcome);
     }
     ::_exit(EXIT_SUCCESS);
 }

@@ -1,8 +1,7 @@
 #include "batch/sandboxed/worker.h"
 
 #include "batch/sandboxed/convert_file.h"
-#include "batch/sandboxed/sandbox.h"
-#include "batch/sandboxed/shadow_memory.h"
+#include "batch/sandboxed/limits.h"
 #include "batch/wire/job.h"
 #include "batch/wire/records.h"
 #include "lib/base/descriptor.h"
@@ -12,11 +11,9 @@
 #include <cerrno>
 #include <cstdlib>
 #include <exception>
-#include <fstream>
 #include <new>
 #include <optional>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -24,36 +21,6 @@
 namespace pfsdoc::batch {
 
 namespace {
-
-void limit(__rlimit_resource resource, uint64_t value)
-{
-    rlimit now{};
-    ::getrlimit(resource, &now);
-    now.rlim_cur = std::min<rlim_t>(now.rlim_cur, value);
-    now.rlim_max = now.rlim_cur;
-    ::setrlimit(resource, &now);
-}
-
-// Of this process at its start, in bytes: the program, and what the parent had when it forked this
-// process, which grows with the number of files.
-uint64_t address_space()
-{
-    uint64_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    return pages * static_cast<uint64_t>(::sysconf(_SC_PAGESIZE));
-}
-
-// The counter of the output's bytes may be out of order in a process that was taken over; the
-// system's is not. A dump of memory would be a file nobody asked for.
-void limit_resources(const WorkerSettings &settings)
-{
-    limit(RLIMIT_FSIZE, settings.conversion.max_output);
-    limit(RLIMIT_CORE, 0);
-    if (!memory_is_shadowed) {
-        const uint64_t own = address_space();
-        limit(RLIMIT_AS, own + std::min(settings.max_memory, UINT64_MAX - own));
-    }
-}
 
 // What cannot be opened in the sandbox.
 Result<std::vector<int>> open_scratch_files(std::size_t count)
@@ -78,9 +45,14 @@ Hello failed_hello(const Error &error)
     return hello;
 }
 
-Hello enter(SandboxMode mode)
+// The counter of the output's bytes may be out of order in a process that was taken over; the
+// system's is not. There may be no memory left afterwards.
+Hello enter(const WorkerSettings &settings, const ReaderStart &start)
 {
-    const Result<SandboxReport> report = enter_sandbox(mode);
+    const uint64_t own = start.address_space;
+    limit_resources(
+        {own + std::min(settings.max_memory, UINT64_MAX - own), settings.conversion.max_output});
+    const Result<sandbox::Report> report = start.walls.enter();
     if (!report.ok()) {
         return failed_hello(report.error());
     }
@@ -97,41 +69,56 @@ JobFiles files_of(const Job &job, const std::vector<int> &descriptors)
     return {at(0), at(1), job.has_earlier_output != 0 ? at(2) : base::Descriptor()};
 }
 
-Outcome outcome_of(const Job &job, const std::vector<int> &descriptors,
-                   const ConversionSettings &settings)
+Outcome convert(int socket, const ConversionSettings &settings, uint64_t &number)
 {
-    try {
-        return convert_file(job, files_of(job, descriptors), settings);
-    } catch (const std::bad_alloc &) {
-        return failed_outcome(
-            FileStatus::memory,
-            {ErrorKind::limit, "needs more memory than the limit", "allow more with --max-memory"});
-    } catch (const std::exception &fault) {
-        return failed_outcome(FileStatus::internal, {ErrorKind::internal, fault.what(),
-                                                     "please report this as a fault of pfsdoc"});
+    std::vector<int> descriptors;
+    const std::optional<Job> job = receive_record<Job>(socket, &descriptors);
+    if (!job) {
+        ::_exit(EXIT_SUCCESS);
     }
+    number = job->number;
+    return convert_file(*job, files_of(*job, descriptors), settings);
+}
+
+Outcome lack_of_memory()
+{
+    return failed_outcome(FileStatus::memory, {ErrorKind::limit, "needs more memory than the limit",
+                                               "allow more with --max-memory"});
+}
+
+// What to answer when there is no memory comes from when there was.
+Outcome answer(int socket, const ConversionSettings &settings, const Outcome &without_memory)
+{
+    uint64_t number = 0;
+    Outcome outcome = without_memory;
+    try {
+        outcome = convert(socket, settings, number);
+    } catch (const std::bad_alloc &) {
+    } catch (const std::exception &fault) {
+        outcome = failed_outcome(FileStatus::internal, {ErrorKind::internal, fault.what(),
+                                                        "please report this as a fault of pfsdoc"});
+    }
+    outcome.job = number;
+    return outcome;
 }
 
 } // namespace
 
-void run_worker(int socket, const WorkerSettings &settings)
+void run_worker(int socket, const WorkerSettings &settings, const ReaderStart &start)
 {
     ::prctl(PR_SET_NAME, "pfsdoc-worker");
-    limit_resources(settings);
-    const auto files = open_scratch_files(settings.conversion.format->scratch_files);
-    const Hello hello = files.ok() ? enter(settings.sandbox) : failed_hello(files.error());
+    ConversionSettings conversion = settings.conversion;
+    const auto files = open_scratch_files(conversion.format->scratch_files);
+    if (files.ok()) {
+        conversion.options.scratch_files = files.value();
+    }
+    const Outcome without_memory = lack_of_memory();
+    const Hello hello = files.ok() ? enter(settings, start) : failed_hello(files.error());
     if (!send_record(socket, hello) || hello.failed != 0) {
         ::_exit(EXIT_FAILURE);
     }
-    ConversionSettings conversion = settings.conversion;
-    conversion.options.scratch_files = files.value();
-    for (;;) {
-        std::vector<int> descriptors;
-        const std::optional<Job> job = receive_record<Job>(socket, &descriptors);
-        if (!job || !send_record(socket, outcome_of(*job, descriptors, conversion))) {
-            ::_exit(job ? EXIT_FAILURE : EXIT_SUCCESS);
-        }
-    }
+    const Outcome outcome = answer(socket, conversion, without_memory);
+    ::_exit(send_record(socket, outcome) ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
 } // namespace pfsdoc::batch

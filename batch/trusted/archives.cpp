@@ -3,16 +3,22 @@
 #include "lib/base/spill_store.h"
 #include "pfsdoc/reading_stopped.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 #include <utility>
 
 namespace pfsdoc::batch {
 
 namespace {
+
+// What a reader earns: far less than an honest one needs.
+constexpr std::chrono::microseconds time_for_byte{1};
+constexpr std::chrono::milliseconds time_for_message{10};
 
 Error too_large(uint64_t max_input)
 {
@@ -25,6 +31,12 @@ Error no_reader(int error_number)
     return {ErrorKind::internal,
             std::string("no process to read it can be started: ") + std::strerror(error_number),
             "close other programs"};
+}
+
+Error lack_of_memory()
+{
+    return {ErrorKind::limit, "needs more memory to unpack than the limit",
+            "allow more with --max-memory"};
 }
 
 Error error_of_member(ArchiveOutcome outcome, const InputOptions &options)
@@ -40,6 +52,7 @@ Error error_of_member(ArchiveOutcome outcome, const InputOptions &options)
     case ArchiveOutcome::repeated:
         return {ErrorKind::damaged, "has the bytes of another file of its archive",
                 "see whether that one is all there is, or get the archive again"};
+    case ArchiveOutcome::memory: return lack_of_memory();
     default: return {ErrorKind::damaged, "is damaged inside its archive", "get the archive again"};
     }
 }
@@ -70,6 +83,10 @@ Error error_of_archive(ArchiveOutcome outcome, uint64_t members, const InputOpti
     case ArchiveOutcome::no_sandbox:
         return {ErrorKind::internal, "cannot be read: there is no sandbox to do it in",
                 "allow reading without one"};
+    case ArchiveOutcome::memory: return lack_of_memory();
+    case ArchiveOutcome::no_progress:
+        return {ErrorKind::limit, "takes too long to unpack; the rest is not read",
+                "allow more with --max-time"};
     case ArchiveOutcome::reader_ended:
         return {ErrorKind::damaged, "made its reader end" + files_read(members), "unpack it"};
     case ArchiveOutcome::whole:
@@ -144,14 +161,40 @@ void ArchiveMembers::start(const base::Descriptor &archive)
     }
     messages_ = base::Descriptor(ends[0]);
     const base::Descriptor output(ends[1]);
-    const std::array<int, 2> kept = {archive.get(), output.get()};
-    Result<ChildProcess> reader = ChildProcess::start(
-        kept, [&] { options_.archive_reader(archive.get(), output.get(), options_); });
+    Result<ChildProcess> reader = options_.start_archive_reader(archive.get(), output.get());
     if (!reader.ok()) {
         error_ = reader.error();
         return;
     }
     reader_ = std::move(reader.value());
+    patience_ = options_.max_time;
+}
+
+// Only time in which the reader has nothing to say is held against it, not what the run does
+// meanwhile.
+bool ArchiveMembers::wait(int descriptor)
+{
+    pollfd polled{descriptor, POLLIN, 0};
+    if (::poll(&polled, 1, 0) > 0) {
+        return options_.wait(descriptor, Clock::time_point::max());
+    }
+    const Clock::time_point begin = Clock::now();
+    const bool is_readable = options_.wait(descriptor, begin + patience_);
+    patience_ -= Clock::now() - begin;
+    return is_readable;
+}
+
+// Whoever sends little at a time gets no more time for it than there is in it.
+std::optional<Message> ArchiveMembers::receive()
+{
+    std::optional<Message> message =
+        receive_message(messages_.get(), [this](int descriptor) { return wait(descriptor); });
+    if (message) {
+        const Clock::duration earned =
+            time_for_message + time_for_byte * static_cast<Clock::rep>(message->bytes.size());
+        patience_ = std::min<Clock::duration>(patience_ + earned, options_.max_time);
+    }
+    return message;
 }
 
 void ArchiveMembers::stop()
@@ -173,11 +216,18 @@ std::optional<BatchInput> ArchiveMembers::end(ArchiveOutcome outcome)
     return input;
 }
 
+// What came that should not have, or why nothing came.
+ArchiveOutcome ArchiveMembers::fault_of(const std::optional<Message> &message) const
+{
+    return !message && patience_ <= Clock::duration::zero() ? ArchiveOutcome::no_progress
+                                                            : ArchiveOutcome::reader_ended;
+}
+
 std::optional<BatchInput> ArchiveMembers::member(const std::string &path)
 {
     MemberBytes content;
     for (;;) {
-        const std::optional<Message> message = receive_message(messages_.get(), options_.wait);
+        const std::optional<Message> message = receive();
         const bool is_content = message && message->kind == MessageKind::bytes;
         if (is_content && bytes_ + message->bytes.size() > options_.max_archive) {
             return end(ArchiveOutcome::too_many_bytes);
@@ -188,7 +238,7 @@ std::optional<BatchInput> ArchiveMembers::member(const std::string &path)
             continue;
         }
         if (!message || message->kind != MessageKind::member_end) {
-            return end(ArchiveOutcome::reader_ended);
+            return end(fault_of(message));
         }
         std::string name =
             names_.unique(below(name_, safe_name(path, Separators::slash_and_backslash)));
@@ -215,12 +265,12 @@ std::optional<BatchInput> ArchiveMembers::next()
     if (reader_.id() == 0) {
         return std::nullopt;
     }
-    const std::optional<Message> message = receive_message(messages_.get(), options_.wait);
+    const std::optional<Message> message = receive();
     if (message && message->kind == MessageKind::archive_end) {
         return end(message->outcome);
     }
     if (!message || message->kind != MessageKind::member) {
-        return end(ArchiveOutcome::reader_ended);
+        return end(fault_of(message));
     }
     if (++members_ > most_members) {
         return end(ArchiveOutcome::too_many_members);

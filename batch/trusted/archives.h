@@ -12,6 +12,8 @@
 #include "batch/trusted/names.h"
 #include "batch/wire/archive_messages.h"
 
+#include <chrono>
+
 namespace pfsdoc::batch {
 
 // An archive of very many empty members would have no other end, and each name costs memory.
@@ -30,8 +32,13 @@ public:
     std::optional<BatchInput> next();
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     void start(const base::Descriptor &archive);
     void stop();
+    bool wait(int descriptor);
+    std::optional<Message> receive();
+    ArchiveOutcome fault_of(const std::optional<Message> &message) const;
     std::optional<BatchInput> end(ArchiveOutcome outcome);
     std::optional<BatchInput> member(const std::string &path);
 
@@ -44,6 +51,7 @@ private:
     uint64_t members_ = 0;       // that have begun
     uint64_t whole_ = 0;         // of them, those that were read to their end
     uint64_t bytes_ = 0;         // of all members
+    Clock::duration patience_{}; // for how long the reader may still be waited for
     std::optional<Error> error_; // why no reader was started
 };
 

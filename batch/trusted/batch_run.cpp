@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <new>
 #include <span>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 #include <utility>
@@ -35,6 +36,12 @@ Job job_of(const RecordedFile &file, const std::optional<EarlierRecord> &earlier
     return job;
 }
 
+bool has_size(int descriptor, uint64_t size)
+{
+    struct stat status {};
+    return ::fstat(descriptor, &status) == 0 && static_cast<uint64_t>(status.st_size) == size;
+}
+
 // Whether it is true that nothing can be written: a worker that has been taken over may report
 // so to end the run.
 bool is_unwritable(int descriptor)
@@ -49,16 +56,9 @@ Error unwritten(const Outcome &outcome)
             "free some space; the next run continues from here"};
 }
 
-Outcome invalid_report()
-{
-    return failed_outcome(FileStatus::crashed,
-                          {ErrorKind::internal, "the process that read it sent an invalid report",
-                           "please report this as a fault of pfsdoc"});
-}
-
 } // namespace
 
-BatchRun::BatchRun(const BatchRequest &request, const ProcessRoles &roles, OutputFolder folder,
+BatchRun::BatchRun(const BatchRequest &request, Launcher &launcher, OutputFolder folder,
                    Manifest manifest)
     : request_(request), folder_(std::move(folder)), manifest_(std::move(manifest)),
       progress_(request.progress, request.progress == ProgressForm::none
@@ -67,11 +67,16 @@ BatchRun::BatchRun(const BatchRequest &request, const ProcessRoles &roles, Outpu
       commits_(folder_, request.recorded)
 {
     for (std::size_t i = 0; i < request.workers; ++i) {
-        workers_.push_back({WorkerProcess(request.worker, roles.worker, request.max_time)});
+        workers_.push_back({WorkerProcess(launcher, request.max_time)});
     }
     InputOptions options = request.inputs;
-    options.archive_reader = roles.archive_reader;
-    options.wait = [this](int descriptor) { return wait_for_input(descriptor); };
+    options.start_archive_reader = [&launcher](int archive, int output) {
+        const std::array<int, 2> descriptors = {archive, output};
+        return launcher.take(launcher.request(LaunchKind::archive_reader, descriptors));
+    };
+    options.wait = [this](int descriptor, Clock::time_point deadline) {
+        return wait_for_input(descriptor, deadline);
+    };
     inputs_ = open_inputs(options);
 }
 
@@ -219,11 +224,17 @@ void BatchRun::submit(Worker &worker)
 
 // ---------------------------------------------------------------------------- waiting -----
 
-bool BatchRun::wait_for_input(int descriptor)
+bool BatchRun::wait_for_input(int descriptor, Clock::time_point deadline)
 {
-    while (status_.ok() && !wait_for_any(descriptor)) {
+    while (status_.ok()) {
+        if (wait_for_any(descriptor)) {
+            return status_.ok();
+        }
+        if (Clock::now() >= deadline) {
+            return false;
+        }
     }
-    return status_.ok();
+    return false;
 }
 
 // In milliseconds: until the next job is late, or there is something else to look after.
@@ -267,16 +278,19 @@ bool BatchRun::wait_for_any(int descriptor)
     return ready > 0 && polled_[0].revents != 0;
 }
 
-// The worker gets its next file before the results of this one are looked at.
+// The worker gets its next file before the results of this one are looked at; by then nothing
+// writes to its output any more.
 void BatchRun::receive_from(Worker &worker)
 {
-    Result<std::optional<Outcome>> answer = worker.process.receive();
+    Result<std::optional<WorkerProcess::Answer>> answer = worker.process.receive();
     if (!answer.ok()) {
         stop(answer.error());
         return;
     }
-    if (!answer.value()) {
+    if (sandbox_words_.empty()) {
         sandbox_words_ = worker.process.sandbox_words();
+    }
+    if (!answer.value()) {
         return;
     }
     Task done = std::move(*worker.task);
@@ -284,7 +298,8 @@ void BatchRun::receive_from(Worker &worker)
     if (!prepared_.empty()) {
         submit(worker);
     }
-    finish(std::move(done), std::move(*answer.value()));
+    answer.value()->process.end();
+    finish(std::move(done), answer.value()->outcome);
 }
 
 void BatchRun::end_late_jobs()
@@ -304,6 +319,7 @@ void BatchRun::finish(Task task, Outcome outcome)
 {
     const bool is_invalid =
         (outcome.status == FileStatus::unchanged && !task.earlier) ||
+        (has_output(outcome.status) && !has_size(task.output->descriptor(), outcome.output_size)) ||
         (outcome.status == FileStatus::unwritten && !is_unwritable(task.output->descriptor()));
     if (is_invalid) {
         outcome = invalid_report();

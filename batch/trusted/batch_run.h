@@ -8,6 +8,7 @@
 
 #include "batch/trusted/batch_request.h"
 #include "batch/trusted/inputs.h"
+#include "batch/trusted/launcher.h"
 #include "batch/trusted/manifest.h"
 #include "batch/trusted/manifest_lines.h"
 #include "batch/trusted/output_commits.h"
@@ -15,7 +16,6 @@
 #include "batch/trusted/progress.h"
 #include "batch/trusted/record.h"
 #include "batch/trusted/worker_process.h"
-#include "batch/wire/settings.h"
 
 #include <chrono>
 #include <deque>
@@ -29,8 +29,8 @@ namespace pfsdoc::batch {
 
 class BatchRun {
 public:
-    // The request must outlive the run.
-    BatchRun(const BatchRequest &request, const ProcessRoles &roles, OutputFolder folder,
+    // The request and the launcher must outlive the run.
+    BatchRun(const BatchRequest &request, Launcher &launcher, OutputFolder folder,
              Manifest manifest);
     BatchRun(const BatchRun &) = delete;
     BatchRun &operator=(const BatchRun &) = delete;
@@ -81,8 +81,8 @@ private:
     // Whether the descriptor, which may be -1, can be read; returns also when something else has
     // happened.
     bool wait_for_any(int descriptor);
-    // False: the run is to end.
-    bool wait_for_input(int descriptor);
+    // False: the run is to end, or it is too late.
+    bool wait_for_input(int descriptor, Clock::time_point deadline);
     int patience() const;
     void receive_from(Worker &worker);
     void end_late_jobs();

@@ -1,10 +1,14 @@
 #include "batch/trusted/child_process.h"
 
+#include "lib/base/descriptor.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
+#include <string>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -35,13 +39,16 @@ void close_all_but(std::span<const int> descriptors)
 // Ctrl-C and requests to end reach all processes of the terminal; it is for the parent to say
 // what they mean. An exception must not unwind what belongs to the parent: noexcept ends the
 // process.
-[[noreturn]] void play(pid_t parent, std::span<const int> descriptors,
+[[noreturn]] void play(pid_t parent, int nowhere, std::span<const int> descriptors,
                        const std::function<void()> &role) noexcept
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() == parent) {
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
             static_cast<void>(std::signal(signal, SIG_IGN));
+        }
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            ::dup2(nowhere, stream);
         }
         close_all_but(descriptors);
         role();
@@ -54,14 +61,16 @@ void close_all_but(std::span<const int> descriptors)
 Result<ChildProcess> ChildProcess::start(std::span<const int> descriptors,
                                          const std::function<void()> &role)
 {
+    const base::Descriptor nowhere(::open("/dev/null", O_RDWR | O_CLOEXEC));
     const pid_t parent = ::getpid();
-    const pid_t child = ::fork();
+    const pid_t child = nowhere.is_open() ? ::fork() : -1;
     if (child == 0) {
-        play(parent, descriptors, role);
+        play(parent, nowhere.get(), descriptors, role);
     }
     if (child < 0) {
+        const std::string why = nowhere.is_open() ? "" : "/dev/null: ";
         return Error{ErrorKind::internal,
-                     std::string("no process can be started: ") + std::strerror(errno),
+                     "no process can be started: " + why + std::strerror(errno),
                      "close other programs and try again"};
     }
     return ChildProcess(child);
@@ -78,6 +87,13 @@ ChildProcess &ChildProcess::operator=(ChildProcess &&other) noexcept
 {
     const ChildProcess old(std::exchange(id_, std::exchange(other.id_, 0)));
     return *this;
+}
+
+void ChildProcess::kill() const
+{
+    if (id_ != 0) {
+        ::kill(id_, SIGKILL);
+    }
 }
 
 // A process that is dying already dies of what it is dying of.

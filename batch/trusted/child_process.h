@@ -1,6 +1,6 @@
-// A process that is forked from this one. It keeps the standard streams and the descriptors that
-// it is given, and no others; it ends with its ChildProcess, and with the process that started it
-// however that one ends.
+// A process that is forked from this one. It keeps the descriptors that it is given and no others;
+// its standard streams lead nowhere. It ends with its ChildProcess, and with the process that
+// started it however that one ends.
 //
 // Only a process of one thread may fork and go on without exec: the locks of other threads would
 // stay closed in the child for good. So nothing in this program starts a thread. The child's memory
@@ -24,6 +24,11 @@ public:
     // internal (no process can be started).
     static Result<ChildProcess> start(std::span<const int> descriptors,
                                       const std::function<void()> &role);
+    // A child of this process that was started in another way.
+    static ChildProcess of(pid_t id)
+    {
+        return ChildProcess(id);
+    }
     ~ChildProcess();
     ChildProcess(ChildProcess &&other) noexcept;
     ChildProcess &operator=(ChildProcess &&other) noexcept;
@@ -33,6 +38,8 @@ public:
     {
         return id_;
     }
+    // Without waiting for its end.
+    void kill() const;
     // Kills the process if it has not ended yet, and reaps it; returns its status as waitpid has
     // it. There is none afterwards.
     int end();

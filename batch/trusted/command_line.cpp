@@ -74,12 +74,20 @@ std::string options_that_matter(const cli::Arguments &arguments)
     return words;
 }
 
+std::chrono::milliseconds max_time(const cli::Arguments &arguments)
+{
+    const double seconds = arguments.max_seconds.value_or(max_seconds_unless_given);
+    return std::chrono::milliseconds(static_cast<int64_t>(std::ceil(seconds * 1000)));
+}
+
 InputOptions input_options(const cli::Arguments &arguments, SandboxMode mode)
 {
     InputOptions options;
     options.paths = arguments.paths;
     options.list_files = arguments.list_files;
     options.max_input = arguments.max_input.value_or(options.max_input);
+    options.max_memory = arguments.max_memory.value_or(max_bytes_unless_given);
+    options.max_time = max_time(arguments);
     options.exclude = arguments.output;
     options.sandbox = mode;
     return options;
@@ -143,7 +151,6 @@ Result<BatchRequest> BatchCommandLine::request()
     }
     const SandboxMode mode =
         arguments.no_sandbox ? SandboxMode::off : sandbox_mode(arguments.sandbox);
-    const double seconds = arguments.max_seconds.value_or(max_seconds_unless_given);
     BatchRequest request;
     request.inputs = input_options(arguments, mode);
     request.output = arguments.output;
@@ -154,7 +161,7 @@ Result<BatchRequest> BatchCommandLine::request()
     request.worker = {settings.value(), mode,
                       arguments.max_memory.value_or(max_bytes_unless_given)};
     request.workers = arguments.jobs.value_or(std::min(count_processors(), cli::most_jobs));
-    request.max_time = std::chrono::milliseconds(static_cast<int64_t>(std::ceil(seconds * 1000)));
+    request.max_time = max_time(arguments);
     request.recorded = {std::string(settings.value().format->name),
                         std::string(settings.value().format->extension),
                         options_that_matter(arguments), arguments.module};

@@ -7,11 +7,13 @@
 // tests/batch/trusted/inputs_test.cpp and archive_inputs_test.cpp.
 #pragma once
 
+#include "batch/trusted/child_process.h"
 #include "batch/wire/outcome.h"
 #include "batch/wire/settings.h"
 #include "lib/base/descriptor.h"
 #include "pfsdoc/error.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -41,8 +43,13 @@ struct BatchInput {
 // an output; not_a_document is what is no file, and was found rather than named.
 BatchInput failed_input(std::string name, std::string source, Error error);
 
-// Waits until the descriptor can be read from. False: no more inputs are wanted.
-using WaitForInput = std::function<bool(int descriptor)>;
+// Waits until the descriptor can be read from. False: no more inputs are wanted, or it was too
+// late.
+using WaitForInput =
+    std::function<bool(int descriptor, std::chrono::steady_clock::time_point deadline)>;
+
+// Starts a process that reads an archive and writes its messages to the output.
+using StartArchiveReader = std::function<Result<ChildProcess>(int archive, int output)>;
 
 struct InputOptions : ArchiveSettings {  // max_input holds for files, too
     std::vector<std::string> paths;      // files, folders, archives
@@ -50,9 +57,9 @@ struct InputOptions : ArchiveSettings {  // max_input holds for files, too
     std::string extension;               // of the outputs, without its dot
     std::vector<std::string> reserved;   // files in the output folder that are not outputs
     std::string exclude; // a folder that is passed over inside others: the output's; may be empty
-    // The role of the processes that read archives.
-    ArchiveReaderRole archive_reader = nullptr;
-    WaitForInput wait; // for lists that come out of pipes, and for archives
+    StartArchiveReader start_archive_reader;
+    std::chrono::milliseconds max_time{30000}; // without progress, of the reader of an archive
+    WaitForInput wait;                         // for lists that come out of pipes, and for archives
 };
 
 class BatchInputs {

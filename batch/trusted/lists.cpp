@@ -60,7 +60,7 @@ std::string_view PathList::beginning() const
 // becomes of its files.
 void PathList::read_part()
 {
-    if (!wait_(file_.get())) {
+    if (!wait_(file_.get(), std::chrono::steady_clock::time_point::max())) {
         position_ = buffer_.size(); // the last line may be cut
         at_end_ = true;
         return;

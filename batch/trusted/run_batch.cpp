@@ -2,6 +2,7 @@
 
 #include "batch/trusted/batch_run.h"
 #include "batch/trusted/interruption.h"
+#include "batch/trusted/launcher.h"
 #include "batch/wire/sha256.h"
 #include "cli/report.h"
 
@@ -35,14 +36,18 @@ int report_end(const BatchRequest &request, const BatchRun &run, const Status &f
 } // namespace
 
 // The library behind the digests reads files when it is first used: that comes before the
-// processes that cannot.
-int run_batch(const BatchRequest &request, const ProcessRoles &roles)
+// processes that cannot. The launcher comes before anything is known that no reader shall know.
+int run_batch(const BatchRequest &request, LauncherRole role)
 {
     if (const Status misplaced = check_paths(request); !misplaced.ok()) {
         return cli::report("", misplaced.error());
     }
     static_cast<void>(sha256_of(""));
     watch_interruptions();
+    Result<Launcher> launcher = Launcher::start(role, {request.worker, request.inputs});
+    if (!launcher.ok()) {
+        return cli::report("", launcher.error());
+    }
     Result<OutputFolder> folder = OutputFolder::open(request.output);
     if (!folder.ok()) {
         return cli::report("", folder.error());
@@ -51,7 +56,7 @@ int run_batch(const BatchRequest &request, const ProcessRoles &roles)
     if (!manifest.ok()) {
         return cli::report("", manifest.error());
     }
-    BatchRun run(request, roles, std::move(folder.value()), std::move(manifest.value()));
+    BatchRun run(request, launcher.value(), std::move(folder.value()), std::move(manifest.value()));
     const Status fault = run.run();
     return report_end(request, run, fault);
 }

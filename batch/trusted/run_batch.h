@@ -8,6 +8,6 @@ namespace pfsdoc::batch {
 
 // The program's exit code; what went wrong has been reported on standard error. To be called by
 // a process of one thread.
-int run_batch(const BatchRequest &request, const ProcessRoles &roles);
+int run_batch(const BatchRequest &request, LauncherRole launcher);
 
 } // namespace pfsdoc::batch

@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <poll.h>
 #include <sys/socket.h>
 #include <utility>
 
@@ -25,6 +26,12 @@ Error crash(int wait_status)
             "please report this as a fault of pfsdoc"};
 }
 
+bool can_be_read(int socket)
+{
+    pollfd polled{socket, POLLIN, 0};
+    return ::poll(&polled, 1, 0) > 0;
+}
+
 Error too_late(std::chrono::milliseconds max_time)
 {
     const auto seconds = std::chrono::duration<double>(max_time).count();
@@ -37,84 +44,139 @@ Error too_late(std::chrono::milliseconds max_time)
 
 } // namespace
 
-Status WorkerProcess::start()
+Result<WorkerProcess::Reader> WorkerProcess::ask_for_reader()
 {
     std::array<int, 2> ends{};
     if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         return no_worker(errno);
     }
-    socket_ = base::Descriptor(ends[0]);
+    Reader reader{base::Descriptor(ends[0])};
     const base::Descriptor other(ends[1]);
-    const std::array<int, 1> kept = {other.get()};
-    Result<ChildProcess> process =
-        ChildProcess::start(kept, [&] { role_(other.get(), settings_); });
-    if (!process.ok()) {
-        return process.error();
-    }
-    process_ = std::move(process.value());
-    is_ready_ = false;
-    return {};
+    const std::array<int, 1> descriptors = {other.get()};
+    reader.launch = launcher_->request(LaunchKind::worker, descriptors);
+    return reader;
 }
 
-// A process that died while it had nothing to do is noticed here. A job waits in the socket until
-// its process is ready; if that is dead already, it shows when the answer is received.
-Status WorkerProcess::submit(const Job &job, std::span<const int> descriptors)
+// Closes its socket. Errors: why it was not started.
+Result<ChildProcess> WorkerProcess::take_process(Reader &reader)
 {
-    if (process_.id() == 0 || !send_record(socket_.get(), job, descriptors)) {
-        end();
-        if (Status fault = start(); !fault.ok()) {
-            return fault;
+    if (!reader.socket.is_open()) {
+        return ChildProcess();
+    }
+    reader.socket = base::Descriptor();
+    return launcher_->take(reader.launch);
+}
+
+WorkerProcess::~WorkerProcess()
+{
+    static_cast<void>(take_process(current_));
+    static_cast<void>(take_process(next_));
+}
+
+// A job waits in the socket until its process is ready. One that died while it had no job to do is
+// noticed here; if it dies now, that shows when the answer is received.
+Status WorkerProcess::send(const Job &job, std::span<const int> descriptors)
+{
+    constexpr int most_attempts = 3;
+    for (int attempt = 0; attempt < most_attempts; ++attempt) {
+        if (!next_.socket.is_open()) {
+            Result<Reader> reader = ask_for_reader();
+            if (!reader.ok()) {
+                return reader.error();
+            }
+            next_ = std::move(reader.value());
         }
-        static_cast<void>(send_record(socket_.get(), job, descriptors));
+        current_ = std::exchange(next_, {});
+        if (attempt + 1 == most_attempts || send_record(current_.socket.get(), job, descriptors)) {
+            break;
+        }
+        if (const Result<ChildProcess> dead = take_process(current_); !dead.ok()) {
+            return dead.error();
+        }
     }
-    deadline_ = is_ready_ ? Clock::now() + max_time_ : Clock::time_point::max();
     return {};
 }
 
-Status WorkerProcess::receive_hello()
+Status WorkerProcess::submit(Job job, std::span<const int> descriptors)
 {
-    const auto hello = receive_record<Hello>(socket_.get());
-    if (!hello) {
-        return crash(end());
+    job.number = ++job_;
+    deadline_ = Clock::time_point::max();
+    if (Status fault = send(job, descriptors); !fault.ok()) {
+        return fault;
     }
-    if (hello->failed != 0) {
-        end();
-        return Error{hello->kind, std::string(hello->words.get()),
-                     std::string(hello->remedy.get())};
+    Result<Reader> reader = ask_for_reader();
+    if (!reader.ok()) {
+        return reader.error();
     }
-    sandbox_words_ = hello->words.get();
-    is_ready_ = true;
+    next_ = std::move(reader.value());
+    if (can_be_read(current_.socket.get())) {
+        if (const auto hello = receive_record<Hello>(current_.socket.get())) {
+            return accept(*hello);
+        }
+    }
+    return {};
+}
+
+Status WorkerProcess::accept(const Hello &hello)
+{
+    if (hello.failed != 0) {
+        return Error{hello.kind, std::string(hello.words.get()), std::string(hello.remedy.get())};
+    }
+    sandbox_words_ = hello.words.get();
+    current_.is_ready = true;
     deadline_ = Clock::now() + max_time_;
     return {};
 }
 
-Result<std::optional<Outcome>> WorkerProcess::receive()
+// Where not even the first process gets ready, none will.
+Result<std::optional<WorkerProcess::Answer>> WorkerProcess::ended()
 {
-    if (!is_ready_) {
-        const Status fault = receive_hello();
-        return fault.ok() ? std::optional<Outcome>()
-                          : Result<std::optional<Outcome>>(fault.error());
+    Result<ChildProcess> process = take_process(current_);
+    if (!process.ok()) {
+        return process.error();
     }
-    const auto outcome = receive_record<Outcome>(socket_.get());
-    if (!outcome || !is_sane(*outcome)) {
-        return std::optional(failed_outcome(FileStatus::crashed, crash(end())));
+    const Error fault = crash(process.value().end());
+    if (sandbox_words_.empty()) {
+        return fault;
     }
-    if (outcome->status == FileStatus::memory) {
-        end(); // what is left of its memory is in pieces
+    return std::optional(Answer{failed_outcome(FileStatus::crashed, fault), {}});
+}
+
+Result<std::optional<WorkerProcess::Answer>> WorkerProcess::receive()
+{
+    if (!current_.is_ready) {
+        const auto hello = receive_record<Hello>(current_.socket.get());
+        if (!hello) {
+            return ended();
+        }
+        const Status fault = accept(*hello);
+        return fault.ok() ? Result<std::optional<Answer>>(std::nullopt) : fault.error();
     }
-    return outcome;
+    const auto outcome = receive_record<Outcome>(current_.socket.get());
+    if (!outcome) {
+        return ended();
+    }
+    Result<ChildProcess> process = take_process(current_);
+    if (!process.ok()) {
+        return process.error();
+    }
+    process.value().kill();
+    const bool is_valid = is_sane(*outcome) && outcome->job == job_;
+    return std::optional(
+        Answer{is_valid ? *outcome : invalid_report(), std::move(process.value())});
 }
 
 Outcome WorkerProcess::end_late()
 {
-    end();
+    static_cast<void>(take_process(current_));
     return failed_outcome(FileStatus::timeout, too_late(max_time_));
 }
 
-int WorkerProcess::end()
+Outcome invalid_report()
 {
-    socket_ = base::Descriptor();
-    return process_.end();
+    return failed_outcome(FileStatus::crashed,
+                          {ErrorKind::internal, "the process that read it sent an invalid report",
+                           "please report this as a fault of pfsdoc"});
 }
 
 } // namespace pfsdoc::batch

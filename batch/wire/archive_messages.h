@@ -30,6 +30,8 @@ enum class ArchiveOutcome : uint32_t {
     too_many_members,
     too_many_bytes,
     no_sandbox,
+    memory,      // --max-memory
+    no_progress, // --max-time
     reader_ended // by a crash, or by saying what it must not say
 };
 

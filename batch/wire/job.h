@@ -1,4 +1,4 @@
-// What goes between a run and its worker: one record for a file, with its descriptors, and one
+// What goes between a run and a worker: one record for its file, with the descriptors, and one
 // back. Test: tests/batch/run/canary_test.cpp.
 #pragma once
 
@@ -21,6 +21,7 @@ static_assert(std::is_trivially_copyable_v<Hello>);
 // One file. Its descriptors: the input, the output, and where has_earlier_output is set the
 // output of an earlier run.
 struct Job {
+    uint64_t number = 0; // comes back with the outcome
     uint64_t size = 0;
     // What an earlier run found: if it is still so, the answer is FileStatus::unchanged.
     uint32_t has_earlier = 0;

@@ -74,6 +74,7 @@ inline constexpr int32_t no_kind = -1;
 inline constexpr uint64_t no_offset = UINT64_MAX;
 
 struct Outcome {
+    uint64_t job = 0; // its number
     FileStatus status = FileStatus::internal;
     int32_t kind = no_kind; // a DocumentKind
     int32_t confidence = 0; // a Confidence, where there is a kind

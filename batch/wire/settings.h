@@ -4,16 +4,13 @@
 
 #include "pfsdoc/module.h"
 #include "pfsdoc/writer.h"
+#include "sandbox/mode.h"
 
 #include <cstdint>
 
 namespace pfsdoc::batch {
 
-enum class SandboxMode {
-    off,
-    available, // whatever the kernel has
-    required   // an error where any of it is missing
-};
+using SandboxMode = sandbox::Mode;
 
 // The same for all files of a run.
 struct ConversionSettings {
@@ -34,16 +31,17 @@ struct ArchiveSettings {
     // The bytes that the members of one archive may have together, those of members that were
     // not wanted included; the rest of the archive gets one error of ErrorKind::limit.
     uint64_t max_archive = uint64_t{1} << 36;
+    uint64_t max_memory = UINT64_MAX; // bytes, beside the archive's own
     SandboxMode sandbox = SandboxMode::available;
 };
 
-// What a process that was just forked goes on with. It keeps these descriptors and the standard
-// streams, and never returns.
-using WorkerRole = void (*)(int socket, const WorkerSettings &settings);
-using ArchiveReaderRole = void (*)(int archive, int output, const ArchiveSettings &settings);
-struct ProcessRoles {
-    WorkerRole worker;
-    ArchiveReaderRole archive_reader;
+// The process that starts those is forked with this, before there is anything else to know.
+struct LauncherSettings {
+    WorkerSettings worker;
+    ArchiveSettings archive;
 };
+
+// What a process that was just forked goes on with; never returns.
+using LauncherRole = void (*)(int socket, const LauncherSettings &settings);
 
 } // namespace pfsdoc::batch

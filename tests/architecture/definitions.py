@@ -14,7 +14,7 @@ import pathlib
 import re
 import sys
 
-FOLDERS = ("lib", "cli", "batch")
+FOLDERS = ("lib", "cli", "sandbox", "batch")
 PUBLIC_HEADERS = "include/pfsdoc"
 
 NAMELESS_NAMESPACE = re.compile(r"^namespace \{$.*?^\} // namespace$", re.DOTALL | re.MULTILINE)

@@ -3,7 +3,7 @@ import pathlib
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 SUFFIXES = {".h", ".c", ".cpp"}
-FOLDERS = ("include", "formats", "vs_pfs", "vsd_pfs", "lib", "cli", "command", "batch", "builder",
+FOLDERS = ("include", "formats", "vs_pfs", "vsd_pfs", "lib", "cli", "sandbox", "command", "batch", "builder",
            "tests", "fuzz", "bench", "examples")
 
 

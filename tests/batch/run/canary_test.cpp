@@ -1,5 +1,5 @@
 // Readers that have been taken over: each costs its own file, and gets nowhere.
-#include "batch/sandboxed/shadow_memory.h"
+#include "sandbox/shadow_memory.h"
 #include "tests/batch/run/batch_bench.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ std::vector<Action> all_actions()
         {"kill", "crashed, the process that read it was ended by SIGSYS"},
         {"open", "crashed, the process that read it was ended by SIGABRT"},
     };
-    if (!pfsdoc::batch::memory_is_shadowed) {
+    if (!pfsdoc::sandbox::memory_is_shadowed) {
         actions.push_back({"memory", "memory, needs more memory than the limit"});
     }
     std::sort(actions.begin(), actions.end(),

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "batch/sandboxed/archive_reader.h"
+#include "batch/sandboxed/limits.h"
 #include "batch/trusted/inputs.h"
 
 #include <gtest/gtest.h>
@@ -60,16 +61,35 @@ inline std::string line_of(const pfsdoc::batch::BatchInput &input)
     return input.name + " = " + content + "\n";
 }
 
-inline bool wait_for_input(int descriptor)
+inline bool wait_for_input(int descriptor, std::chrono::steady_clock::time_point deadline)
 {
+    using std::chrono::milliseconds;
+    constexpr milliseconds for_ever = std::chrono::hours(1);
+    const auto now = std::chrono::steady_clock::now();
+    const milliseconds left =
+        deadline - now > for_ever ? for_ever : std::chrono::ceil<milliseconds>(deadline - now);
     pollfd polled{descriptor, POLLIN, 0};
-    return ::poll(&polled, 1, -1) == 1;
+    return ::poll(&polled, 1, static_cast<int>(left.count())) == 1;
+}
+
+inline pfsdoc::Result<pfsdoc::batch::ChildProcess>
+start_archive_reader(int archive, int output, const pfsdoc::batch::ArchiveSettings &settings)
+{
+    const std::array<int, 2> kept = {archive, output};
+    return pfsdoc::batch::ChildProcess::start(kept, [&] {
+        const auto walls = pfsdoc::sandbox::Sandbox::build(settings.sandbox);
+        pfsdoc::batch::run_archive_reader(archive, output, settings,
+                                          {walls, pfsdoc::batch::address_space()});
+    });
 }
 
 // As a run opens them, but for the waiting, where it has workers to look after.
 inline std::unique_ptr<pfsdoc::batch::BatchInputs> opened(pfsdoc::batch::InputOptions options)
 {
-    options.archive_reader = pfsdoc::batch::run_archive_reader;
+    const pfsdoc::batch::ArchiveSettings settings = options;
+    options.start_archive_reader = [settings](int archive, int output) {
+        return start_archive_reader(archive, output, settings);
+    };
     if (!options.wait) {
         options.wait = wait_for_input;
     }

@@ -11,12 +11,14 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
 
 namespace {
 
+namespace base = pfsdoc::base;
 using pfsdoc::batch::ChildProcess;
 using tests::Pipe;
 
@@ -66,6 +68,33 @@ TEST(ChildProcess, KeepsItsDescriptorsAndNoOthers)
     const int status = process.end();
     EXPECT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 3);
+}
+
+// Not to what its parent reads, nor to the terminal.
+TEST(ChildProcess, HasStandardStreamsThatLeadNowhere)
+{
+    Pipe pipe;
+    const Pipe input;
+    write_to(input.writing.get(), "a list");
+    const base::Descriptor own_input(::dup(STDIN_FILENO));
+    ::dup2(input.reading.get(), STDIN_FILENO);
+    const std::array<int, 1> kept = {pipe.writing.get()};
+    ChildProcess process = started(kept, [&] {
+        struct stat null {};
+        struct stat stream {};
+        ::stat("/dev/null", &null);
+        for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            ::fstat(descriptor, &stream);
+            write_to(pipe.writing.get(), stream.st_rdev == null.st_rdev ? "null " : "other ");
+        }
+        char byte = 0;
+        write_to(pipe.writing.get(), ::read(STDIN_FILENO, &byte, 1) == 0 ? "end" : "byte");
+        ::_exit(0);
+    });
+    ::dup2(own_input.get(), STDIN_FILENO);
+    EXPECT_EQ(pipe.read_all(), "null null null end");
+    process.end();
+    EXPECT_EQ(input.read_some(), "a list");
 }
 
 TEST(ChildProcess, IsKilledAndReaped)

@@ -400,7 +400,7 @@ TEST_F(Lists, are_waited_for_until_no_more_is_wanted)
     int waits = 0;
     pfsdoc::batch::InputOptions options;
     options.list_files = {"/proc/self/fd/" + std::to_string(list.reading.get())};
-    options.wait = [&](int) { return ++waits == 1; }; // what was written comes at once
+    options.wait = [&](int, auto) { return ++waits == 1; }; // what was written comes at once
     const auto inputs = tests::opened(options);
     EXPECT_FALSE(inputs->next().has_value()) << "what was written may be cut";
     EXPECT_EQ(waits, 2);

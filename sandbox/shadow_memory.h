@@ -2,7 +2,7 @@
 // tests/batch/run/canary_test.cpp.
 #pragma once
 
-namespace pfsdoc::batch {
+namespace pfsdoc::sandbox {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool memory_is_shadowed = true;
@@ -15,4 +15,4 @@ inline constexpr bool memory_is_shadowed = true;
 inline constexpr bool memory_is_shadowed = false;
 #endif
 
-} // namespace pfsdoc::batch
+} // namespace pfsdoc::sandbox

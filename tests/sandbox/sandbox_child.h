@@ -2,7 +2,7 @@
 // said and how it ended.
 #pragma once
 
-#include "batch/sandboxed/sandbox.h"
+#include "sandbox/sandbox.h"
 
 #include <functional>
 #include <string>
@@ -21,7 +21,7 @@ enum class Kernel { whole, without_landlock, without_seccomp, without_both };
 // The work is called behind the sandbox and answers with what there is to say. A child whose
 // sandbox cannot be entered says "no sandbox: ..." and does not do it. One that hangs is ended
 // by SIGALRM.
-Ending in_sandbox(pfsdoc::batch::SandboxMode mode, const std::function<std::string()> &work,
+Ending in_sandbox(pfsdoc::sandbox::Mode mode, const std::function<std::string()> &work,
                   Kernel kernel = Kernel::whole);
 
 // As above; `before` is called in the child in front of the sandbox.

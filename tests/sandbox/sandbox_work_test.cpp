@@ -1,6 +1,6 @@
 // What a converter does still works in the sandbox: descriptors, messages, memory, the C and
 // C++ libraries, and whole conversions, whose bytes are those from outside of it.
-#include "tests/batch/sandboxed/sandbox_child.h"
+#include "tests/sandbox/sandbox_child.h"
 
 #include "lib/writers/trace.h"
 #include "pfsdoc/document.h"
@@ -36,7 +36,7 @@ namespace {
 using namespace tests;
 using pfsdoc::Document;
 using pfsdoc::Format;
-using pfsdoc::batch::SandboxMode;
+using pfsdoc::sandbox::Mode;
 
 constexpr const char *letter = SAMPLES_DIRECTORY "/1012-pfs-write-a/letter.doc";
 
@@ -60,7 +60,7 @@ std::string text_of(int descriptor)
 
 Ending sandboxed(const std::function<std::string()> &work)
 {
-    return in_sandbox(SandboxMode::required, work);
+    return in_sandbox(Mode::required, work);
 }
 
 // ------------------------------------------------------------------- descriptors -----
@@ -327,7 +327,7 @@ TEST(SandboxWork, MakesNoThreadAndSurvivesIt)
     const Ending inside = sandboxed(work);
     EXPECT_TRUE(inside.said.starts_with("threw: ")) << inside.said;
     EXPECT_EQ(inside.exit_status, 0);
-    EXPECT_EQ(in_sandbox(SandboxMode::off, work).said, "started");
+    EXPECT_EQ(in_sandbox(Mode::off, work).said, "started");
 }
 
 // ---------------------------------------------------------------------- the end -----

@@ -3,8 +3,8 @@
 //
 // The C library has no functions for these calls, and <linux/landlock.h> is as old as the
 // machine that compiles this, so what came after the first version is spelled out here.
-// Test: tests/batch/sandboxed/sandbox_test.cpp.
-#include "batch/sandboxed/landlock.h"
+// Test: tests/sandbox/sandbox_test.cpp.
+#include "sandbox/landlock.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -14,8 +14,9 @@
 #include <linux/landlock.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
-namespace pfsdoc::batch {
+namespace pfsdoc::sandbox {
 
 namespace {
 
@@ -65,23 +66,24 @@ Rights rights_of(int version)
 
 } // namespace
 
-Landlock restrict_by_landlock()
+LandlockRules landlock_rules()
 {
     const int version = std::min(kernel_version(), newest_version);
     if (version <= 0) {
-        return {0, errno};
+        return {{}, 0, errno};
     }
     const Rights rights = rights_of(version);
-    const int rules =
-        static_cast<int>(::syscall(SYS_landlock_create_ruleset, &rights, sizeof rights, 0));
-    if (rules < 0) {
-        return {0, errno};
-    }
     // No rule is added, so nothing is left.
-    const bool restricted = ::syscall(SYS_landlock_restrict_self, rules, 0) == 0;
+    base::Descriptor rules(
+        static_cast<int>(::syscall(SYS_landlock_create_ruleset, &rights, sizeof rights, 0)));
     const int error_number = errno;
-    ::close(rules);
-    return restricted ? Landlock{version, 0} : Landlock{0, error_number};
+    return rules.get() < 0 ? LandlockRules{{}, 0, error_number}
+                           : LandlockRules{std::move(rules), version, 0};
 }
 
-} // namespace pfsdoc::batch
+bool restrict_by_landlock(int rules)
+{
+    return ::syscall(SYS_landlock_restrict_self, rules, 0) == 0;
+}
+
+} // namespace pfsdoc::sandbox

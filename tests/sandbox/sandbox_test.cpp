@@ -3,7 +3,7 @@
 //
 // What is forbidden is tried without the sandbox first: an attempt that fails or ends the
 // process there as well would show nothing.
-#include "tests/batch/sandboxed/sandbox_child.h"
+#include "tests/sandbox/sandbox_child.h"
 
 #include <gtest/gtest.h>
 
@@ -35,7 +35,7 @@
 namespace {
 
 using namespace tests;
-using pfsdoc::batch::SandboxMode;
+using pfsdoc::sandbox::Mode;
 namespace fs = std::filesystem;
 
 // ------------------------------------------------------------------ surroundings -----
@@ -287,10 +287,10 @@ class Refused : public Sandbox, public ::testing::WithParamInterface<Attempt> {}
 TEST_P(Refused, FailsWithEpermAndTheProcessGoesOn)
 {
     const auto work = [&] { return outcome(GetParam(), here); };
-    const Ending inside = in_sandbox(SandboxMode::required, work);
+    const Ending inside = in_sandbox(Mode::required, work);
     EXPECT_EQ(inside.said, "EPERM");
     EXPECT_EQ(inside.exit_status, 0);
-    const Ending outside = in_sandbox(SandboxMode::off, work);
+    const Ending outside = in_sandbox(Mode::off, work);
     EXPECT_EQ(outside.said, "done");
 }
 
@@ -301,10 +301,10 @@ class Deadly : public Sandbox, public ::testing::WithParamInterface<Attempt> {};
 TEST_P(Deadly, EndsTheProcessWithSigsys)
 {
     const auto work = [&] { return outcome(GetParam(), here); };
-    const Ending inside = in_sandbox(SandboxMode::required, work);
+    const Ending inside = in_sandbox(Mode::required, work);
     EXPECT_EQ(inside.said, "");
     EXPECT_EQ(inside.signal, SIGSYS);
-    const Ending outside = in_sandbox(SandboxMode::off, work);
+    const Ending outside = in_sandbox(Mode::off, work);
     EXPECT_EQ(outside.said, "done");
 }
 
@@ -321,8 +321,8 @@ TEST_F(Sandbox, StartsNoProgram)
         ::execv(name, arguments);
         return std::string(::strerrorname_np(errno));
     };
-    EXPECT_EQ(in_sandbox(SandboxMode::required, work).said, "EPERM");
-    EXPECT_EQ(in_sandbox(SandboxMode::off, work).exit_status, 7);
+    EXPECT_EQ(in_sandbox(Mode::required, work).said, "EPERM");
+    EXPECT_EQ(in_sandbox(Mode::off, work).exit_status, 7);
 }
 
 TEST_F(Sandbox, SendsNothingToAnAddress)
@@ -333,25 +333,25 @@ TEST_F(Sandbox, SendsNothingToAnAddress)
             ::sendto(sender, "x", 1, 0, plain(here.tcp_address), sizeof here.tcp_address);
         return std::string(sent == 1 ? "done" : ::strerrorname_np(errno));
     };
-    EXPECT_EQ(in_sandbox(SandboxMode::required, work).said, "EPERM");
-    EXPECT_EQ(in_sandbox(SandboxMode::off, work).said, "done");
+    EXPECT_EQ(in_sandbox(Mode::required, work).said, "EPERM");
+    EXPECT_EQ(in_sandbox(Mode::off, work).said, "done");
     ::close(sender);
 }
 
 // ------------------------------------------------- kernels that lack one or the other -----
 
-std::string report_words(SandboxMode mode)
+std::string report_words(pfsdoc::sandbox::Mode mode)
 {
-    const auto report = pfsdoc::batch::enter_sandbox(mode);
+    const auto report = pfsdoc::sandbox::enter(mode);
     return report.ok() ? report.value().words()
                        : report.error().what + "; " + report.error().remedy + "; exit code " +
                              std::to_string(pfsdoc::exit_code(report.error().kind));
 }
 
-std::string words_of(SandboxMode mode, Kernel kernel)
+std::string words_of(pfsdoc::sandbox::Mode mode, Kernel kernel)
 {
     return in_sandbox(
-               SandboxMode::off, [&] { return report_words(mode); }, kernel)
+               Mode::off, [&] { return report_words(mode); }, kernel)
         .said;
 }
 
@@ -370,31 +370,31 @@ constexpr const char *no_seccomp =
 
 TEST_F(Sandbox, TellsWhatIsInForce)
 {
-    const std::string words = words_of(SandboxMode::required, Kernel::whole);
+    const std::string words = words_of(Mode::required, Kernel::whole);
     EXPECT_TRUE(words.starts_with("seccomp, ") && is_landlock(words.substr(9))) << words;
-    EXPECT_EQ(words_of(SandboxMode::available, Kernel::whole), words);
-    EXPECT_EQ(words_of(SandboxMode::off, Kernel::whole), "none");
+    EXPECT_EQ(words_of(Mode::available, Kernel::whole), words);
+    EXPECT_EQ(words_of(Mode::off, Kernel::whole), "none");
 }
 
 TEST_F(Sandbox, GoesOnWithWhatTheKernelHas)
 {
-    EXPECT_EQ(words_of(SandboxMode::available, Kernel::without_landlock), "seccomp");
-    const std::string words = words_of(SandboxMode::available, Kernel::without_seccomp);
+    EXPECT_EQ(words_of(Mode::available, Kernel::without_landlock), "seccomp");
+    const std::string words = words_of(Mode::available, Kernel::without_seccomp);
     EXPECT_TRUE(is_landlock(words)) << words;
-    EXPECT_EQ(words_of(SandboxMode::available, Kernel::without_both), "none");
+    EXPECT_EQ(words_of(Mode::available, Kernel::without_both), "none");
 }
 
 TEST_F(Sandbox, FailsWhereItIsRequiredAndMissing)
 {
-    EXPECT_EQ(words_of(SandboxMode::required, Kernel::without_landlock), no_landlock);
-    EXPECT_EQ(words_of(SandboxMode::required, Kernel::without_seccomp), no_seccomp);
-    EXPECT_EQ(words_of(SandboxMode::required, Kernel::without_both), no_landlock);
+    EXPECT_EQ(words_of(Mode::required, Kernel::without_landlock), no_landlock);
+    EXPECT_EQ(words_of(Mode::required, Kernel::without_seccomp), no_seccomp);
+    EXPECT_EQ(words_of(Mode::required, Kernel::without_both), no_landlock);
 }
 
 TEST_F(Sandbox, OfSeccompAloneRefusesFiles)
 {
     const auto work = [&] { return outcome(refused[0], here); };
-    EXPECT_EQ(in_sandbox(SandboxMode::available, work, Kernel::without_landlock).said, "EPERM");
+    EXPECT_EQ(in_sandbox(Mode::available, work, Kernel::without_landlock).said, "EPERM");
 }
 
 // Landlock answers for itself here, so what it refuses is refused twice in a whole kernel.
@@ -403,8 +403,7 @@ TEST_F(Sandbox, OfLandlockAloneRefusesFiles)
     const auto said = [&](long (*call)(const Surroundings &)) {
         const Attempt attempt{"", call};
         return in_sandbox(
-                   SandboxMode::available, [&] { return outcome(attempt, here); },
-                   Kernel::without_seccomp)
+                   Mode::available, [&] { return outcome(attempt, here); }, Kernel::without_seccomp)
             .said;
     };
     EXPECT_EQ(said([](const Surroundings &surroundings) -> long {
@@ -431,13 +430,12 @@ TEST_F(Sandbox, OfLandlockAloneRefusesFiles)
 // Connections by TCP came with version 4, signals and abstract sockets with version 6.
 TEST_F(Sandbox, OfLandlockAloneRefusesWhatItsVersionKnows)
 {
-    const int version =
-        std::stoi(words_of(SandboxMode::available, Kernel::without_seccomp).substr(9));
+    const int version = std::stoi(words_of(Mode::available, Kernel::without_seccomp).substr(9));
     const auto said = [&](const std::function<long()> &call) {
         const auto work = [&] {
             return std::string(call() >= 0 ? "done" : ::strerrorname_np(errno));
         };
-        return in_sandbox(SandboxMode::available, work, Kernel::without_seccomp).said;
+        return in_sandbox(Mode::available, work, Kernel::without_seccomp).said;
     };
     EXPECT_EQ(said([&] { return connect_to(AF_INET, here.tcp_address); }),
               version >= 4 ? "EACCES" : "done");

@@ -1,4 +1,4 @@
-#include "tests/batch/sandboxed/sandbox_child.h"
+#include "tests/sandbox/sandbox_child.h"
 
 #include <cerrno>
 #include <exception>
@@ -12,7 +12,7 @@ namespace tests {
 
 namespace {
 
-using pfsdoc::batch::SandboxMode;
+using pfsdoc::sandbox::Mode;
 
 constexpr unsigned patience_seconds = 60;
 
@@ -56,9 +56,9 @@ std::string all_of(int descriptor)
     return text;
 }
 
-std::string child_says(SandboxMode mode, const std::function<std::string()> &work)
+std::string child_says(pfsdoc::sandbox::Mode mode, const std::function<std::string()> &work)
 {
-    const auto sandbox = pfsdoc::batch::enter_sandbox(mode);
+    const auto sandbox = pfsdoc::sandbox::enter(mode);
     if (!sandbox.ok()) {
         return "no sandbox: " + sandbox.error().what;
     }
@@ -94,7 +94,8 @@ Ending run(const std::function<std::string()> &child)
 
 } // namespace
 
-Ending in_sandbox(SandboxMode mode, const std::function<std::string()> &work, Kernel kernel)
+Ending in_sandbox(pfsdoc::sandbox::Mode mode, const std::function<std::string()> &work,
+                  Kernel kernel)
 {
     return run([&] {
         if (kernel != Kernel::whole) {
@@ -109,7 +110,7 @@ Ending in_sandbox_after(const std::function<void()> &before,
 {
     return run([&] {
         before();
-        return child_says(SandboxMode::required, work);
+        return child_says(Mode::required, work);
     });
 }
 

@@ -1,20 +1,31 @@
 // Three lists: what is allowed, what is allowed with certain arguments only, and what is
-// refused with EPERM. Whatever stands in none of them ends the process.
+// refused with EPERM. Whatever stands in none of them ends the process. A fourth list has what a
+// process needs to start others; the second filter takes that away.
+//
+// The second filter is written by hand: it is installed in each process that is started, and the
+// library would take longer, and memory, which that process may not have.
 //
 // One thing has several names on different machines (fstat, fstat64, newfstatat). All are
 // listed; libseccomp leaves out those that a machine does not have. Test:
-// tests/batch/sandboxed/sandbox_test.cpp.
-#include "batch/sandboxed/system_calls.h"
+// tests/sandbox/sandbox_test.cpp.
+#include "sandbox/system_calls.h"
 
+#include <array>
+#include <bit>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
 #include <fcntl.h>
+#include <iterator>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <memory>
 #include <seccomp.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
-namespace pfsdoc::batch {
+namespace pfsdoc::sandbox {
 
 namespace {
 
@@ -43,15 +54,14 @@ constexpr int allowed[] = {
 
 constexpr int refused[] = {
     // Opening and making files.
-    SCMP_SYS(open), SCMP_SYS(openat), SCMP_SYS(openat2), SCMP_SYS(creat), SCMP_SYS(mknod),
-    SCMP_SYS(mknodat), SCMP_SYS(mkdir), SCMP_SYS(mkdirat), SCMP_SYS(link), SCMP_SYS(linkat),
-    SCMP_SYS(symlink), SCMP_SYS(symlinkat), SCMP_SYS(memfd_create),
+    SCMP_SYS(openat2), SCMP_SYS(creat), SCMP_SYS(mknod), SCMP_SYS(mknodat), SCMP_SYS(mkdir),
+    SCMP_SYS(mkdirat), SCMP_SYS(link), SCMP_SYS(linkat), SCMP_SYS(symlink), SCMP_SYS(symlinkat),
+    SCMP_SYS(memfd_create),
     // Removing, renaming and changing them.
-    SCMP_SYS(unlink), SCMP_SYS(unlinkat), SCMP_SYS(rmdir), SCMP_SYS(rename), SCMP_SYS(renameat),
-    SCMP_SYS(renameat2), SCMP_SYS(truncate), SCMP_SYS(truncate64), SCMP_SYS(chmod),
-    SCMP_SYS(fchmod), SCMP_SYS(fchmodat), SCMP_SYS(chown), SCMP_SYS(fchown), SCMP_SYS(lchown),
-    SCMP_SYS(fchownat), SCMP_SYS(utime), SCMP_SYS(utimes), SCMP_SYS(utimensat),
-    SCMP_SYS(utimensat_time64), SCMP_SYS(futimesat),
+    SCMP_SYS(unlinkat), SCMP_SYS(rmdir), SCMP_SYS(rename), SCMP_SYS(renameat), SCMP_SYS(renameat2),
+    SCMP_SYS(truncate), SCMP_SYS(truncate64), SCMP_SYS(chmod), SCMP_SYS(fchmod), SCMP_SYS(fchmodat),
+    SCMP_SYS(chown), SCMP_SYS(fchown), SCMP_SYS(lchown), SCMP_SYS(fchownat), SCMP_SYS(utime),
+    SCMP_SYS(utimes), SCMP_SYS(utimensat), SCMP_SYS(utimensat_time64), SCMP_SYS(futimesat),
     // Looking them up.
     SCMP_SYS(stat), SCMP_SYS(stat64), SCMP_SYS(lstat), SCMP_SYS(lstat64), SCMP_SYS(statx),
     SCMP_SYS(statfs), SCMP_SYS(statfs64), SCMP_SYS(fstatfs), SCMP_SYS(fstatfs64), SCMP_SYS(access),
@@ -61,11 +71,38 @@ constexpr int refused[] = {
     SCMP_SYS(socket), SCMP_SYS(socketpair), SCMP_SYS(connect), SCMP_SYS(bind), SCMP_SYS(listen),
     SCMP_SYS(accept), SCMP_SYS(accept4),
     // Processes, threads and programs.
-    SCMP_SYS(fork), SCMP_SYS(vfork), SCMP_SYS(clone), SCMP_SYS(clone3), SCMP_SYS(execve),
-    SCMP_SYS(execveat),
+    SCMP_SYS(fork), SCMP_SYS(vfork), SCMP_SYS(clone3), SCMP_SYS(execve), SCMP_SYS(execveat),
     // Terminals and devices, and what the C library asks about the machine.
-    SCMP_SYS(ioctl), SCMP_SYS(prctl), SCMP_SYS(uname), SCMP_SYS(sysinfo),
-    SCMP_SYS(sched_getaffinity)};
+    SCMP_SYS(ioctl), SCMP_SYS(uname), SCMP_SYS(sysinfo), SCMP_SYS(sched_getaffinity)};
+
+constexpr uint32_t refusal = SCMP_ACT_ERRNO(EPERM);
+
+// For starting processes, and for these to get ready. What becomes of it then is told here.
+struct LastCall {
+    int call;
+    uint32_t action;
+};
+constexpr LastCall last_calls[] = {
+    // Scratch files, and what the C library reads about languages and time zones.
+    {SCMP_SYS(open), refusal},
+    {SCMP_SYS(openat), refusal},
+    {SCMP_SYS(unlink), refusal},
+    // A process, its name and its limits.
+    {SCMP_SYS(clone), refusal},
+    {SCMP_SYS(prctl), refusal},
+    {SCMP_SYS(getppid), SCMP_ACT_KILL_PROCESS},
+    {SCMP_SYS(prlimit64), SCMP_ACT_KILL_PROCESS},
+    {SCMP_SYS(getrlimit), SCMP_ACT_KILL_PROCESS},
+    {SCMP_SYS(ugetrlimit), SCMP_ACT_KILL_PROCESS},
+    {SCMP_SYS(setrlimit), SCMP_ACT_KILL_PROCESS},
+    // Waiting for there to be room for another process.
+    {SCMP_SYS(nanosleep), SCMP_ACT_KILL_PROCESS},
+    {SCMP_SYS(clock_nanosleep), SCMP_ACT_KILL_PROCESS},
+    {SCMP_SYS(clock_nanosleep_time64), SCMP_ACT_KILL_PROCESS},
+    // The rest of the sandbox.
+    {SCMP_SYS(landlock_restrict_self), SCMP_ACT_KILL_PROCESS},
+    {SCMP_SYS(seccomp), SCMP_ACT_KILL_PROCESS},
+};
 
 // One argument of a call decides.
 struct Condition {
@@ -93,7 +130,6 @@ constexpr unsigned protection = 2; // of mmap and mprotect
 constexpr unsigned stat_flags = 3;
 constexpr unsigned fcntl_command = 1;
 constexpr unsigned sendto_address = 4;
-constexpr unsigned tgkill_process = 0;
 
 constexpr Condition allowed_when[] = {
     {SCMP_SYS(mmap), is_without(protection, PROT_EXEC)},
@@ -105,25 +141,24 @@ constexpr Condition allowed_when[] = {
     {SCMP_SYS(fcntl), is(fcntl_command, F_GETFD)},
     {SCMP_SYS(fcntl), is(fcntl_command, F_SETFD)},
     {SCMP_SYS(fcntl), is(fcntl_command, F_GETFL)},
-    {SCMP_SYS(fcntl), is(fcntl_command, F_SETFL)},
     {SCMP_SYS(fcntl), is(fcntl_command, F_DUPFD)},
     {SCMP_SYS(fcntl), is(fcntl_command, F_DUPFD_CLOEXEC)},
     {SCMP_SYS(fcntl64), is(fcntl_command, F_GETFD)},
     {SCMP_SYS(fcntl64), is(fcntl_command, F_SETFD)},
     {SCMP_SYS(fcntl64), is(fcntl_command, F_GETFL)},
-    {SCMP_SYS(fcntl64), is(fcntl_command, F_SETFL)},
     {SCMP_SYS(fcntl64), is(fcntl_command, F_DUPFD)},
     {SCMP_SYS(fcntl64), is(fcntl_command, F_DUPFD_CLOEXEC)},
     {SCMP_SYS(sendto), is(sendto_address, 0)},
 };
 
 constexpr Condition refused_when[] = {
+    // They are those of all who have the descriptor, outside of the sandbox too.
+    {SCMP_SYS(fcntl), is(fcntl_command, F_SETFL)},
+    {SCMP_SYS(fcntl64), is(fcntl_command, F_SETFL)},
     {SCMP_SYS(newfstatat), is_not(stat_flags, AT_EMPTY_PATH)},
     {SCMP_SYS(fstatat64), is_not(stat_flags, AT_EMPTY_PATH)},
     {SCMP_SYS(sendto), is_not(sendto_address, 0)},
 };
-
-constexpr uint32_t refusal = SCMP_ACT_ERRNO(EPERM);
 
 // A filter of libseccomp. After a failure it is not loaded.
 class Filter {
@@ -160,6 +195,47 @@ private:
     bool good_;
 };
 
+// ---- the second filter ----
+
+constexpr uint32_t offset_of_call = offsetof(seccomp_data, nr);
+// Arguments have 64 bits; a process's number is in the lower half.
+constexpr uint32_t offset_of_first_argument =
+    offsetof(seccomp_data, args) + (std::endian::native == std::endian::big ? sizeof(uint32_t) : 0);
+
+constexpr sock_filter load(uint32_t offset)
+{
+    return BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offset);
+}
+
+constexpr sock_filter skip_one_unless(uint32_t value)
+{
+    return BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, value, 0, 1);
+}
+
+constexpr sock_filter end_with(uint32_t action)
+{
+    return BPF_STMT(BPF_RET | BPF_K, action);
+}
+
+// Of a fixed size.
+class LastFilter {
+public:
+    void add(sock_filter instruction)
+    {
+        instructions_[count_++] = instruction;
+    }
+    bool load()
+    {
+        const sock_fprog program{static_cast<unsigned short>(count_), instructions_.data()};
+        return ::syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, 0, &program) == 0;
+    }
+
+private:
+    static constexpr std::size_t own_instructions = 6;
+    std::array<sock_filter, 2 * std::size(last_calls) + own_instructions> instructions_{};
+    std::size_t count_ = 0;
+};
+
 } // namespace
 
 bool restrict_system_calls()
@@ -173,9 +249,11 @@ bool restrict_system_calls()
     for (const Condition &when : allowed_when) {
         filter.add(SCMP_ACT_ALLOW, when);
     }
-    // For abort().
-    const auto self = static_cast<uint64_t>(::getpid());
-    filter.add(SCMP_ACT_ALLOW, Condition{SCMP_SYS(tgkill), is(tgkill_process, self)});
+    for (const LastCall &last : last_calls) {
+        filter.add(SCMP_ACT_ALLOW, last.call);
+    }
+    // For abort(); the second filter leaves it to the process itself.
+    filter.add(SCMP_ACT_ALLOW, SCMP_SYS(tgkill));
     for (const int call : refused) {
         filter.add(refusal, call);
     }
@@ -185,4 +263,23 @@ bool restrict_system_calls()
     return filter.load();
 }
 
-} // namespace pfsdoc::batch
+// Below 0 are calls that this machine does not have.
+bool restrict_last_system_calls()
+{
+    LastFilter filter;
+    filter.add(load(offset_of_call));
+    for (const LastCall &last : last_calls) {
+        if (last.call >= 0) {
+            filter.add(skip_one_unless(static_cast<uint32_t>(last.call)));
+            filter.add(end_with(last.action));
+        }
+    }
+    filter.add(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SCMP_SYS(tgkill), 0, 3));
+    filter.add(load(offset_of_first_argument));
+    filter.add(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<uint32_t>(::getpid()), 1, 0));
+    filter.add(end_with(SCMP_ACT_KILL_PROCESS));
+    filter.add(end_with(SCMP_ACT_ALLOW));
+    return filter.load();
+}
+
+} // namespace pfsdoc::sandbox
