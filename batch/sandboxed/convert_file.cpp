@@ -10,34 +10,13 @@
 #include "pfsdoc/examine.h"
 #include "pfsdoc/reading_stopped.h"
 
-#include <array>
 #include <memory>
 #include <optional>
-#include <sys/types.h>
-#include <unistd.h>
 #include <utility>
 
 namespace pfsdoc::batch {
 
 namespace {
-
-constexpr std::size_t hashed_at_once = 65536;
-
-// Of all that the descriptor has from its start; nothing where it cannot be read.
-std::optional<Digest> digest_of_file(int descriptor)
-{
-    std::array<char, hashed_at_once> buffer;
-    Sha256 sum;
-    for (uint64_t offset = 0;;) {
-        const ssize_t count = base::read_some_at(descriptor, buffer.data(), buffer.size(), offset);
-        if (count <= 0) {
-            return count == 0 ? std::optional(sum.finish()) : std::nullopt;
-        }
-        const auto length = static_cast<std::size_t>(count);
-        sum.update({buffer.data(), length});
-        offset += length;
-    }
-}
 
 void stop_if_failed(const base::DescriptorOutput &output)
 {

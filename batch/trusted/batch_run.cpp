@@ -36,10 +36,13 @@ Job job_of(const RecordedFile &file, const std::optional<EarlierRecord> &earlier
     return job;
 }
 
-bool has_size(int descriptor, uint64_t size)
+// Whether the output is what the process that wrote it reports. It has ended by now.
+bool is_output(int descriptor, const Outcome &outcome)
 {
     struct stat status {};
-    return ::fstat(descriptor, &status) == 0 && static_cast<uint64_t>(status.st_size) == size;
+    return ::fstat(descriptor, &status) == 0 &&
+           static_cast<uint64_t>(status.st_size) == outcome.output_size &&
+           digest_of_file(descriptor) == outcome.output_digest;
 }
 
 // Whether it is true that nothing can be written: a worker that has been taken over may report
@@ -319,7 +322,7 @@ void BatchRun::finish(Task task, Outcome outcome)
 {
     const bool is_invalid =
         (outcome.status == FileStatus::unchanged && !task.earlier) ||
-        (has_output(outcome.status) && !has_size(task.output->descriptor(), outcome.output_size)) ||
+        (has_output(outcome.status) && !is_output(task.output->descriptor(), outcome)) ||
         (outcome.status == FileStatus::unwritten && !is_unwritable(task.output->descriptor()));
     if (is_invalid) {
         outcome = invalid_report();

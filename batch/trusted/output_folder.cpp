@@ -46,7 +46,7 @@ Error not_written(const std::string &target, int error_number)
 base::Descriptor open_new(const std::string &path)
 {
     return base::Descriptor(
-        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, new_file_mode));
+        ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, new_file_mode));
 }
 
 } // namespace

@@ -1,9 +1,13 @@
 #include "batch/wire/sha256.h"
 
+#include "lib/base/transfers.h"
+
+#include <array>
 #include <charconv>
 #include <new>
 #include <openssl/evp.h>
 #include <stdexcept>
+#include <sys/types.h>
 
 namespace pfsdoc::batch {
 
@@ -11,6 +15,7 @@ namespace {
 
 constexpr std::size_t digits_per_byte = 2;
 constexpr int hexadecimal = 16;
+constexpr std::size_t hashed_at_once = 65536;
 
 void expect(int answer)
 {
@@ -59,6 +64,21 @@ Digest sha256_of(std::string_view bytes)
     Sha256 sum;
     sum.update(bytes);
     return sum.finish();
+}
+
+std::optional<Digest> digest_of_file(int descriptor)
+{
+    std::array<char, hashed_at_once> buffer;
+    Sha256 sum;
+    for (uint64_t offset = 0;;) {
+        const ssize_t count = base::read_some_at(descriptor, buffer.data(), buffer.size(), offset);
+        if (count <= 0) {
+            return count == 0 ? std::optional(sum.finish()) : std::nullopt;
+        }
+        const auto length = static_cast<std::size_t>(count);
+        sum.update({buffer.data(), length});
+        offset += length;
+    }
 }
 
 std::string hex_of(const Digest &digest)

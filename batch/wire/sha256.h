@@ -30,6 +30,8 @@ private:
 };
 
 Digest sha256_of(std::string_view bytes);
+// Of all that the descriptor has from its start; nothing where it cannot be read.
+std::optional<Digest> digest_of_file(int descriptor);
 
 // 64 hexadecimal digits, lower case.
 std::string hex_of(const Digest &digest);

@@ -13,10 +13,12 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <linux/seccomp.h>
 #include <netinet/in.h>
 #include <sched.h>
 #include <string>
@@ -230,6 +232,10 @@ const Attempt refused[] = {
              return ::syscall(SYS_clone3, arguments, sizeof arguments);
          });
      }},
+    {"change_the_flags_of_all_who_have_a_descriptor",
+     [](const Surroundings &here) -> long {
+         return ::fcntl(here.file_descriptor, F_SETFL, O_NONBLOCK);
+     }},
     {"ask_a_terminal",
      [](const Surroundings &here) -> long {
          int waiting = 0;
@@ -270,6 +276,17 @@ const Attempt deadly[] = {
      [](const Surroundings &) -> long {
          rlimit limit{};
          return ::getrlimit(RLIMIT_NOFILE, &limit) == 0 ? ::setrlimit(RLIMIT_NOFILE, &limit) : -1;
+     }},
+    {"learn_its_parent", [](const Surroundings &) -> long { return ::getppid(); }},
+    {"wait_for_a_time",
+     [](const Surroundings &) -> long {
+         const timespec moment{0, 1};
+         return ::nanosleep(&moment, nullptr);
+     }},
+    {"take_another_filter",
+     [](const Surroundings &) -> long {
+         const uint32_t action = SECCOMP_RET_ALLOW;
+         return ::syscall(SYS_seccomp, SECCOMP_GET_ACTION_AVAIL, 0, &action);
      }},
     {"leave_a_namespace", [](const Surroundings &) -> long { return ::unshare(0); }},
     {"have_its_signals_sent_elsewhere",

@@ -1,9 +1,11 @@
 // Archives of a batch: whole ones of every sort, written by libarchive, and those that were made
 // to do harm or were cut.
+#include "sandbox/shadow_memory.h"
 #include "tests/batch/trusted/batch_folder.h"
 
 #include <archive.h>
 #include <archive_entry.h>
+#include <chrono>
 #include <clocale>
 #include <csignal>
 #include <memory>
@@ -502,6 +504,58 @@ TEST_F(Archives, whose_reader_dies_give_one_error_for_the_rest)
               "a.tar !damaged made its reader end behind its first file\n");
     EXPECT_EQ(line_of(*inputs->next()), "z = 2\n");
     EXPECT_FALSE(inputs->next().has_value());
+}
+
+// The run goes on with the other inputs.
+TEST_F(Archives, whose_reader_makes_no_progress_give_one_error_for_the_rest)
+{
+    const std::string large(1 << 20, 'x');
+    write_archive("a.tar", tar, {{"a", "1"}, {"b", large}, {"c", large}});
+    write("z", "2");
+    pfsdoc::batch::InputOptions options;
+    options.paths = {"a.tar", "z"};
+    options.max_time = std::chrono::milliseconds(200);
+    auto inputs = tests::opened(options);
+    EXPECT_EQ(line_of(*inputs->next()), "a.tar/a = 1\n");
+    ASSERT_EQ(::kill(tests::archive_reader(), SIGSTOP), 0);
+    EXPECT_EQ(line_of(*inputs->next()),
+              "a.tar !limit takes too long to unpack; the rest is not read\n");
+    EXPECT_EQ(tests::archive_reader(), 0);
+    EXPECT_EQ(line_of(*inputs->next()), "z = 2\n");
+    EXPECT_FALSE(inputs->next().has_value());
+}
+
+// A tar archive of one file "a", compressed with a header that asks for a dictionary of 64 MB.
+std::string greedy_archive()
+{
+    constexpr std::string_view digits =
+        "fd377a585a0000016922de36020021011c00000010cf58cce027ff00545d00308033501868898301"
+        "dce26e210546577cd872fefd8ad3c076cb8c01fcba260b65881331956d278e04ebcdbf7aacc0b50f"
+        "3fa31b3c47f10a3f32bd3c17d46e6d098d9d48777af4a8a8a41f8444132cbb1f85270000133d5c18"
+        "00016c8050000000cca488c63e300d8b020000000001595a";
+    std::string bytes;
+    for (std::size_t i = 0; i < digits.size(); i += 2) {
+        bytes.push_back(
+            static_cast<char>(std::stoi(std::string(digits.substr(i, 2)), nullptr, 16)));
+    }
+    return bytes;
+}
+
+TEST_F(Archives, that_need_too_much_memory_are_an_error)
+{
+    if (pfsdoc::sandbox::memory_is_shadowed) {
+        GTEST_SKIP() << "a sanitizer's memory is not limited";
+    }
+    write("a.tar.xz", greedy_archive());
+    write("z", "2");
+    EXPECT_EQ(found({"a.tar.xz", "z"}), "a.tar.xz/a = 1\nz = 2\n");
+    pfsdoc::batch::InputOptions options;
+    options.paths = {"a.tar.xz", "z"};
+    for (const uint64_t megabytes : {0, 20}) {
+        options.max_memory = megabytes << 20;
+        EXPECT_EQ(lines_of(options),
+                  "a.tar.xz !limit needs more memory to unpack than the limit\nz = 2\n");
+    }
 }
 
 TEST_F(Archives, are_read_without_a_sandbox_where_that_is_asked_for)
