@@ -116,17 +116,20 @@ protected:
         EXPECT_TRUE(is_so());
     }
 
-    // Of a run that has begun with a file; 0 where the kernel does not tell.
+    // One that waits for a file or reads one, of a run that has begun; 0 where there is none, or
+    // the kernel does not tell.
     static pid_t first_worker(pid_t run)
     {
-        return first_child(run);
-    }
-    static pid_t first_child(pid_t process)
-    {
-        const std::string name = std::to_string(process);
-        pid_t child = 0;
-        std::ifstream("/proc/" + name + "/task/" + name + "/children") >> child;
-        return child;
+        const std::string name = std::to_string(run);
+        std::ifstream children("/proc/" + name + "/task/" + name + "/children");
+        for (pid_t child = 0; children >> child;) {
+            std::string program;
+            std::getline(std::ifstream("/proc/" + std::to_string(child) + "/comm"), program);
+            if (program == "pfsdoc-worker") {
+                return child;
+            }
+        }
+        return 0;
     }
 
     static constexpr const char *partial = "out/manifest.ndjson.partial";
