@@ -11,7 +11,6 @@ namespace {
 constexpr double shortest_time = 0.001; // seconds
 constexpr double longest_time = 86400;
 // A short line at the right margin takes as many bytes.
-constexpr uint64_t most_columns = 100'000;
 
 // ------------------------------------------- how an option reaches its value ----------
 // A path leads to the value: members of Arguments, and of what is inside it.
@@ -83,7 +82,7 @@ CLI::Option *max_time(CLI::App &app, const OptionEntry &entry, Arguments &argume
 CLI::Option *columns(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
 {
     return value<&Arguments::writer, &WriterOptions::wrap>(app, entry, arguments)
-        ->transform([](const std::string &text) { return whole_number(text, 0, most_columns); });
+        ->transform([](const std::string &text) { return whole_number(text, 0, max_wrap_columns); });
 }
 
 CLI::Option *sandbox(CLI::App &app, const OptionEntry &entry, Arguments &arguments)

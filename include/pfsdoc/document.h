@@ -5,7 +5,7 @@
 // same as without the stop.
 //
 // A Document is used by one thread at a time; documents in different threads share nothing.
-// Memory is bounded by the largest paragraph, and that by max_paragraph_bytes. Errors are
+// Memory is bounded by the largest paragraph, and that by the limits of paragraph.h. Errors are
 // values; nothing is thrown but what a sink throws, and std::bad_alloc. A sink that throws
 // ReadingStopped (reading_stopped.h) ends the reading, which returns its error. Tests:
 // tests/lib/reading/document_test.cpp.

@@ -10,10 +10,14 @@
 #include "pfsdoc/attribute_names.h"
 #include "pfsdoc/events.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace pfsdoc {
@@ -35,9 +39,11 @@ constexpr AttributeSet attribute_bit(AttributeCode code)
     return attribute_bit(static_cast<int32_t>(code));
 }
 
-// Far more than any real paragraph has. A larger one ends reading with ErrorKind::limit.
-inline constexpr std::size_t max_paragraph_bytes = std::size_t{64} << 20;
-inline constexpr std::size_t max_paragraph_pieces = std::size_t{4} << 20;
+// Far more than any real paragraph has, and little enough that no format takes more than 64 MB for
+// one. A larger one ends reading with ErrorKind::limit.
+inline constexpr std::size_t max_paragraph_bytes = std::size_t{8} << 20;
+inline constexpr std::size_t max_paragraph_pieces = std::size_t{512} << 10;
+inline constexpr std::size_t max_paragraph_lines = std::size_t{512} << 10; // with source offsets
 
 enum class PieceKind : uint8_t {
     text,
@@ -59,6 +65,50 @@ struct Piece {
     }
 };
 
+// A list that paragraphs share: copying one copies no stops.
+class TabStops {
+public:
+    TabStops() = default;
+    TabStops(std::vector<TabStop> stops)
+        : stops_(std::make_shared<const std::vector<TabStop>>(std::move(stops)))
+    {
+    }
+    TabStops(std::initializer_list<TabStop> stops) : TabStops(std::vector<TabStop>(stops)) {}
+
+    const TabStop *begin() const
+    {
+        return stops_ != nullptr ? stops_->data() : nullptr;
+    }
+    const TabStop *end() const
+    {
+        return begin() + size();
+    }
+    std::size_t size() const
+    {
+        return stops_ != nullptr ? stops_->size() : 0;
+    }
+    bool empty() const
+    {
+        return size() == 0;
+    }
+    const TabStop &operator[](std::size_t index) const
+    {
+        return (*stops_)[index];
+    }
+    // The very same list, not one with the same stops.
+    bool is_shared_with(const TabStops &other) const
+    {
+        return stops_ == other.stops_;
+    }
+    friend bool operator==(const TabStops &a, const TabStops &b)
+    {
+        return a.is_shared_with(b) || std::equal(a.begin(), a.end(), b.begin(), b.end());
+    }
+
+private:
+    std::shared_ptr<const std::vector<TabStop>> stops_;
+};
+
 struct Paragraph {
     std::string bytes;
     std::vector<Piece> pieces;
@@ -71,7 +121,7 @@ struct Paragraph {
     int32_t alignment = 0;         // VwAlignment
     int32_t line_spacing = 0;      // VW_SINGLE_SPACING or VW_DOUBLE_SPACING, by LineSpacingRule
     Margins margins{};             // twips from the page's left edge; both 0 if none were reported
-    std::vector<TabStop> tab_stops;
+    TabStops tab_stops;
 
     // Byte offsets in the file. Body paragraphs are contiguous: one ends where the next begins,
     // including line ends and rulers. For a header or footer line they enclose its text only.

@@ -10,7 +10,7 @@
 
 namespace pfsdoc {
 
-class PFSDOC_API ReadingStopped final : public std::exception {
+class PFSDOC_API ReadingStopped : public std::exception {
 public:
     explicit ReadingStopped(Error error) : error_(std::move(error)) {}
 

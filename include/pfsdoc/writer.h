@@ -72,13 +72,18 @@ constexpr OptionSet operator|(WriterOption one, WriterOption other)
     return OptionSet(one) | OptionSet(other);
 }
 
+// Four times the widest page. A centred word is written behind half as many spaces, so a greater
+// width would make a large output of a small document. A greater value counts as this one.
+inline constexpr uint32_t max_wrap_columns = 1000;
+
 // Each option is read by the formats that list it, and ignored by the others.
 struct WriterOptions {
     const CodePage *code_page = &CodePage::ibm437(); // outlives the writer
     bool page_breaks = true;
     bool headers = true;   // header and footer lines too
     bool commands = false; // show the commands embedded in the text
-    // Line width in columns; 0: one line per paragraph; unset: the document's own margins.
+    // Line width in columns, max_wrap_columns at most; 0: one line per paragraph; unset: the
+    // document's own margins.
     std::optional<uint32_t> wrap;
     bool raw_lines = false; // keep the line ends of the file
     bool lines = false;     // one JSON object per line

@@ -33,9 +33,8 @@ void append_escaped(std::string &json, char byte)
 
 } // namespace
 
-void append_json_string(std::string &json, std::string_view utf8)
+void append_json_characters(std::string &json, std::string_view utf8)
 {
-    json.push_back('"');
     const char *at = utf8.data();
     const char *const end = at + utf8.size();
     while (at != end) {
@@ -46,6 +45,12 @@ void append_json_string(std::string &json, std::string_view utf8)
             append_escaped(json, *at++);
         }
     }
+}
+
+void append_json_string(std::string &json, std::string_view utf8)
+{
+    json.push_back('"');
+    append_json_characters(json, utf8);
     json.push_back('"');
 }
 

@@ -10,6 +10,9 @@
 
 namespace pfsdoc::base {
 
+// Appends what stands between a string's quotes, or a part of it.
+void append_json_characters(std::string &json, std::string_view utf8);
+
 // Appends a string in its quotes. The text must be UTF-8; it may hold any character.
 void append_json_string(std::string &json, std::string_view utf8);
 

@@ -20,12 +20,13 @@ Utf8Output::Utf8Output(Output &output, const CodePage &code_page)
 
 void Utf8Output::spaces(std::size_t count)
 {
-    if (count == 0) {
-        return;
+    while (count != 0) {
+        before_writing();
+        line_open_ = true;
+        const std::size_t written = std::min(count, stretch_size);
+        buffer_.append(written, ' ');
+        count -= written;
     }
-    before_writing();
-    line_open_ = true;
-    buffer_.append(count, ' ');
 }
 
 void Utf8Output::text(std::string_view bytes)
@@ -41,12 +42,13 @@ void Utf8Output::text(std::string_view bytes)
 
 void Utf8Output::utf8(std::string_view encoded)
 {
-    if (encoded.empty()) {
-        return;
+    while (!encoded.empty()) {
+        before_writing();
+        const std::size_t count = std::min(encoded.size(), stretch_size);
+        line_open_ = encoded[count - 1] != '\n';
+        buffer_.append(encoded.substr(0, count));
+        encoded.remove_prefix(count);
     }
-    before_writing();
-    line_open_ = encoded.back() != '\n';
-    buffer_.append(encoded);
 }
 
 void Utf8Output::line_end()

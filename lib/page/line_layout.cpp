@@ -43,19 +43,6 @@ std::size_t complete_words(std::string_view bytes)
     return end;
 }
 
-bool is_before(const TabColumn &a, const TabColumn &b)
-{
-    return a.column < b.column;
-}
-
-// Of two stops in one column the first counts, so it stays before the other.
-void sort_by_column(std::vector<TabColumn> &stops)
-{
-    if (!std::is_sorted(stops.begin(), stops.end(), is_before)) {
-        std::stable_sort(stops.begin(), stops.end(), is_before);
-    }
-}
-
 // Whether the bytes are those that follow `distance` bytes behind the others in memory.
 bool continues(std::string_view others, std::size_t distance, std::string_view bytes)
 {
@@ -70,10 +57,9 @@ void extend(std::string_view &bytes, std::size_t count)
 
 } // namespace
 
-void LineLayout::begin(LineGeometry geometry)
+void LineLayout::begin(const LineGeometry &geometry)
 {
-    geometry_ = std::move(geometry);
-    sort_by_column(geometry_.tab_stops);
+    geometry_ = geometry;
     line_written_ = false;
     skip_spaces_ = false;
     word_.clear();
@@ -286,7 +272,7 @@ void LineLayout::tab()
     const TabColumn stop = next_tab_stop(at);
     skip_spaces_ = stop.column >= geometry_.width;
     const std::size_t end = std::max(at, std::min(stop.column, geometry_.width));
-    gaps_.push_back({static_cast<uint16_t>(end - at), skip_spaces_ || stop.decimal});
+    add_gap(end - at, skip_spaces_ || stop.decimal);
     tab_since_text_ = true;
     if (stop.column >= geometry_.width) {
         write_line();
@@ -299,9 +285,19 @@ void LineLayout::tab()
     }
 }
 
+void LineLayout::add_gap(std::size_t columns, bool takes_spaces)
+{
+    if (tab_gaps_ == TabGaps::wanted) {
+        gaps_.push_back({static_cast<uint16_t>(columns), takes_spaces});
+    }
+}
+
 // The line still ends at the tab.
 void LineLayout::set_last_gap(std::size_t end)
 {
+    if (tab_gaps_ == TabGaps::not_wanted) {
+        return;
+    }
     end = std::clamp(end, column_, std::max(column_, geometry_.width));
     gaps_.back().columns = static_cast<uint16_t>(end - column_);
 }
@@ -319,12 +315,17 @@ void LineLayout::hand_on_gaps()
     gaps_.clear();
 }
 
+// Of two stops in one column the first counts. There are few, so they are in no order.
 TabColumn LineLayout::next_tab_stop(std::size_t column) const
 {
-    const auto next = std::upper_bound(geometry_.tab_stops.begin(), geometry_.tab_stops.end(),
-                                       TabColumn{column, false}, is_before);
-    if (next != geometry_.tab_stops.end() && next->column < geometry_.width) {
-        return *next;
+    TabColumn next{geometry_.width, false};
+    for (const TabColumn &stop : geometry_.tab_stops) {
+        if (stop.column > column && stop.column < next.column) {
+            next = stop;
+        }
+    }
+    if (next.column < geometry_.width) {
+        return next;
     }
     return {(column / fallback_tab_columns + 1) * fallback_tab_columns, false};
 }

@@ -74,14 +74,21 @@ public:
     virtual void tab_gap(const TabGap &gap) = 0;
 };
 
+// Whether a sink is to be given them. Those of a line are held, and a line without a right margin
+// may have any number.
+enum class TabGaps { not_wanted, wanted };
+
 class LineLayout {
 public:
     static constexpr std::size_t fallback_tab_columns = 8;
 
     // The sink must outlive it.
-    explicit LineLayout(LineSink &sink) : sink_(sink) {}
+    explicit LineLayout(LineSink &sink, TabGaps tab_gaps = TabGaps::wanted)
+        : sink_(sink), tab_gaps_(tab_gaps)
+    {
+    }
 
-    void begin(LineGeometry geometry);
+    void begin(const LineGeometry &geometry);
     // The bytes must stay where they are until the paragraph has ended.
     void text(std::string_view bytes);
     // Ends the line if there is anything on it. What follows is a line of its own, without
@@ -109,6 +116,7 @@ private:
     void put(std::size_t column, std::string_view bytes);
     void add_spaces(std::size_t count);
     void tab();
+    void add_gap(std::size_t columns, bool takes_spaces);
     void set_last_gap(std::size_t end);
     void drop_tabs_of_line();
     void hand_on_gaps();
@@ -120,7 +128,8 @@ private:
     std::size_t alignment_spaces() const;
 
     LineSink &sink_;
-    LineGeometry geometry_;     // its tab stops in order
+    TabGaps tab_gaps_;
+    LineGeometry geometry_;
     bool line_written_ = false; // of this paragraph
 
     std::size_t column_ = 0;      // that the line has reached, from the left margin

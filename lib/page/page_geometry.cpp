@@ -34,6 +34,36 @@ std::size_t indent_columns(int32_t twips, int32_t width)
     return static_cast<std::size_t>(std::clamp(twips / VW_TWIPS_PER_COLUMN, 0, width - 1));
 }
 
+// All but the tab stops.
+void set_columns(LineGeometry &geometry, const Paragraph &paragraph, const PageColumns &page)
+{
+    const int32_t width = page.width();
+    geometry.left_margin = static_cast<std::size_t>(page.left);
+    geometry.width = static_cast<std::size_t>(width);
+    geometry.first_line_indent = indent_columns(paragraph.first_line_indent, width);
+    geometry.indent = indent_columns(paragraph.left_indent, width);
+    geometry.alignment = line_alignment(paragraph);
+    if (geometry.alignment != LineAlignment::left) {
+        geometry.first_line_indent = geometry.indent = 0;
+    }
+}
+
+// The stops that are between the margins, in their order.
+std::vector<TabColumn> tab_columns(const TabStops &stops, const PageColumns &page)
+{
+    std::vector<TabColumn> columns;
+    columns.reserve(stops.size());
+    const auto left = static_cast<uint32_t>(page.left);
+    const auto right = static_cast<uint32_t>(page.right);
+    for (const TabStop &stop : stops) {
+        const uint32_t column = stop.position / VW_TWIPS_PER_COLUMN;
+        if (column > left && column <= right) {
+            columns.push_back({column - left, stop.kind == VW_TAB_DECIMAL});
+        }
+    }
+    return columns;
+}
+
 } // namespace
 
 PageColumns page_columns(const Margins &margins)
@@ -54,39 +84,17 @@ LineAlignment line_alignment(const Paragraph &paragraph)
     }
 }
 
-std::vector<TabColumn> tab_columns(const Paragraph &paragraph)
+LineGeometry &LineGeometries::of(const Paragraph &paragraph)
 {
     const PageColumns page = page_columns(paragraph.margins);
-    std::vector<TabColumn> columns;
-    columns.reserve(paragraph.tab_stops.size());
-    const auto left = static_cast<uint32_t>(page.left);
-    const auto right = static_cast<uint32_t>(page.right);
-    for (const TabStop &stop : paragraph.tab_stops) {
-        const uint32_t column = stop.position / VW_TWIPS_PER_COLUMN;
-        if (column > left && column <= right) {
-            columns.push_back({column - left, stop.kind == VW_TAB_DECIMAL});
-        }
+    set_columns(geometry_, paragraph, page);
+    if (!tab_stops_.is_shared_with(paragraph.tab_stops) || page_ != page) {
+        geometry_.tab_stops = tab_columns(paragraph.tab_stops, page);
+        tab_stops_ = paragraph.tab_stops;
+        page_ = page;
+        ++tab_stop_changes_;
     }
-    return columns;
-}
-
-LineGeometry line_geometry(const Paragraph &paragraph)
-{
-    const PageColumns page = page_columns(paragraph.margins);
-    const int32_t width = page.width();
-    LineGeometry geometry;
-    geometry.left_margin = static_cast<std::size_t>(page.left);
-    geometry.width = static_cast<std::size_t>(width);
-    geometry.first_line_indent = indent_columns(paragraph.first_line_indent, width);
-    geometry.indent = indent_columns(paragraph.left_indent, width);
-    if (paragraph.bytes.find(tab_byte) != std::string::npos) {
-        geometry.tab_stops = tab_columns(paragraph);
-    }
-    geometry.alignment = line_alignment(paragraph);
-    if (geometry.alignment != LineAlignment::left) {
-        geometry.first_line_indent = geometry.indent = 0;
-    }
-    return geometry;
+    return geometry_;
 }
 
 } // namespace pfsdoc::page

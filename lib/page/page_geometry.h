@@ -5,7 +5,7 @@
 //               widest_page_columns) count as the ones that new documents start with
 //   indents     leave at least one column of the line; centred and right-aligned paragraphs
 //               have none
-//   tab stops   only where the paragraph has a tab
+//   tab stops   those between the margins
 //   alignment   as reported, unless a centre or right-align command stands in front of the
 //               paragraph's text
 #pragma once
@@ -38,9 +38,24 @@ struct PageColumns {
 
 PageColumns page_columns(const Margins &margins);
 LineAlignment line_alignment(const Paragraph &paragraph);
-// The paragraph's tab stops that are between its margins, in their order.
-std::vector<TabColumn> tab_columns(const Paragraph &paragraph);
-// Tab stops only where the paragraph has a tab: lines without one need none.
-LineGeometry line_geometry(const Paragraph &paragraph);
+
+// The lines of one paragraph after the other. Most paragraphs share their tab stops with the one
+// before, so only where these or the margins change are they converted.
+class LineGeometries {
+public:
+    // Valid until the next call. The caller may change all but the tab stops.
+    LineGeometry &of(const Paragraph &paragraph);
+    // How often the tab stops have changed so far.
+    uint64_t tab_stop_changes() const
+    {
+        return tab_stop_changes_;
+    }
+
+private:
+    LineGeometry geometry_;
+    TabStops tab_stops_; // that its own were made from,
+    PageColumns page_;   // with these margins
+    uint64_t tab_stop_changes_ = 0;
+};
 
 } // namespace pfsdoc::page

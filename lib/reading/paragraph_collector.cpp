@@ -1,8 +1,8 @@
 #include "lib/reading/paragraph_collector.h"
 
-#include "pfsdoc/reading_stopped.h"
 #include "vs_pfs.h"
 
+#include <utility>
 #include <variant>
 
 namespace pfsdoc::reading {
@@ -34,6 +34,12 @@ std::string_view line_end_bytes(DocumentKind kind)
 }
 
 } // namespace
+
+ParagraphTooLarge::ParagraphTooLarge(std::optional<uint64_t> offset)
+    : ReadingStopped({ErrorKind::limit, "has a paragraph that is too large to hold in memory",
+                      "read it with pfsdoc trace", offset})
+{
+}
 
 LineSpacingRule line_spacing_rule(DocumentKind kind)
 {
@@ -126,6 +132,9 @@ void ParagraphCollector::note_character()
         window_ && last_character_ < offset_ && !paragraph_.bytes.empty() &&
         line_ends_.find(static_cast<char>(window_->at(last_character_))) != std::string_view::npos;
     if (is_next_line) {
+        if (paragraph_.line_starts.size() == max_paragraph_lines) {
+            stop_at_limit();
+        }
         paragraph_.line_starts.push_back(paragraph_.bytes.size());
     }
     last_character_ = offset_;
@@ -197,12 +206,7 @@ void ParagraphCollector::add_piece(PieceKind kind)
 
 void ParagraphCollector::stop_at_limit() const
 {
-    Error error{ErrorKind::limit, "has a paragraph that is too large to hold in memory",
-                "read it with pfsdoc trace"};
-    if (offset_ != 0) {
-        error.offset = offset_;
-    }
-    throw ReadingStopped(error);
+    throw ParagraphTooLarge(offset_ != 0 ? std::optional<uint64_t>(offset_) : std::nullopt);
 }
 
 // ------------------------------------------------------- what is reported of text -----
@@ -294,7 +298,9 @@ void ParagraphCollector::begin_paragraph()
 {
     if (!paragraph_in_progress_) {
         paragraph_in_progress_ = true;
-        paragraph_.tab_stops = tab_stops_;
+        if (!paragraph_.tab_stops.is_shared_with(tab_stops_)) {
+            paragraph_.tab_stops = tab_stops_;
+        }
     }
 }
 

@@ -1,6 +1,6 @@
 // Turns the event stream into blocks, one at a time: memory is bounded by the largest
-// paragraph, never by the document. A paragraph beyond max_paragraph_bytes or
-// max_paragraph_pieces ends the reading.
+// paragraph, never by the document. A paragraph beyond max_paragraph_bytes,
+// max_paragraph_pieces or max_paragraph_lines ends the reading.
 //
 // The stream reports a paragraph in pieces and late: characters first, then the indents,
 // then the break. So the collector holds one paragraph until its break, completes it with
@@ -25,6 +25,7 @@
 #include "pfsdoc/events.h"
 #include "pfsdoc/identify.h"
 #include "pfsdoc/paragraph.h"
+#include "pfsdoc/reading_stopped.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -52,9 +53,16 @@ struct CollectorContext {
     int32_t alignment = 0;
     int32_t line_spacing = 0;
     Margins margins{};
-    std::vector<TabStop> tab_stops;
+    TabStops tab_stops;
     std::optional<BlockKind> block; // that is open
     uint32_t offset_before = 0;     // the last one that differed from where they meet
+};
+
+// What ends the reading then. Where events come without offsets it has none either: whoever knows
+// the position adds it.
+class ParagraphTooLarge final : public ReadingStopped {
+public:
+    explicit ParagraphTooLarge(std::optional<uint64_t> offset);
 };
 
 class ParagraphCollector final : public EventSink {
@@ -125,7 +133,7 @@ private:
     int32_t line_spacing_;
     Margins margins_{};
     Indents indents_{};
-    std::vector<TabStop> tab_stops_;
+    TabStops tab_stops_;
     std::vector<TabStop> coming_tab_stops_;
 
     Paragraph paragraph_;

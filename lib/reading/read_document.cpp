@@ -49,6 +49,7 @@ Result<uint32_t> read_following_margins(const Module &module, ByteSource &source
     MarginStops stops(stitcher, record_source, session);
     session.section(sink);
     session.read(stops);
+    session.ignore_tab_stops(); // each read announces them again
     while (!session.ended()) {
         stitcher.resume();
         session.read(stops);

@@ -16,7 +16,8 @@ const Break *as_break(const Event &event, VwBreak code)
 
 bool is_announced_reset(const Event &event)
 {
-    return event == Event(Indents{0, 0, 0});
+    const auto *indents = std::get_if<Indents>(&event);
+    return indents != nullptr && *indents == Indents{0, 0, 0};
 }
 
 // A report for a paragraph, as against a reset: a paragraph without indents reports none.
@@ -27,7 +28,8 @@ bool is_indents_report(const Event &event)
 
 bool is_announced_alignment(const Event &event)
 {
-    return event == Event(Alignment{VW_ALIGN_LEFT});
+    const auto *alignment = std::get_if<Alignment>(&event);
+    return alignment != nullptr && alignment->value == VW_ALIGN_LEFT;
 }
 
 // A block is closed by turning its attributes off, if any are on, and its break.

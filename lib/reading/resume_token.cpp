@@ -86,7 +86,7 @@ Margins margins_of(const json &value)
     return {number<int32_t>(value.at(0)), number<int32_t>(value.at(1))};
 }
 
-json tab_stops_json(const std::vector<TabStop> &stops)
+json tab_stops_json(const TabStops &stops)
 {
     json list = json::array();
     for (const TabStop &stop : stops) {

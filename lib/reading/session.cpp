@@ -1,5 +1,7 @@
 #include "lib/reading/session.h"
 
+#include "lib/reading/paragraph_collector.h"
+
 #include <cstring>
 #include <utility>
 
@@ -161,6 +163,13 @@ bool Session::open(int32_t file_id)
     return opened;
 }
 
+void Session::ignore_tab_stops()
+{
+    for (const VwOutputId id : {VW_SO_TAB_STOPS_BEGIN, VW_SO_TAB_STOP, VW_SO_TAB_STOPS_END}) {
+        module_.entries().set_so_rtn(id, nullptr, instance_);
+    }
+}
+
 template <typename Call> void Session::run(EventSink &sink, Call call)
 {
     sink_ = &sink;
@@ -192,11 +201,14 @@ template <typename Call> int32_t Session::guarded(Call call)
     try {
         deliver_held();
         return call();
+    } catch (const ParagraphTooLarge &stopped) {
+        const std::optional<uint64_t> offset = stopped.error().offset;
+        failure_ = std::make_exception_ptr(ParagraphTooLarge(offset.value_or(tell())));
     } catch (...) {
         failure_ = std::current_exception();
-        held_count_ = none_is_held;
-        return stop;
     }
+    held_count_ = none_is_held;
+    return stop;
 }
 
 void Session::deliver_held()

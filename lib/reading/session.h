@@ -61,6 +61,10 @@ public:
     std::array<uint8_t, VW_SAVED_STATE_SIZE> save() const;
     void restore(const std::array<uint8_t, VW_SAVED_STATE_SIZE> &state);
 
+    // From here on tab stops that a read announces are not delivered: for a kind whose text changes
+    // none, after its first read.
+    void ignore_tab_stops();
+
     // save and tell, restore and seek: to be done together.
     Checkpoint checkpoint() const
     {

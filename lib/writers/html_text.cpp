@@ -4,6 +4,7 @@
 #include "pfsdoc/attribute_names.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace pfsdoc::writers {
 
@@ -130,8 +131,8 @@ HtmlText::HtmlText(base::Utf8Output &output, const CodePage &code_page) : output
     }
 }
 
-void HtmlText::write(const ShownText &text, const std::vector<page::TabGap> &tabs,
-                     bool outer_blanks_shown, std::size_t line_columns)
+void HtmlText::write(const ShownText &text, TabWidths &tabs, bool outer_blanks_shown,
+                     std::size_t line_columns)
 {
     text_ = &text;
     line_columns_ = line_columns;
@@ -157,15 +158,14 @@ HtmlText::Range HtmlText::visible_range(bool outer_blanks_shown) const
     return range;
 }
 
-void HtmlText::write_visible(const Range &range, const std::vector<page::TabGap> &tabs)
+void HtmlText::write_visible(const Range &range, TabWidths &tabs)
 {
     std::size_t at = range.begin;
-    std::size_t tab = 0;
     while (at < range.end) {
         const std::size_t stop = std::min(next_stop(at), range.end);
         if (stop == range.end || byte_class(stop) == ByteClass::tab) {
             write_plain({at, stop});
-            at = stop == range.end ? stop : write_tab({stop, range.end}, tabs.at(tab++));
+            at = stop == range.end ? stop : write_tab({stop, range.end}, tabs.next(stop));
         } else {
             const Range word = word_around(stop, at);
             write_plain({at, word.begin});
@@ -292,11 +292,13 @@ std::size_t HtmlText::write_tab(const Range &range, const page::TabGap &gap)
         ++end;
     }
     go_to(range.begin);
-    output_.utf8("<span class=\"tab\" style=\"--w:");
-    output_.utf8(std::to_string(gap.columns));
-    output_.utf8("\">\t");
-    output_.text(text_->bytes().substr(range.begin + 1, end - range.begin - 1));
-    output_.utf8("</span>");
+    tags_.assign("<span class=\"tab\" style=\"--w:");
+    tags_.append(std::to_string(gap.columns)).append("\">\t");
+    if (const std::size_t blanks = end - range.begin - 1; blanks != 0) {
+        output_.utf8(std::exchange(tags_, {}));
+        output_.text(text_->bytes().substr(range.begin + 1, blanks));
+    }
+    output_.utf8(tags_.append("</span>"));
     return end;
 }
 
@@ -351,16 +353,18 @@ void HtmlText::set_elements(uint8_t wanted)
     while ((changes >> first & 1U) == 0) {
         ++first;
     }
+    tags_.clear();
     for (std::size_t i = elements.size(); i > first; --i) {
         if ((open_elements_ >> (i - 1) & 1) != 0) {
-            output_.utf8(elements[i - 1].end);
+            tags_.append(elements[i - 1].end);
         }
     }
     for (std::size_t i = first; i < elements.size(); ++i) {
         if ((wanted >> i & 1) != 0) {
-            output_.utf8(elements[i].begin);
+            tags_.append(elements[i].begin);
         }
     }
+    output_.utf8(tags_);
     open_elements_ = wanted;
 }
 

@@ -66,15 +66,23 @@ private:
     std::vector<Run> runs_;
 };
 
+// The widths of a text's tabs, one after the other.
+class TabWidths {
+public:
+    virtual ~TabWidths() = default;
+    // Of the next tab, which is at this position.
+    virtual page::TabGap next(std::size_t at) = 0;
+};
+
 class HtmlText {
 public:
     // The output must outlive it.
     HtmlText(base::Utf8Output &output, const CodePage &code_page);
 
-    // `tabs` has one gap for each tab. `outer_blanks_shown` is false where blanks before the
-    // text and behind it have no width. A word of more columns than a line has may be broken.
-    void write(const ShownText &text, const std::vector<page::TabGap> &tabs,
-               bool outer_blanks_shown, std::size_t line_columns);
+    // `outer_blanks_shown` is false where blanks before the text and behind it have no width. A
+    // word of more columns than a line has may be broken.
+    void write(const ShownText &text, TabWidths &tabs, bool outer_blanks_shown,
+               std::size_t line_columns);
 
 private:
     // What a byte is for the line breaking of browsers.
@@ -105,7 +113,7 @@ private:
     std::size_t next_stop(std::size_t at) const;
     Range word_around(std::size_t at, std::size_t written) const;
     bool may_be_broken(const Range &word) const;
-    void write_visible(const Range &range, const std::vector<page::TabGap> &tabs);
+    void write_visible(const Range &range, TabWidths &tabs);
     void write_word(const Range &word);
     std::size_t write_tab(const Range &range, const page::TabGap &gap);
     void write_hidden(const Range &blanks);
@@ -124,6 +132,7 @@ private:
     std::size_t run_ = 0;
     uint8_t open_elements_ = 0; // bit n stands for entry n of the table of elements
     bool in_word_ = false;
+    std::string tags_; // of one call
 };
 
 } // namespace pfsdoc::writers

@@ -70,31 +70,84 @@ private:
     std::string text_;
 };
 
-std::string class_attribute(page::LineAlignment alignment, bool is_double_spaced)
+void append_class(std::string &tag, page::LineAlignment alignment, bool is_double_spaced)
 {
-    std::string names;
+    std::string_view name;
     switch (alignment) {
     case page::LineAlignment::left: break;
-    case page::LineAlignment::centre: names = "center"; break;
-    case page::LineAlignment::right: names = "right"; break;
+    case page::LineAlignment::centre: name = "center"; break;
+    case page::LineAlignment::right: name = "right"; break;
     }
-    if (is_double_spaced) {
-        names.append(names.empty() ? "double" : " double");
+    if (!name.empty() || is_double_spaced) {
+        tag.append(" class=\"").append(name);
+        tag.append(is_double_spaced && !name.empty() ? " " : "");
+        tag.append(is_double_spaced ? "double\"" : "\"");
     }
-    return names.empty() ? names : " class=\"" + names + "\"";
 }
 
-// A browser lays out the lines itself: of ours only the tab gaps are wanted.
-class TabGaps final : public page::LineSink {
+// A browser lays out the lines itself: of ours only the tab gaps are wanted. They are made as they
+// are asked for, since a text may have more than can be held.
+class LaidOutTabs final : public TabWidths, private page::LineSink {
 public:
+    // The text, which must stay where it is, and whether lines of its paragraph come before it.
+    void begin(std::string_view bytes, const page::LineGeometry &geometry, bool continues)
+    {
+        if (bytes.find(page::tab_byte) == std::string_view::npos) {
+            return;
+        }
+        layout_.begin(geometry);
+        rest_ = bytes;
+        gaps_.clear();
+        next_ = 0;
+        first_word_ = 0;
+        last_word_ = bytes.size();
+        if (continues) {
+            layout_.end_line(); // which leaves out the blanks that come next
+        }
+        if (geometry.alignment != page::LineAlignment::left) {
+            first_word_ = bytes.find_first_not_of(page::gap_bytes); // npos: no words
+            last_word_ = bytes.find_last_not_of(page::gap_bytes);
+        }
+    }
+
+    // Those before and behind all words of a line that is not left-aligned are nothing: blanks
+    // there do not count for alignment.
+    page::TabGap next(std::size_t at) override
+    {
+        while (next_ == gaps_.size() && !rest_.empty()) {
+            lay_out_more();
+        }
+        const page::TabGap gap = gaps_.at(next_++);
+        return at < first_word_ || at > last_word_ ? page::TabGap{0, true} : gap;
+    }
+
+private:
+    static constexpr std::size_t stretch_size = 4096;
+
+    void lay_out_more()
+    {
+        gaps_.clear();
+        next_ = 0;
+        const std::string_view stretch = rest_.substr(0, stretch_size);
+        layout_.text(stretch);
+        rest_.remove_prefix(stretch.size());
+        if (rest_.empty()) {
+            layout_.end(false);
+        }
+    }
     void text(std::size_t, std::string_view) override {}
     void line_end() override {}
     void tab_gap(const page::TabGap &gap) override
     {
-        gaps.push_back(gap);
+        gaps_.push_back(gap);
     }
 
-    std::vector<page::TabGap> gaps;
+    page::LineLayout layout_{*this};
+    std::string_view rest_;
+    std::vector<page::TabGap> gaps_; // of the stretch that was laid out last
+    std::size_t next_ = 0;
+    std::size_t first_word_ = 0;
+    std::size_t last_word_ = 0;
 };
 
 class HtmlWriter final : public Writer {
@@ -123,17 +176,14 @@ private:
     void write_paragraph(const Paragraph &paragraph);
     void show_piece(const Paragraph &paragraph, std::size_t index);
     void write_part(const Paragraph &paragraph, const page::LineGeometry &geometry);
-    void lay_out_tabs(const page::LineGeometry &geometry);
-    void hide_outer_tabs();
 
     WriterOptions options_;
     DocumentInfo info_;
     base::Utf8Output html_;
     HtmlText text_;
 
-    TabGaps tabs_;
-    page::LineLayout layout_{tabs_};
-
+    page::LineGeometries geometries_;
+    LaidOutTabs tabs_;
     page::RunningLines running_lines_{page::usual_running_lines};
     uint64_t page_breaks_before_body_ = 0;
     bool page_begun_ = false;
@@ -142,6 +192,7 @@ private:
     ShownText shown_; // of the part of a paragraph that is at hand
     bool part_continues_ = false;
     bool has_only_text_ = false; // the paragraph
+    std::string tag_;            // of one call
 };
 
 // ------------------------------------------------------------------------- blocks -----
@@ -272,7 +323,7 @@ std::size_t HtmlWriter::running_rows(const std::vector<Paragraph> &lines)
 void HtmlWriter::write_paragraph(const Paragraph &paragraph)
 {
     add_common_losses(paragraph, options_);
-    page::LineGeometry geometry = page::line_geometry(paragraph);
+    page::LineGeometry &geometry = geometries_.of(paragraph);
     part_continues_ = false;
     has_only_text_ = page::is_text_only(paragraph);
     shown_.clear();
@@ -313,48 +364,16 @@ void HtmlWriter::write_part(const Paragraph &paragraph, const page::LineGeometry
     style.add_unless(0, "--i", geometry.indent);
     style.add_unless(0, "--f", geometry.first_line_indent);
     const bool is_double_spaced = paragraph.line_spacing == VW_DOUBLE_SPACING;
-    html_.utf8("<p" + class_attribute(geometry.alignment, is_double_spaced) + style.take() + ">");
-    if (shown_.bytes().empty()) {
-        html_.utf8("<br>");
-    } else {
-        lay_out_tabs(geometry);
-        text_.write(shown_, tabs_.gaps,
+    tag_.assign("<p");
+    append_class(tag_, geometry.alignment, is_double_spaced);
+    html_.utf8(tag_.append(style.take()).append(shown_.bytes().empty() ? "><br>" : ">"));
+    if (!shown_.bytes().empty()) {
+        tabs_.begin(shown_.bytes(), geometry, part_continues_);
+        text_.write(shown_, tabs_,
                     geometry.alignment == page::LineAlignment::left && !part_continues_,
                     geometry.width);
     }
     html_.utf8("</p>\n");
-}
-
-void HtmlWriter::lay_out_tabs(const page::LineGeometry &geometry)
-{
-    tabs_.gaps.clear();
-    if (shown_.bytes().find(page::tab_byte) != std::string_view::npos) {
-        layout_.begin(geometry);
-        if (part_continues_) {
-            layout_.end_line(); // which leaves out the blanks that come next
-        }
-        layout_.text(shown_.bytes());
-        layout_.end(false);
-        if (geometry.alignment != page::LineAlignment::left) {
-            hide_outer_tabs();
-        }
-    }
-}
-
-// Those before and behind all words: blanks there do not count for alignment, nor do these.
-void HtmlWriter::hide_outer_tabs()
-{
-    const std::string_view bytes = shown_.bytes();
-    const std::size_t first = bytes.find_first_not_of(page::gap_bytes); // npos: no words
-    const std::size_t last = bytes.find_last_not_of(page::gap_bytes);
-    std::size_t tab = 0;
-    for (std::size_t at = bytes.find(page::tab_byte); at < bytes.size();
-         at = bytes.find(page::tab_byte, at + 1)) {
-        if (at < first || at > last) {
-            tabs_.gaps[tab] = {0, true};
-        }
-        ++tab;
-    }
 }
 
 // ------------------------------------------------------------------------ format ------

@@ -18,6 +18,8 @@ constexpr std::string_view footer_type = "footer";
 
 // Large enough that a write is worth its cost.
 constexpr std::size_t chunk_size = 65536;
+// Bytes converted between two looks at the buffer's size.
+constexpr std::size_t stretch_size = 4096;
 
 // An item of a list that was begun with '['.
 void append_separator(std::string &json)
@@ -50,6 +52,20 @@ void append_attributes(std::string &json, AttributeSet attributes)
         const std::string_view name = attribute_name(code);
         base::append_json_string(json,
                                  name.empty() ? "code " + std::to_string(code) : std::string(name));
+    }
+    json.push_back(']');
+}
+
+// Numbers in two lists, behind another member: each paragraph has them, and there may be thirty.
+void append_tab_stops(std::string &json, const TabStops &stops, std::string_view name,
+                      VwTabKind kind)
+{
+    json.append(",\"").append(name).append("\":[");
+    for (const TabStop &stop : stops) {
+        if ((stop.kind == VW_TAB_DECIMAL) == (kind == VW_TAB_DECIMAL)) {
+            append_separator(json);
+            json.append(std::to_string(stop.position));
+        }
     }
     json.push_back(']');
 }
@@ -146,22 +162,13 @@ void JsonWriter::append_layout(const Paragraph &paragraph)
     base::append_json_member(json_, "line_spacing", paragraph.line_spacing);
     base::append_json_member(json_, "left_margin", paragraph.margins.left);
     base::append_json_member(json_, "right_margin", paragraph.margins.right);
-    append_tab_stops(paragraph, "tab_stops", VW_TAB_LEFT);
-    append_tab_stops(paragraph, "decimal_tab_stops", VW_TAB_DECIMAL);
-}
-
-// Numbers in two lists: each paragraph has them, and there may be thirty.
-void JsonWriter::append_tab_stops(const Paragraph &paragraph, std::string_view name, VwTabKind kind)
-{
-    base::append_json_name(json_, name);
-    json_.push_back('[');
-    for (const TabStop &stop : paragraph.tab_stops) {
-        if ((stop.kind == VW_TAB_DECIMAL) == (kind == VW_TAB_DECIMAL)) {
-            append_separator(json_);
-            json_.append(std::to_string(stop.position));
-        }
+    if (!tab_stops_.is_shared_with(paragraph.tab_stops) || tab_stops_json_.empty()) {
+        tab_stops_ = paragraph.tab_stops;
+        tab_stops_json_.clear();
+        append_tab_stops(tab_stops_json_, tab_stops_, "tab_stops", VW_TAB_LEFT);
+        append_tab_stops(tab_stops_json_, tab_stops_, "decimal_tab_stops", VW_TAB_DECIMAL);
     }
-    json_.push_back(']');
+    json_.append(tab_stops_json_);
 }
 
 // ---------------------------------------------------------------------- runs ----------
@@ -190,19 +197,28 @@ void JsonWriter::append_run(const Paragraph &paragraph, std::size_t index)
     json_.push_back('}');
 }
 
+// A stretch at a time.
 void JsonWriter::append_text(std::string_view bytes)
 {
-    utf8_.clear();
+    base::append_json_name(json_, "text");
+    json_.push_back('"');
     while (!bytes.empty()) {
-        const std::string_view characters = bytes.substr(0, bytes.find(page::tab_byte));
-        options_.code_page->append_utf8(utf8_, characters);
-        bytes.remove_prefix(characters.size());
-        if (!bytes.empty()) {
-            utf8_.push_back(page::tab_byte);
-            bytes.remove_prefix(1);
+        std::string_view stretch = bytes.substr(0, stretch_size);
+        bytes.remove_prefix(stretch.size());
+        utf8_.clear();
+        while (!stretch.empty()) {
+            const std::string_view characters = stretch.substr(0, stretch.find(page::tab_byte));
+            options_.code_page->append_utf8(utf8_, characters);
+            stretch.remove_prefix(characters.size());
+            if (!stretch.empty()) {
+                utf8_.push_back(page::tab_byte);
+                stretch.remove_prefix(1);
+            }
         }
+        base::append_json_characters(json_, utf8_);
+        hand_on();
     }
-    base::append_json_member(json_, "text", utf8_);
+    json_.push_back('"');
 }
 
 // ----------------------------------------------------------------------- end ----------

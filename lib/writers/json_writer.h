@@ -53,7 +53,6 @@ private:
     void end_block();
     void append_document(const DocumentInfo &info);
     void append_layout(const Paragraph &paragraph);
-    void append_tab_stops(const Paragraph &paragraph, std::string_view name, VwTabKind kind);
     void append_run(const Paragraph &paragraph, std::size_t index);
     void append_text(std::string_view bytes);
     void append_losses();
@@ -65,7 +64,9 @@ private:
     std::string_view paragraph_type_;
     uint64_t blocks_ = 0;
     std::string json_; // not handed on yet
-    std::string utf8_; // of one run
+    TabStops tab_stops_;
+    std::string tab_stops_json_; // these, as each paragraph has them
+    std::string utf8_;           // of a stretch of one run
     std::optional<AfterEnd> after_end_;
 };
 

@@ -20,6 +20,9 @@ constexpr std::string_view lone_italic_mark = "*";
 constexpr std::string_view italic_mark_beside_bold = "_";
 constexpr std::string_view rule = "***";
 
+// Of a word that is written: its last character is all that may still change.
+constexpr std::size_t most_held = 4096;
+
 constexpr unsigned no_break_space = 0xA0;
 
 // ---------------------------------------------------------------- characters ----------
@@ -292,6 +295,10 @@ void MarkdownWriter::append_part(const page::Word &word, std::size_t part)
 
 void MarkdownWriter::append_character(const page::Word &word, std::size_t at, std::size_t length)
 {
+    if (raw_.size() >= most_held) {
+        out().utf8(raw_);
+        raw_.clear();
+    }
     const std::string_view utf8 = std::string_view(word.utf8).substr(at, length);
     last_character_begin_ = raw_.size();
     last_character_ = decode(utf8);

@@ -68,7 +68,7 @@ private:
     std::string_view italic_mark_;
     bool line_open_ = false;
 
-    // The word in progress, as it is written.
+    // The word in progress, as it is written; of a long one the end.
     std::string raw_;
     std::string closing_marks_;
     std::string opening_marks_;

@@ -203,8 +203,9 @@ void append_common_style(std::string &xml, std::string_view name, std::string_vi
 
 } // namespace
 
-ParagraphLook paragraph_look(const LineGeometry &geometry, int32_t line_spacing,
-                             const PageColumns &page, const ParagraphStart &start)
+const ParagraphLook &ParagraphLooks::of(const LineGeometry &geometry, uint64_t tab_stops,
+                                        int32_t line_spacing, const PageColumns &page,
+                                        const ParagraphStart &start)
 {
     const int32_t shift = page_shift(page);
     const int32_t end = paper_columns(page) - edge_columns - shift;
@@ -215,15 +216,18 @@ ParagraphLook paragraph_look(const LineGeometry &geometry, int32_t line_spacing,
         std::min(std::max(static_cast<int32_t>(geometry.left_margin), begin), end - 1);
     const auto width = static_cast<int32_t>(geometry.width);
     const int32_t right = std::min(left_margin + width, end) - 1;
-    ParagraphLook look;
-    look.alignment = geometry.alignment;
-    look.is_double_spaced = line_spacing == VW_DOUBLE_SPACING;
-    look.page_break_before = start.page_break_before;
-    look.left = left_margin - page.left + indent;
-    look.right = page.right - right;
-    look.first_line = start.continues ? 0 : first_line - indent;
-    look.tab_stops = look_stops(geometry, start.has_tab);
-    return look;
+    look_.alignment = geometry.alignment;
+    look_.is_double_spaced = line_spacing == VW_DOUBLE_SPACING;
+    look_.page_break_before = start.page_break_before;
+    look_.left = left_margin - page.left + indent;
+    look_.right = page.right - right;
+    look_.first_line = start.continues ? 0 : first_line - indent;
+    const TabStopsKey key{tab_stops, geometry.indent, geometry.width, start.has_tab};
+    if (tab_stops_key_ != key) {
+        look_.tab_stops = look_stops(geometry, start.has_tab);
+        tab_stops_key_ = key;
+    }
+    return look_;
 }
 
 // --------------------------------------------------------------------- OdfStyles ------

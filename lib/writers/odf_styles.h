@@ -24,6 +24,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -72,9 +73,30 @@ struct ParagraphLook {
     auto operator<=>(const ParagraphLook &) const = default;
 };
 
-// A paragraph of this geometry on the page.
-ParagraphLook paragraph_look(const page::LineGeometry &geometry, int32_t line_spacing,
-                             const page::PageColumns &page, const ParagraphStart &start);
+// The looks of paragraphs, one after the other: their tab stops are worked out anew only where they
+// change.
+class ParagraphLooks {
+public:
+    // Of a paragraph of this geometry on the page, valid until the next call. The number is another
+    // where the geometry's tab stops are others.
+    const ParagraphLook &of(const page::LineGeometry &geometry, uint64_t tab_stops,
+                            int32_t line_spacing, const page::PageColumns &page,
+                            const ParagraphStart &start);
+
+private:
+    // What the look's tab stops depend on.
+    struct TabStopsKey {
+        uint64_t tab_stops;
+        std::size_t indent;
+        std::size_t width;
+        bool has_tab;
+
+        bool operator==(const TabStopsKey &) const = default;
+    };
+
+    ParagraphLook look_;
+    std::optional<TabStopsKey> tab_stops_key_;
+};
 
 // The styles of the body's paragraphs and runs, or of those in headers and footers.
 class OdfStyles {

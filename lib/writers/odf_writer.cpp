@@ -100,7 +100,9 @@ private:
     // The paragraph.
     OdfText *text_ = &running_text_;
     OdfStyles *styles_ = &running_styles_;
-    LineGeometry geometry_;
+    page::LineGeometries geometries_;
+    const LineGeometry *geometry_ = nullptr; // of the paragraph at hand
+    ParagraphLooks looks_;
     int32_t line_spacing_ = VW_SINGLE_SPACING;
     ParagraphStart start_;
     bool is_open_ = false;
@@ -237,9 +239,7 @@ void OdfWriter::end_pages_pending()
 
 void OdfWriter::write_paragraph(const Paragraph &paragraph)
 {
-    geometry_ = page::line_geometry(paragraph);
-    // For whoever goes on writing, also where the text has no tab yet.
-    geometry_.tab_stops = page::tab_columns(paragraph);
+    geometry_ = &geometries_.of(paragraph);
     line_spacing_ = paragraph.line_spacing;
     start_ = {};
     start_.has_tab = paragraph.bytes.find(page::tab_byte) != std::string::npos;
@@ -292,7 +292,7 @@ std::string_view OdfWriter::hold_leading_spaces(std::string_view bytes, Attribut
         return bytes;
     }
     const std::size_t count = std::min(bytes.find_first_not_of(page::blank_bytes), bytes.size());
-    const bool are_kept = !start_.continues && geometry_.alignment == LineAlignment::left;
+    const bool are_kept = !start_.continues && geometry_->alignment == LineAlignment::left;
     leading_spaces_ += are_kept ? count : 0;
     return bytes.substr(count);
 }
@@ -304,8 +304,9 @@ void OdfWriter::open_paragraph()
         start_.page_break_before = true;
         breaks_pending_ = 0;
     }
-    text_->begin_paragraph(
-        styles_->paragraph_style(paragraph_look(geometry_, line_spacing_, *page_, start_)));
+    // With its tab stops also where the text has no tab, for whoever goes on writing.
+    text_->begin_paragraph(styles_->paragraph_style(
+        looks_.of(*geometry_, geometries_.tab_stop_changes(), line_spacing_, *page_, start_)));
     is_open_ = true;
     body_is_empty_ = body_is_empty_ && !in_body_;
 }

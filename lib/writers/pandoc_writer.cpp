@@ -33,6 +33,9 @@ constexpr std::string_view div_end = "]]}";
 constexpr std::string_view page_break_div =
     R"({"t":"Div","c":[["",["page-break"],[]],[{"t":"HorizontalRule"}]]})";
 
+// Bytes escaped at once.
+constexpr std::size_t stretch_size = 4096;
+
 constexpr std::string_view begin_of(AttributeCode code)
 {
     switch (code) {
@@ -192,9 +195,23 @@ void PandocWriter::word(const page::Word &word)
         close_unwanted(word.parts[part].attributes);
         open_wanted(word.parts[part].attributes);
         begin_inline();
-        append_str(json_, word.part_text(part));
-        out().utf8(json_);
+        write_str(word.part_text(part));
     }
+}
+
+// Behind what is held, a stretch at a time.
+void PandocWriter::write_str(std::string_view utf8)
+{
+    json_.append(str_begin).push_back('"');
+    while (!utf8.empty()) {
+        const std::string_view stretch = utf8.substr(0, stretch_size);
+        base::append_json_characters(json_, stretch);
+        out().utf8(json_);
+        json_.clear();
+        utf8.remove_prefix(stretch.size());
+    }
+    json_.append("\"").append(str_end);
+    out().utf8(json_);
 }
 
 void PandocWriter::blanks(std::size_t, AttributeSet attributes)

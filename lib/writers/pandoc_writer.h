@@ -49,6 +49,7 @@ private:
     void end_paragraph();
     bool begin_div();
     void begin_inline();
+    void write_str(std::string_view utf8);
     void close_unwanted(AttributeSet wanted);
     void open_wanted(AttributeSet wanted);
 

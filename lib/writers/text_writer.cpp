@@ -1,6 +1,5 @@
 #include "lib/writers/text_writer.h"
 
-#include "lib/page/page_geometry.h"
 #include "lib/page/paragraph_pieces.h"
 #include "lib/writers/formats.h"
 #include "pfsdoc/attribute_names.h"
@@ -16,17 +15,16 @@ namespace {
 constexpr std::size_t unlimited_columns = std::size_t{1} << 30;
 
 // As the options want it.
-page::LineGeometry wanted_geometry(const Paragraph &paragraph, const WriterOptions &options)
+void adapt(page::LineGeometry &geometry, const WriterOptions &options)
 {
-    page::LineGeometry geometry = page::line_geometry(paragraph);
     if (options.raw_lines && geometry.alignment == page::LineAlignment::left) {
         geometry.width = unlimited_columns;
     }
     if (!options.wrap) {
-        return geometry;
+        return;
     }
     geometry.left_margin = 0;
-    geometry.width = *options.wrap;
+    geometry.width = std::min(*options.wrap, max_wrap_columns);
     if (*options.wrap == 0) {
         geometry.width = unlimited_columns;
         geometry.first_line_indent = geometry.indent = 0;
@@ -34,7 +32,6 @@ page::LineGeometry wanted_geometry(const Paragraph &paragraph, const WriterOptio
     }
     geometry.first_line_indent = std::min(geometry.first_line_indent, geometry.width - 1);
     geometry.indent = std::min(geometry.indent, geometry.width - 1);
-    return geometry;
 }
 
 } // namespace
@@ -76,7 +73,9 @@ void TextBlockWriter::paragraph(const Paragraph &paragraph)
 void TextBlockWriter::write_paragraph(const Paragraph &paragraph)
 {
     next_line_ = 0;
-    layout_.begin(wanted_geometry(paragraph, options_));
+    page::LineGeometry &geometry = geometries_.of(paragraph);
+    adapt(geometry, options_);
+    layout_.begin(geometry);
     for (std::size_t i = 0; i < paragraph.pieces.size(); ++i) {
         lay_out_piece(paragraph, i);
     }

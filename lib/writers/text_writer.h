@@ -29,6 +29,7 @@
 
 #include "lib/base/utf8_output.h"
 #include "lib/page/line_layout.h"
+#include "lib/page/page_geometry.h"
 #include "lib/page/running_lines.h"
 #include "lib/reading/paragraph_collector.h"
 #include "pfsdoc/events.h"
@@ -76,7 +77,8 @@ private:
     WriterOptions options_;
     base::Utf8Output text_;
     Lines lines_{text_};
-    page::LineLayout layout_{lines_};
+    page::LineGeometries geometries_;
+    page::LineLayout layout_{lines_, page::TabGaps::not_wanted};
     page::RunningLines running_lines_; // the footers
     std::size_t next_line_ = 0;        // of the paragraph's line starts
 };

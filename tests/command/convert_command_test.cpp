@@ -216,6 +216,8 @@ TEST_F(Convert, RefusesOptionsThatTheFormatDoesNotRead)
     expect_failure(run({"convert", "-t", "text", "--wrap", "60", "--raw-lines", "a.pfs"}), 2,
                    "pfsdoc: ");
     expect_failure(run({"convert", "-t", "text", "--wrap", "many", "a.pfs"}), 2, "pfsdoc: ");
+    expect_failure(run({"convert", "-t", "text", "--wrap", "1001", "a.pfs"}), 2, "pfsdoc: ");
+    EXPECT_EQ(run({"convert", "-t", "text", "--wrap", "1000", "a.pfs"}).exit_code, 0);
 }
 
 // "lines" is a part of "raw_lines", which text reads.

@@ -9,9 +9,11 @@ namespace {
 
 using pfsdoc::Paragraph;
 using pfsdoc::PieceKind;
+using pfsdoc::TabStop;
+using pfsdoc::TabStops;
 using pfsdoc::page::line_alignment;
-using pfsdoc::page::line_geometry;
 using pfsdoc::page::LineAlignment;
+using pfsdoc::page::LineGeometries;
 using pfsdoc::page::LineGeometry;
 using pfsdoc::page::page_columns;
 using pfsdoc::page::PageColumns;
@@ -19,6 +21,11 @@ using pfsdoc::page::PageColumns;
 constexpr int32_t columns(int32_t count)
 {
     return count * VW_TWIPS_PER_COLUMN;
+}
+
+LineGeometry line_geometry(const Paragraph &paragraph)
+{
+    return LineGeometries().of(paragraph);
 }
 
 Paragraph paragraph_with(int32_t left_margin, int32_t right_margin)
@@ -75,12 +82,12 @@ TEST(PageGeometry, LeavesIndentsOutWhereTextIsNotLeftAligned)
 TEST(PageGeometry, KeepsTheTabStopsBetweenTheMargins)
 {
     Paragraph paragraph = paragraph_with(10, 30);
+    std::vector<TabStop> stops;
     for (const uint32_t column : {5U, 10U, 11U, 30U, 31U}) {
-        paragraph.tab_stops.push_back({VW_TAB_LEFT, 0, 0, column * VW_TWIPS_PER_COLUMN});
+        stops.push_back({VW_TAB_LEFT, 0, 0, column * VW_TWIPS_PER_COLUMN});
     }
-    paragraph.tab_stops.push_back({VW_TAB_DECIMAL, '.', 0, 20 * VW_TWIPS_PER_COLUMN});
-    EXPECT_TRUE(line_geometry(paragraph).tab_stops.empty()); // without a tab
-    paragraph.bytes = "\t";
+    stops.push_back({VW_TAB_DECIMAL, '.', 0, 20 * VW_TWIPS_PER_COLUMN});
+    paragraph.tab_stops = stops;
     const LineGeometry geometry = line_geometry(paragraph);
     ASSERT_EQ(geometry.tab_stops.size(), 3U);
     EXPECT_EQ(geometry.tab_stops[0].column, 1U);
@@ -88,6 +95,42 @@ TEST(PageGeometry, KeepsTheTabStopsBetweenTheMargins)
     EXPECT_EQ(geometry.tab_stops[1].column, 20U);
     EXPECT_EQ(geometry.tab_stops[2].column, 10U);
     EXPECT_TRUE(geometry.tab_stops[2].decimal);
+}
+
+Paragraph with_stops(int32_t left, int32_t right, TabStops stops)
+{
+    Paragraph paragraph = paragraph_with(left, right);
+    paragraph.tab_stops = std::move(stops);
+    return paragraph;
+}
+
+TEST(PageGeometry, OfOneParagraphAfterTheOtherIsThatOfEach)
+{
+    const TabStops some = {{VW_TAB_LEFT, 0, 0, 20 * VW_TWIPS_PER_COLUMN},
+                           {VW_TAB_LEFT, 0, 0, 40 * VW_TWIPS_PER_COLUMN}};
+    const TabStops others = {{VW_TAB_DECIMAL, '.', 0, 25 * VW_TWIPS_PER_COLUMN}};
+    Paragraph indented = with_stops(10, 60, some);
+    indented.first_line_indent = columns(3);
+    LineGeometries geometries;
+    for (const Paragraph &paragraph :
+         {with_stops(10, 60, some), indented, with_stops(10, 30, some), with_stops(10, 30, others),
+          with_stops(10, 30, {}), with_stops(10, 60, some)}) {
+        EXPECT_EQ(geometries.of(paragraph), line_geometry(paragraph));
+    }
+    EXPECT_EQ(geometries.tab_stop_changes(), 5U);
+}
+
+TEST(TabStops, AreSharedByCopiesAndEqualByWhatTheyAre)
+{
+    const TabStops stops = {{VW_TAB_LEFT, 0, 0, 144}};
+    const TabStops copy = stops;
+    const TabStops same = {{VW_TAB_LEFT, 0, 0, 144}};
+    EXPECT_TRUE(stops.is_shared_with(copy));
+    EXPECT_EQ(stops.begin(), copy.begin());
+    EXPECT_FALSE(stops.is_shared_with(same));
+    EXPECT_EQ(stops, same);
+    EXPECT_NE(stops, TabStops());
+    EXPECT_TRUE(TabStops().empty());
 }
 
 TEST(PageGeometry, AlignsByACommandInFrontOfTheText)

@@ -304,10 +304,55 @@ TEST(Document, EndsWithAParagraphThatIsTooLarge)
     const pfsdoc::Status at_once = document.read(collected);
     ASSERT_FALSE(at_once.ok());
     EXPECT_EQ(at_once.error().kind, ErrorKind::limit);
+    // Characters are handed on together, 1024 at most.
+    const uint64_t limit = bytes.find("sixteen") + pfsdoc::max_paragraph_bytes;
+    ASSERT_TRUE(at_once.error().offset);
+    EXPECT_GE(*at_once.error().offset, limit);
+    EXPECT_LE(*at_once.error().offset, limit + 1025);
     EXPECT_EQ(collected.ends, 0);
     const auto block = document.next();
     ASSERT_FALSE(block.ok());
     EXPECT_EQ(block.error().kind, ErrorKind::limit);
+}
+
+TEST(Document, EndsWithAParagraphOfTooManyPieces)
+{
+    std::string body = "\r";
+    for (std::size_t i = 0; i <= pfsdoc::max_paragraph_pieces; ++i) {
+        body += i % 2 == 0 ? "\xE1\x02" : "\xE2\x01";
+    }
+    const std::string bytes = tests::write_document(2, body + "\x0E");
+    for (const bool with_offsets : {false, true}) {
+        OpenOptions options;
+        options.source_offsets = with_offsets;
+        Collected collected;
+        const pfsdoc::Status ended = opened(bytes, options).read(collected);
+        ASSERT_FALSE(ended.ok());
+        EXPECT_EQ(ended.error().kind, ErrorKind::limit);
+        // Without offsets a character is handed on with what follows it.
+        const uint64_t first = bytes.find("\xE1\x02");
+        const uint64_t expected = first + 2 * pfsdoc::max_paragraph_pieces + 2;
+        EXPECT_EQ(ended.error().offset, with_offsets ? expected : expected + 1);
+        EXPECT_TRUE(collected.blocks.empty());
+    }
+}
+
+// A line of First Choice 3 that goes on in the next.
+TEST(Document, EndsWithAParagraphOfTooManyLinesWhereTheyAreWanted)
+{
+    std::string body = "\x10";
+    for (std::size_t i = 0; i <= pfsdoc::max_paragraph_lines + 1; ++i) {
+        body += "a\r\x10";
+    }
+    const std::string bytes = tests::choice_document('3', body + "\x0E");
+    for (const bool with_offsets : {false, true}) {
+        OpenOptions options;
+        options.source_offsets = with_offsets;
+        Collected collected;
+        const pfsdoc::Status ended = opened(bytes, options).read(collected);
+        EXPECT_EQ(ended.ok(), !with_offsets);
+        EXPECT_EQ(collected.blocks.size(), with_offsets ? 0U : 1U);
+    }
 }
 
 TEST(Document, EndsWhereASinkStopsIt)

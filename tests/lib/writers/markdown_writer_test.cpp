@@ -265,7 +265,7 @@ TEST(MarkdownWriter, GrowsInProportionWhereEveryCharacterChangesTheAttributes)
     };
     const std::size_t small = size_of(6000);
     EXPECT_LT(small, 6000U * 8);
-    EXPECT_LT(size_of(600000), small * 101);
+    EXPECT_LT(size_of(500000), small * 84);
 }
 
 } // namespace

@@ -50,6 +50,7 @@ public:
 };
 
 constexpr std::size_t megabyte = 1000000;
+constexpr std::size_t most_pieces = 500000; // nearly
 
 void tell_character(EventSink &sink, char byte, std::size_t times)
 {
@@ -95,9 +96,9 @@ struct Hostile {
 TEST(HostileDocument, WithAWordThatNeverEnds)
 {
     Hostile hostile(TypedEvents().margins(10, 69));
-    tell_character(hostile.writer, '\xC4', 10 * megabyte);
+    tell_character(hostile.writer, '\xC4', 8 * megabyte);
     hostile.finish();
-    EXPECT_EQ(hostile.output.total, 10 + 30 * megabyte + 1);
+    EXPECT_EQ(hostile.output.total, 10 + 24 * megabyte + 1);
     EXPECT_LE(hostile.output.largest, base::Utf8Output::chunk_size);
 }
 
@@ -105,7 +106,7 @@ TEST(HostileDocument, WithNothingButSpaces)
 {
     Hostile hostile(TypedEvents().margins(10, 69));
     tell_character(hostile.writer, 'a', 1);
-    tell_character(hostile.writer, ' ', 10 * megabyte);
+    tell_character(hostile.writer, ' ', 8 * megabyte);
     tell_character(hostile.writer, 'b', 1);
     hostile.finish();
     EXPECT_EQ(hostile.output.total, 2U * 12U);
@@ -152,6 +153,28 @@ TEST(HostileDocument, WithTheMostSpacesForItsSize)
     EXPECT_EQ(hostile.output.total, 10000U * 256U);
 }
 
+// No line has more than the limit, whatever is asked for; and spaces are written in parts.
+TEST(HostileDocument, WithALineAsWideAsAskedFor)
+{
+    WriterOptions options;
+    options.wrap = 500 * megabyte;
+    Hostile hostile(TypedEvents().margins(0, 59).alignment(VW_ALIGN_RIGHT).text("x"), options);
+    hostile.finish();
+    EXPECT_EQ(hostile.output.total, max_wrap_columns + 1);
+}
+
+TEST(HostileDocument, WithTabsOnALineWithoutEnd)
+{
+    WriterOptions options;
+    options.wrap = 0;
+    Hostile hostile(TypedEvents().margins(0, 59), options);
+    tell_character(hostile.writer, '\t', megabyte);
+    tell_character(hostile.writer, 'x', 1);
+    hostile.finish();
+    EXPECT_EQ(hostile.output.total, 8 * megabyte + 2);
+    EXPECT_LE(hostile.output.largest, base::Utf8Output::chunk_size);
+}
+
 TEST(HostileDocument, WithACommandThatNeverEnds)
 {
     Hostile hostile(TypedEvents().margins(0, 59), with_commands());
@@ -168,22 +191,22 @@ TEST(HostileDocument, WithACommandThatNeverEnds)
 TEST(HostileDocument, WithAnAttributeForEachCharacter)
 {
     Hostile hostile(TypedEvents().margins(0, 59));
-    for (std::size_t i = 0; i < megabyte; ++i) {
+    for (std::size_t i = 0; i < most_pieces; ++i) {
         hostile.writer.on_event(AttributeChange{2, static_cast<int32_t>(i % 2)}, 0);
         tell_character(hostile.writer, 'x', 1);
     }
     hostile.finish();
-    EXPECT_EQ(hostile.output.total, megabyte + 1);
+    EXPECT_EQ(hostile.output.total, most_pieces + 1);
 }
 
 TEST(HostileDocument, WithNothingButPageBreaks)
 {
     Hostile hostile(TypedEvents().margins(0, 59).text("x"));
-    for (std::size_t i = 0; i < megabyte; ++i) {
+    for (std::size_t i = 0; i < most_pieces; ++i) {
         hostile.writer.on_event(PageBreak{4, 0}, 0);
     }
     hostile.finish();
-    EXPECT_EQ(hostile.output.total, 2 + megabyte + 1);
+    EXPECT_EQ(hostile.output.total, 2 + most_pieces + 1);
 }
 
 TEST(HostileDocument, WithAnEndlessFooter)
