@@ -16,6 +16,7 @@ END_OF_DOCUMENT = b"\x0e"
 WRITE_A, WRITE_B, PRO_1, PRO_2, ASSISTANT, CHOICE_2, CHOICE_3 = KINDS = (
     "1012", "1013", "1014", "1015", "1016", "1017", "1058")
 MOST_TOKENS = 6
+PIECE_SIZE = 65536
 
 # The letter is attributed with the bits of the byte behind it.
 COMMON = {
@@ -121,28 +122,41 @@ def bytes_of(kind, token):
     return bytes.fromhex(token[1:]) if token[:1] == "x" else tokens(kind)[token]
 
 
-def section(kind, text, size):
-    drawn, _, names = text.rpartition(":")
-    parts = [bytes_of(kind, name) for name in names.split(",")]
-    if drawn:
-        draw = random.Random(int(drawn[1:]))
-        made = []
-        length = 0
-        while length < size:
-            made.append(draw.choice(parts))
-            length += len(made[-1])
-        return b"".join(made)
+def drawn(parts, number):
+    """Endless, in pieces of some size."""
+    draw = random.Random(number)
+    while True:
+        yield b"".join(draw.choices(parts, k=4096))
+
+
+def repeated(parts):
     pattern = b"".join(parts)
-    return pattern * (size // len(pattern) + 1)
+    piece = pattern * (PIECE_SIZE // len(pattern) + 1)
+    while True:
+        yield piece
 
 
-def document(recipe, size):
-    """Of about that size: with what the sections round up to."""
+def section(kind, text, size):
+    number, _, names = text.rpartition(":")
+    parts = [bytes_of(kind, name) for name in names.split(",")]
+    for piece in drawn(parts, int(number[1:])) if number else repeated(parts):
+        yield piece[:size]
+        size -= len(piece)
+        if size <= 0:
+            return
+
+
+def write_document(recipe, size, path):
+    """Of that size, or of an empty document's. It is never held: see growth/cost.py."""
     kind, head, *sections = recipe.split(" ")
     start = head_of(kind, head)
     room = max(size - len(start) - 1, 0)
-    body = b"".join(section(kind, text, room // len(sections)) for text in sections)
-    return start + body + END_OF_DOCUMENT
+    with open(path, "wb") as file:
+        file.write(start)
+        for text in sections:
+            for piece in section(kind, text, room // len(sections)):
+                file.write(piece)
+        file.write(END_OF_DOCUMENT)
 
 
 def prose(kind, size):

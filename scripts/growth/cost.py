@@ -72,14 +72,15 @@ class Meter:
         self.prose_costs = {}
         self.start_costs = {}
 
-    # The document is in the file, and not in memory: a process's peak would include it.
+    # A process's peak includes what this one has resident when it starts it, so a document is made
+    # in pieces.
     def runs(self, name, count):
         made = [run([self.program, *FORMATS[name], str(self.file)]) for _ in range(count)]
         return min(made, key=lambda one: one.seconds)
 
     def start_cost(self, name):
         if name not in self.start_costs:
-            self.file.write_bytes(bodies.document("1012 plain x20", 0))
+            bodies.write_document("1012 plain x20", 0, self.file)
             self.start_costs[name] = self.runs(name, 9).seconds
         return self.start_costs[name]
 
@@ -95,6 +96,6 @@ class Meter:
     def measure(self, recipe, name, size, count):
         """The run, and its seconds without the start's."""
         start = self.start_cost(name)
-        self.file.write_bytes(bodies.document(recipe, size))
+        bodies.write_document(recipe, size, self.file)
         best = self.runs(name, count)
         return best, max(best.seconds - start, 0.0)
