@@ -10,7 +10,6 @@ namespace {
 
 constexpr double shortest_time = 0.001; // seconds
 constexpr double longest_time = 86400;
-// A short line at the right margin takes as many bytes.
 
 // ------------------------------------------- how an option reaches its value ----------
 // A path leads to the value: members of Arguments, and of what is inside it.
@@ -82,7 +81,8 @@ CLI::Option *max_time(CLI::App &app, const OptionEntry &entry, Arguments &argume
 CLI::Option *columns(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
 {
     return value<&Arguments::writer, &WriterOptions::wrap>(app, entry, arguments)
-        ->transform([](const std::string &text) { return whole_number(text, 0, max_wrap_columns); });
+        ->transform(
+            [](const std::string &text) { return whole_number(text, 0, max_wrap_columns); });
 }
 
 CLI::Option *sandbox(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
