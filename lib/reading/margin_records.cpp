@@ -10,6 +10,19 @@ namespace pfsdoc::reading {
 namespace {
 
 constexpr char mark = formats::write::record_mark;
+constexpr std::size_t type_offset = 2; // from the mark
+
+// Where the last record that may set margins begins, if any does: one whose type says so, or is not
+// among the bytes.
+std::size_t last_record(std::string_view bytes)
+{
+    std::size_t at = bytes.rfind(mark);
+    while (at != std::string_view::npos && at + type_offset < bytes.size() &&
+           bytes[at + type_offset] != formats::write::record_margins) {
+        at = at == 0 ? std::string_view::npos : bytes.rfind(mark, at - 1);
+    }
+    return at;
+}
 
 } // namespace
 
@@ -19,8 +32,8 @@ std::optional<uint32_t> MarginRecordSource::read_at(uint32_t position,
     const std::optional<uint32_t> count = source_.read_at(position, destination);
     const std::string_view bytes(reinterpret_cast<const char *>(destination.data()),
                                  count.value_or(0));
-    if (bytes.find(mark) != std::string_view::npos) {
-        marks_end_ = std::max(marks_end_, position + static_cast<uint32_t>(bytes.rfind(mark)) + 1);
+    if (const std::size_t at = last_record(bytes); at != std::string_view::npos) {
+        marks_end_ = std::max(marks_end_, position + static_cast<uint32_t>(at) + 1);
     }
     return count;
 }

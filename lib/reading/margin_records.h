@@ -4,8 +4,8 @@
 // The module reports margins that a record in the text has set at the start of the next read, so
 // the paragraph that holds the record has to end a read. A stop costs as much as a line of text
 // does, and hardly a paragraph has a record: the bytes are looked through for the mark that a
-// record begins with while the module reads them. The mark may be something else, such as an
-// attribute; then a stop is made that changes nothing. Test:
+// record begins with, and for its type, while the module reads them. They may be something else,
+// such as an attribute and text; then a stop is made that changes nothing. Test:
 // tests/lib/reading/margin_records_test.cpp.
 #pragma once
 

@@ -25,7 +25,10 @@ void read_block(ByteSource &source, uint32_t position)
 TEST(MarginRecordSource, RemembersTheLastMarkThatWasRead)
 {
     std::string content(3 * block_size, 'a');
-    content[5] = content[10] = content[2 * block_size] = '\x07';
+    for (const std::size_t at : {5U, 10U, 2 * block_size}) {
+        content[at] = '\x07';
+        content[at + 2] = '\x01';
+    }
     const auto source = source_from(content);
     reading::MarginRecordSource records(*source);
     EXPECT_FALSE(records.may_have_record_from(0));
@@ -38,6 +41,27 @@ TEST(MarginRecordSource, RemembersTheLastMarkThatWasRead)
     read_block(records, 0);
     EXPECT_TRUE(records.may_have_record_from(2 * block_size));
     EXPECT_FALSE(records.may_have_record_from(2 * block_size + 1));
+}
+
+TEST(MarginRecordSource, RemembersNoMarkThatSetsNoMargins)
+{
+    std::string content(2 * block_size, 'a');
+    content[5] = content[10] = content[0] = '\x07';
+    const auto source = source_from(content);
+    reading::MarginRecordSource records(*source);
+    read_block(records, 0);
+    EXPECT_FALSE(records.may_have_record_from(0));
+}
+
+TEST(MarginRecordSource, RemembersAMarkWhoseTypeHasNotBeenRead)
+{
+    std::string content(2 * block_size, 'a');
+    content[block_size - 2] = content[block_size - 4] = '\x07';
+    const auto source = source_from(content);
+    reading::MarginRecordSource records(*source);
+    read_block(records, 0);
+    EXPECT_TRUE(records.may_have_record_from(block_size - 2));
+    EXPECT_FALSE(records.may_have_record_from(block_size - 1));
 }
 
 // Asks for the stops that another sink asks for, and counts them; or for all that there can be.
