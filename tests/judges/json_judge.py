@@ -76,7 +76,8 @@ def sample_faults(pfsdoc, sample, whole, line):
         yield "the first line is not the document's"
     if lines[1:-1] != document["blocks"]:
         yield "the lines are not the blocks"
-    if lines[-1] != {"type": "end", "blocks": len(lines) - 2, "losses": document["losses"]}:
+    end = {key: document[key] for key in ("losses", "after_end")}
+    if lines[-1] != {"type": "end", "blocks": len(lines) - 2, **end}:
         yield f"the last line is {lines[-1]}"
     difference = first_difference(page_words(sample), words(document["blocks"]))
     if difference:
