@@ -51,6 +51,8 @@ def broken_variants(document):
     yield "no version", variant(lambda d: d.pop("pfsdoc"))
     yield "another version", variant(lambda d: d.update(pfsdoc=2))
     yield "no losses", variant(lambda d: d.pop("losses"))
+    yield "no end", variant(lambda d: d.pop("after_end"))
+    yield "nothing after the end", variant(lambda d: d.update(after_end={"offset": 1, "bytes": 0}))
     yield "an unknown kind", variant(lambda d: d["document"].update(kind="Other"))
     yield "an unknown block", variant(lambda d: d["blocks"][0].update(type="table"))
     yield "an unknown member", variant(lambda d: d["blocks"][0].update(colour=1))

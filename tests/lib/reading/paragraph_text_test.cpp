@@ -27,6 +27,22 @@ Paragraph paragraph_of(std::initializer_list<Part> parts)
     return paragraph;
 }
 
+TEST(ParagraphPieces, HaveTheirBytesAndAttributes)
+{
+    Paragraph paragraph = paragraph_of(
+        {{PieceKind::text, "one "}, {PieceKind::command, "*J*"}, {PieceKind::text, "two"}});
+    paragraph.pieces.back().attributes =
+        attribute_bit(AttributeCode::bold) | attribute_bit(AttributeCode::superscript);
+    std::string bytes;
+    for (const Piece &piece : paragraph.pieces) {
+        bytes.append(piece.has(AttributeCode::bold) ? "b" : "")
+            .append(paragraph.piece_bytes(piece));
+        EXPECT_FALSE(piece.has(AttributeCode::italic));
+    }
+    EXPECT_EQ(bytes, "one *J*btwo");
+    EXPECT_EQ(attribute_bit(AttributeCode::bold), attribute_bit(2));
+}
+
 std::string text_of_one(std::string_view bytes)
 {
     return plain_text(paragraph_of({{PieceKind::text, bytes}}));
