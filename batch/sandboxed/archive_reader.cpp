@@ -156,7 +156,7 @@ std::string_view name_of(archive_entry *entry)
     if (name == nullptr) {
         name = ::archive_entry_pathname_utf8(entry);
     }
-    return std::string_view(name != nullptr ? name : "").substr(0, longest_message);
+    return std::string_view(name != nullptr ? name : "").substr(0, longest_member_name);
 }
 
 ArchiveOutcome MemberSender::send_parts()
@@ -211,7 +211,7 @@ bool MemberSender::send_member(archive_entry *entry)
 bool MemberSender::send_repeated()
 {
     for (const std::string_view name : repeated_entries(bytes_)) {
-        if (!send_bytes(output_, MessageKind::member, name.substr(0, longest_message)) ||
+        if (!send_bytes(output_, MessageKind::member, name.substr(0, longest_member_name)) ||
             !send_end(output_, MessageKind::member_end, ArchiveOutcome::repeated)) {
             return false;
         }

@@ -33,11 +33,11 @@ Result<std::unique_ptr<CheckedSource>> CheckedSource::read(base::Descriptor file
 }
 
 // No more than the size that is expected and one block: who appends to a file must not keep this
-// busy for ever.
+// busy for ever. What is read at once has room for a byte that must not be there.
 Status CheckedSource::read_all()
 {
     Sha256 sum;
-    std::string block(block_size, '\0');
+    std::string block(std::min<uint64_t>(block_size, size_ + 1), '\0');
     for (uint64_t offset = 0; offset <= size_;) {
         const auto count = base::read_full_at(file_.get(), block.data(), block.size(), offset);
         if (!count) {
@@ -47,7 +47,7 @@ Status CheckedSource::read_all()
         sum.update(part);
         keep(part);
         offset += part.size();
-        if (part.size() < block_size) {
+        if (part.size() < block.size()) {
             digest_ = sum.finish();
             return offset == size_ ? Status() : Status(changed());
         }

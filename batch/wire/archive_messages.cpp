@@ -48,7 +48,8 @@ std::optional<Message> receive_message(int descriptor, const Wait &wait)
     switch (head.kind) {
     case MessageKind::member:
     case MessageKind::bytes:
-        if (head.value > longest_message) {
+        if (head.value >
+            (head.kind == MessageKind::member ? longest_member_name : longest_message)) {
             return std::nullopt;
         }
         message.bytes.resize(head.value);

@@ -41,6 +41,8 @@ struct MessageHead {
 };
 
 constexpr std::size_t longest_message = 65536;
+// Of a member. No file system takes one as long, and a line of the manifest has it escaped.
+constexpr std::size_t longest_member_name = 16384;
 
 struct Message {
     MessageKind kind;

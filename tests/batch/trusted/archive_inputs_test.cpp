@@ -187,6 +187,19 @@ TEST_F(Archives, give_members_without_a_name_one)
     EXPECT_TRUE(lines.starts_with("a.tar/unnamed")) << lines;
 }
 
+// A line of the manifest has each name twice, and each byte may take five there.
+TEST_F(Archives, have_no_names_that_no_line_could_hold)
+{
+    write_archive("a.tar", sorts[3], {{std::string(60'000, 'x'), "1"}});
+    pfsdoc::batch::InputOptions options;
+    options.paths = {"a.tar"};
+    const auto inputs = tests::opened(options);
+    const std::optional<pfsdoc::batch::BatchInput> input = inputs->next();
+    ASSERT_TRUE(input.has_value());
+    EXPECT_EQ(input->source, "a.tar!/" + std::string(16'384, 'x'));
+    EXPECT_LT(input->name.size(), 256U);
+}
+
 TEST_F(Archives, have_errors_for_links_and_devices)
 {
     write_archive("a.tar", tar,

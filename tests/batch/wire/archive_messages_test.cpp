@@ -96,7 +96,7 @@ TEST_F(Messages, that_nobody_may_say_are_refused)
         std::string bytes;
     };
     const Refused all[] = {
-        {"too long a name", member, pfsdoc::batch::longest_message + 1, ""},
+        {"too long a name", member, pfsdoc::batch::longest_member_name + 1, ""},
         {"all of the memory", bytes, UINT32_MAX, ""},
         {"less than was told", bytes, 5, "1234"},
         {"an outcome that there is not", archive_end, last_outcome + 1, ""},
