@@ -38,6 +38,7 @@ field Depends '.*zlib1g.*'
 field Depends '.*libarchive13.*'
 field Depends '.*libseccomp2.*'
 field Depends '.*libssl3.*'
+field Depends '.*libutf8proc2.*'
 field Depends '.*libstdc\+\+6.*'
 if dpkg-deb --field "$package" Depends | grep -E -- '-dev|libgtest'; then
     failed "depends on what only building needs"
