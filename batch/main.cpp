@@ -19,6 +19,11 @@ int run(int argument_count, char **arguments)
             pfsdoc::cli::parse(line.app(), argument_count, arguments, "see pfsdoc batch --help")) {
         return *ended;
     }
+    if (line.verifies()) {
+        const auto verification = line.verification();
+        return verification.ok() ? pfsdoc::batch::verify_outputs(verification.value())
+                                 : pfsdoc::cli::report("", verification.error());
+    }
     const pfsdoc::Result<pfsdoc::batch::BatchRequest> request = line.request();
     return request.ok() ? pfsdoc::batch::run_batch(request.value(), pfsdoc::batch::run_launcher)
                         : pfsdoc::cli::report("", request.error());

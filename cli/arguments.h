@@ -35,7 +35,9 @@ struct Arguments {
     std::vector<std::string> list_files;
     std::string manifest;
     bool quiet = false;
-    bool strict = false; // what is no document is a failure, too
+    bool strict = false;    // what is no document is a failure, too
+    std::string verified;   // an output folder
+    bool overwrite = false; // files that are not the batch's own
     std::optional<std::size_t> jobs;
     std::optional<double> max_seconds;
     // In bytes.

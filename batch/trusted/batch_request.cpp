@@ -1,5 +1,7 @@
 #include "batch/trusted/batch_request.h"
 
+#include "batch/trusted/input_identities.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <sched.h>
@@ -19,6 +21,13 @@ bool lies_in(const std::filesystem::path &inner, const std::filesystem::path &ou
 
 Status check_paths(const BatchRequest &request)
 {
+    for (const std::string &list : request.inputs.list_files) {
+        if (request.overwrite && !can_be_read_twice(list)) {
+            return Error{ErrorKind::usage,
+                         "--overwrite needs a list that can be read twice, to spare what it names",
+                         "write it to a file first"};
+        }
+    }
     namespace fs = std::filesystem;
     std::error_code failure;
     const fs::path output = fs::weakly_canonical(fs::absolute(request.output), failure);
@@ -38,19 +47,6 @@ Status check_paths(const BatchRequest &request)
         }
     }
     return {};
-}
-
-std::vector<std::string> reserved_names(const std::string &output, const std::string &manifest)
-{
-    namespace fs = std::filesystem;
-    std::error_code failure;
-    const fs::path folder = fs::weakly_canonical(fs::absolute(output), failure);
-    const fs::path file = fs::weakly_canonical(fs::absolute(manifest), failure);
-    if (failure || !lies_in(file, folder)) {
-        return {};
-    }
-    const std::string name = file.lexically_relative(folder);
-    return {name, name + ".partial", name + ".earlier"};
 }
 
 std::optional<uint64_t> count_files(const InputOptions &inputs)

@@ -17,6 +17,9 @@
 
 namespace pfsdoc::batch {
 
+// Of the manifest in the output folder, where no other file is named for it.
+inline constexpr const char *manifest_name = "manifest.ndjson";
+
 struct BatchRequest {
     InputOptions inputs;
     std::string output;   // a folder
@@ -28,15 +31,13 @@ struct BatchRequest {
     ProgressForm progress = ProgressForm::lines;
     bool quiet = false;
     bool strict = false; // files that are no documents are failures of the run, too
+    bool verbose = false;
+    bool overwrite = false; // files that are not the batch's own
 };
 
 // What is written must not be read: the run would not be the same when it is done again, or
 // have no end. Below the folders that are read, the output's own is passed over. Errors: usage.
 Status check_paths(const BatchRequest &request);
-
-// What a run writes in its output folder beside the outputs, by the way from there. Where the
-// manifest lies elsewhere, nothing.
-std::vector<std::string> reserved_names(const std::string &output, const std::string &manifest);
 
 // How many files there are, where that can be counted quickly and for sure: not of archives and
 // lists.

@@ -1,6 +1,7 @@
 #include "batch/trusted/batch_run.h"
 
 #include "batch/trusted/interruption.h"
+#include "batch/trusted/recorded_line.h"
 #include "lib/base/printable.h"
 
 #include <algorithm>
@@ -59,15 +60,25 @@ Error unwritten(const Outcome &outcome)
             "free some space; the next run continues from here"};
 }
 
+// There is space by now, or the disk has a fault just there.
+Outcome unwritten_once(const Outcome &outcome)
+{
+    return failed_outcome(FileStatus::internal, {ErrorKind::output, std::string(outcome.what.get()),
+                                                 "run the batch again"});
+}
+
 } // namespace
 
 BatchRun::BatchRun(const BatchRequest &request, Launcher &launcher, OutputFolder folder,
                    Manifest manifest)
-    : request_(request), folder_(std::move(folder)), manifest_(std::move(manifest)),
+    : request_(request), reserved_(request.output, request.manifest), folder_(std::move(folder)),
+      manifest_(std::move(manifest)), own_(folder_, reserved_, manifest_.earlier()),
       progress_(request.progress, request.progress == ProgressForm::none
                                       ? std::nullopt
                                       : count_files(request.inputs)),
-      commits_(folder_, request.recorded)
+      commits_(folder_, request.recorded,
+               {[this](std::string_view lines) { manifest_.announce(lines); },
+                [this](const std::string &output) { own_.add(output); }})
 {
     for (std::size_t i = 0; i < request.workers; ++i) {
         workers_.push_back({WorkerProcess(launcher, request.max_time)});
@@ -80,6 +91,8 @@ BatchRun::BatchRun(const BatchRequest &request, Launcher &launcher, OutputFolder
     options.wait = [this](int descriptor, Clock::time_point deadline) {
         return wait_for_input(descriptor, deadline);
     };
+    options.is_own = [this](int file) { return own_.has(file); };
+    options.is_own_name = [this](const std::string &name) { return folder_.is_temporary(name); };
     inputs_ = open_inputs(options);
 }
 
@@ -99,7 +112,7 @@ Status BatchRun::run()
     if (!fault.ok() || !unkept.ok()) {
         return fault.ok() ? unkept : fault;
     }
-    return manifest_.finish();
+    return finish_manifest();
 }
 
 Status BatchRun::convert_all()
@@ -180,11 +193,14 @@ void BatchRun::prepare(BatchInput input)
 
 void BatchRun::look_up(Task &task) const
 {
-    for (std::string &line : manifest_.earlier().find(task.file.name)) {
-        task.earlier = usable_record(line, task.file, request_.recorded);
-        if (task.earlier) {
-            task.earlier_line = std::move(line) + "\n";
-            return;
+    for (std::string &line : manifest_.earlier().find(task.file.output)) {
+        const std::optional<RecordedLine> recorded = recorded_line(line);
+        if (recorded && recorded->output && recorded->output->name == task.file.output) {
+            task.own.push_back(recorded->output->content);
+        }
+        if (!task.earlier) {
+            task.earlier = usable_record(line, task.file, request_.recorded);
+            task.earlier_line = task.earlier ? line + "\n" : "";
         }
     }
 }
@@ -320,32 +336,65 @@ void BatchRun::end_late_jobs()
 
 void BatchRun::finish(Task task, Outcome outcome)
 {
-    const bool is_invalid =
-        (outcome.status == FileStatus::unchanged && !task.earlier) ||
-        (has_output(outcome.status) && !is_output(task.output->descriptor(), outcome)) ||
-        (outcome.status == FileStatus::unwritten && !is_unwritable(task.output->descriptor()));
-    if (is_invalid) {
+    if ((outcome.status == FileStatus::unchanged && !task.earlier) ||
+        (has_output(outcome.status) && !is_output(task.output->descriptor(), outcome))) {
         outcome = invalid_report();
+    }
+    if (outcome.status == FileStatus::unwritten && !is_unwritable(task.output->descriptor())) {
+        outcome = unwritten_once(outcome);
     }
     if (outcome.status == FileStatus::unwritten) {
         stop(unwritten(outcome));
     } else if (has_output(outcome.status)) {
         task.output->close(); // some hundred wait to be synced: too many to keep their descriptors
         std::string line = record_line(task.file, request_.recorded, outcome);
-        commits_.add({&task.entry, std::move(task.file), outcome.status, std::move(line),
-                      std::move(*task.output)});
+        CommitRule rule = rule_of(task, outcome);
+        commits_.add({&task.entry, std::move(task.file), std::move(outcome), std::move(line),
+                      std::move(*task.output), std::move(rule)});
     } else {
         record(task, outcome);
     }
 }
 
+CommitRule BatchRun::rule_of(Task &task, const Outcome &outcome)
+{
+    return {{outcome.output_size, outcome.output_digest},
+            std::move(task.own),
+            request_.overwrite,
+            [this](const FileIdentity &file) { return is_input(file); }};
+}
+
+bool BatchRun::is_input(const FileIdentity &file)
+{
+    if (!read_files_) {
+        read_files_.emplace(request_.inputs);
+    }
+    return read_files_->has(file);
+}
+
+// What was found to be unchanged is looked at again here: a worker's word is not enough, and the
+// output may have been changed since.
 void BatchRun::record(Task &task, const Outcome &outcome)
 {
-    if (outcome.status == FileStatus::unchanged) {
-        task.entry.finish(task.earlier->status, std::move(task.earlier_line));
-    } else {
+    if (outcome.status != FileStatus::unchanged) {
         task.entry.finish(outcome.status, record_line(task.file, request_.recorded, outcome));
+    } else if (has_earlier_output(*task.earlier)) {
+        task.entry.finish(task.earlier->status, std::move(task.earlier_line),
+                          std::move(task.earlier->output));
+    } else {
+        record(task, failed_outcome(FileStatus::kept,
+                                    kept_file(request_.output + "/" + task.file.output)));
     }
+}
+
+bool BatchRun::has_earlier_output(const EarlierRecord &earlier) const
+{
+    if (earlier.output.empty()) {
+        return true;
+    }
+    const base::Descriptor file = folder_.open_existing(earlier.output, earlier.output_size);
+    return content_of(file.get(), earlier.output_size) ==
+           OutputContent{earlier.output_size, earlier.output_digest};
 }
 
 void BatchRun::commit_outputs(bool is_synced)
@@ -368,8 +417,22 @@ void BatchRun::commit_outputs(bool is_synced)
 
 Status BatchRun::write_lines()
 {
-    const std::string lines = lines_.take(tally_);
-    return lines.empty() ? Status() : manifest_.add(lines);
+    const ManifestLines::Taken taken = lines_.take(tally_);
+    return taken.lines.empty() ? Status() : manifest_.add(taken.lines, taken.outputs);
+}
+
+// What the manifest claims is on the disk before it is: the names of the outputs, too.
+Status BatchRun::finish_manifest()
+{
+    if (const int error_number = sync_volumes(folder_.volumes()); error_number != 0) {
+        return folder_.sync_error(error_number);
+    }
+    return manifest_.finish([this](const std::string &line) {
+        const std::optional<RecordedLine> recorded = recorded_line(line);
+        return recorded && recorded->output &&
+               folder_.open_existing(recorded->output->name, recorded->output->content.size)
+                   .is_open();
+    });
 }
 
 } // namespace pfsdoc::batch

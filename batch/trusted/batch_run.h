@@ -7,14 +7,17 @@
 #pragma once
 
 #include "batch/trusted/batch_request.h"
+#include "batch/trusted/input_identities.h"
 #include "batch/trusted/inputs.h"
 #include "batch/trusted/launcher.h"
 #include "batch/trusted/manifest.h"
 #include "batch/trusted/manifest_lines.h"
 #include "batch/trusted/output_commits.h"
 #include "batch/trusted/output_folder.h"
+#include "batch/trusted/own_files.h"
 #include "batch/trusted/progress.h"
 #include "batch/trusted/record.h"
+#include "batch/trusted/reserved_names.h"
 #include "batch/trusted/worker_process.h"
 
 #include <chrono>
@@ -41,6 +44,11 @@ public:
     {
         return tally_;
     }
+    // That earlier runs made and this one did not.
+    uint64_t outputs_of_others() const
+    {
+        return manifest_.unclaimed_outputs();
+    }
     // What holds the workers; empty where there was none.
     const std::string &sandbox_words() const
     {
@@ -58,6 +66,7 @@ private:
         std::optional<EarlierRecord> earlier{};
         std::string earlier_line{};
         base::Descriptor earlier_output{};
+        std::vector<OutputContent> own{}; // what earlier runs put where the output goes
         std::optional<PendingOutput> output{};
     };
     struct Worker {
@@ -89,14 +98,21 @@ private:
 
     // ---- from the workers to the manifest ----
     void finish(Task task, Outcome outcome);
+    CommitRule rule_of(Task &task, const Outcome &outcome);
+    bool is_input(const FileIdentity &file);
+    bool has_earlier_output(const EarlierRecord &earlier) const;
     void record(Task &task, const Outcome &outcome);
     void commit_outputs(bool is_synced);
     Status write_lines();
     Status keep_what_is_done();
+    Status finish_manifest();
 
     const BatchRequest &request_;
+    ReservedNames reserved_;
     OutputFolder folder_;
     Manifest manifest_;
+    OwnFiles own_;
+    std::optional<InputIdentities> read_files_{}; // where that was asked
     Progress progress_;
     Tally tally_;
     ManifestLines lines_;

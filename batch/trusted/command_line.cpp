@@ -1,5 +1,6 @@
 #include "batch/trusted/command_line.h"
 
+#include "batch/trusted/reserved_names.h"
 #include "cli/format_names.h"
 #include "lib/base/scratch_file.h"
 #include "pfsdoc/output.h"
@@ -28,10 +29,12 @@ Examples:
   pfsdoc batch letters/ -o out -t odt
   pfsdoc batch disks.zip more/ -o out -t text -j 4
   find /archive -name '*.PFS' | pfsdoc batch --files-from - -o out -t html
+  pfsdoc batch --verify out
   jq -r 'select(.status != "converted") | .name' out/manifest.ndjson
 
 The exit code is 0 if all documents have been converted (with --strict: all
-files) and 1 if some have not, or only in part; pfsdoc(1) lists the others.)";
+files) and 1 if some have not, or only in part, or if --verify finds that the
+folder is not as its manifest says; pfsdoc(1) lists the others.)";
 
 constexpr double max_seconds_unless_given = 30;
 constexpr uint64_t max_bytes_unless_given = uint64_t{1} << 30; // of memory, and of an output
@@ -93,6 +96,11 @@ InputOptions input_options(const cli::Arguments &arguments, SandboxMode mode)
     return options;
 }
 
+std::string manifest_path(const cli::Arguments &arguments, const std::string &folder)
+{
+    return arguments.manifest.empty() ? folder + "/" + manifest_name : arguments.manifest;
+}
+
 ProgressForm progress_form(bool quiet)
 {
     if (quiet) {
@@ -138,12 +146,39 @@ Result<ConversionSettings> BatchCommandLine::conversion()
     return unfit.ok() ? settings : Result<ConversionSettings>(unfit.error());
 }
 
-Result<BatchRequest> BatchCommandLine::request()
+Status BatchCommandLine::check_arguments() const
 {
     const cli::Arguments &arguments = options_.arguments();
     if (arguments.paths.empty() && arguments.list_files.empty()) {
         return Error{ErrorKind::usage, "there is nothing to read",
                      "name files, folders or archives; see pfsdoc batch --help"};
+    }
+    if (arguments.output.empty()) {
+        return Error{ErrorKind::usage, "the output folder is missing", "name it with -o"};
+    }
+    if (arguments.format.empty()) {
+        return Error{ErrorKind::usage, "the output format is missing", "name it with -t"};
+    }
+    return {};
+}
+
+Result<VerificationRequest> BatchCommandLine::verification() const
+{
+    const cli::Arguments &arguments = options_.arguments();
+    if (!arguments.paths.empty() || !arguments.list_files.empty() || !arguments.output.empty() ||
+        !arguments.format.empty()) {
+        return Error{ErrorKind::usage, "--verify reads no documents and writes nothing",
+                     "name only the folder, and --manifest where it is elsewhere"};
+    }
+    return VerificationRequest{arguments.verified, manifest_path(arguments, arguments.verified),
+                               arguments.quiet};
+}
+
+Result<BatchRequest> BatchCommandLine::request()
+{
+    const cli::Arguments &arguments = options_.arguments();
+    if (Status fault = check_arguments(); !fault.ok()) {
+        return fault.error();
     }
     const Result<ConversionSettings> settings = conversion();
     if (!settings.ok()) {
@@ -154,10 +189,9 @@ Result<BatchRequest> BatchCommandLine::request()
     BatchRequest request;
     request.inputs = input_options(arguments, mode);
     request.output = arguments.output;
-    request.manifest =
-        arguments.manifest.empty() ? arguments.output + "/manifest.ndjson" : arguments.manifest;
+    request.manifest = manifest_path(arguments, arguments.output);
     request.inputs.extension = settings.value().format->extension;
-    request.inputs.reserved = reserved_names(request.output, request.manifest);
+    request.inputs.reserved = ReservedNames(request.output, request.manifest).names();
     request.worker = {settings.value(), mode,
                       arguments.max_memory.value_or(max_bytes_unless_given)};
     request.workers = arguments.jobs.value_or(std::min(count_processors(), cli::most_jobs));
@@ -168,6 +202,8 @@ Result<BatchRequest> BatchCommandLine::request()
     request.progress = progress_form(arguments.quiet);
     request.quiet = arguments.quiet;
     request.strict = arguments.strict;
+    request.overwrite = arguments.overwrite;
+    request.verbose = arguments.verbose;
     return request;
 }
 

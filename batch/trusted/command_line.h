@@ -3,6 +3,7 @@
 #pragma once
 
 #include "batch/trusted/batch_request.h"
+#include "batch/trusted/verification.h"
 #include "cli/options.h"
 
 #include <CLI/CLI.hpp>
@@ -26,7 +27,15 @@ public:
     // being forked. The command line must outlive what it is the request of.
     Result<BatchRequest> request();
 
+    // Whether outputs are to be verified, and nothing is to be converted.
+    bool verifies() const
+    {
+        return !options_.arguments().verified.empty();
+    }
+    Result<VerificationRequest> verification() const;
+
 private:
+    Status check_arguments() const;
     Result<ConversionSettings> conversion();
 
     CLI::App app_;

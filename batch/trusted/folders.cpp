@@ -51,8 +51,8 @@ Error too_deep()
 } // namespace
 
 FolderWalk::FolderWalk(base::Descriptor folder, std::string name, std::string source,
-                       std::optional<FileIdentity> exclude, NameSet &names)
-    : exclude_(exclude), names_(names)
+                       const LeftOut &left_out, NameSet &names)
+    : left_out_(left_out), names_(names)
 {
     if (std::optional<Error> error = enter(std::move(folder), name, source)) {
         name = name.empty() ? names_.unique(name) : name;
@@ -79,6 +79,9 @@ std::optional<Error> FolderWalk::enter(base::Descriptor folder, std::string name
 // Nothing for a folder: its files come next.
 std::optional<FoundFile> FolderWalk::visit(const std::string &entry)
 {
+    if (left_out_.has_name(entry)) {
+        return std::nullopt;
+    }
     const Level &level = levels_.back();
     std::string name = below(level.name, safe_name(entry, Separators::slash));
     std::string source = level.source + (level.source.ends_with('/') ? "" : "/") + entry;
@@ -87,14 +90,14 @@ std::optional<FoundFile> FolderWalk::visit(const std::string &entry)
         return FoundFile{failed_input(names_.unique(name), std::move(source), opened.error())};
     }
     Entry &found = opened.value();
+    if (left_out_.has(found)) {
+        return std::nullopt;
+    }
     if (!found.is_folder) {
         const bool is_archive = is_archive_name(entry);
         return FoundFile{{is_archive ? names_.unique_folder(name) : names_.unique(name),
                           std::move(source), std::move(found.file), found.size},
                          is_archive};
-    }
-    if (found.identity == exclude_) {
-        return std::nullopt;
     }
     std::optional<Error> error = enter(std::move(found.file), name, source);
     return error ? std::optional(FoundFile{

@@ -19,11 +19,27 @@ struct FoundFile {
     bool is_archive = false; // by its name
 };
 
+// What is passed over without a word.
+struct LeftOut {
+    std::optional<FileIdentity> folder;
+    IsOwnFile is_own; // these may be empty
+    IsOwnName is_own_name;
+
+    bool has_name(const std::string &entry) const
+    {
+        return is_own_name && is_own_name(entry);
+    }
+    bool has(const Entry &entry) const
+    {
+        return entry.is_folder ? entry.identity == folder : is_own && is_own(entry.file.get());
+    }
+};
+
 class FolderWalk {
 public:
     // The name is nobody else's, and may be empty.
     FolderWalk(base::Descriptor folder, std::string name, std::string source,
-               std::optional<FileIdentity> exclude, NameSet &names);
+               const LeftOut &left_out, NameSet &names);
     // Errors are in the input, and the walk goes on behind them.
     std::optional<FoundFile> next();
 
@@ -41,7 +57,7 @@ private:
 
     std::vector<Level> levels_;
     std::optional<FoundFile> first_; // the error of the folder itself
-    std::optional<FileIdentity> exclude_;
+    const LeftOut &left_out_;
     NameSet &names_;
 };
 

@@ -37,7 +37,9 @@ std::string own_name(const std::string &path)
 class AllInputs : public BatchInputs {
 public:
     explicit AllInputs(const InputOptions &options)
-        : options_(options), exclude_(identity_of(options.exclude)), names_(options.extension)
+        : options_(options), left_out_{identity_of(options.exclude), options.is_own,
+                                       options.is_own_name},
+          names_(options.extension)
     {
         for (const std::string &path : options.reserved) {
             names_.reserve(path);
@@ -59,7 +61,7 @@ private:
     std::optional<BatchInput> use(FoundFile found);
 
     InputOptions options_;
-    std::optional<FileIdentity> exclude_;
+    LeftOut left_out_;
     NameSet names_;
     std::size_t next_path_ = 0;
     std::size_t next_list_ = 0;
@@ -121,6 +123,9 @@ std::optional<BatchInput> AllInputs::open_path(const Named &named)
         return failed_input(names_.unique(named.name), named.path, opened.error());
     }
     Entry &entry = opened.value();
+    if (!entry.is_folder && left_out_.has(entry)) {
+        return std::nullopt;
+    }
     if (!entry.is_folder) {
         const bool is_archive = is_archive_name(named.path);
         return use({{is_archive ? names_.unique_folder(named.name) : names_.unique(named.name),
@@ -129,7 +134,7 @@ std::optional<BatchInput> AllInputs::open_path(const Named &named)
     }
     std::string name = named.name.empty() ? "" : names_.unique_folder(named.name);
     folder_ = std::make_unique<FolderWalk>(std::move(entry.file), std::move(name), named.path,
-                                           exclude_, names_);
+                                           left_out_, names_);
     return std::nullopt;
 }
 

@@ -51,12 +51,19 @@ using WaitForInput =
 // Starts a process that reads an archive and writes its messages to the output.
 using StartArchiveReader = std::function<Result<ChildProcess>(int archive, int output)>;
 
+// Whether a file that is open is one that the run itself wrote, or one before it; and whether a
+// name in a folder is that of a file that the run is writing, and that may be gone the next moment.
+using IsOwnFile = std::function<bool(int file)>;
+using IsOwnName = std::function<bool(const std::string &name)>;
+
 struct InputOptions : ArchiveSettings {  // max_input holds for files, too
     std::vector<std::string> paths;      // files, folders, archives
     std::vector<std::string> list_files; // --files-from; "-" is standard input
     std::string extension;               // of the outputs, without its dot
     std::vector<std::string> reserved;   // files in the output folder that are not outputs
     std::string exclude; // a folder that is passed over inside others: the output's; may be empty
+    IsOwnFile is_own;    // what is passed over, wherever it is found; these may be empty
+    IsOwnName is_own_name;
     StartArchiveReader start_archive_reader;
     std::chrono::milliseconds max_time{30000}; // without progress, of the reader of an archive
     WaitForInput wait;                         // for lists that come out of pipes, and for archives

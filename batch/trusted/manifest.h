@@ -6,68 +6,93 @@
 // of its own; so whenever it is ended, nothing that was done is forgotten. Who holds the lock
 // on FILE.partial is the run that is going on.
 //
-// Of earlier lines only their locations are kept in memory, sixteen bytes each. Test:
-// tests/batch/trusted/record_test.cpp.
+// FILE.earlier also gets the line of each output before that output is renamed into place, and
+// keeps, after a run, those of outputs that earlier runs made and this one did not. So it is
+// always known which files are outputs of this program. A file of one of these names that is not
+// a manifest is somebody's own, and ends the run. Test: tests/batch/trusted/manifest_test.cpp.
 #pragma once
 
+#include "batch/trusted/earlier_lines.h"
 #include "lib/base/descriptor.h"
 #include "pfsdoc/error.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace pfsdoc::batch {
 
-// Lines of files that may have been cut anywhere, by the name that is in them.
-class EarlierLines {
-public:
-    // A file that is not there has no lines.
-    void add_file(const std::string &path);
-    // To be called when all files have been added.
-    void sort();
-    // All that may be of that name, the newest first, without their line ends.
-    std::vector<std::string> find(const std::string &name) const;
+// A manifest's names, in a folder that is open.
+struct ManifestPlace {
+    base::Descriptor folder;
+    std::string path; // as it was named
+    std::string name; // in the folder
 
-private:
-    struct Location {
-        uint64_t name_digest; // a part of it
-        uint64_t offset : 56; // in the file
-        uint64_t file : 8;
-    };
-    static_assert(sizeof(Location) == 2 * sizeof(uint64_t));
-
-    std::string line_at(const Location &location) const;
-
-    std::vector<Location> locations_;
-    std::vector<base::Descriptor> files_;
+    // Errors: output (there is no such folder).
+    static Result<ManifestPlace> open(const std::string &path);
 };
+
+// What is behind a manifest's name in the names of its companions.
+inline constexpr const char *partial_ending = ".partial";
+inline constexpr const char *earlier_ending = ".earlier";
+inline constexpr const char *new_earlier_ending = ".earlier.new";
+
+// A regular file of that name that may be a manifest, or none at all: not open then. Errors:
+// output (it is something else).
+Result<base::Descriptor> open_manifest_file(const ManifestPlace &place, const char *ending);
 
 class Manifest {
 public:
     // Takes care of what earlier runs left.
-    static Result<Manifest> open(const std::string &path);
+    static Result<Manifest> open(const std::string &path, EarlierLines::OutputOfLine output_of);
 
     const EarlierLines &earlier() const
     {
         return earlier_;
     }
-    // With its line end.
-    Status add(std::string_view line);
-    // The run is over: gives the manifest its name.
-    Status finish();
+    int folder() const
+    {
+        return place_.folder.get();
+    }
+    // With their line ends, as the outputs that they name.
+    Status add(std::string_view lines, const std::vector<std::string> &outputs);
+    // Lines of outputs that may be renamed into place from now on. Where the disk is full they are
+    // lost, and outputs are known by their content only.
+    void announce(std::string_view lines);
+    // The run is over: gives the manifest its name. Of the earlier lines that no output of this
+    // run has claimed those stay that are wanted.
+    using IsWanted = std::function<bool(const std::string &line)>;
+    Status finish(const IsWanted &is_wanted);
+    // How many outputs have such lines.
+    uint64_t unclaimed_outputs() const
+    {
+        return unclaimed_outputs_;
+    }
 
 private:
-    Manifest(std::string path, base::Descriptor file)
-        : path_(std::move(path)), file_(std::move(file))
+    Manifest(ManifestPlace place, EarlierLines::OutputOfLine output_of)
+        : place_(std::move(place)), earlier_(std::move(output_of))
     {
     }
-    Status set_aside();
 
-    std::string path_;
-    base::Descriptor file_; // the partial one
+    Status check_names();
+    Status open_announced();
+    Status lock_partial();
+    Status set_aside();
+    Status read_earlier();
+    Status write_unclaimed(const IsWanted &is_wanted);
+    Status rename_partial();
+    Status rename_unclaimed();
+    Error not_written(const char *ending, int error_number) const;
+
+    ManifestPlace place_;
+    base::Descriptor file_;      // the partial one
+    base::Descriptor announced_; // the earlier one, for appending
+    bool is_cut_ = false;        // its last line
     EarlierLines earlier_;
+    uint64_t unclaimed_outputs_ = 0;
 };
 
 } // namespace pfsdoc::batch

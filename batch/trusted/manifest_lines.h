@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace pfsdoc::batch {
 
@@ -25,11 +26,13 @@ public:
     struct Entry {
         std::optional<FileStatus> status{}; // set: the file is done
         std::string line;
+        std::string output; // its name; empty where there is none
 
-        void finish(FileStatus with_status, std::string with_line)
+        void finish(FileStatus with_status, std::string with_line, std::string with_output = "")
         {
             status = with_status;
             line = std::move(with_line);
+            output = std::move(with_output);
         }
     };
 
@@ -37,15 +40,23 @@ public:
     {
         return entries_.emplace_back();
     }
-    // The lines of all files that are done and have none before them that is not.
-    std::string take(Tally &tally)
-    {
+    struct Taken {
         std::string lines;
+        std::vector<std::string> outputs; // that are in place
+    };
+    // Of all files that are done and have none before them that is not.
+    Taken take(Tally &tally)
+    {
+        Taken taken;
         for (; !entries_.empty() && entries_.front().status; entries_.pop_front()) {
-            lines += entries_.front().line;
-            tally.add(*entries_.front().status);
+            Entry &entry = entries_.front();
+            taken.lines += entry.line;
+            tally.add(*entry.status);
+            if (!entry.output.empty()) {
+                taken.outputs.push_back(std::move(entry.output));
+            }
         }
-        return lines;
+        return taken;
     }
     bool is_full() const
     {

@@ -2,11 +2,13 @@
 
 #include "batch/wire/records.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <optional>
+#include <span>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <utility>
@@ -15,18 +17,37 @@ namespace pfsdoc::batch {
 
 namespace {
 
+// With a folder on each file system.
 struct SyncRequest {
-    int32_t unused = 0;
+    int32_t has_more = 0; // the next request belongs to this one
 };
 
 struct SyncReply {
     int32_t error_number = 0;
 };
 
-void sync_on_request(int socket, const OutputFolder &folder)
+void close_all(std::vector<int> &descriptors)
+{
+    for (const int descriptor : std::exchange(descriptors, {})) {
+        const base::Descriptor closed(descriptor);
+    }
+}
+
+void sync_on_request(int socket)
 {
     ::prctl(PR_SET_NAME, "pfsdoc-sync");
-    while (receive_record<SyncRequest>(socket) && send_record(socket, SyncReply{folder.sync()})) {
+    std::vector<int> volumes;
+    std::vector<int> more;
+    while (const auto request = receive_record<SyncRequest>(socket, &more)) {
+        volumes.insert(volumes.end(), more.begin(), more.end());
+        if (request->has_more != 0) {
+            continue;
+        }
+        const bool is_answered = send_record(socket, SyncReply{sync_volumes(volumes)});
+        close_all(volumes);
+        if (!is_answered) {
+            return;
+        }
     }
 }
 
@@ -46,9 +67,8 @@ Status OutputCommits::start()
     }
     socket_ = base::Descriptor(ends[0]);
     const base::Descriptor other(ends[1]);
-    const std::array<int, 2> kept = {other.get(), folder_.descriptor()};
-    Result<ChildProcess> process =
-        ChildProcess::start(kept, [&] { sync_on_request(other.get(), folder_); });
+    const std::array<int, 1> kept = {other.get()};
+    Result<ChildProcess> process = ChildProcess::start(kept, [&] { sync_on_request(other.get()); });
     if (!process.ok()) {
         return process.error();
     }
@@ -68,11 +88,32 @@ Status OutputCommits::begin(bool others_wait)
             return fault;
         }
     }
+    announce_waiting();
     begun_ = Clock::now();
     syncing_ = std::exchange(waiting_, {});
-    // Where this fails the process is gone, which finish() reports.
-    static_cast<void>(send_record(socket_.get(), SyncRequest{}));
+    request_sync();
     return {};
+}
+
+void OutputCommits::announce_waiting() const
+{
+    std::string lines;
+    for (const WholeOutput &whole : waiting_) {
+        lines += whole.line;
+    }
+    listener_.announce(lines);
+}
+
+// Where this fails the process is gone, which finish() reports.
+void OutputCommits::request_sync() const
+{
+    const std::vector<int> volumes = folder_.volumes();
+    std::span<const int> left(volumes);
+    do {
+        const auto now = left.first(std::min(left.size(), max_descriptors));
+        left = left.subspan(now.size());
+        static_cast<void>(send_record(socket_.get(), SyncRequest{left.empty() ? 0 : 1}, now));
+    } while (!left.empty());
 }
 
 Status OutputCommits::finish()
@@ -93,17 +134,34 @@ Status OutputCommits::finish()
 Status OutputCommits::rename_synced()
 {
     for (WholeOutput &whole : std::exchange(syncing_, {})) {
-        const Status fault = whole.output.commit();
-        if (fault.ok()) {
-            whole.entry->finish(whole.status, std::move(whole.line));
-        } else if (fault.error().kind == ErrorKind::usage) {
-            const Outcome outcome = failed_outcome(FileStatus::name, fault.error());
-            whole.entry->finish(outcome.status, record_line(whole.file, recorded_, outcome));
+        const Result<Placement> placed = whole.output.commit(whole.rule);
+        if (!placed.ok() && placed.error().kind != ErrorKind::usage) {
+            return placed.error();
+        }
+        if (!placed.ok()) {
+            record_failure(whole, FileStatus::name, placed.error());
+        } else if (placed.value() == Placement::placed) {
+            listener_.placed(whole.file.output);
+            whole.entry->finish(whole.outcome.status, std::move(whole.line),
+                                std::move(whole.file.output));
         } else {
-            return fault;
+            const std::string path = whole.output.path();
+            record_failure(whole, FileStatus::kept,
+                           placed.value() == Placement::kept ? kept_file(path) : kept_input(path));
         }
     }
     return {};
+}
+
+// What was found out about the file holds all the same.
+void OutputCommits::record_failure(WholeOutput &whole, FileStatus status, const Error &error) const
+{
+    Outcome &outcome = whole.outcome;
+    outcome.status = status;
+    outcome.set_error(error);
+    outcome.has_counts = 0;
+    outcome.losses = {};
+    whole.entry->finish(status, record_line(whole.file, recorded_, outcome));
 }
 
 Status OutputCommits::finish_all()

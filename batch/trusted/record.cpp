@@ -1,5 +1,6 @@
 #include "batch/trusted/record.h"
 
+#include "batch/trusted/recorded_line.h"
 #include "lib/base/escaped_name.h"
 #include "lib/base/json_text.h"
 #include "lib/base/printable.h"
@@ -167,16 +168,18 @@ std::optional<EarlierRecord> usable(const json &members, const RecordedFile &fil
     }
     EarlierRecord record{*status, {}, {}, 0, {}};
     const auto input = digest_of_hex(members.at("sha256").get<std::string>());
-    if (!input || !has_output(*status)) {
-        record.input = input.value_or(Digest{});
-        return input ? std::optional(record) : std::nullopt;
+    const std::optional<RecordedOutput> output = recorded_output(members);
+    if (!input || output.has_value() != has_output(*status) ||
+        (output && output->name != file.output)) {
+        return std::nullopt;
     }
     record.input = *input;
-    record.output = members.at("output").at("name").get<std::string>();
-    record.output_size = members.at("output").at("size").get<uint64_t>();
-    const auto digest = digest_of_hex(members.at("output").at("sha256").get<std::string>());
-    record.output_digest = digest.value_or(Digest{});
-    return digest ? std::optional(record) : std::nullopt;
+    if (output) {
+        record.output = output->name;
+        record.output_size = output->content.size;
+        record.output_digest = output->content.sha256;
+    }
+    return record;
 }
 
 } // namespace
@@ -211,16 +214,7 @@ std::optional<EarlierRecord> usable_record(std::string_view line, const Recorded
                                            const RecordedRequest &request)
 {
     try {
-        return usable(json::parse(line), file, request);
-    } catch (const json::exception &) {
-        return std::nullopt;
-    }
-}
-
-std::optional<std::string> recorded_name(std::string_view line)
-{
-    try {
-        return json::parse(line).at("name").get<std::string>();
+        return usable(parsed_line(line), file, request);
     } catch (const json::exception &) {
         return std::nullopt;
     }

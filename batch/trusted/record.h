@@ -47,7 +47,4 @@ struct EarlierRecord {
 std::optional<EarlierRecord> usable_record(std::string_view line, const RecordedFile &file,
                                            const RecordedRequest &request);
 
-// The name in a line; nothing where it is no line of a manifest.
-std::optional<std::string> recorded_name(std::string_view line);
-
 } // namespace pfsdoc::batch

@@ -5,8 +5,8 @@ namespace pfsdoc::batch {
 namespace {
 
 constexpr std::array<std::string_view, file_status_count> names = {
-    "converted", "damaged", "not_a_document", "unreadable", "limit",     "memory",   "timeout",
-    "crashed",   "name",    "skipped",        "internal",   "unchanged", "unwritten"};
+    "converted", "damaged", "not_a_document", "unreadable", "limit",    "memory",    "timeout",
+    "crashed",   "name",    "kept",           "skipped",    "internal", "unchanged", "unwritten"};
 
 constexpr int32_t kinds_end = static_cast<int32_t>(DocumentKind::first_choice_3) + 1;
 constexpr int32_t confidences_end = static_cast<int32_t>(Confidence::signature) + 1;

@@ -32,6 +32,7 @@ enum class FileStatus : uint32_t {
     timeout,   // --max-time
     crashed,   // the process that read it died
     name,      // there can be no output of that name
+    kept,      // another file has its output's name
     skipped,   // a link or a device inside a folder or an archive: what it leads to is not read
     internal,  // a fault of the program's own
     unchanged, // it is what it was in an earlier run; never in a manifest

@@ -56,6 +56,20 @@ void eat_memory(Output &)
     }
 }
 
+// The next write fails, and would not anywhere else.
+void lose_output(Output &output)
+{
+    constexpr int most_descriptors = 256;
+    for (int descriptor = STDERR_FILENO + 1; descriptor < most_descriptors; ++descriptor) {
+        struct stat status {};
+        const bool is_file = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+        if (is_file && (::fcntl(descriptor, F_GETFL) & O_ACCMODE) != O_RDONLY) {
+            ::close(descriptor);
+        }
+    }
+    output.write(std::string(1 << 20, 'x'));
+}
+
 void exit_at_once(Output &)
 {
     ::_exit(3);
@@ -209,12 +223,13 @@ struct Canary {
     std::string_view name;
     void (*action)(Output &);
 };
-constexpr std::array<Canary, 16> canaries = {{
+constexpr std::array<Canary, 17> canaries = {{
     {"crash", crash},
     {"hang", hang},
     {"flood", flood},
     {"memory", eat_memory},
     {"exit", exit_at_once},
+    {"lose", lose_output},
     {"open", open_file},
     {"connect", connect_socket},
     {"fork", fork_process},

@@ -25,6 +25,7 @@ std::vector<Action> all_actions()
         {"fork", "crashed, the process that read it was ended by SIGABRT"},
         {"hang", "timeout, takes longer than 0.5 seconds"},
         {"kill", "crashed, the process that read it was ended by SIGSYS"},
+        {"lose", "internal, the output cannot be written: Bad file descriptor"},
         {"open", "crashed, the process that read it was ended by SIGABRT"},
     };
     if (!pfsdoc::sandbox::memory_is_shadowed) {
@@ -218,7 +219,7 @@ TEST_F(TakenOver, HasASandboxHoweverLittleMemoryThereIs)
         GTEST_SKIP() << "a sanitizer's memory is not limited";
     }
     const Outcome run_of_it =
-        run({"in", "-o", "out", "-t", "odt", "--max-memory", "1", "--sandbox", "require"});
+        run({"in", "-o", "out", "-t", "odt", "--max-memory", "1", "--sandbox", "require", "-v"});
     EXPECT_NE(run_of_it.errors.find("sandbox: seccomp, Landlock"), std::string::npos)
         << run_of_it.errors;
     EXPECT_EQ(run_of_it.errors.find("not available"), std::string::npos) << run_of_it.errors;

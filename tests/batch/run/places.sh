@@ -64,5 +64,15 @@ check_outputs
 [ "$(wc -l <small/out/manifest.ndjson)" -eq 100 ] || fail "not every file is in the manifest"
 [ "$(find small -name '*.partial' -o -name '*.earlier' | wc -l)" -eq 0 ] || fail "left behind"
 
+# A folder of the output on another disk, and the manifest on a third.
+mkdir -p in/disk more/in/disk lists
+cp in/LETTER.1 in/disk/LETTER
+mount -t tmpfs none more/in/disk
+mount -t tmpfs none lists
+"$program" batch in -o more -t text --manifest lists/m --quiet || fail "cannot write to other disks"
+cmp more/in/disk/LETTER.txt "$samples/1012-pfs-write-a/letter.text" || fail "wrong on another disk"
+"$program" batch --verify more --manifest lists/m || fail "not as the manifest says"
+umount more/in/disk lists
+
 echo "$failures failures"
 [ $failures -eq 0 ]

@@ -25,7 +25,6 @@ expect_no()
 
 script -qec "$program batch in -o shown -t text -j 1" /dev/null >terminal
 expect '\r\x1b\[K\[#+\.+\] \d+ of 6000 files, \d+ a second, \d:\d\d:\d\d left, 0 failed' terminal
-expect '\r\x1b\[Kpfsdoc: sandbox: ' terminal
 expect 'pfsdoc: 6000 files: 6000 converted\r$' terminal
 
 # A line that is longer than the window scrolls it at each update.
@@ -51,6 +50,17 @@ done
 expect '^pfsdoc: 6000 files: 6000 converted$' errors
 expect_no '[\r\x1b]' errors
 [ ! -s output ] || { echo "standard output is not empty"; failures=$((failures + 1)); }
+
+# What holds the processes is said where a part is missing, or on request.
+"$program" batch in -o plain -t text -v 2>verbose
+expect '^pfsdoc: sandbox: ' verbose
+if grep -q 'sandbox: seccomp, Landlock' verbose; then
+    expect_no 'sandbox' errors
+else
+    expect 'sandbox' errors
+fi
+"$program" batch in -o plain -t text --sandbox=off 2>errors
+expect_no 'sandbox' errors
 
 "$program" batch in -o quiet -t text --quiet >output 2>errors
 [ ! -s errors ] || { echo "said with --quiet: $(cat errors)"; failures=$((failures + 1)); }

@@ -14,7 +14,7 @@ class Lines : public testing::Test {
 protected:
     std::string taken()
     {
-        return lines.take(tally);
+        return lines.take(tally).lines;
     }
 
     ManifestLines lines;
@@ -40,6 +40,13 @@ TEST_F(Lines, ComeInOrder)
     EXPECT_EQ(taken(), "d");
     EXPECT_TRUE(lines.is_empty());
     EXPECT_EQ(tally.words(), "4 files: 2 converted, 2 failed (1 damaged, 1 crashed)");
+}
+
+TEST_F(Lines, ComeWithTheOutputsThatAreInPlace)
+{
+    lines.add().finish(FileStatus::converted, "a", "a.txt");
+    lines.add().finish(FileStatus::kept, "b");
+    EXPECT_EQ(lines.take(tally).outputs, std::vector<std::string>{"a.txt"});
 }
 
 // A file that takes long holds up the others in the end.

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <unistd.h>
 
@@ -32,11 +33,15 @@ protected:
         auto opened = pfsdoc::batch::OutputFolder::open(directory);
         ASSERT_TRUE(opened.ok());
         folder.emplace(std::move(opened.value()));
-        commits.emplace(*folder, recorded);
+        commits.emplace(
+            *folder, recorded,
+            OutputCommits::Listener{[this](std::string_view some) { announced += some; },
+                                    [this](const std::string &output) { placed += output; }});
     }
     void TearDown() override
     {
         commits.reset();
+        folder.reset();
         fs::remove_all(directory);
     }
 
@@ -47,9 +52,16 @@ protected:
         output.value().close();
         commits->add({&lines.add(),
                       {name, name, 0, name},
-                      FileStatus::converted,
+                      converted(),
                       name + "\n",
-                      std::move(output.value())});
+                      std::move(output.value()),
+                      {}});
+    }
+    static pfsdoc::batch::Outcome converted()
+    {
+        pfsdoc::batch::Outcome outcome;
+        outcome.status = FileStatus::converted;
+        return outcome;
     }
     bool is_there(const std::string &name) const
     {
@@ -57,7 +69,7 @@ protected:
     }
     std::string taken()
     {
-        return lines.take(tally);
+        return lines.take(tally).lines;
     }
 
     fs::path directory;
@@ -66,6 +78,8 @@ protected:
     std::optional<OutputCommits> commits;
     ManifestLines lines;
     pfsdoc::batch::Tally tally;
+    std::string announced;
+    std::string placed;
 };
 
 TEST_F(Commits, HaveNoLineBeforeTheOutputHasItsName)
@@ -116,7 +130,33 @@ TEST_F(Commits, KeepNothingThatIsNotSynced)
 {
     add("a");
     commits.reset();
+    folder.reset();
     EXPECT_TRUE(fs::is_empty(directory));
+}
+
+// A run that is killed in between must know the file for its own when it goes on.
+TEST_F(Commits, AreAnnouncedBeforeTheyHaveTheirNames)
+{
+    add("a");
+    EXPECT_TRUE(commits->begin(false).ok());
+    EXPECT_EQ(announced, "");
+    EXPECT_TRUE(commits->begin(true).ok());
+    EXPECT_EQ(announced, "a\n");
+    EXPECT_FALSE(is_there("a"));
+    EXPECT_EQ(placed, "");
+    EXPECT_TRUE(commits->finish_all().ok());
+    EXPECT_EQ(placed, "a");
+}
+
+TEST_F(Commits, RecordAFileThatIsKept)
+{
+    add("a");
+    std::ofstream(directory / "a") << "of somebody else";
+    EXPECT_TRUE(commits->finish_all().ok());
+    const std::string line = taken();
+    EXPECT_NE(line.find("\"status\":\"kept\""), std::string::npos) << line;
+    EXPECT_NE(line.find("\"output\":null"), std::string::npos) << line;
+    EXPECT_EQ(fs::file_size(directory / "a"), std::string_view("of somebody else").size());
 }
 
 TEST_F(Commits, RecordANameThatCannotBe)

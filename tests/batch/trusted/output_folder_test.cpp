@@ -1,82 +1,26 @@
-// Outputs have a temporary name until they are given their own, and leave nothing without it.
+// Outputs have a temporary name until they are given their own, and leave nothing without it. The
+// folder belongs to one run, and is left only through its own subfolders.
 #include "batch/trusted/output_folder.h"
 
-#include <gtest/gtest.h>
+#include "tests/batch/trusted/output_bench.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <map>
-#include <optional>
-#include <string>
-#include <unistd.h>
-#include <vector>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace tests {
 
 namespace {
 
-namespace fs = std::filesystem;
-using pfsdoc::ErrorKind;
-using pfsdoc::batch::PendingOutput;
-
-class Folder : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        std::string name = (fs::temp_directory_path() / "pfsdoc-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(name.data()), nullptr);
-        directory = name;
-        auto opened = pfsdoc::batch::OutputFolder::open(directory);
-        ASSERT_TRUE(opened.ok());
-        folder.emplace(std::move(opened.value()));
-    }
-    void TearDown() override
-    {
-        fs::remove_all(directory);
-    }
-
-    PendingOutput created(const std::string &name, const std::string &content) const
-    {
-        auto output = folder->create(name);
-        EXPECT_TRUE(output.ok());
-        EXPECT_EQ(::write(output.value().descriptor(), content.data(), content.size()),
-                  static_cast<ssize_t>(content.size()));
-        return std::move(output.value());
-    }
-
-    // "a=1 b/c=2 ", sorted by name; temporary names are "?".
-    std::string files() const
-    {
-        std::map<std::string, std::string> found;
-        for (const auto &entry : fs::recursive_directory_iterator(directory)) {
-            if (entry.is_regular_file()) {
-                std::ifstream content(entry.path());
-                const std::string name = fs::relative(entry.path(), directory);
-                found[name.find(".pfsdoc-") == std::string::npos ? name : "?"] =
-                    std::string(std::istreambuf_iterator<char>(content), {});
-            }
-        }
-        std::string words;
-        for (const auto &[name, content] : found) {
-            words += name + "=" + content + " ";
-        }
-        return words;
-    }
-
-    fs::path directory;
-    std::optional<pfsdoc::batch::OutputFolder> folder;
-};
+class Folder : public OutputBench {};
 
 TEST_F(Folder, GivesOutputsTheirNames)
 {
     PendingOutput first = created("a", "1");
     EXPECT_EQ(files(), "?=1 ") << "has its name before it is on the disk";
     PendingOutput second = created("b/c", "2");
-    EXPECT_FALSE(folder->sync());
-    EXPECT_TRUE(first.commit().ok());
-    EXPECT_TRUE(second.commit().ok());
+    EXPECT_EQ(pfsdoc::batch::sync_volumes(folder->volumes()), 0);
+    EXPECT_EQ(placement(first), Placement::placed);
+    EXPECT_EQ(placement(second), Placement::placed);
     EXPECT_EQ(files(), "a=1 b/c=2 ");
 }
 
@@ -86,7 +30,7 @@ TEST_F(Folder, GivesThemWhenTheyAreClosed)
     EXPECT_GE(output.descriptor(), 0);
     output.close();
     EXPECT_LT(output.descriptor(), 0);
-    EXPECT_TRUE(output.commit().ok());
+    EXPECT_EQ(placement(output), Placement::placed);
     EXPECT_EQ(files(), "a=1 ");
 }
 
@@ -104,11 +48,13 @@ TEST_F(Folder, TellsOfANameThatCannotBe)
 {
     PendingOutput output = created("folder", "1");
     fs::create_directories(directory / "folder" / "full");
-    const pfsdoc::Status fault = output.commit();
-    ASSERT_FALSE(fault.ok());
-    EXPECT_EQ(fault.error().kind, ErrorKind::usage);
-    for (const std::string &name : {std::string("folder/") + std::string(300, 'x') + "/b",
-                                    std::string(200, 'x') + "/" + std::string(300, 'y') + "/c"}) {
+    const auto placed = output.commit({});
+    ASSERT_FALSE(placed.ok());
+    EXPECT_EQ(placed.error().kind, ErrorKind::usage);
+    write("file", "");
+    for (const std::string &name :
+         {std::string("folder/") + std::string(300, 'x') + "/b",
+          std::string(200, 'x') + "/" + std::string(300, 'y') + "/c", std::string("file/a")}) {
         const auto refused = folder->create(name);
         ASSERT_FALSE(refused.ok());
         EXPECT_EQ(refused.error().kind, ErrorKind::usage) << refused.error().what;
@@ -119,37 +65,117 @@ TEST_F(Folder, TellsWhenNothingCanBeWritten)
 {
     PendingOutput output = created("gone/b", "1");
     fs::remove_all(directory / "gone");
-    const pfsdoc::Status fault = output.commit();
-    ASSERT_FALSE(fault.ok());
-    EXPECT_EQ(fault.error().kind, ErrorKind::output);
+    const auto placed = output.commit({});
+    ASSERT_FALSE(placed.ok());
+    EXPECT_EQ(placed.error().kind, ErrorKind::output);
     const auto none = pfsdoc::batch::OutputFolder::open("/proc/none");
     ASSERT_FALSE(none.ok());
     EXPECT_EQ(none.error().kind, ErrorKind::output);
 }
 
-// What a run that was killed has left is not in the way.
-TEST_F(Folder, ReplacesWhatIsThere)
+TEST_F(Folder, IsMadeAgainWhereItWasRemoved)
 {
-    for (const std::string content : {"1", "2"}) {
-        PendingOutput output = created("a", content);
-        EXPECT_TRUE(output.commit().ok());
-        EXPECT_EQ(files(), "a=" + content + " ");
-    }
-    const PendingOutput left = created("b", "killed");
-    PendingOutput output = created("b", "3");
-    EXPECT_TRUE(output.commit().ok());
-    EXPECT_EQ(files(), "a=2 b=3 ");
+    created("a/b", "1");
+    fs::remove_all(directory / "a");
+    PendingOutput output = created("a/c", "2");
+    EXPECT_EQ(placement(output), Placement::placed);
+    EXPECT_EQ(files(), "a/c=2 ");
 }
 
 TEST_F(Folder, FindsAnEarlierOutputBySize)
 {
-    PendingOutput output = created("a", "123");
-    EXPECT_TRUE(output.commit().ok());
+    write("a", "123");
     EXPECT_GE(folder->open_existing("a", 3).get(), 0);
     EXPECT_LT(folder->open_existing("a", 4).get(), 0);
     EXPECT_LT(folder->open_existing("b", 3).get(), 0);
     fs::create_directory(directory / "folder");
     EXPECT_LT(folder->open_existing("folder", fs::file_size(directory / "a")).get(), 0);
+    fs::create_symlink("a", directory / "link");
+    EXPECT_LT(folder->open_existing("link", 3).get(), 0);
+}
+
+// ------------------------------------------------------------------------- links -----
+
+TEST_F(Folder, IsNotLeftThroughALink)
+{
+    const fs::path elsewhere = directory / "elsewhere";
+    fs::create_directory(elsewhere);
+    fs::create_directory(directory / "folder");
+    fs::create_symlink(elsewhere, directory / "link");
+    fs::create_symlink(elsewhere, directory / "folder" / "link");
+    for (const char *name : {"link/a", "folder/link/a", "folder/link/b/c"}) {
+        const auto refused = folder->create(name);
+        ASSERT_FALSE(refused.ok());
+        EXPECT_EQ(refused.error().kind, ErrorKind::usage);
+        EXPECT_NE(refused.error().what.find("symbolic link"), std::string::npos)
+            << refused.error().what;
+    }
+    EXPECT_TRUE(fs::is_empty(elsewhere));
+}
+
+TEST_F(Folder, KeepsTemporaryFilesPrivate)
+{
+    const PendingOutput output = created("a", "1");
+    struct stat status {};
+    ASSERT_EQ(::fstat(output.descriptor(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0600U);
+}
+
+// ---------------------------------------------------------------------- other runs -----
+
+TEST_F(Folder, BelongsToOneRun)
+{
+    const auto second = pfsdoc::batch::OutputFolder::open(directory);
+    ASSERT_FALSE(second.ok());
+    EXPECT_EQ(second.error().kind, ErrorKind::output);
+    EXPECT_NE(second.error().what.find("another run is writing"), std::string::npos);
+    folder.reset();
+    EXPECT_TRUE(pfsdoc::batch::OutputFolder::open(directory).ok());
+}
+
+TEST_F(Folder, HasNothingLeftOfARunThatWasKilled)
+{
+    folder.reset();
+    write(".pfsdoc-run", "0123456789abcdef");
+    write("x/.pfsdoc-0123456789abcdef-0", "left");
+    write("x/y/.pfsdoc-0123456789abcdef-7", "left");
+    write("x/.pfsdoc-0123456789abcdee-0", "of somebody else");
+    write("x/.pfsdoc-notes", "of somebody else");
+    write("x/a", "1");
+    open_folder();
+    EXPECT_FALSE(fs::exists(directory / "x/.pfsdoc-0123456789abcdef-0"));
+    EXPECT_FALSE(fs::exists(directory / "x/y/.pfsdoc-0123456789abcdef-7"));
+    EXPECT_TRUE(fs::exists(directory / "x/.pfsdoc-0123456789abcdee-0"));
+    EXPECT_TRUE(fs::exists(directory / "x/.pfsdoc-notes"));
+    EXPECT_TRUE(fs::exists(directory / ".pfsdoc-run"));
+    folder.reset();
+    EXPECT_FALSE(fs::exists(directory / ".pfsdoc-run"));
+}
+
+TEST_F(Folder, KeepsAFileThatIsNoMarker)
+{
+    folder.reset();
+    for (const std::string content : {"0123456789abcdef0", "notes", "0123456789ABCDEF"}) {
+        write(".pfsdoc-run", content);
+        const auto refused = pfsdoc::batch::OutputFolder::open(directory);
+        ASSERT_FALSE(refused.ok());
+        EXPECT_NE(refused.error().what.find(".pfsdoc-run is not"), std::string::npos);
+        EXPECT_EQ(content_of(".pfsdoc-run"), content);
+    }
+    fs::remove(directory / ".pfsdoc-run");
+    ASSERT_EQ(::mkfifo((directory / ".pfsdoc-run").c_str(), 0600), 0);
+    EXPECT_FALSE(pfsdoc::batch::OutputFolder::open(directory).ok());
+}
+
+// A run that was killed while it wrote its number.
+TEST_F(Folder, ReplacesAMarkerThatWasCut)
+{
+    folder.reset();
+    for (const std::string content : {"", "0123"}) {
+        write(".pfsdoc-run", content);
+        EXPECT_TRUE(pfsdoc::batch::OutputFolder::open(directory).ok());
+        EXPECT_FALSE(fs::exists(directory / ".pfsdoc-run"));
+    }
 }
 
 } // namespace

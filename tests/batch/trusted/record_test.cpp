@@ -1,13 +1,7 @@
-// A line of the manifest, written and read again; and whole manifests that were cut anywhere.
-#include "batch/trusted/manifest.h"
+// A line of the manifest, written and read again.
 #include "batch/trusted/record.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace tests {
 
@@ -82,7 +76,8 @@ TEST(Record, IsUsedAgainForTheSameFileAndRequestOnly)
     for (const pfsdoc::batch::RecordedFile &other :
          {pfsdoc::batch::RecordedFile{"b", file.source, 4, ""},
           pfsdoc::batch::RecordedFile{"a/letter", "b", 4, ""},
-          pfsdoc::batch::RecordedFile{"a/letter", file.source, 5, ""}}) {
+          pfsdoc::batch::RecordedFile{"a/letter", file.source, 5, ""},
+          pfsdoc::batch::RecordedFile{"a/letter", file.source, 4, "b/letter.txt"}}) {
         EXPECT_FALSE(pfsdoc::batch::usable_record(line, other, request).has_value());
     }
     for (const pfsdoc::batch::RecordedRequest &other :
@@ -96,6 +91,26 @@ TEST(Record, IsUsedAgainForTheSameFileAndRequestOnly)
     }
 }
 
+// Somebody has edited the manifest.
+TEST(Record, IsNotUsedWhereItsOutputCannotBe)
+{
+    const std::string line =
+        pfsdoc::batch::record_line(file, request, outcome_of(FileStatus::converted));
+    const auto edited = [&line](const std::string &from, const std::string &to) {
+        std::string changed = line;
+        changed.replace(changed.find(from), from.size(), to);
+        return pfsdoc::batch::usable_record(changed, file, request).has_value();
+    };
+    const std::string name = R"("output":{"name":"a/letter.txt")";
+    EXPECT_TRUE(edited(name, name));
+    EXPECT_FALSE(edited(name, R"("output":{"name":"")"));
+    EXPECT_FALSE(edited(name, R"("output":{"name":"../a/letter.txt")"));
+    EXPECT_FALSE(edited(name, R"("output":{"name":"a/other.txt")"));
+    EXPECT_FALSE(edited(name, R"("output":null,"old":{"name":"a/letter.txt")"));
+    EXPECT_FALSE(edited(R"("size":7)", R"("size":-7)"));
+    EXPECT_FALSE(edited(R"("status":"converted")", R"("status":"not_a_document")"));
+}
+
 TEST(Record, IsUsedAgainWhereTheOutcomeWouldBeTheSame)
 {
     for (std::size_t i = 0; i < pfsdoc::batch::file_status_count; ++i) {
@@ -106,45 +121,6 @@ TEST(Record, IsUsedAgainWhereTheOutcomeWouldBeTheSame)
         EXPECT_EQ(pfsdoc::batch::usable_record(line, file, request).has_value(), is_lasting)
             << line;
     }
-}
-
-std::string content_of(const std::string &path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
-
-// A run is ended at every byte of its manifest, and the next one finds all whole lines.
-TEST(Manifest, FindsTheLinesOfRunsThatWereEnded)
-{
-    std::string folder = (std::filesystem::temp_directory_path() / "pfsdoc-XXXXXX").string();
-    ASSERT_NE(::mkdtemp(folder.data()), nullptr);
-    const std::string path = folder + "/m";
-    const std::string lines = "{\"name\":\"a\"}\n{\"name\":\"b\"}\n";
-    const std::size_t first = lines.find('\n') + 1;
-    for (std::size_t size = 0; size <= lines.size(); ++size) {
-        std::filesystem::remove(path + ".earlier");
-        std::ofstream(path + ".partial") << lines.substr(0, size);
-        for (int starts = 0; starts < 2; ++starts) {
-            const auto manifest = pfsdoc::batch::Manifest::open(path);
-            ASSERT_TRUE(manifest.ok());
-            EXPECT_EQ(content_of(path + ".partial"), "");
-            const auto &earlier = manifest.value().earlier();
-            EXPECT_EQ(earlier.find("a").size(), size >= first ? 1U : 0U) << size;
-            EXPECT_EQ(earlier.find("b").size(), size >= lines.size() ? 1U : 0U) << size;
-            EXPECT_TRUE(earlier.find("c").empty());
-        }
-    }
-    auto manifest = pfsdoc::batch::Manifest::open(path);
-    ASSERT_TRUE(manifest.ok());
-    EXPECT_TRUE(manifest.value().add("{\"name\":\"c\"}\n").ok());
-    EXPECT_EQ(content_of(path + ".partial"), "{\"name\":\"c\"}\n");
-    EXPECT_TRUE(manifest.value().finish().ok());
-    EXPECT_EQ(content_of(path), "{\"name\":\"c\"}\n");
-    EXPECT_FALSE(std::filesystem::exists(path + ".earlier"));
-    EXPECT_FALSE(std::filesystem::exists(path + ".partial"));
-    std::filesystem::remove_all(folder);
 }
 
 } // namespace
