@@ -704,8 +704,8 @@ TEST_F(Command, KeepsMessagesOutOfTheOutput)
     EXPECT_EQ(content_of(directory / "new"), output_of({"text", "a.pfs"}));
 }
 
-// Everything about one command is in its own page, which tests/manual_page.sh checks; the exit codes
-// are checked by tests/exit_codes.sh.
+// Everything about one command is in its own page, which tests/manual_page.sh checks; the exit
+// codes are checked by tests/exit_codes.sh.
 TEST_F(Command, ManualPageNamesEveryCommand)
 {
     const std::string page = content_of(PFSDOC_MANUAL_PAGE);
