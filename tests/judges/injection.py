@@ -117,8 +117,7 @@ def check_name(run, folder, name, plain_outputs):
 
 
 def check_manifest(run, folder, names):
-    """The names, all in one run: each line's name turns back into one of them. Names of which the
-    escaped form is longer than a file's name can be are cut, so they are left out."""
+    """The names, all in one run: each line's source turns back into one of them."""
     inputs = os.path.join(folder, "in")
     os.mkdir(inputs)
     with open(os.path.join(folder, PLAIN), "rb") as file:
@@ -130,8 +129,8 @@ def check_manifest(run, folder, names):
     run("batch", inputs, "-o", out, "-t", "html", "-q")
     with open(os.path.join(out, "manifest.ndjson"), encoding="utf-8", newline="\n") as file:
         lines = file.read().split("\n")[:-1]
-    found = {json.loads(line)["name"] for line in lines}
-    wanted = {"in/" + escaped(name, backslash=True) for name in names}
+    found = {json.loads(line)["source"] for line in lines}
+    wanted = {inputs + "/" + escaped(name, backslash=True) for name in names}
     if found != wanted:
         yield f"manifest: {sorted(found ^ wanted)[:4]}"
 
@@ -323,7 +322,7 @@ def main(pfsdoc, pfsbuild):
         outputs = {form: run("convert", "-t", form, plain) for form in FORMATS}
         for name in names:
             faults += check_name(run, folder, name, outputs)
-        faults += check_manifest(run, folder, [name for name in names if len(name) < 40])
+        faults += check_manifest(run, folder, names)
     for fault in faults[:40]:
         print(f"injection: {fault}", file=sys.stderr)
     print(f"injection: {len(names)} names, {len(TEXTS)} texts, {len(faults)} faults")
