@@ -12,16 +12,12 @@ namespace {
 constexpr char mark = formats::write::record_mark;
 constexpr std::size_t type_offset = 2; // from the mark
 
-// Where the last record that may set margins begins, if any does: one whose type says so, or is not
-// among the bytes.
-std::size_t last_record(std::string_view bytes)
+// Whether a record that begins at the mark may set margins: its type says so, or is not among the
+// bytes.
+bool may_set_margins(std::string_view bytes, std::size_t mark_at)
 {
-    std::size_t at = bytes.rfind(mark);
-    while (at != std::string_view::npos && at + type_offset < bytes.size() &&
-           bytes[at + type_offset] != formats::write::record_margins) {
-        at = at == 0 ? std::string_view::npos : bytes.rfind(mark, at - 1);
-    }
-    return at;
+    const std::size_t type_at = mark_at + type_offset;
+    return type_at >= bytes.size() || bytes[type_at] == formats::write::record_margins;
 }
 
 } // namespace
@@ -32,10 +28,23 @@ std::optional<uint32_t> MarginRecordSource::read_at(uint32_t position,
     const std::optional<uint32_t> count = source_.read_at(position, destination);
     const std::string_view bytes(reinterpret_cast<const char *>(destination.data()),
                                  count.value_or(0));
-    if (const std::size_t at = last_record(bytes); at != std::string_view::npos) {
-        marks_end_ = std::max(marks_end_, position + static_cast<uint32_t>(at) + 1);
+    if (!marks_.empty()) {
+        earlier_marks_end_ = std::max(earlier_marks_end_, marks_.back() + 1);
+        marks_.clear();
+    }
+    for (std::size_t at = bytes.find(mark); at != std::string_view::npos;
+         at = bytes.find(mark, at + 1)) {
+        if (may_set_margins(bytes, at)) {
+            marks_.push_back(position + static_cast<uint32_t>(at));
+        }
     }
     return count;
+}
+
+bool MarginRecordSource::may_have_record_in(uint32_t begin, uint32_t end) const
+{
+    const auto next = std::lower_bound(marks_.begin(), marks_.end(), begin);
+    return begin < earlier_marks_end_ || (next != marks_.end() && *next < end);
 }
 
 int32_t MarginStops::on_event(const Event &event, uint32_t offset)
@@ -49,7 +58,7 @@ int32_t MarginStops::on_event(const Event &event, uint32_t offset)
     // Header lines stand elsewhere in the file: where the text goes on before them, marks may
     // have been passed.
     const bool has_jumped_back = position < begin;
-    return has_jumped_back || source_.may_have_record_from(begin) ? wanted_stop : 0;
+    return has_jumped_back || source_.may_have_record_in(begin, position) ? wanted_stop : 0;
 }
 
 void MarginStops::on_characters(std::string_view bytes)

@@ -18,10 +18,12 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace pfsdoc::reading {
 
-// Passes on what is read, and remembers the last mark in it.
+// Passes on what is read, and remembers the marks in it. A read is a block that the module has
+// still to read; of the blocks before only the last mark matters.
 class MarginRecordSource final : public ByteSource {
 public:
     explicit MarginRecordSource(ByteSource &source) : source_(source) {}
@@ -35,15 +37,14 @@ public:
     {
         return source_.failure();
     }
-    // Whether a byte that may begin a record has been read at this position or behind it.
-    bool may_have_record_from(uint32_t position) const
-    {
-        return position < marks_end_;
-    }
+    // Whether a byte that may begin a record has been read between these positions, the second
+    // one not included, or in an earlier read behind the first one.
+    bool may_have_record_in(uint32_t begin, uint32_t end) const;
 
 private:
     ByteSource &source_;
-    uint32_t marks_end_ = 0; // behind the last mark
+    std::vector<uint32_t> marks_;    // positions in the last read
+    uint32_t earlier_marks_end_ = 0; // behind the last mark of earlier reads
 };
 
 // Stands between a session and a stitcher: of the stops that the stitcher asks for, makes those

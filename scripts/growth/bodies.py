@@ -51,7 +51,7 @@ COMMON = {
     "linespace": b"\xa0\x01",
     "high": b"\xc4",
 }
-PRO_ENDS = {"0": b"\0", "1": b"\x01", "2": b"\x02", "3": b"\x03",
+PRO_ENDS = {"lines": b"\x01" * 2000, "0": b"\0", "1": b"\x01", "2": b"\x02", "3": b"\x03",
             "margins": b"\x07\x05\x01\x0c\x42", "margins2": b"\x07\x05\x01\x0d\x43"}
 OF_KIND = {
     WRITE_A: {"end": b"\r", "super": b"\xe5\x08", "sub": b"\xe6\x10"},
