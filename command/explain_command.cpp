@@ -30,10 +30,11 @@ Examples:
   pfsdoc explain --color always LETTER | less -R
   pfsdoc explain --json LETTER | grep '"line_end":"soft"')";
 
-bool is_set(const char *variable)
+// Empty for a variable that is missing.
+std::string_view environment(const char *variable)
 {
     const char *value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
+    return value != nullptr ? value : "";
 }
 
 // Colours are for people who look at a terminal and have not asked to be spared.
@@ -42,18 +43,17 @@ Colours wanted_colours(const Arguments &arguments)
     if (arguments.color != "auto") {
         return arguments.color == "always" ? Colours::on : Colours::off;
     }
-    const bool is_forced =
-        is_set("CLICOLOR_FORCE") && std::getenv("CLICOLOR_FORCE") != std::string_view("0");
+    const std::string_view forced = environment("CLICOLOR_FORCE");
+    const bool is_forced = !forced.empty() && forced != "0";
     const bool is_shown = is_standard_output(arguments.output) && ::isatty(STDOUT_FILENO) == 1;
-    return (is_forced || is_shown) && !is_set("NO_COLOR") ? Colours::on : Colours::off;
+    return (is_forced || is_shown) && environment("NO_COLOR").empty() ? Colours::on : Colours::off;
 }
 
 // Of the window: what the environment says, for a pager too, or the terminal.
 std::size_t window_columns(const Arguments &arguments)
 {
     constexpr std::size_t most = 1000;
-    const char *said = std::getenv("COLUMNS");
-    const std::string_view digits = said != nullptr ? said : "";
+    const std::string_view digits = environment("COLUMNS");
     std::size_t columns = 0;
     const auto [end, fault] =
         std::from_chars(digits.data(), digits.data() + digits.size(), columns);

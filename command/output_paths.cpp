@@ -38,8 +38,8 @@ Paths paths_in_folder(const Arguments &arguments, std::string_view extension)
             return Error{ErrorKind::usage, "standard input has no name for a file in " + folder,
                          "name a file with -o"};
         }
-        const std::string path =
-            folder + std::string(base::base_name(file)) + "." + std::string(extension);
+        std::string path = folder;
+        path.append(base::base_name(file)).append(".").append(extension);
         const auto [entry, is_new] = inputs_of.emplace(path, file);
         if (!is_new) {
             return Error{ErrorKind::usage,
