@@ -122,13 +122,20 @@ Status OutputCommits::finish()
         return {};
     }
     const auto reply = receive_record<SyncReply>(socket_.get());
-    if (!reply) {
-        return not_synced("was ended " + words_of_end(process_.end()));
+    if (reply && reply->error_number == 0) {
+        return rename_synced();
     }
-    if (reply->error_number != 0) {
-        return folder_.sync_error(reply->error_number);
-    }
-    return rename_synced();
+    discard_all();
+    return reply ? folder_.sync_error(reply->error_number)
+                 : not_synced("was ended " + words_of_end(process_.end()));
+}
+
+// What has not been synced gets no name. Nor do those that wait: the system reports a failure once,
+// and a second attempt would succeed although the data are lost.
+void OutputCommits::discard_all()
+{
+    syncing_.clear();
+    waiting_.clear();
 }
 
 Status OutputCommits::rename_synced()

@@ -79,6 +79,7 @@ private:
     void announce_waiting() const;
     void request_sync() const;
     Status rename_synced();
+    void discard_all();
     void record_failure(WholeOutput &whole, FileStatus status, const Error &error) const;
 
     const OutputFolder &folder_;
