@@ -196,10 +196,15 @@ PendingOutput::PendingOutput(PendingOutput &&other) noexcept
 
 void PendingOutput::discard()
 {
-    if (!temporary_.empty()) {
-        ::unlinkat(place_->tree.open(folder_, FolderTree::Missing::refused), temporary_.c_str(), 0);
-        temporary_.clear();
+    if (temporary_.empty()) {
+        return;
     }
+    const int folder = place_->tree.open(folder_, FolderTree::Missing::refused);
+    const bool is_gone = folder >= 0 && ::unlinkat(folder, temporary_.c_str(), 0) == 0;
+    if (!is_gone && errno != ENOENT) {
+        place_->marker->keep();
+    }
+    temporary_.clear();
 }
 
 std::string PendingOutput::path() const

@@ -2,6 +2,7 @@
 
 #include "lib/base/transfers.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -10,6 +11,7 @@
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace pfsdoc::batch {
 
@@ -18,6 +20,7 @@ namespace {
 constexpr mode_t private_mode = 0600;
 constexpr std::size_t number_bytes = 8;
 constexpr std::size_t number_digits = 2 * number_bytes;
+constexpr std::size_t most_numbers = 64;
 constexpr std::string_view digits = "0123456789abcdef";
 constexpr std::string_view name_start = ".pfsdoc-";
 
@@ -52,52 +55,74 @@ std::optional<std::string> new_number()
     return number;
 }
 
+using Numbers = std::vector<std::string>;
+
 // A run that ended while it wrote its number had no temporary file yet.
-bool is_number_or_beginning(std::string_view text)
+Numbers whole_numbers(std::string_view text)
 {
-    return text.size() <= number_digits && text.find_first_not_of(digits) == std::string_view::npos;
+    Numbers numbers;
+    for (; text.size() >= number_digits; text.remove_prefix(number_digits)) {
+        numbers.emplace_back(text.substr(0, number_digits));
+    }
+    return numbers;
 }
 
-// The number of a run that was killed, which may be cut; nothing where the file is no marker.
-std::optional<std::string> left_number(int file)
+// The numbers in a marker, of which the last may be cut; nothing where the file is no marker.
+std::optional<Numbers> left_numbers(int file)
 {
     struct stat status {};
-    std::array<char, number_digits + 1> text{};
+    std::array<char, most_numbers * number_digits + 1> text{};
     if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink != 1) {
         return std::nullopt;
     }
     const auto size = base::read_full_at(file, text.data(), text.size(), 0);
-    const std::string number(text.data(), size.value_or(0));
-    return size && is_number_or_beginning(number) ? std::optional(number) : std::nullopt;
+    const std::string_view numbers(text.data(), size.value_or(0));
+    const bool is_marker = size && numbers.size() < text.size() &&
+                           numbers.find_first_not_of(digits) == std::string_view::npos;
+    return is_marker ? std::optional(whole_numbers(numbers)) : std::nullopt;
 }
 
-void remove_left(FolderTree &tree, const std::string &number)
+// Whether none is left.
+bool remove_left(FolderTree &tree, const Numbers &numbers)
 {
-    const std::string start = temporary_start(number);
+    bool is_clear = true;
     visit_files(tree, [&](const std::string &folder, const std::string &file) {
-        if (file.starts_with(start)) {
-            ::unlinkat(tree.open(folder, FolderTree::Missing::refused), file.c_str(), 0);
+        const bool is_left =
+            std::any_of(numbers.begin(), numbers.end(), [&](const std::string &number) {
+                return file.starts_with(temporary_start(number));
+            });
+        const bool is_unlisted = file.empty();
+        if (is_unlisted || (is_left && ::unlinkat(tree.open(folder, FolderTree::Missing::refused),
+                                                  file.c_str(), 0) != 0)) {
+            is_clear = false;
         }
     });
+    return is_clear;
 }
 
-// What a killed run left is no longer there.
-Status clear(FolderTree &tree, const std::string &path)
+// Removes what earlier runs left, and their marker. The numbers are of those of which something
+// may still be there.
+Result<Numbers> clear(FolderTree &tree, const std::string &path)
 {
     const std::string name(marker_name);
     const base::Descriptor file(::openat(
         tree.top(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file.is_open()) {
-        return errno == ENOENT ? Status() : in_the_way(path);
+        return errno == ENOENT ? Result<Numbers>(Numbers()) : in_the_way(path);
     }
-    const std::optional<std::string> number = left_number(file.get());
-    if (!number) {
+    std::optional<Numbers> numbers = left_numbers(file.get());
+    if (!numbers) {
         return in_the_way(path);
     }
-    if (number->size() == number_digits) {
-        remove_left(tree, *number);
+    if (!numbers->empty() && remove_left(tree, *numbers)) {
+        numbers->clear();
     }
-    return ::unlinkat(tree.top(), name.c_str(), 0) == 0 ? Status() : not_put(path, errno);
+    if (::unlinkat(tree.top(), name.c_str(), 0) != 0) {
+        return not_put(path, errno);
+    }
+    // One place is this run's.
+    const std::size_t kept = std::min(numbers->size(), most_numbers - 1);
+    return Numbers(numbers->end() - static_cast<std::ptrdiff_t>(kept), numbers->end());
 }
 
 } // namespace
@@ -105,8 +130,9 @@ Status clear(FolderTree &tree, const std::string &path)
 Result<RunMarker> RunMarker::put(FolderTree &tree, const std::string &path)
 {
     const std::string marker_path = path + "/" + std::string(marker_name);
-    if (Status fault = clear(tree, marker_path); !fault.ok()) {
-        return fault.error();
+    const Result<Numbers> left = clear(tree, marker_path);
+    if (!left.ok()) {
+        return left.error();
     }
     const std::optional<std::string> number = new_number();
     const base::Descriptor file(::openat(tree.top(), std::string(marker_name).c_str(),
@@ -116,8 +142,13 @@ Result<RunMarker> RunMarker::put(FolderTree &tree, const std::string &path)
         return not_put(marker_path, errno);
     }
     RunMarker marker(tree, *number);
+    std::string text;
+    for (const std::string &earlier : left.value()) {
+        text += earlier;
+        marker.keep();
+    }
     // It must be there when the first temporary file is, even if the machine loses its power.
-    if (!base::write_all(file.get(), *number) || ::fsync(file.get()) != 0) {
+    if (!base::write_all(file.get(), text + *number) || ::fsync(file.get()) != 0) {
         return not_put(marker_path, errno);
     }
     return marker;
@@ -125,14 +156,14 @@ Result<RunMarker> RunMarker::put(FolderTree &tree, const std::string &path)
 
 RunMarker::~RunMarker()
 {
-    if (tree_ != nullptr) {
+    if (tree_ != nullptr && !is_kept_) {
         ::unlinkat(tree_->top(), std::string(marker_name).c_str(), 0);
     }
 }
 
 RunMarker::RunMarker(RunMarker &&other) noexcept
     : tree_(std::exchange(other.tree_, nullptr)), number_(std::move(other.number_)),
-      next_(other.next_)
+      next_(other.next_), is_kept_(other.is_kept_)
 {
 }
 

@@ -155,7 +155,7 @@ TEST_F(Folder, HasNothingLeftOfARunThatWasKilled)
 TEST_F(Folder, KeepsAFileThatIsNoMarker)
 {
     folder.reset();
-    for (const std::string content : {"0123456789abcdef0", "notes", "0123456789ABCDEF"}) {
+    for (const std::string content : {"0123456789abcdef\n", "notes", "0123456789ABCDEF"}) {
         write(".pfsdoc-run", content);
         const auto refused = pfsdoc::batch::OutputFolder::open(directory);
         ASSERT_FALSE(refused.ok());
@@ -165,6 +165,21 @@ TEST_F(Folder, KeepsAFileThatIsNoMarker)
     fs::remove(directory / ".pfsdoc-run");
     ASSERT_EQ(::mkfifo((directory / ".pfsdoc-run").c_str(), 0600), 0);
     EXPECT_FALSE(pfsdoc::batch::OutputFolder::open(directory).ok());
+}
+
+// The first of them could not remove its own, the second was killed.
+TEST_F(Folder, RemovesWhatSeveralRunsLeft)
+{
+    folder.reset();
+    write(".pfsdoc-run", "0123456789abcdef1111111111111111");
+    write(".pfsdoc-0123456789abcdef-0", "left");
+    write(".pfsdoc-1111111111111111-5", "left");
+    write(".pfsdoc-2222222222222222-5", "somebody's");
+    EXPECT_TRUE(pfsdoc::batch::OutputFolder::open(directory).ok());
+    EXPECT_FALSE(fs::exists(directory / ".pfsdoc-run"));
+    EXPECT_FALSE(fs::exists(directory / ".pfsdoc-0123456789abcdef-0"));
+    EXPECT_FALSE(fs::exists(directory / ".pfsdoc-1111111111111111-5"));
+    EXPECT_TRUE(fs::exists(directory / ".pfsdoc-2222222222222222-5"));
 }
 
 // A run that was killed while it wrote its number.
