@@ -5,6 +5,7 @@
 #include "command/document_job.h"
 #include "command/output_paths.h"
 #include "command/subcommand.h"
+#include "lib/base/escaped_name.h"
 #include "lib/base/printable.h"
 #include "lib/reading/read_document.h"
 
@@ -46,7 +47,7 @@ Examples:
 // The name that a document is known by: its file's, without the folders.
 std::string title_of(const std::string &file)
 {
-    return file == "-" ? "" : base::printable(base::base_name(file));
+    return file == "-" ? "" : base::escaped_name(base::base_name(file));
 }
 
 void report_losses(const std::string &subject, const Converted &converted)

@@ -4,7 +4,7 @@
 #include "batch/sandboxed/test_hook.h"
 #include "batch/wire/sha256.h"
 #include "lib/base/descriptor_output.h"
-#include "lib/base/printable.h"
+#include "lib/base/escaped_name.h"
 #include "lib/base/transfers.h"
 #include "pfsdoc/document.h"
 #include "pfsdoc/examine.h"
@@ -139,7 +139,7 @@ void note_after_end(Document &document, Outcome &outcome)
 Status write_document(Document &document, std::string_view title, base::DescriptorOutput &output,
                       const ConversionSettings &settings, Outcome &outcome)
 {
-    const DocumentInfo info{document.kind(), base::printable(title)};
+    const DocumentInfo info{document.kind(), base::escaped_name(title)};
     const Status fault = settings.format->make_event_writer != nullptr
                              ? write_events(document, output, settings)
                              : write_blocks(document, info, output, settings, outcome);

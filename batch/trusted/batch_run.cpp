@@ -27,7 +27,7 @@ Job job_of(const RecordedFile &file, const std::optional<EarlierRecord> &earlier
 {
     Job job;
     job.size = file.size;
-    job.title.set(base::base_name(file.name));
+    job.title.set(base::base_name(file.source));
     if (earlier) {
         job.has_earlier = 1;
         job.has_earlier_output = earlier->output.empty() ? 0 : 1;

@@ -28,7 +28,7 @@ struct Job {
     uint32_t has_earlier_output = 0;
     Digest earlier_input{};
     Digest earlier_output{};
-    BoundedText<256> title;
+    BoundedText<256> title; // the name of the file as it was found
 };
 static_assert(std::is_trivially_copyable_v<Job>);
 
