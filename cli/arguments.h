@@ -45,7 +45,7 @@ struct Arguments {
     std::optional<uint64_t> max_memory;
     std::optional<uint64_t> max_output;
 
-    std::string sandbox = "available";
+    std::string sandbox; // empty: the command's own choice
     bool no_sandbox = false;
 };
 

@@ -200,7 +200,7 @@ constexpr OptionEntry all_options[] = {
      size<&Arguments::max_output>},
     {one_document, "--max-output", "SIZE",
      "end with code 6 when the output grows larger, such as 64MB", size<&Arguments::max_output>},
-    {batch_command, "--sandbox", "MODE",
+    {converting | explain_command, "--sandbox", "MODE",
      "off, available (as far as the system supports it), require", sandbox},
     {batch_command,
      "--no-sandbox",

@@ -5,6 +5,7 @@
 #include "command/document_job.h"
 #include "command/output_paths.h"
 #include "command/subcommand.h"
+#include "command/walls.h"
 #include "lib/base/escaped_name.h"
 #include "lib/base/printable.h"
 #include "lib/reading/read_document.h"
@@ -90,9 +91,9 @@ Status convert(const Task &task, const Conversion &conversion, const Arguments &
         return output.error();
     }
     output.value()->write(task.follows_another ? separator(conversion.options) : "");
-    const Converted converted =
-        convert_document(std::move(input.value().source), input.value().module, title_of(task.file),
-                         conversion, output.value()->stream());
+    const Converted converted = convert_in_walls(
+        wanted_walls(arguments), std::move(input.value().source), input.value().module,
+        title_of(task.file), conversion, output.value()->stream());
     if (arguments.report && reading::is_read_to_end(converted.status)) {
         report_losses(subject_of(task.file), converted);
     }

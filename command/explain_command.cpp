@@ -2,6 +2,7 @@
 #include "cli/report.h"
 #include "command/document_job.h"
 #include "command/subcommand.h"
+#include "command/walls.h"
 #include "lib/explain/explain_json.h"
 #include "lib/explain/explain_text.h"
 #include "pfsdoc/explain.h"
@@ -98,11 +99,9 @@ private:
 };
 
 // Opens nothing and commits nothing, as convert_document.
-Status explain_into(base::DescriptorOutput &output, const Input &input, const Arguments &arguments,
-                    const CodePage &page)
+Status explain_into(base::DescriptorOutput &output, const Input &input, SpanSink &writer)
 {
-    const std::unique_ptr<SpanSink> writer = make_writer(output, arguments, page);
-    SpanGuard guard(*writer, output);
+    SpanGuard guard(writer, output);
     try {
         return explain(input.module, *input.source, input.identity.kind, guard);
     } catch (const ReadingStopped &stopped) {
@@ -121,8 +120,12 @@ Status explain_file(const Arguments &arguments, const CodePage &page)
     if (!output.ok()) {
         return output.error();
     }
-    return finish(*output.value(),
-                  explain_into(output.value()->stream(), input.value(), arguments, page));
+    base::DescriptorOutput &stream = output.value()->stream();
+    const std::unique_ptr<SpanSink> writer = make_writer(stream, arguments, page);
+    const Status failure = work_in_walls(wanted_walls(arguments), stream, [&] {
+        return explain_into(stream, input.value(), *writer);
+    });
+    return finish(*output.value(), failure);
 }
 
 int run(const Options &options)

@@ -17,7 +17,7 @@ namespace {
 Error lacking(const std::string &what)
 {
     return {ErrorKind::internal, "the sandbox is not available: the kernel " + what,
-            "use a kernel that has it, or read without it with --no-sandbox"};
+            "use a kernel that has it, or read without it with --sandbox=off"};
 }
 
 } // namespace

@@ -15,7 +15,7 @@ void limit(__rlimit_resource resource, uint64_t value)
 {
     rlimit now{};
     ::getrlimit(resource, &now);
-    now.rlim_cur = std::min<rlim_t>(now.rlim_cur, value);
+    now.rlim_cur = static_cast<rlim_t>(std::min<uint64_t>(now.rlim_cur, value));
     now.rlim_max = now.rlim_cur;
     ::setrlimit(resource, &now);
 }

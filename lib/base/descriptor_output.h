@@ -15,6 +15,13 @@ namespace pfsdoc::base {
 // Why a file cannot be opened for output, or written; no name: "the output".
 Error output_error(int error_number, const std::string &name = {});
 
+// How far an output is.
+struct OutputState {
+    uint64_t size = 0;
+    int error_number = 0;
+    bool over_limit = false;
+};
+
 class DescriptorOutput final : public Output {
 public:
     // Is shown every stretch of the output just before it is written: to hash it, say.
@@ -31,6 +38,23 @@ public:
     void write(std::string_view bytes) override;
     // Hands on what is buffered. Without it, that is lost.
     void flush();
+
+    // Where another process wrote what is missing here: with nothing buffered, what there would be
+    // to say, and says it from then on.
+    OutputState state() const
+    {
+        return {size_, error_number_, over_limit_};
+    }
+    void resume(const OutputState &state)
+    {
+        size_ = state.size;
+        error_number_ = state.error_number;
+        over_limit_ = state.over_limit;
+    }
+    int descriptor() const
+    {
+        return descriptor_;
+    }
 
     // The bytes within the limit, written or buffered.
     uint64_t size() const

@@ -36,7 +36,7 @@ ALLOWED = {
     "sandbox": {"lib/base", LIBRARY_API},
     # The programs.
     "cli": {"lib/base", LIBRARY_API},
-    "command": {"cli", "lib/base", "lib/reading", "lib/writers", "lib/explain"} | PUBLIC,
+    "command": {"cli", "sandbox", "lib/base", "lib/reading", "lib/writers", "lib/explain"} | PUBLIC,
     "batch": {"batch/trusted", "batch/sandboxed", "batch/wire", "cli", "lib/base", LIBRARY_API},
     # What sees a stranger's bytes, and what must not: neither includes the other.
     "batch/wire": {"sandbox", "lib/base", LIBRARY_API},

@@ -380,10 +380,10 @@ bool is_landlock(const std::string &words)
 
 constexpr const char *no_landlock =
     "the sandbox is not available: the kernel has no Landlock (Function not implemented); use a "
-    "kernel that has it, or read without it with --no-sandbox; exit code 70";
+    "kernel that has it, or read without it with --sandbox=off; exit code 70";
 constexpr const char *no_seccomp =
     "the sandbox is not available: the kernel takes no filter for seccomp; use a "
-    "kernel that has it, or read without it with --no-sandbox; exit code 70";
+    "kernel that has it, or read without it with --sandbox=off; exit code 70";
 
 TEST_F(Sandbox, TellsWhatIsInForce)
 {
