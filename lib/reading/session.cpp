@@ -225,8 +225,9 @@ int32_t Session::deliver(const Event &event)
         [&] { return sink_->on_event(event, offsets_ == Offsets::wanted ? tell() : 0); });
 }
 
-// What does not fit, or is not to be held back.
-int32_t Session::deliver_character_slowly(int32_t byte)
+// What does not fit, or is not to be held back. Inlined it would cost each character two
+// instructions.
+[[gnu::noinline]] int32_t Session::deliver_character_slowly(int32_t byte)
 {
     if (offsets_ == Offsets::wanted || !is_byte(byte)) {
         return deliver(Character{byte});
