@@ -13,6 +13,7 @@
 namespace pfsdoc::cli {
 
 inline constexpr std::size_t most_jobs = 1024;
+inline constexpr std::size_t most_files_per_process = 64; // an open output for each
 
 struct Arguments {
     // "-" is standard input, and as the output standard output.
@@ -39,6 +40,7 @@ struct Arguments {
     std::string verified;   // an output folder
     bool overwrite = false; // files that are not the batch's own
     std::optional<std::size_t> jobs;
+    std::size_t files_per_process = 8;
     std::optional<double> max_seconds;
     // In bytes.
     std::optional<uint64_t> max_input;

@@ -70,6 +70,13 @@ CLI::Option *jobs(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
     });
 }
 
+CLI::Option *files_per_process(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
+{
+    return value<&Arguments::files_per_process>(app, entry, arguments)
+        ->transform(
+            [](const std::string &text) { return whole_number(text, 1, most_files_per_process); });
+}
+
 CLI::Option *max_time(CLI::App &app, const OptionEntry &entry, Arguments &arguments)
 {
     return value<&Arguments::max_seconds>(app, entry, arguments)
@@ -191,6 +198,10 @@ constexpr OptionEntry all_options[] = {
      flag<&Arguments::strict>},
     {batch_command, "-j,--jobs", "NUMBER",
      "how many files at a time; default: one for each processor", jobs},
+    {batch_command, "--files-per-process", "NUMBER",
+     "how many files a process reads before a fresh one takes over; default: 8; 1: a process for "
+     "each file",
+     files_per_process},
     {batch_command, "--max-input", "SIZE", "skip larger files; default: 4GB",
      size<&Arguments::max_input>},
     {batch_command, "--max-time", "SECONDS", "limit for each file; default: 30", max_time},

@@ -117,8 +117,9 @@ void run_worker(int socket, const WorkerSettings &settings, const ReaderStart &s
     if (!send_record(socket, hello) || hello.failed != 0) {
         ::_exit(EXIT_FAILURE);
     }
-    const Outcome outcome = answer(socket, conversion, without_memory);
-    ::_exit(send_record(socket, outcome) ? EXIT_SUCCESS : EXIT_FAILURE);
+    while (send_record(socket, answer(socket, conversion, without_memory))) {
+    }
+    ::_exit(EXIT_FAILURE);
 }
 
 } // namespace pfsdoc::batch

@@ -26,6 +26,7 @@ struct BatchRequest {
     std::string manifest; // a file
     WorkerSettings worker;
     std::size_t workers = 1;
+    std::size_t files_per_process = 1;
     std::chrono::milliseconds max_time{30000}; // for a file
     RecordedRequest recorded;
     ProgressForm progress = ProgressForm::lines;

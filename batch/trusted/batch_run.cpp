@@ -81,7 +81,7 @@ BatchRun::BatchRun(const BatchRequest &request, Launcher &launcher, OutputFolder
                 [this](const std::string &output) { own_.add(output); }})
 {
     for (std::size_t i = 0; i < request.workers; ++i) {
-        workers_.push_back({WorkerProcess(launcher, request.max_time)});
+        workers_.push_back({WorkerProcess(launcher, request.max_time, request.files_per_process)});
     }
     InputOptions options = request.inputs;
     options.start_archive_reader = [&launcher](int archive, int output) {
@@ -143,8 +143,11 @@ bool BatchRun::is_done() const
 // converted by then is kept, as far as that is possible.
 Status BatchRun::keep_what_is_done()
 {
-    workers_.clear();
     prepared_.clear();
+    for (Worker &worker : workers_) {
+        release(worker);
+    }
+    workers_.clear();
     const Status fault = commits_.finish_all();
     const Status unwritten = write_lines();
     return fault.ok() ? unwritten : fault;
@@ -297,11 +300,9 @@ bool BatchRun::wait_for_any(int descriptor)
     return ready > 0 && polled_[0].revents != 0;
 }
 
-// The worker gets its next file before the results of this one are looked at; by then nothing
-// writes to its output any more.
 void BatchRun::receive_from(Worker &worker)
 {
-    Result<std::optional<WorkerProcess::Answer>> answer = worker.process.receive();
+    Result<std::optional<Outcome>> answer = worker.process.receive();
     if (!answer.ok()) {
         stop(answer.error());
         return;
@@ -312,13 +313,41 @@ void BatchRun::receive_from(Worker &worker)
     if (!answer.value()) {
         return;
     }
-    Task done = std::move(*worker.task);
+    note(worker, std::move(*answer.value()));
+    if (!prepared_.empty() && worker.process.takes_another()) {
+        submit(worker);
+    } else {
+        release(worker);
+    }
+}
+
+// Of the task's descriptors only the output's is needed from now on.
+void BatchRun::note(Worker &worker, Outcome outcome)
+{
+    worker.task->input.file = base::Descriptor();
+    worker.task->earlier_output = base::Descriptor();
+    worker.answered.push_back({std::move(*worker.task), std::move(outcome)});
     worker.task.reset();
-    if (!prepared_.empty()) {
+}
+
+// The worker's next process gets its first file before what the last one reported is looked at. By
+// then that one has ended: nothing writes to its outputs any more.
+void BatchRun::release(Worker &worker)
+{
+    Result<ChildProcess> process = worker.process.release();
+    const bool is_busy = worker.task.has_value(); // the run is being ended
+    std::vector<AnsweredTask> answered = std::exchange(worker.answered, {});
+    if (!prepared_.empty() && !is_busy) {
         submit(worker);
     }
-    answer.value()->process.end();
-    finish(std::move(done), answer.value()->outcome);
+    if (!process.ok()) {
+        stop(process.error());
+        return;
+    }
+    process.value().end();
+    for (AnsweredTask &one : answered) {
+        finish(std::move(one.task), std::move(one.outcome));
+    }
 }
 
 void BatchRun::end_late_jobs()
@@ -326,8 +355,8 @@ void BatchRun::end_late_jobs()
     const Clock::time_point now = Clock::now();
     for (Worker &worker : workers_) {
         if (status_.ok() && worker.task && worker.process.deadline() <= now) {
-            finish(std::move(*worker.task), worker.process.end_late());
-            worker.task.reset();
+            note(worker, worker.process.end_late());
+            release(worker);
         }
     }
 }

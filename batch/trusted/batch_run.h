@@ -69,9 +69,14 @@ private:
         std::vector<OutputContent> own{}; // what earlier runs put where the output goes
         std::optional<PendingOutput> output{};
     };
+    struct AnsweredTask {
+        Task task;
+        Outcome outcome;
+    };
     struct Worker {
         WorkerProcess process;
         std::optional<Task> task{};
+        std::vector<AnsweredTask> answered{}; // by a process that may still write to the outputs
     };
 
     void stop(Error fault);
@@ -94,6 +99,8 @@ private:
     bool wait_for_input(int descriptor, Clock::time_point deadline);
     int patience() const;
     void receive_from(Worker &worker);
+    void note(Worker &worker, Outcome outcome);
+    void release(Worker &worker);
     void end_late_jobs();
 
     // ---- from the workers to the manifest ----

@@ -195,6 +195,7 @@ Result<BatchRequest> BatchCommandLine::request()
     request.worker = {settings.value(), mode,
                       arguments.max_memory.value_or(max_bytes_unless_given)};
     request.workers = arguments.jobs.value_or(std::min(count_processors(), cli::most_jobs));
+    request.files_per_process = arguments.files_per_process;
     request.max_time = max_time(arguments);
     request.recorded = {std::string(settings.value().format->name),
                         std::string(settings.value().format->extension),

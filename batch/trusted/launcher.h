@@ -1,4 +1,4 @@
-// A small process that starts the processes which read strangers' bytes, each for one file.
+// A small process that starts the processes which read strangers' bytes.
 //
 // It is forked before there is anything to know of any file, and reads no byte of one. So a
 // process that it forks has a memory that is quickly copied and holds nothing of other files. They

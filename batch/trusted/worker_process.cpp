@@ -26,6 +26,13 @@ Error crash(int wait_status)
             "please report this as a fault of pfsdoc"};
 }
 
+// What is left of the memory is in pieces, the process in an unknown state, or the run at its end.
+bool ends_its_process(FileStatus status)
+{
+    return status == FileStatus::memory || status == FileStatus::internal ||
+           status == FileStatus::unwritten;
+}
+
 bool can_be_read(int socket)
 {
     pollfd polled{socket, POLLIN, 0};
@@ -73,9 +80,9 @@ WorkerProcess::~WorkerProcess()
     static_cast<void>(take_process(next_));
 }
 
-// A job waits in the socket until its process is ready. One that died while it had no job to do is
+// A job waits in the socket until its process is ready. One that died before its first job is
 // noticed here; if it dies now, that shows when the answer is received.
-Status WorkerProcess::send(const Job &job, std::span<const int> descriptors)
+Status WorkerProcess::send_to_next(const Job &job, std::span<const int> descriptors)
 {
     constexpr int most_attempts = 3;
     for (int attempt = 0; attempt < most_attempts; ++attempt) {
@@ -97,11 +104,22 @@ Status WorkerProcess::send(const Job &job, std::span<const int> descriptors)
     return {};
 }
 
-Status WorkerProcess::submit(Job job, std::span<const int> descriptors)
+// One that speaks without being asked is not itself any more.
+bool WorkerProcess::takes_another() const
 {
-    job.number = ++job_;
+    return current_.socket.is_open() && !current_.is_spent && current_.files < files_per_process_ &&
+           !can_be_read(current_.socket.get());
+}
+
+Status WorkerProcess::send(const Job &job, std::span<const int> descriptors)
+{
+    if (takes_another()) {
+        static_cast<void>(send_record(current_.socket.get(), job, descriptors));
+        deadline_ = Clock::now() + max_time_;
+        return {};
+    }
     deadline_ = Clock::time_point::max();
-    if (Status fault = send(job, descriptors); !fault.ok()) {
+    if (Status fault = send_to_next(job, descriptors); !fault.ok()) {
         return fault;
     }
     Result<Reader> reader = ask_for_reader();
@@ -117,6 +135,14 @@ Status WorkerProcess::submit(Job job, std::span<const int> descriptors)
     return {};
 }
 
+Status WorkerProcess::submit(Job job, std::span<const int> descriptors)
+{
+    job.number = ++job_;
+    Status fault = send(job, descriptors);
+    ++current_.files;
+    return fault;
+}
+
 Status WorkerProcess::accept(const Hello &hello)
 {
     if (hello.failed != 0) {
@@ -129,7 +155,7 @@ Status WorkerProcess::accept(const Hello &hello)
 }
 
 // Where not even the first process gets ready, none will.
-Result<std::optional<WorkerProcess::Answer>> WorkerProcess::ended()
+Result<std::optional<Outcome>> WorkerProcess::ended()
 {
     Result<ChildProcess> process = take_process(current_);
     if (!process.ok()) {
@@ -139,10 +165,10 @@ Result<std::optional<WorkerProcess::Answer>> WorkerProcess::ended()
     if (sandbox_words_.empty()) {
         return fault;
     }
-    return std::optional(Answer{failed_outcome(FileStatus::crashed, fault), {}});
+    return std::optional(failed_outcome(FileStatus::crashed, fault));
 }
 
-Result<std::optional<WorkerProcess::Answer>> WorkerProcess::receive()
+Result<std::optional<Outcome>> WorkerProcess::receive()
 {
     if (!current_.is_ready) {
         const auto hello = receive_record<Hello>(current_.socket.get());
@@ -150,20 +176,24 @@ Result<std::optional<WorkerProcess::Answer>> WorkerProcess::receive()
             return ended();
         }
         const Status fault = accept(*hello);
-        return fault.ok() ? Result<std::optional<Answer>>(std::nullopt) : fault.error();
+        return fault.ok() ? Result<std::optional<Outcome>>(std::nullopt) : fault.error();
     }
     const auto outcome = receive_record<Outcome>(current_.socket.get());
     if (!outcome) {
         return ended();
     }
-    Result<ChildProcess> process = take_process(current_);
-    if (!process.ok()) {
-        return process.error();
-    }
-    process.value().kill();
     const bool is_valid = is_sane(*outcome) && outcome->job == job_;
-    return std::optional(
-        Answer{is_valid ? *outcome : invalid_report(), std::move(process.value())});
+    current_.is_spent = !is_valid || ends_its_process(outcome->status);
+    return std::optional(is_valid ? *outcome : invalid_report());
+}
+
+Result<ChildProcess> WorkerProcess::release()
+{
+    Result<ChildProcess> process = take_process(current_);
+    if (process.ok()) {
+        process.value().kill();
+    }
+    return process;
 }
 
 Outcome WorkerProcess::end_late()

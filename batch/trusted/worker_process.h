@@ -1,6 +1,7 @@
-// A worker as the run sees it: a process for each file, with a socket of its own, over which it
-// gets that file and answers once. It is ended then, so that no file's reader sees another file,
-// and a file that is in place is written to no more. The next process is ready by then.
+// A worker as the run sees it: a process, with a socket of its own, over which it gets a file at a
+// time and answers once for each. After some files it is to be released, and what it reported is
+// used when it has ended: nothing writes to the outputs any more then. The next process is ready
+// by that time, and knows of no file that came before.
 //
 // A process that dies, or takes too long and is killed, costs its file the conversion. Nothing
 // here waits: the run polls the socket. Test: tests/batch/run/canary_test.cpp.
@@ -12,6 +13,7 @@
 #include "lib/base/descriptor.h"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -23,15 +25,10 @@ class WorkerProcess {
 public:
     using Clock = std::chrono::steady_clock;
 
-    // What became of a job. The process may still write until it is ended.
-    struct Answer {
-        Outcome outcome;
-        ChildProcess process;
-    };
-
     // The launcher must outlive this.
-    WorkerProcess(Launcher &launcher, std::chrono::milliseconds max_time)
-        : launcher_(&launcher), max_time_(max_time)
+    WorkerProcess(Launcher &launcher, std::chrono::milliseconds max_time,
+                  std::size_t files_per_process)
+        : launcher_(&launcher), max_time_(max_time), files_per_process_(files_per_process)
     {
     }
     // Ends the processes.
@@ -47,8 +44,13 @@ public:
     {
         return current_.socket.get();
     }
-    // Nothing: the process has only reported that it is ready. Errors: as above.
-    Result<std::optional<Answer>> receive();
+    // What became of the job; nothing: the process has only reported that it is ready. Errors: as
+    // above.
+    Result<std::optional<Outcome>> receive();
+    // Whether the process that has answered can get one more file.
+    bool takes_another() const;
+    // Kills the process; there may be none. The next job goes to another one. Errors: as above.
+    Result<ChildProcess> release();
     // When the job is late; it never is while its process is getting ready.
     Clock::time_point deadline() const
     {
@@ -68,16 +70,20 @@ private:
         base::Descriptor socket{}; // open while there is one
         uint64_t launch = 0;       // the launcher's number for it
         bool is_ready = false;     // it has said so
+        bool is_spent = false;     // it is to get no other file
+        std::size_t files = 0;     // that it has got
     };
 
     Result<Reader> ask_for_reader();
     Status send(const Job &job, std::span<const int> descriptors);
+    Status send_to_next(const Job &job, std::span<const int> descriptors);
     Status accept(const Hello &hello);
-    Result<std::optional<Answer>> ended();
+    Result<std::optional<Outcome>> ended();
     Result<ChildProcess> take_process(Reader &reader);
 
     Launcher *launcher_;
     std::chrono::milliseconds max_time_; // for a file
+    std::size_t files_per_process_;
     Reader current_;
     Reader next_;
     uint64_t job_ = 0; // the number of the current one

@@ -1,4 +1,4 @@
-// What goes between a run and a worker: one record for its file, with the descriptors, and one
+// What goes between a run and a worker: one record for each file, with the descriptors, and one
 // back. Test: tests/batch/run/canary_test.cpp.
 #pragma once
 

@@ -107,9 +107,9 @@ protected:
     {
         return "in/letter" + std::to_string(100 + number);
     }
-    void expect_letters() const
+    void expect_letters(int first = 0) const
     {
-        for (int i = 0; i < letters; ++i) {
+        for (int i = first; i < letters; ++i) {
             EXPECT_EQ(content_of(directory / ("out/" + name(i) + ".txt")),
                       "Letter number " + std::to_string(i) + "\n");
         }
@@ -140,10 +140,12 @@ protected:
             }
         }
     }
-    Outcome run_with(const std::string &action, const std::string &jobs)
+    Outcome run_with(const std::string &action, const std::string &jobs,
+                     const std::string &files_per_process = "1")
     {
         write_letter("in/a", "canary " + action);
-        return run({"in", "-o", "out", "-t", "text", "-j", jobs, "--max-time", "5"});
+        return run({"in", "-o", "out", "-t", "text", "-j", jobs, "--max-time", "5",
+                    "--files-per-process", files_per_process});
     }
 };
 
@@ -154,6 +156,18 @@ TEST_F(TakenOver, AnswersForNoOtherFile)
         EXPECT_EQ(status_of_bird(), "in/a: converted") << "about itself it may say what it likes";
         EXPECT_EQ(content_of(directory / "out/in/a.txt"), "forged");
         expect_letters();
+        expect_true_manifest();
+        fs::remove_all(directory / "out");
+    }
+}
+
+TEST_F(TakenOver, CostsNoMoreThanTheFilesOfItsProcess)
+{
+    constexpr int files_of_process = 8;
+    for (const std::string action : {"answer", "live", "write"}) {
+        run_with(action, "1", std::to_string(files_of_process));
+        EXPECT_EQ(lines_of(manifest()).size(), letters + 1) << action;
+        expect_letters(files_of_process - 1);
         expect_true_manifest();
         fs::remove_all(directory / "out");
     }
@@ -192,8 +206,11 @@ TEST_F(TakenOver, ReadsNothingOfTheList)
     }
     write("list", list);
     const Streams from_list{.input = directory / "list"};
-    EXPECT_EQ(run({"--files-from", "-", "-o", "out", "-t", "text", "-j", "1"}, from_list).exit_code,
-              0);
+    EXPECT_EQ(
+        run({"--files-from", "-", "-o", "out", "-t", "text", "-j", "1", "--files-per-process", "1"},
+            from_list)
+            .exit_code,
+        0);
     EXPECT_EQ(status_of_bird(), "in/a: converted");
     EXPECT_EQ(content_of(directory / "out/in/a.txt"), "canary read\n");
 }
