@@ -55,14 +55,14 @@ MARKUP = ["<script>alert(1)<", "<!--", "-->", "]]>", "<![CDATA[", "&lt;", "&#60;
           "`id`", "{\"a\":1}", "\\u202e", "#", "- x", "1. x", ";", "|a|b|"]
 
 
-def escaped(name, backslash=False):
+def escaped(name):
     """As documented: bytes that are no UTF-8, and characters that are not to be shown, as \\xHH."""
     shown = []
     for character in name.decode("utf-8", "surrogateescape"):
         code = ord(character)
         if 0xDC80 <= code <= 0xDCFF:
             shown.append(f"\\x{code - 0xDC00:02X}")
-        elif code in UNFIT or backslash and character == "\\":
+        elif code in UNFIT or character == "\\":
             shown.append("".join(f"\\x{byte:02X}" for byte in character.encode()))
         else:
             shown.append(character)
@@ -130,7 +130,7 @@ def check_manifest(run, folder, names):
     with open(os.path.join(out, "manifest.ndjson"), encoding="utf-8", newline="\n") as file:
         lines = file.read().split("\n")[:-1]
     found = {json.loads(line)["source"] for line in lines}
-    wanted = {inputs + "/" + escaped(name, backslash=True) for name in names}
+    wanted = {inputs + "/" + escaped(name) for name in names}
     if found != wanted:
         yield f"manifest: {sorted(found ^ wanted)[:4]}"
 
