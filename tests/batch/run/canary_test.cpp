@@ -144,7 +144,7 @@ protected:
                      const std::string &files_per_process = "1")
     {
         write_letter("in/a", "canary " + action);
-        return run({"in", "-o", "out", "-t", "text", "-j", jobs, "--max-time", "5",
+        return run({"in", "-o", "out", "-t", "text", "-j", jobs, "--max-time", "2",
                     "--files-per-process", files_per_process});
     }
 };
