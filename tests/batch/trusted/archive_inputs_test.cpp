@@ -564,7 +564,7 @@ TEST_F(Archives, that_need_too_much_memory_are_an_error)
     EXPECT_EQ(found({"a.tar.xz", "z"}), "a.tar.xz/a = 1\nz = 2\n");
     pfsdoc::batch::InputOptions options;
     options.paths = {"a.tar.xz", "z"};
-    for (const uint64_t megabytes : {0, 20}) {
+    for (const uint64_t megabytes : {uint64_t{0}, uint64_t{20}}) {
         options.max_memory = megabytes << 20;
         EXPECT_EQ(lines_of(options),
                   "a.tar.xz !limit needs more memory to unpack than the limit\nz = 2\n");
