@@ -62,8 +62,8 @@ TEST(FileIdOf, IsTheIdOfTheKindThatIsOpened)
         expect_same_id(choice_document(static_cast<char>(generation), ""));
     }
     EXPECT_EQ(found_id(signed_file("TYPE 2", '2'), VW_KIND_BYTES), 1013);
-    EXPECT_EQ(found_id(choice_document('3', ""), VW_KIND_BYTES), 1058);
-    EXPECT_EQ(found_id(choice_document('2', ""), VW_KIND_BYTES), 1017);
+    EXPECT_EQ(found_id(choice_document('3', ""), 19), 1058);
+    EXPECT_EQ(found_id(choice_document('2', ""), 19), 1017);
 }
 
 TEST(FileIdOf, IsTheSameForFilesOfAnySize)
